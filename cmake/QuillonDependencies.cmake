@@ -1,0 +1,12 @@
+# What the library, the store and the tool link against. Why each: docs/dependencies.md.
+find_package(Threads REQUIRED)
+find_package(OpenSSL 3.0 REQUIRED COMPONENTS Crypto)
+find_package(Boost 1.81 REQUIRED COMPONENTS json)
+find_package(ICU REQUIRED COMPONENTS uc i18n)
+find_package(fmt REQUIRED)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(Sodium REQUIRED IMPORTED_TARGET libsodium)
+pkg_check_modules(Psl REQUIRED IMPORTED_TARGET libpsl)
+find_package(SQLite3 REQUIRED)
+find_path(ZXCVBN_INCLUDE_DIR zxcvbn.h REQUIRED)
+find_library(ZXCVBN_LIBRARY zxcvbn REQUIRED)

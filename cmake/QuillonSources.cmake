@@ -1,0 +1,15 @@
+# quillon_sources(TARGET SOURCE... HEADERS HEADER...): adds a folder's sources to a target, and
+# its headers to what is installed. Headers under internal/ are not listed: they stay here.
+function(quillon_sources target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS")
+  list(TRANSFORM arg_UNPARSED_ARGUMENTS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  target_sources(${target} PRIVATE ${arg_UNPARSED_ARGUMENTS})
+  if(arg_HEADERS)
+    list(TRANSFORM arg_HEADERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+    set(owner ${target})
+    if(target STREQUAL quillon_platform)
+      set(owner quillon)
+    endif()
+    target_sources(${owner} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${arg_HEADERS})
+  endif()
+endfunction()

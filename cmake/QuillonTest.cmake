@@ -1,0 +1,20 @@
+# quillon_test(FOLDER SOURCE...): one test program per folder, named FOLDER_test.
+# What is common to tests of one folder goes into internal/ there.
+if(QUILLON_TESTS)
+  enable_testing()
+  find_package(GTest REQUIRED)
+  include(GoogleTest)
+endif()
+function(quillon_test folder)
+  if(NOT QUILLON_TESTS)
+    return()
+  endif()
+  set(target ${folder}_test)
+  add_executable(${target} ${ARGN})
+  target_link_libraries(${target} PRIVATE Quillon::quillon quillon_options GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${target} PRIVATE
+    QUILLON_SOURCE_DIR="${PROJECT_SOURCE_DIR}" QUILLON_TESTDATA="${CMAKE_CURRENT_SOURCE_DIR}/testdata")
+  target_precompile_headers(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/test_pch.h)
+  add_test(NAME ${folder} COMMAND ${target})
+  set_tests_properties(${folder} PROPERTIES ENVIRONMENT "QUILLON_RESOURCES=${PROJECT_SOURCE_DIR}/resources")
+endfunction()

@@ -1,0 +1,97 @@
+#include "quillon/platform/environment/QNEnvironment.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+#include <utility>
+
+namespace quillon {
+namespace {
+
+struct Settings {
+  std::function<std::uint64_t()> clock;
+  QNScopedRandom::Source random;
+  std::string locale;
+  std::string timeZone;
+};
+
+Settings& settings() {
+  static Settings* const it = new Settings;
+  return *it;
+}
+
+// "de_DE.UTF-8@euro" is "de-DE"; "C" and "POSIX" are English.
+std::string tagOfPosixLocale(std::string name) {
+  name.resize(std::min(name.find_first_of(".@"), name.size()));
+  if (name.empty() || name == "C" || name == "POSIX") return "en-US";
+  for (char& c : name) {
+    if (c == '_') c = '-';
+  }
+  return name;
+}
+
+}  // namespace
+
+std::uint64_t secondsNow() {
+  if (const auto& clock = settings().clock) return clock();
+  return static_cast<std::uint64_t>(std::time(nullptr));
+}
+
+double steadySeconds() {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+std::string currentLocale() {
+  if (!settings().locale.empty()) return settings().locale;
+  for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* const value = std::getenv(name);
+    if (value != nullptr && *value != '\0') return tagOfPosixLocale(value);
+  }
+  return "en-US";
+}
+
+std::string currentTimeZone() {
+  return settings().timeZone;
+}
+
+std::string localHostName() {
+  std::array<char, 256> name{};
+  if (gethostname(name.data(), name.size() - 1) != 0 || name[0] == '\0') return "localhost";
+  return name.data();
+}
+
+QNScopedClock::QNScopedClock(std::uint64_t seconds) : _before(settings().clock) {
+  setSeconds(seconds);
+}
+QNScopedClock::~QNScopedClock() {
+  settings().clock = std::move(_before);
+}
+void QNScopedClock::setSeconds(std::uint64_t seconds) {
+  settings().clock = [seconds] { return seconds; };
+}
+
+QNScopedRandom::QNScopedRandom(Source source)
+    : _before(std::exchange(settings().random, std::move(source))) {}
+QNScopedRandom::~QNScopedRandom() {
+  settings().random = std::move(_before);
+}
+const QNScopedRandom::Source& scopedRandomSource() {
+  return settings().random;
+}
+
+QNScopedLocale::QNScopedLocale(std::string tag)
+    : _before(std::exchange(settings().locale, std::move(tag))) {}
+QNScopedLocale::~QNScopedLocale() {
+  settings().locale = std::move(_before);
+}
+
+QNScopedTimeZone::QNScopedTimeZone(std::string name)
+    : _before(std::exchange(settings().timeZone, std::move(name))) {}
+QNScopedTimeZone::~QNScopedTimeZone() {
+  settings().timeZone = std::move(_before);
+}
+
+}  // namespace quillon

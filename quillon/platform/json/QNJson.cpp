@@ -1,0 +1,191 @@
+#include "quillon/platform/json/QNJson.h"
+
+#include <cmath>
+
+#include "quillon/platform/text/QNText.h"
+
+namespace quillon {
+namespace {
+
+class WipingResource final : public boost::json::memory_resource {
+  void* do_allocate(std::size_t size, std::size_t /*align*/) override {
+    return ::operator new(size);
+  }
+  void do_deallocate(void* block, std::size_t size, std::size_t /*align*/) override {
+    releaseWiped(block, size);
+  }
+  bool do_is_equal(const memory_resource& other) const noexcept override { return this == &other; }
+};
+
+// Has the value a JSON form? Texts must be UTF-8 and numbers finite.
+bool hasJsonForm(const Json& value);
+bool hasJsonForm(const JsonObject& object) {
+  for (const auto& member : object) {
+    if (!isUTF8(member.key()) || !hasJsonForm(member.value())) return false;
+  }
+  return true;
+}
+bool hasJsonForm(const Json& value) {
+  switch (value.kind()) {
+    case JsonKind::string:
+      return isUTF8(value.get_string());
+    case JsonKind::double_:
+      return std::isfinite(value.get_double());
+    case JsonKind::object:
+      return hasJsonForm(value.get_object());
+    case JsonKind::array:
+      for (const Json& element : value.get_array()) {
+        if (!hasJsonForm(element)) return false;
+      }
+      return true;
+    default:
+      return true;
+  }
+}
+
+template <class Value>
+std::optional<Bytes> serialized(const Value& value, QNError* error) {
+  if (!hasJsonForm(value)) {
+    setError(error, QNError::unreadable("a value has no JSON form"));
+    return std::nullopt;
+  }
+  boost::json::serializer serializer;  // its own stack holds places, no text
+  serializer.reset(&value);
+  Bytes out;
+  std::size_t chunk = 512;
+  while (!serializer.done()) {
+    const std::size_t start = out.size();
+    out.resize(start + chunk);
+    const auto written = serializer.read(reinterpret_cast<char*>(out.data()) + start, chunk);
+    out.resize(start + written.size());
+    chunk = std::max(chunk, out.size());
+  }
+  return out;
+}
+
+template <class Value>
+std::optional<std::string> serializedText(const Value& value, QNError* error) {
+  const auto bytes = serialized(value, error);
+  if (!bytes) return std::nullopt;
+  return std::string(textOf(*bytes));
+}
+
+void removeNulls(JsonObject& object);
+void removeNulls(JsonArray& array);
+
+void removeNullsWithin(Json& value) {
+  if (value.is_object()) removeNulls(value.get_object());
+  if (value.is_array()) removeNulls(value.get_array());
+}
+
+void removeNulls(JsonArray& array) {
+  for (auto at = array.begin(); at != array.end();) {
+    if (at->is_null()) {
+      at = array.erase(at);
+    } else {
+      removeNullsWithin(*at++);
+    }
+  }
+}
+
+void removeNulls(JsonObject& object) {
+  for (auto at = object.begin(); at != object.end();) {
+    if (at->value().is_null()) {
+      at = object.stable_erase(at);
+    } else {
+      removeNullsWithin((at++)->value());
+    }
+  }
+}
+
+}  // namespace
+
+boost::json::storage_ptr jsonStorage() noexcept {
+  static WipingResource resource;
+  return &resource;
+}
+
+std::optional<Bytes> mr_JSONDataWithError(const Json& value, QNError* error) {
+  return serialized(value, error);
+}
+std::optional<Bytes> mr_JSONDataWithError(const JsonObject& object, QNError* error) {
+  return serialized(object, error);
+}
+std::optional<std::string> mr_JSONStringWithError(const Json& value, QNError* error) {
+  return serializedText(value, error);
+}
+std::optional<std::string> mr_JSONStringWithError(const JsonObject& object, QNError* error) {
+  return serializedText(object, error);
+}
+
+std::optional<JsonObject> mr_objectFromJSONDataWithError(ByteView data, QNError* error) {
+  auto value = mr_valueFromJSONDataWithError(data, error);
+  if (!value) return std::nullopt;
+  if (!value->is_object()) {
+    setError(error, QNError::unreadable("the JSON text isn't an object"));
+    return std::nullopt;
+  }
+  return std::move(value->get_object());
+}
+
+// Every object of ours is mutable, to any depth.
+std::optional<JsonObject> mr_mutableObjectFromJSONDataWithError(ByteView data, QNError* error) {
+  return mr_objectFromJSONDataWithError(data, error);
+}
+
+std::optional<JsonObject> mr_objectFromJSONStringWithError(std::string_view text, QNError* error) {
+  return mr_objectFromJSONDataWithError(bytesOf(text), error);
+}
+
+void mr_removeNSNullValues(JsonObject& object) {
+  removeNulls(object);
+}
+
+JsonObject mr_deepMutableCopy(const JsonObject& object) {
+  return JsonObject(object, jsonStorage());
+}
+Json mr_deepMutableCopy(const Json& value) {
+  return Json(value, jsonStorage());
+}
+
+const Json* mr_objectForKey(const JsonObject& object, std::string_view key, JsonKind ofClass) {
+  const Json* const found = object.if_contains(key);
+  return found != nullptr && found->kind() == ofClass ? found : nullptr;
+}
+
+const Json* mr_objectForKey(const JsonObject& object, std::string_view key,
+                            std::initializer_list<JsonKind> ofClasses) {
+  for (const JsonKind kind : ofClasses) {
+    if (const Json* const found = mr_objectForKey(object, key, kind)) return found;
+  }
+  return nullptr;
+}
+
+std::optional<std::string_view> mr_validStringValueForKey(const JsonObject& object,
+                                                          std::string_view key) {
+  const Json* const found = mr_objectForKey(object, key, JsonKind::string);
+  if (found == nullptr) return std::nullopt;
+  return std::string_view(found->get_string());
+}
+
+std::optional<std::uint64_t> mr_unsignedValueForKey(const JsonObject& object,
+                                                    std::string_view key) {
+  const Json* const found = object.if_contains(key);
+  if (found == nullptr) return std::nullopt;
+  if (const auto* const number = found->if_uint64()) return *number;
+  if (const auto* const number = found->if_int64(); number != nullptr && *number >= 0) {
+    return static_cast<std::uint64_t>(*number);
+  }
+  constexpr double kTwoTo64 = 18446744073709551616.0;
+  if (const auto* const number = found->if_double();
+      number != nullptr && *number >= 0 && *number < kTwoTo64) {
+    return static_cast<std::uint64_t>(*number);
+  }
+  return std::nullopt;
+}
+
+void setJsonText(JsonObject& object, std::string_view key, std::string_view text) {
+  object[key].emplace_string().assign(text);
+}
+
+}  // namespace quillon
