@@ -1,0 +1,328 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "quillon/items/H9ItemProperties.h"
+#include "quillon/items/QNItemConstants.h"
+#include "quillon/items/QNPreviouslyUsedPassword.h"
+#include "quillon/objects/QNDatabaseObjectWithOverview.h"
+#include "quillon/platform/crypto/QNAESKey.h"
+
+namespace quillon {
+
+class QNGenericCategory;
+class QNItemAttachment;
+class QNItemField;
+class QNItemSpecifier;
+class QNItemURL;
+
+/// What a person keeps in a vault. Two JSON objects make up an item: the overview, which a vault
+/// opens for every item to draw lists, and the details, which hold the secrets and are opened
+/// with the item. The monitor guards both; URLs and everything else are one thread's business.
+/// Edited through setters, which dirty the row; encrypted in willSave() and nowhere else.
+class QNItem : public QNDatabaseObjectWithOverview,
+               public QNSyncable,
+               public QNDisplayOrderable,
+               public std::enable_shared_from_this<QNItem> {
+ public:
+  explicit QNItem(QNNew);
+  explicit QNItem(QNExisting existing);
+  ~QNItem() override;
+
+  // Identity: QNItem.cpp
+  [[nodiscard]] std::string_view className() const override { return "QNItem"; }
+  [[nodiscard]] std::string description() const override { return descriptionForLogging(); }
+  /// A short uuid for an account vault, a long one for a local vault; null, with an assertion
+  /// log, for another profile type.
+  static QNSharedString uuidForProfileType(std::uint64_t type);
+  [[nodiscard]] QNSharedString uuid() const override { return _uuid; }
+  void setUuid(QNSharedString uuid) override;
+  void updateUuid(QNSharedString uuid, std::uint64_t ifProfileTypeMatches);
+  void regenerateUuid();
+  [[nodiscard]] bool isEqual(const QNItem& other) const;
+  [[nodiscard]] std::size_t hash() const;
+  /// The same uuid object, the same updatedAt and the same profile uuid object: a test for "did
+  /// this row change since I drew it", where equal content in another object means it was reloaded.
+  [[nodiscard]] bool isEqualToItem(const QNItem& other) const;
+  [[nodiscard]] bool isSameRevisionAsItem(const QNItem& other) const;
+  [[nodiscard]] bool isModifiedCopyOf(const QNItem& other) const;
+  /// allAttributes() as JSON text, in clear.
+  std::optional<std::string> json();
+  std::string descriptionWithSizeInformation();
+  [[nodiscard]] std::shared_ptr<const QNItemSpecifier> itemSpecifier();
+  [[nodiscard]] QNObjectType objectType() const override { return QNObjectType::item; }
+  [[nodiscard]] bool isTombstone() const override { return false; }
+  [[nodiscard]] bool isFolder() const override { return false; }
+
+  // Profile: QNItem+Profile.cpp
+  /// A first profile gives the item its uuid. A move between vaults gives it a new one; between
+  /// generations, also a new key, with details brought into the clear first.
+  void setProfile(const std::shared_ptr<QNGenericProfile>& profile) override;
+  [[nodiscard]] bool shouldRegenerateUUIDMovingFromProfile(
+      const std::shared_ptr<QNGenericProfile>& from, std::uint64_t profileType,
+      const std::shared_ptr<QNGenericProfile>& toProfile) const;
+  [[nodiscard]] std::shared_ptr<QNGenericCategory> category() const;
+  [[nodiscard]] bool isUIEditable() const;
+
+  // Overview: QNItem+Overview.cpp
+  /// The title, or localized "Unnamed".
+  [[nodiscard]] std::string title();
+  void setTitle(std::optional<std::string_view> title);
+  [[nodiscard]] std::optional<std::string> additionalInformation();
+  void setAdditionalInformation(std::optional<std::string_view> text);
+  [[nodiscard]] virtual std::optional<std::string> _additionalInformation();
+  [[nodiscard]] std::optional<std::string> fastmailAlias();
+  [[nodiscard]] std::set<std::string> tags();
+  void setTags(const std::set<std::string>& tags);
+  [[nodiscard]] std::optional<std::string> h9UserUUID();
+  void setH9UserUUID(std::optional<std::string_view> uuid);
+  /// First letter of a title for grouping a list, or "#".
+  static std::string firstLetterOfString(std::string_view text);
+  void removeQN4CustomIconData();
+  void removeH9CustomIconData();
+  void removeH9PendingCustomIconData();
+
+  // Strength: QNItem+Strength.cpp
+  [[nodiscard]] std::optional<double> passwordBitsEntropy();
+  [[nodiscard]] bool passwordGeneratedByRandomNumberGenerator();
+  [[nodiscard]] std::int16_t passwordStrength();
+  [[nodiscard]] bool shouldShowPasswordStrength();
+  void updatePassword(std::optional<std::string_view> password,
+                      bool generatedByRandomNumberGenerator, double bitsEntropy);
+
+  // Details: QNItem+Details.cpp
+  /// The live object, decrypted at the first call; null on failure, with _detailsData untouched.
+  JsonObject* mutableDetails();
+  JsonObject* details() { return mutableDetails(); }
+  std::optional<JsonObject> detailsCopy();
+  const Json* detailsObjectForKey(std::string_view key);
+  void setDetailsObject(std::optional<Json> object, std::string_view forKey);
+  virtual void copyDetails(const JsonObject& details);
+  virtual void setDetailsData(std::optional<Bytes> data);
+  [[nodiscard]] const std::optional<Bytes>& detailsData() const { return _detailsData; }
+  void decryptDetailsDataIfNeeded();
+  [[nodiscard]] std::optional<std::string> notesPlain();
+  void setNotesPlain(std::optional<std::string_view> notes);
+  /// Takes care of JSON nulls and wrong types in details of an account vault.
+  void cleanseDetailsFieldsFromDetails(JsonObject& details);
+
+  // Key and saving: QNItem+Encryption.cpp
+  [[nodiscard]] QNAESKeyRef key();
+  void setKey(QNAESKeyRef key) { _key = std::move(key); }
+  /// A view of the 112 bytes in the item: valid as long as it lives, changed by a save.
+  [[nodiscard]] ByteView encryptedKey() const { return _encryptedKeyBuffer; }
+  /// Any other length than 112 is refused with an assertion log.
+  void setEncryptedKey(ByteView wrapped);
+  void willSave() override;
+  void copyOidFrom(const std::shared_ptr<QNDatabaseObject>& other) override;
+
+  // Backup keys: QNItem+BackupKeys.cpp
+  [[nodiscard]] std::set<std::string> backupKeysBase64Encoded();
+  void addBackupKeysBase64Encoded(const std::set<std::string>& keys);
+  [[nodiscard]] std::vector<QNAESKeyRef> backupAESKeys();
+  void disableBackupKeys();
+  void enableBackupKeys() { setBackupKeysDisabled(false); }
+  void clearBackupKeys() { setDetailsObject(std::nullopt, kDetailsBackupKeys); }
+  [[nodiscard]] bool isBackupKeysDisabled() const { return _backupKeysDisabled; }
+  void setBackupKeysDisabled(bool disabled) { _backupKeysDisabled = disabled; }
+  void mergeBackupKeysWithConflict(QNItem& other);
+  void test_only_clearAndDisableBackupKeys() {}
+  bool _test_only_isBackupKeysCompletelyDisabled = false;
+
+  // Lifecycle: QNItem+Serialize.cpp
+  void willSerialize() override;
+  void didSave() override;
+  void markRowDirty() override;
+  void noteOriginalPassword();
+
+  // URLs: QNItem+URLs.cpp. Details must be loaded or loading; otherwise an assertion log.
+  [[nodiscard]] std::vector<std::shared_ptr<QNItemURL>> URLs();
+  [[nodiscard]] std::vector<std::shared_ptr<QNItemURL>> deletedURLs();
+  [[nodiscard]] bool hasURLs() { return numberOfURLs() > 0; }
+  [[nodiscard]] std::size_t numberOfURLs();
+  [[nodiscard]] std::shared_ptr<QNItemURL> URLAtIndex(std::size_t index);
+  [[nodiscard]] std::shared_ptr<QNItemURL> URLWithLabel(std::string_view label);
+  [[nodiscard]] std::shared_ptr<QNItemURL> URLWithURLString(std::string_view url);
+  [[nodiscard]] bool hasURLWithString(std::string_view url) {
+    return URLWithURLString(url) != nullptr;
+  }
+  /// The first address. Without details, the copy that the overview holds.
+  [[nodiscard]] std::optional<std::string> URLString();
+  void setURLString(std::optional<std::string_view> url);
+  void addURL(const std::shared_ptr<QNItemURL>& url);
+  void addURLString(std::string_view url) { addURLString(url, std::nullopt); }
+  void addURLString(std::string_view url, std::optional<std::string_view> withLabel);
+  void removeURL(const std::shared_ptr<QNItemURL>& url);
+  void removeURLAtIndex(std::size_t index);
+  void moveURL(const std::shared_ptr<QNItemURL>& url, std::size_t toIndex);
+  void removeDuplicateURLs();
+  [[nodiscard]] std::optional<std::string> nakedDomain();
+  [[nodiscard]] std::optional<std::string> derivedDomain();
+  [[nodiscard]] std::vector<std::string> URLStringsForSearch();
+  [[nodiscard]] std::optional<std::string> goAndFillURLString();
+  [[nodiscard]] std::string defaultLabelForNewURL();
+
+  // Password history: QNItem+History.cpp
+  [[nodiscard]] std::vector<QNPreviouslyUsedPassword>* mutablePreviouslyUsedPasswords();
+  [[nodiscard]] bool hasPreviouslyUsedPasswords() { return numberOfPreviouslyUsedPasswords() > 0; }
+  [[nodiscard]] std::size_t numberOfPreviouslyUsedPasswords();
+  [[nodiscard]] const QNPreviouslyUsedPassword* previouslyUsedPasswordAtIndex(std::size_t index);
+  [[nodiscard]] const QNPreviouslyUsedPassword* previouslyUsedPasswordWithValue(
+      std::string_view value);
+  void addPreviouslyUsedPassword(QNPreviouslyUsedPassword entry);
+  void removePreviouslyUsedPasswordAtIndex(std::size_t index);
+  [[nodiscard]] bool containsPasswordValue(std::string_view value);
+
+  // Sections: QNItem+Sections.cpp. Until sections are built as objects they stay JSON, untouched;
+  // the look-ups then find nothing.
+  [[nodiscard]] std::shared_ptr<QNItemField> findNonEmptyPasswordField();
+  [[nodiscard]] std::shared_ptr<QNItemField> findNonEmptyConcealedField();
+  [[nodiscard]] std::shared_ptr<QNItemField> findFastmailAliasField();
+  [[nodiscard]] bool hasFileFields();
+  void saveFieldSections();
+
+  // Attachments: QNItem+Attachments.cpp. Attachments must be loaded or loading.
+  [[nodiscard]] std::vector<std::shared_ptr<QNItemAttachment>> attachmentsIncludeTombstones(
+      bool include);
+  [[nodiscard]] std::vector<std::shared_ptr<QNItemAttachment>> attachmentsAwaitingBurial();
+  [[nodiscard]] std::int32_t numberOfAttachments();
+  void setNumberOfAttachments(std::int32_t count) { _numberOfAttachments = count; }
+  [[nodiscard]] std::vector<std::shared_ptr<QNItemField>> h9Attachments();
+
+  // What a subclass answers
+  [[nodiscard]] virtual std::optional<std::string> username() { return std::nullopt; }
+  [[nodiscard]] virtual std::optional<QNSecret> password();
+  virtual void setUsername(std::optional<std::string_view> username);
+  virtual void setPassword(std::optional<std::string_view> password);
+  [[nodiscard]] bool hasUsername();
+  [[nodiscard]] bool hasPassword();
+  [[nodiscard]] bool hasUsernameOrPassword() { return hasUsername() || hasPassword(); }
+  [[nodiscard]] bool hasRevealableFields();
+  [[nodiscard]] virtual bool hasLoginFields() { return false; }
+  [[nodiscard]] virtual bool isCreatedByBrowserExtension() { return false; }
+  [[nodiscard]] virtual std::optional<QNSecret> clipboardValue() { return std::nullopt; }
+
+  // Account vault only; an error log and nothing otherwise: QNItem+Account.cpp
+  [[nodiscard]] H9ItemProperties* h9ItemProperties();
+  [[nodiscard]] std::optional<Bytes> encryptedExportOverview();
+  [[nodiscard]] std::optional<Bytes> encryptedExportDetails();
+
+  // Favourites and scope: QNItem.cpp
+  static std::uint64_t newItemFaveIndex() { return kNewItemFaveIndex; }
+  [[nodiscard]] bool isFavorite() const { return _faveIndex != 0; }
+  [[nodiscard]] std::uint64_t faveIndex() const { return _faveIndex; }
+  void setFaveIndex(std::uint64_t index);
+  [[nodiscard]] std::uint64_t favoriteSortDescriptorOrder() const;
+  [[nodiscard]] std::uint64_t displayOrder() const override { return _faveIndex; }
+  void setDisplayOrder(std::uint64_t order) override;
+  [[nodiscard]] std::optional<std::string> scope() const;
+  void setScope(std::optional<std::string> scope);
+  [[nodiscard]] bool hasNeverScope() const;
+  [[nodiscard]] bool hasRegularScope() const { return !hasNeverScope(); }
+  [[nodiscard]] bool isShownInBrowser() const { return hasRegularScope(); }
+  void setShownInBrowser(bool shown);
+  static std::string localizedScopeDescriptionForValue(std::optional<std::string_view> scope);
+  [[nodiscard]] std::string localizedScopeDescription() const;
+
+  // Times: QNItem+Times.cpp. Whole seconds since 1970.
+  [[nodiscard]] std::int64_t createdAtDaysAgo() const;
+  [[nodiscard]] std::int64_t updatedAtDaysAgo() const;
+  [[nodiscard]] std::int64_t passwordAgeInDays();
+  [[nodiscard]] std::int64_t lastUsedDaysAgo() const;
+  [[nodiscard]] std::uint64_t lastPasswordChange();
+  [[nodiscard]] std::chrono::sys_seconds createdAtAsDate() const;
+  [[nodiscard]] std::chrono::sys_seconds updatedAtAsDate() const;
+  [[nodiscard]] std::optional<std::chrono::sys_seconds> lastUsedAtAsDate() const;
+
+  // Row columns. The first three compare and dirty; the rest are plain stores.
+  [[nodiscard]] const std::optional<std::string>& categoryUUID() const { return _categoryUUID; }
+  void setCategoryUUID(std::optional<std::string> uuid);
+  [[nodiscard]] std::optional<std::string> folderUUID() const;
+  void setFolderUUID(std::optional<std::string> uuid);
+  void clearFolder();
+  [[nodiscard]] std::uint64_t folderId() const { return _folderId; }
+  void setFolderId(std::uint64_t id) { _folderId = id; }
+  [[nodiscard]] std::uint64_t categoryId() const { return _categoryId; }
+  void setCategoryId(std::uint64_t id) { _categoryId = id; }
+  [[nodiscard]] const std::optional<std::string>& sectionName() const { return _sectionName; }
+  void setSectionName(std::optional<std::string> name) { _sectionName = std::move(name); }
+  [[nodiscard]] std::uint64_t createdAt() const { return _createdAt; }
+  void setCreatedAt(std::uint64_t seconds) { _createdAt = seconds; }
+  [[nodiscard]] std::uint64_t updatedAt() const override { return _updatedAt; }
+  void setUpdatedAt(std::uint64_t seconds) override { _updatedAt = seconds; }
+  [[nodiscard]] std::uint64_t txTimestamp() const override { return _txTimestamp; }
+  void setTxTimestamp(std::uint64_t timestamp) override { _txTimestamp = timestamp; }
+  [[nodiscard]] std::uint64_t lastUsedTimestamp() const { return _lastUsedTimestamp; }
+  void setLastUsedTimestamp(std::uint64_t seconds) { _lastUsedTimestamp = seconds; }
+  [[nodiscard]] std::int32_t numberOfTimesUsed() const { return _numberOfTimesUsed; }
+  void setNumberOfTimesUsed(std::int32_t count) { _numberOfTimesUsed = count; }
+  [[nodiscard]] bool inboxItem() const { return _inboxItem; }
+  void setInboxItem(bool inbox) { _inboxItem = inbox; }
+  /// True until the item is handed to a cache. This library never reads it.
+  [[nodiscard]] bool isMutable() const { return _mutable; }
+  void setMutable(bool isMutable) { _mutable = isMutable; }
+  void addedToCache() { setMutable(false); }
+
+  /// Empties process-wide search caches; a vault's lock calls it.
+  static void clearCaches();
+
+  // One object per row: what two bases declare is the same thing
+  void _setOid(std::uint64_t oid) override { QNDatabaseObject::_setOid(oid); }
+  [[nodiscard]] std::uint64_t oid() const override { return QNDatabaseObject::oid(); }
+  [[nodiscard]] bool dirtyRow() const override { return QNDatabaseObject::dirtyRow(); }
+  [[nodiscard]] bool authentic() const override { return QNDatabaseObject::authentic(); }
+  void setAuthentic(bool authentic) override { QNDatabaseObject::setAuthentic(authentic); }
+  [[nodiscard]] bool trashed() const override { return QNDatabaseObject::trashed(); }
+  void setTrashed(bool trashed) override { QNDatabaseObject::setTrashed(trashed); }
+  std::shared_ptr<QNDatabaseObject> mergeWithConflict(
+      const std::shared_ptr<QNDatabaseObject>& other) override {
+    return QNDatabaseObject::mergeWithConflict(other);
+  }
+  std::shared_ptr<QNDatabaseObject> objectByReplacingWith(
+      const std::shared_ptr<QNDatabaseObject>& other) override;
+
+ protected:
+  /// Runs after details were parsed, inside the lock.
+  virtual void didParseDetails();
+
+ private:
+  struct OpenState;    // what an item has once somebody opens or edits it
+  struct RareColumns;  // columns that most items leave empty
+  OpenState& openState();
+  RareColumns& rareColumns();
+  bool requireLoadedURLs();
+  bool requireLoadedAttachments();
+  void updateStrength();
+  void retireOriginalPassword();
+  void _savePreviouslyUsedPasswords();
+  bool encryptDetails();
+
+  std::array<std::uint8_t, QNAESKey::kWrappedKeySize> _encryptedKeyBuffer{};
+  std::optional<JsonObject> _details;
+  std::optional<Bytes> _detailsData;
+  QNAESKeyRef _key;
+  QNSharedString _uuid;
+  std::optional<std::string> _categoryUUID;
+  std::optional<std::string> _sectionName;
+  std::uint64_t _txTimestamp = 0;
+  std::uint64_t _lastUsedTimestamp = 0;
+  std::uint64_t _createdAt = 0;
+  std::uint64_t _updatedAt = 0;
+  std::uint64_t _folderId = 0;
+  std::uint64_t _categoryId = 0;
+  std::uint64_t _faveIndex = 0;
+  std::int32_t _numberOfAttachments = 0;
+  std::int32_t _numberOfTimesUsed = 0;
+  bool _inboxItem = false;
+  bool _mutable = true;
+  bool _backupKeysDisabled = false;
+  std::unique_ptr<OpenState> _open;
+  std::unique_ptr<RareColumns> _rare;
+};
+
+}  // namespace quillon

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "quillon/items/QNItem.h"
+#include "quillon/logins/QNLoginFieldList.h"
+
+namespace quillon {
+
+/// A saved web sign-in, category "001". Its username and password are entries of the captured
+/// form in details "fields", marked by a designation. The item's lock guards the list.
+class QNLogin : public QNItem {
+ public:
+  explicit QNLogin(QNNew);
+  explicit QNLogin(QNExisting existing);
+
+  [[nodiscard]] std::string_view className() const override { return "QNLogin"; }
+  /// Loaded at the first use. Valid until the details are replaced.
+  QNLoginFieldList& loginFields();
+  [[nodiscard]] bool hasLoginFields() override;
+  [[nodiscard]] std::optional<std::string> username() override;
+  void setUsername(std::optional<std::string_view> username) override;
+  [[nodiscard]] std::optional<QNSecret> password() override;
+  void setPassword(std::optional<std::string_view> password) override;
+
+  // The web form it was saved from
+  [[nodiscard]] std::optional<std::string> htmlFormValueForKey(std::string_view key);
+  void setHtmlFormValue(std::optional<std::string_view> value, std::string_view forKey);
+  [[nodiscard]] std::optional<std::string> htmlName() { return htmlFormValueForKey("htmlName"); }
+  void setHtmlName(std::optional<std::string_view> name) { setHtmlFormValue(name, "htmlName"); }
+  [[nodiscard]] std::optional<std::string> htmlMethod() {
+    return htmlFormValueForKey("htmlMethod");
+  }
+  void setHtmlMethod(std::optional<std::string_view> method) {
+    setHtmlFormValue(method, "htmlMethod");
+  }
+  [[nodiscard]] std::optional<std::string> htmlID() { return htmlFormValueForKey("htmlID"); }
+  void setHtmlID(std::optional<std::string_view> id) { setHtmlFormValue(id, "htmlID"); }
+  [[nodiscard]] std::optional<std::string> htmlAction() {
+    return htmlFormValueForKey("htmlAction");
+  }
+  void setHtmlAction(std::optional<std::string_view> action) {
+    setHtmlFormValue(action, "htmlAction");
+  }
+
+  [[nodiscard]] std::optional<std::string> _additionalInformation() override;
+  [[nodiscard]] std::optional<QNSecret> clipboardValue() override { return password(); }
+  [[nodiscard]] bool isCreatedByBrowserExtension() override;
+
+  // Kept for compatibility: not persisted, and nothing reads them
+  [[nodiscard]] bool defaultAutosubmit() const { return false; }
+  [[nodiscard]] bool alwaysAutosubmit() const { return false; }
+  [[nodiscard]] bool neverAutosubmit() const { return false; }
+  [[nodiscard]] const std::optional<std::string>& autosubmit() const { return _autosubmit; }
+  void setAutosubmit(std::optional<std::string> value) { _autosubmit = std::move(value); }
+  [[nodiscard]] std::optional<std::string> localizedAutosubmitDescription() const {
+    return std::nullopt;
+  }
+
+  void setDetailsData(std::optional<Bytes> data) override;
+  void copyDetails(const JsonObject& details) override;
+  void willSerialize() override;
+
+ private:
+  void _loadLoginFields();
+  std::unique_ptr<QNLoginFieldList> _cachedLoginFields;
+  std::optional<std::string> _autosubmit;
+};
+
+/// A login of category "800", made through the outside service Privacy.
+class QNPrivacyComLogin final : public QNLogin {
+ public:
+  explicit QNPrivacyComLogin(QNNew);
+  explicit QNPrivacyComLogin(QNExisting existing);
+  [[nodiscard]] std::string_view className() const override { return "QNPrivacyComLogin"; }
+};
+
+}  // namespace quillon

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "quillon/platform/json/QNJson.h"
+
+namespace quillon {
+
+// Keys of a login field in details "fields"
+inline constexpr std::string_view QNLoginFieldKeyName = "name";
+inline constexpr std::string_view QNLoginFieldKeyValue = "value";
+inline constexpr std::string_view QNLoginFieldKeyType = "type";
+inline constexpr std::string_view QNLoginFieldKeyDesignation = "designation";
+inline constexpr std::string_view QNLoginFieldKeyHtmlId = "id";
+
+// Keys of the same things in fill records
+inline constexpr std::string_view QNFillObjectFieldKeyHtmlId = "htmlId";
+inline constexpr std::string_view QNFillObjectFieldKeyHtmlName = "htmlName";
+inline constexpr std::string_view QNFillObjectFieldKeyIsChecked = "checked";
+
+// Kinds of form inputs
+inline constexpr std::string_view QNLoginFieldTypeText = "T";
+inline constexpr std::string_view QNLoginFieldTypePassword = "P";
+inline constexpr std::string_view QNLoginFieldTypeEmail = "E";
+inline constexpr std::string_view QNLoginFieldTypeURL = "U";
+inline constexpr std::string_view QNLoginFieldTypeNumber = "N";
+inline constexpr std::string_view QNLoginFieldTypeRadio = "R";
+inline constexpr std::string_view QNLoginFieldTypeTextArea = "A";
+inline constexpr std::string_view QNLoginFieldTypeButton = "B";
+inline constexpr std::string_view QNLoginFieldTypeCheckbox = "C";
+inline constexpr std::string_view QNLoginFieldTypeTelephone = "TEL";
+inline constexpr std::string_view QNLoginFieldTypeTextString = "S";
+
+// Designations
+inline constexpr std::string_view QNLoginFieldDesignationUsername = "username";
+inline constexpr std::string_view QNLoginFieldDesignationPassword = "password";
+inline constexpr std::string_view QNFillObjectDesignationExistingPassword = "password";
+inline constexpr std::string_view QNFillObjectDesignationNewPassword = "new-password";
+inline constexpr std::string_view QNFillObjectDesignationTOTP = "totp";
+
+/// One input of a web form as a browser captured it: a JSON object with named accessors, which
+/// keeps the members that it doesn't know. The object lies in the wiping resource.
+class QNLoginField final {
+ public:
+  QNLoginField();
+  explicit QNLoginField(const JsonObject& initWithDictionary);
+
+  /// Numbers and booleans read as their text; null or absent members as nothing.
+  [[nodiscard]] std::optional<QNSecret> value() const;
+  [[nodiscard]] std::optional<std::string> name() const;
+  [[nodiscard]] std::optional<std::string> designation() const;
+  /// "T" if it is missing or empty.
+  [[nodiscard]] std::string type() const;
+  /// The stored value itself; null if it is absent.
+  [[nodiscard]] const Json* htmlId() const;
+  [[nodiscard]] bool hasValue(std::string_view value) const;
+
+  void setName(std::string_view name);
+  void setType(std::string_view type);
+  /// Nothing removes the member.
+  void setValue(std::optional<std::string_view> value);
+  /// Nothing and "" remove the member.
+  void setDesignation(std::optional<std::string_view> designation);
+  void _removeDesignation();
+
+  [[nodiscard]] bool designatedAsUsername() const;
+  [[nodiscard]] bool designatedAsPassword() const;
+  [[nodiscard]] bool canConflict() const;
+  [[nodiscard]] bool isConcealed() const;
+  [[nodiscard]] bool isButton() const;
+  [[nodiscard]] bool isCheckbox() const;
+  [[nodiscard]] bool isRadio() const;
+  [[nodiscard]] bool isTextArea() const;
+  /// The value, cut to that many UTF-16 code units.
+  [[nodiscard]] std::optional<QNSecret> valueLimitedToLength(std::size_t length) const;
+
+  [[nodiscard]] std::size_t count() const { return _field.size(); }
+  [[nodiscard]] const JsonObject& asDictionary() const { return _field; }
+
+ private:
+  JsonObject _field;
+};
+
+}  // namespace quillon

@@ -1,0 +1,103 @@
+#include <algorithm>
+#include <utility>
+
+#include "quillon/platform/crypto/QNAESKey.h"
+#include "quillon/platform/crypto/internal/QNSegmentCipher.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view kNoKey = "the key holds no key data";
+constexpr std::string_view kReadFailed = "the reader failed";
+constexpr std::string_view kWriteFailed = "the writer stopped";
+
+// What a reader gives, cut into pieces of one size. It reads one piece ahead, since a piece must
+// be known to be the last before it is sealed or opened.
+class Pieces final {
+ public:
+  Pieces(const QNAESKey::Reader& reader, std::size_t size) : _reader(reader), _size(size) {}
+  // The first call reads the first piece. False if the reader fails.
+  [[nodiscard]] bool advance() {
+    if (!_started && !readAhead()) return false;
+    _started = true;
+    std::swap(_piece, _ahead);
+    _ahead.clear();
+    return _piece.size() < _size || readAhead();
+  }
+  [[nodiscard]] ByteView piece() const noexcept { return _piece; }
+  [[nodiscard]] QNSegmentPlace place() const noexcept {
+    return _ahead.empty() ? QNSegmentPlace::last : QNSegmentPlace::inside;
+  }
+
+ private:
+  bool readAhead() {
+    auto bytes = _reader(_size);
+    if (!bytes || bytes->size() > _size) return false;
+    _ahead = std::move(*bytes);
+    return true;
+  }
+
+  const QNAESKey::Reader& _reader;
+  std::size_t _size;
+  bool _started = false;
+  Bytes _piece;
+  Bytes _ahead;
+};
+
+QNResult<QNDone> seal(const QNAESKey& key, const QNAESKey::Reader& reader,
+                      const QNAESKey::Writer& writer) {
+  auto message = QNSegmentCipher::forNewMessage(key);
+  if (!message) return QNError::unreadable(kNoKey);
+  if (!writer(message->head())) return QNError::unreadable(kWriteFailed);
+  Pieces plain(reader, QNAESKey::kSegmentSize);
+  Bytes sealed;
+  do {
+    if (!plain.advance()) return QNError::unreadable(kReadFailed);
+    sealed.resize(plain.piece().size() + kGCMTagSize);
+    if (!message->seal(plain.piece(), plain.place(), sealed.data())) {
+      return QNError::unreadable("a segment can't be sealed");
+    }
+    if (!writer(sealed)) return QNError::unreadable(kWriteFailed);
+  } while (plain.place() != QNSegmentPlace::last);
+  return QNDone{};
+}
+
+QNResult<QNDone> open(const QNAESKey& key, const QNAESKey::Reader& reader,
+                      const QNAESKey::Writer& writer) {
+  if (key.rawKey() == nullptr) return QNError::unreadable(kNoKey);
+  const auto head = reader(QNSegmentCipher::kHeadSize);
+  if (!head) return QNError::unreadable(kReadFailed);
+  auto message = QNSegmentCipher::forHead(key, *head);
+  if (!message) return QNError::unreadable("the data doesn't begin as sealed data does");
+  Pieces sealed(reader, QNSegmentCipher::kSealedSegmentSize);
+  Bytes plain;
+  do {
+    if (!sealed.advance()) return QNError::unreadable(kReadFailed);
+    const ByteView piece = sealed.piece();
+    plain.resize(piece.size() - std::min(piece.size(), kGCMTagSize));
+    if (!message->open(piece, sealed.place(), plain.data())) {
+      return QNError::unreadable("wrong key or damaged data");
+    }
+    if (!plain.empty() && !writer(plain)) return QNError::unreadable(kWriteFailed);
+  } while (sealed.place() != QNSegmentPlace::last);
+  return QNDone{};
+}
+
+bool reported(const QNResult<QNDone>& result, QNError* error) {
+  if (!result) setError(error, result.error());
+  return result.ok();
+}
+
+}  // namespace
+
+bool QNAESKey::decryptDataWithReader(const Reader& reader, const Writer& writer,
+                                     QNError* error) const {
+  return reported(open(*this, reader, writer), error);
+}
+
+bool QNAESKey::encryptDataWithReader(const Reader& reader, const Writer& writer,
+                                     QNError* error) const {
+  return reported(seal(*this, reader, writer), error);
+}
+
+}  // namespace quillon

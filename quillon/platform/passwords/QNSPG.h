@@ -1,0 +1,51 @@
+#pragma once
+// Password strength and generation. Strengths are on one scale of 0 to 100.
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "quillon/platform/errors/QNError.h"
+#include "quillon/platform/memory/QNSecret.h"
+
+namespace quillon {
+
+/// The password generator and the scale of strengths.
+class QNSPG final {
+ public:
+  struct Characters {
+    std::uint32_t length = 20;  // 4 to 256
+    bool digits = true;
+    bool symbols = true;
+    /// Leaves out characters that are easily mistaken for another: 0 O 1 l I |
+    bool ambiguous = false;
+  };
+  /// A generated password and the bits of entropy of the way it was made.
+  struct Generated {
+    QNSecret password;
+    double bitsEntropy = 0;
+  };
+
+  /// Random characters; at least one of each asked class where the length allows it. The stated
+  /// entropy takes that condition into account.
+  static Generated generateCharacters(const Characters& recipe);
+  /// The default recipe.
+  static QNSecret generateCharactersPassword();
+
+  /// Bits of entropy on the scale of strengths: 0 for 0 bits, 100 from 128 bits on, rising.
+  static double calcStrengthWithBitsEntropy(double bits);
+  /// Should a strength be shown for this text? Not for an empty one, one of blanks, or one of
+  /// fewer than 2 or more than 1,024 characters.
+  static bool qualifiesForPasswordStrength(std::string_view text);
+};
+
+/// Rates passwords that weren't generated here, by zxcvbn.
+class LTPasswordStrengthWrapper final {
+ public:
+  /// 0 to 100, on the scale of QNSPG. Only the first 100 characters count, since the cost grows
+  /// with the length. Nothing and an error of QNErrorDomain for an absent password.
+  static std::optional<float> passwordStrength(std::optional<std::string_view> password,
+                                               QNError* error = nullptr);
+};
+
+}  // namespace quillon

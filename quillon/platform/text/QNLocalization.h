@@ -1,0 +1,45 @@
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+/// Texts of the user interface. The English text is the key; a missing translation shows it.
+/// Tables are `Locales/LANGUAGE.lproj/Localizable.strings` in the resource folder: lines of
+/// "key" = "text";, UTF-8, with comments. A table is read once, at the first text asked of its
+/// language; "pt-BR" falls back on "pt", and then on the key. Any thread may use it.
+class QNLocalization final {
+ public:
+  static QNLocalization& sharedLocalization();
+
+  /// A BCP 47 tag. Starts as the current locale.
+  [[nodiscard]] std::string language() const;
+  void setLanguage(std::string_view tag);
+
+  /// `comment` is for the translator only.
+  [[nodiscard]] std::string localizedStringForKey(std::string_view key,
+                                                  std::string_view comment = {}) const;
+
+  // Reading: QNLocalization+Strings.cpp
+  using Table = std::map<std::string, std::string, std::less<>>;
+  /// Reads one table's text. A broken line gives a log line, with `name` in it, and is skipped.
+  static Table parseStrings(std::string_view text, std::string_view name);
+
+ private:
+  QNLocalization();
+  const Table& tableFor(const std::string& language) const;
+
+  mutable std::mutex _mutex;  // guards both
+  std::string _language;
+  mutable std::map<std::string, Table> _tables;
+};
+
+/// The text for an English key in the user's language.
+std::string QNLocalizedString(std::string_view key);
+/// The same, with its one placeholder ("%@" or "%jd") filled in.
+std::string localizedFormat(std::string_view key, std::string_view argument);
+
+}  // namespace quillon

@@ -1,0 +1,50 @@
+#pragma once
+// What a language decides about text, through ICU. UTF-8 in and out; bytes that aren't UTF-8
+// read as U+FFFD, and only what cuts a text leaves them as they are. Lengths are in UTF-16
+// code units, as stored data counts them.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "quillon/platform/memory/QNSecret.h"
+
+namespace quillon {
+
+bool isUTF8(std::string_view text) noexcept;
+
+/// Number of UTF-16 code units.
+std::size_t textLength(std::string_view text);
+/// The first `length` code units at most; never half a surrogate pair.
+std::string textCutToLength(std::string_view text, std::size_t length);
+/// How many bytes such a cut keeps: for text that mustn't be copied.
+std::size_t bytesOfCutToLength(std::string_view text, std::size_t length);
+/// White space and new lines at the end cut off, or at both ends.
+std::string trimmedRight(std::string_view text);
+std::string trimmed(std::string_view text);
+
+/// Case mapping for the user's locale.
+std::string lowercaseText(std::string_view text);
+std::string uppercaseText(std::string_view text);
+/// The first extended grapheme cluster (UAX 29); empty for an empty text.
+std::string firstComposedCharacter(std::string_view text);
+/// Is every character a letter, or a mark that belongs to one? False for an empty text.
+bool isLettersOnly(std::string_view text);
+
+// Folding: QNText+Folding.cpp
+/// Folded for search: NFD, marks dropped, case folded, and a small table for letters that carry
+/// their stroke inside (ø, ł, đ, ħ and their like). Folding twice changes nothing.
+std::string foldedForSearch(std::string_view text);
+/// Does `text` contain `part`, case and full or half width of letters apart? Each text contains
+/// the empty one.
+bool containsIgnoringCaseAndWidth(std::string_view text, std::string_view part);
+/// Normalization form KD (UAX 15): what a password is derived from.
+QNSecret normalizedNFKD(std::string_view text);
+
+// Comparing: QNText+Comparing.cpp
+/// Order of two texts for a person, by the user's locale; case apart in the second. Below 0,
+/// 0, or above 0.
+int localizedCompare(std::string_view a, std::string_view b);
+int localizedCaseInsensitiveCompare(std::string_view a, std::string_view b);
+
+}  // namespace quillon

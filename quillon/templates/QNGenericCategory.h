@@ -1,0 +1,51 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "quillon/items/QNItemClass.h"
+#include "quillon/templates/QNCategoryUUID.h"
+
+namespace quillon {
+
+/// What a vault stores, or a list shows, for one category.
+class QNGenericCategory {
+ public:
+  virtual ~QNGenericCategory() = default;
+  [[nodiscard]] virtual std::optional<std::string> uuid() const = 0;
+  [[nodiscard]] virtual std::optional<std::string> singularName() const = 0;
+  [[nodiscard]] virtual std::optional<std::string> pluralName() const = 0;
+  [[nodiscard]] virtual std::uint64_t numberOfItems() const = 0;
+  /// Nothing for a class that keeps no order of its own.
+  [[nodiscard]] virtual std::optional<std::uint64_t> ownDisplayOrder() const = 0;
+};
+
+/// An absent identifier is a legal argument everywhere below.
+using QNOptionalUUID = std::optional<std::string_view>;
+
+/// Exactly three characters that begin with "00".
+bool QNGenericCategoryIsSystemCategory(QNOptionalUUID uuid);
+/// False for SSH keys and tombstones, true for anything else.
+bool QNGenericCategoryIsItemEditable(QNOptionalUUID uuid);
+const std::set<std::string, std::less<>>& QNGenericCategoryStandardCategoryUUIDs();
+/// The categories that records for a watch are made from, in this order.
+const std::vector<std::string>& QNGenericCategoryAvailableWatchCategories();
+/// 0 for an absent identifier.
+std::uint64_t QNGenericCategoryDefaultDisplayOrder(QNOptionalUUID uuid);
+/// Null where no class serves the category; the caller decides what that means.
+const QNItemClass* QNGenericCategoryItemClassForCategoryUUID(QNOptionalUUID uuid);
+
+/// By the category's own order, or the default one of its identifier; then by singular name,
+/// character by character.
+std::strong_ordering QNGenericCategoryCompare(const QNGenericCategory& a,
+                                              const QNGenericCategory& b);
+/// Always by the default order; then by singular name as the user's language sorts, case apart.
+std::weak_ordering QNGenericCategoryH9Compare(const QNGenericCategory& a,
+                                              const QNGenericCategory& b);
+
+}  // namespace quillon

@@ -1,0 +1,218 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <mutex>
+
+#include "quillon/objects/QNDatabaseObjectWithOverview.h"
+#include "quillon/platform/crypto/QNAESKey.h"
+#include "quillon/platform/crypto/QNEncryptedString.h"
+#include "quillon/vaults/QNGenericProfile.h"
+
+namespace quillon {
+
+/// Bytes of a local vault's master key and overview key.
+inline constexpr std::int32_t MASTER_KEY_SIZE = 256;
+inline constexpr std::int32_t OVERVIEW_KEY_SIZE = 64;
+
+/// Posted by a vault, itself the object, unless it was opened for import.
+inline constexpr std::string_view QNProfileWillLockNotification = "QNProfileWillLockNotification";
+inline constexpr std::string_view QNProfileDidLockNotification = "QNProfileDidLockNotification";
+inline constexpr std::string_view QNProfileWillUnlockNotification =
+    "QNProfileWillUnlockNotification";
+inline constexpr std::string_view QNProfileDidUnlockNotification = "QNProfileDidUnlockNotification";
+
+/// The name as it stands if it says "vault" in the user's language already, else "NAME Vault".
+std::string QNDisplayedProfileNameWithVaultAppendedAsNeeded(std::string_view name);
+
+/// The categories that a local vault offers.
+const std::set<std::string, std::less<>>& QNProfileSupportedCategoryUUIDs();
+
+/// A local vault: it holds its own keys, and one password opens it. An overview key encrypts what
+/// lists need; a master key wraps the key of each item. A password change encrypts these two
+/// anew and touches no item. Made through the static operations, held by shared_ptr.
+class QNProfile final : public QNDatabaseObjectWithOverview,
+                        public QNGenericProfile,
+                        public std::enable_shared_from_this<QNProfile> {
+  struct Passkey {};
+
+ public:
+  // Making: QNProfile.cpp
+  /// An unlocked new vault. One made without a password has keys, but none that can be stored.
+  static std::shared_ptr<QNProfile> initNewWithPassword(std::optional<std::string_view> password);
+  static std::shared_ptr<QNProfile> profileWithName(std::string_view name,
+                                                    std::optional<std::string_view> password,
+                                                    std::optional<std::string> hint);
+  /// A locked shell, for the caller to fill and unlock.
+  static std::shared_ptr<QNProfile> initExistingWithID(std::uint64_t oid);
+  QNProfile(Passkey, QNNew);
+  QNProfile(Passkey, QNExisting existing);
+
+  static std::string primaryProfileName() { return "default"; }
+  static std::string demoProfileName() { return "demo"; }
+  static std::string displayedProfileNameForName(std::string_view name);
+
+  // Lock: QNProfile+Lock.cpp
+  void lock() override;
+  /// True only when the password and both keys are absent.
+  [[nodiscard]] bool isLocked() const override;
+  [[nodiscard]] bool isUnlocked() const override { return !isLocked(); }
+  /// False, with nothing changed and nothing posted, for a wrong password. One key derivation.
+  bool _unlockWithPassword(std::optional<std::string_view> password);
+  bool changePasswordTo(std::optional<std::string_view> password);
+  /// Each also makes the key object; absent bytes clear both. They post nothing.
+  void setOverviewKey(std::optional<ByteView> key);
+  void setMasterKey(std::optional<ByteView> key);
+  [[nodiscard]] const std::optional<QNKeyBytes>& overviewKey() const { return _overviewKey; }
+  [[nodiscard]] const std::optional<QNKeyBytes>& masterKey() const { return _masterKey; }
+  /// The password, while the vault is open.
+  [[nodiscard]] std::optional<QNSecret> profilePassword() const;
+  void setProfilePassword(std::optional<std::string_view> password);
+
+  // Encryption: QNProfile+Encryption.cpp. A locked vault logs an assertion and gives nothing.
+  std::optional<Bytes> encryptItemKey(const QNAESKeyRef& key);
+  QNAESKeyRef decryptItemKey(ByteView wrapped);
+  std::optional<Bytes> encryptOverview(ByteView clear) override;
+  std::optional<Bytes> decryptOverview(ByteView sealed) override;
+  std::optional<Bytes> encryptWithMaster(ByteView clear) override;
+  std::optional<Bytes> decryptWithMaster(ByteView sealed) override;
+  /// HMAC-SHA256 under bytes 32 to 63 of the overview key's raw key. Stable for the vault's life.
+  [[nodiscard]] std::optional<std::array<std::uint8_t, 32>> hmacForData(
+      std::optional<ByteView> data) const;
+  /// The hexadecimal SHA-256 of the text's HMAC.
+  [[nodiscard]] std::optional<std::string> hmacForString(
+      std::optional<std::string_view> text) const;
+  /// Item keys unwrapped by this vault object so far: a list that stays cheap leaves it alone.
+  [[nodiscard]] std::uint64_t numberOfItemKeysUnwrapped() const { return _itemKeysUnwrapped; }
+
+  // Shared questions: QNProfile.cpp
+  [[nodiscard]] std::string_view className() const override { return "QNProfile"; }
+  [[nodiscard]] std::shared_ptr<QNGenericProfile> profile() const override;
+  [[nodiscard]] bool isEqual(const QNGenericProfile& other) const override;
+  [[nodiscard]] std::size_t hash() const override;
+  [[nodiscard]] std::string description() const override;
+  [[nodiscard]] std::uint64_t profileType() const override { return kProfileTypeLocalVault; }
+  [[nodiscard]] std::uint64_t oid() const override { return QNDatabaseObject::oid(); }
+  [[nodiscard]] bool supportsFeature(std::uint32_t feature) const override;
+  [[nodiscard]] bool hasPermission(std::uint64_t mask) const override;
+  [[nodiscard]] bool hasPermissionToPerformAction(std::uint32_t action) const override;
+  [[nodiscard]] bool isPrimaryProfile() const override;
+  [[nodiscard]] bool isDemoProfile() const override;
+  [[nodiscard]] bool isVisible() const override { return true; }
+  [[nodiscard]] bool includeUnknownItems() const override { return false; }
+  [[nodiscard]] bool isAllVaultsVault() const override { return false; }
+  [[nodiscard]] std::vector<std::shared_ptr<QNGenericProfile>> vaults() override;
+  [[nodiscard]] std::set<std::string> vaultUUIDs() override;
+  [[nodiscard]] std::string displayedProfileName() const override;
+  [[nodiscard]] std::string displayedProfileNameWithVaultAppendedAsNeeded() const override;
+  /// "Quillon" for the primary vault, the profile's name otherwise.
+  [[nodiscard]] std::string keychainFileName() const;
+  void postNotificationName(std::string_view name);
+
+  // Plain accessors: they compare nothing and dirty nothing
+  [[nodiscard]] QNSharedString uuid() const override { return _uuid; }
+  void setUuid(QNSharedString uuid) { _uuid = std::move(uuid); }
+  [[nodiscard]] std::uint64_t createdAt() const { return _createdAt; }
+  void setCreatedAt(std::uint64_t seconds) { _createdAt = seconds; }
+  [[nodiscard]] std::uint64_t updatedAt() const { return _updatedAt; }
+  void setUpdatedAt(std::uint64_t seconds) { _updatedAt = seconds; }
+  [[nodiscard]] const std::optional<Bytes>& encryptedMasterKey() const {
+    return _encryptedMasterKey;
+  }
+  void setEncryptedMasterKey(std::optional<Bytes> data) { _encryptedMasterKey = std::move(data); }
+  [[nodiscard]] const std::optional<Bytes>& encryptedOverviewKey() const {
+    return _encryptedOverviewKey;
+  }
+  void setEncryptedOverviewKey(std::optional<Bytes> data) {
+    _encryptedOverviewKey = std::move(data);
+  }
+  [[nodiscard]] const std::optional<Bytes>& salt() const { return _salt; }
+  void setSalt(std::optional<Bytes> salt) { _salt = std::move(salt); }
+  [[nodiscard]] std::uint32_t iterations() const { return _iterations; }
+  void setIterations(std::uint32_t count) { _iterations = count; }
+  [[nodiscard]] const std::optional<Bytes>& attributesData() const { return _attributesData; }
+  void setAttributesData(std::optional<Bytes> data) { _attributesData = std::move(data); }
+  [[nodiscard]] bool openedForImport() const { return _openedForImport; }
+  void setOpenedForImport(bool opened) { _openedForImport = opened; }
+  [[nodiscard]] std::optional<std::string> passwordHint() const override { return _passwordHint; }
+  void setPasswordHint(std::optional<std::string> hint) override {
+    _passwordHint = std::move(hint);
+  }
+  [[nodiscard]] std::optional<std::string> lastUpdatedBy() const override { return _lastUpdatedBy; }
+  void setLastUpdatedBy(std::optional<std::string> host) override {
+    _lastUpdatedBy = std::move(host);
+  }
+  [[nodiscard]] std::optional<std::string> profileName() const override { return _profileName; }
+  void setProfileName(std::optional<std::string> name) override { _profileName = std::move(name); }
+  [[nodiscard]] bool tagsLoaded() const override { return _tagsLoaded; }
+  void setTagsLoaded(bool loaded) override { _tagsLoaded = loaded; }
+
+  // Icon and colour: QNProfile+Appearance.cpp
+  [[nodiscard]] std::shared_ptr<const QNImage> customIcon() const override;
+  void setCustomIcon(const std::shared_ptr<const QNImage>& icon) override;
+  [[nodiscard]] std::optional<Bytes> iconData() const override { return _iconData; }
+  void setIconData(std::optional<Bytes> data) override { _iconData = std::move(data); }
+  [[nodiscard]] std::optional<QNColor> profileColor() const override { return _profileColor; }
+  void setProfileColor(std::optional<QNColor> color) override { _profileColor = color; }
+  [[nodiscard]] std::optional<std::string> profileColorText() const override;
+  void setProfileColorText(std::optional<std::string> text) override;
+
+  // Tags, categories, items: QNProfile+Registries.cpp
+  [[nodiscard]] std::optional<std::string> tagWithId(std::uint64_t id) const override;
+  [[nodiscard]] std::uint64_t tagId(std::optional<std::string_view> tag) const override;
+  void addTag(std::string_view tag, std::uint64_t withId) override;
+  void removeTag(std::optional<std::string_view> tag) override;
+  [[nodiscard]] std::set<std::string> allTags() const override;
+  [[nodiscard]] std::vector<std::shared_ptr<QNGenericCategory>> allCategories() const override;
+  [[nodiscard]] std::vector<std::shared_ptr<QNGenericCategory>> allDisplayedCategories()
+      const override;
+  [[nodiscard]] std::shared_ptr<QNGenericCategory> categoryWithUUID(
+      std::optional<std::string_view> uuid) const override;
+  void addCategory(const std::shared_ptr<QNGenericCategory>& category) override;
+  void removeAllCategories() override;
+  [[nodiscard]] bool supportsCategoryUUID(std::optional<std::string_view> uuid) const override;
+  std::shared_ptr<QNGenericCategory> newLegacyCategoryWithUUID(
+      std::optional<std::string_view> uuid) override;
+  std::shared_ptr<QNGenericCategory> newCategoryFromTemplate(
+      const std::shared_ptr<QNTemplate>& from) override;
+  std::shared_ptr<QNGenericCategory> newSystemCategoryWithUUID(
+      std::optional<std::string_view> uuid) override;
+  std::shared_ptr<QNItem> newItemForCategoryUUID(std::optional<std::string_view> uuid) override;
+  std::shared_ptr<QNItem> existingItemWithID(
+      std::uint64_t oid, std::optional<std::string_view> forCategoryUUID) override;
+  [[nodiscard]] std::shared_ptr<QNTemplate> templateForCategoryUUID(
+      std::optional<std::string_view> uuid) const override;
+  [[nodiscard]] std::vector<std::shared_ptr<QNTemplate>> allTemplates() const override;
+
+ private:
+  bool refusesWhileLocked() const;
+
+  bool _tagsLoaded = false;
+  bool _openedForImport = false;
+  std::optional<QNKeyBytes> _overviewKey;
+  std::optional<QNKeyBytes> _masterKey;
+  std::optional<QNColor> _profileColor;
+  QNSharedString _uuid;
+  std::uint64_t _createdAt = 0;
+  std::uint64_t _updatedAt = 0;
+  std::optional<Bytes> _encryptedMasterKey;
+  std::optional<Bytes> _encryptedOverviewKey;
+  std::optional<Bytes> _salt;
+  std::uint32_t _iterations = 0;
+  QNAESKeyRef _masterAESKey;
+  std::optional<std::string> _passwordHint;
+  std::optional<Bytes> _iconData;
+  std::optional<std::string> _lastUpdatedBy;
+  std::optional<std::string> _profileName;
+  std::optional<Bytes> _attributesData;
+  QNAESKeyRef _overviewAESKey;
+  mutable std::recursive_mutex _tagsLock;  // guards both tag maps
+  std::map<std::uint64_t, std::string> _tagsById;
+  std::map<std::string, std::uint64_t, std::less<>> _idsByTag;
+  mutable std::recursive_mutex _categoriesLock;
+  std::map<std::string, std::shared_ptr<QNGenericCategory>, std::less<>> _categoriesByUUID;
+  std::unique_ptr<QNEncryptedString> _secureProfilePassword;
+  std::uint64_t _itemKeysUnwrapped = 0;
+};
+
+}  // namespace quillon
