@@ -1,0 +1,123 @@
+#pragma once
+// The database layer over one SQLite file. Tables and seals: docs/formats.md, "store".
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "quillon/items/QNItem.h"
+#include "quillon/logins/QNItemSetForURL.h"
+#include "quillon/platform/errors/QNError.h"
+#include "quillon/vaults/QNProfile.h"
+#include "store/QNStoreError.h"
+
+namespace quillon {
+
+/// What a store holds of one vault, without opening it.
+struct QNStoredVaultInfo {
+  std::uint64_t oid = 0;
+  std::string uuid;
+  std::string name;
+  std::uint64_t items = 0;  // rows that aren't trashed
+  std::uint64_t trashed = 0;
+};
+
+/// Rows of a list that aren't what was saved. Identifiers only.
+struct QNListReport {
+  std::uint64_t listed = 0;
+  /// uuid of each row whose seal doesn't fit or whose overview doesn't open; not visited.
+  std::vector<std::string> damaged;
+  /// Rows are missing, were added, or are older than the vault's ledger says.
+  bool ledgerBroken = false;
+};
+
+/// What an integrity check found; every text names rows by identifier and place only.
+struct QNCheckReport {
+  std::uint64_t itemsChecked = 0;
+  std::vector<std::string> problems;
+  [[nodiscard]] bool clean() const { return problems.empty(); }
+};
+
+/// A file of vaults. One object for one thread; several processes may open one file. Every
+/// change is one transaction, durable when the call returns; a failure changes nothing, neither
+/// in the file nor in what dirtyRow() says. Files are 0600 from their creation, folders that had
+/// to be made 0700.
+class QNStore final {
+ public:
+  enum class Access { readWrite, readOnly };
+
+  /// Errors: exists, notWritable, inputOutput.
+  static QNResult<std::unique_ptr<QNStore>> create(const std::filesystem::path& file);
+  /// Brings an older schema forward in one transaction. Errors: notFound, notAStore, newerSchema,
+  /// damaged, notWritable, inputOutput, busy.
+  static QNResult<std::unique_ptr<QNStore>> open(const std::filesystem::path& file,
+                                                 Access access = Access::readWrite);
+  static constexpr int kSchemaVersion = 1;
+  ~QNStore();
+  QNStore(const QNStore&) = delete;
+  QNStore& operator=(const QNStore&) = delete;
+
+  // Vaults: QNStore+Vaults.cpp
+  [[nodiscard]] QNResult<std::vector<QNStoredVaultInfo>> vaults();
+  /// Stores a new vault, or the changed keys and columns of a stored one (its password change is
+  /// this one row). The vault must be unlocked; it is given its row id.
+  QNResult<QNDone> saveVault(QNProfile& vault);
+  /// A locked vault by its name. Unlock it with unlock(), which also tests its row's seal.
+  QNResult<std::shared_ptr<QNProfile>> vaultNamed(std::string_view name);
+  /// False for a wrong password. Error: damaged, if the row was altered.
+  QNResult<bool> unlock(QNProfile& vault, std::string_view password);
+
+  // Saving: QNStore+Save.cpp
+  /// Saves a dirty item with its URLs: sets updatedAt and txTimestamp, willSave, write, didSave.
+  /// A clean item costs nothing. Errors: lostRace, locked, unreadableItem, busy, diskFull, ...
+  QNResult<QNDone> save(const std::shared_ptr<QNItem>& item);
+  /// All of them in one transaction, or none.
+  QNResult<QNDone> saveAll(std::span<const std::shared_ptr<QNItem>> items);
+  /// Runs several operations as one transaction; an error of `work` rolls everything back.
+  QNResult<QNDone> inTransaction(const std::function<QNResult<QNDone>()>& work);
+  /// Takes the row away for good.
+  QNResult<QNDone> deleteItem(const std::shared_ptr<QNItem>& item);
+
+  // Reading: QNStore+Load.cpp
+  enum class Which { normal, trashed, all };
+  using Visitor = std::function<void(const std::shared_ptr<QNItem>&)>;
+  /// Hands out a shell for each row, in row order, its overview checked and open, neither key nor
+  /// details read. The shell may be kept or dropped. Error: locked, or the file can't be read.
+  QNResult<QNListReport> list(const std::shared_ptr<QNProfile>& vault, Which which,
+                              const Visitor& visit);
+  /// One item with key, details and URLs. Errors: notFound, damaged.
+  QNResult<std::shared_ptr<QNItem>> item(const std::shared_ptr<QNProfile>& vault,
+                                         std::string_view uuid);
+  /// Reads key, details and URLs into a listed shell. Errors: notFound, damaged, lostRace if the
+  /// row has changed since.
+  QNResult<QNDone> loadDetails(const std::shared_ptr<QNItem>& item);
+  /// The items whose addresses have the page's host or naked domain, by hash, details loaded, as
+  /// the inputs of a set. Trashed items are left out.
+  QNResult<std::unique_ptr<QNItemSetForURL>> itemSetForURL(const std::shared_ptr<QNProfile>& vault,
+                                                           std::string_view url);
+
+  // Care: QNStore+Care.cpp
+  /// SQLite's own check, then every row's seal, ledger, key, details and URLs.
+  QNResult<QNCheckReport> check(const std::shared_ptr<QNProfile>& vault);
+  /// A whole copy under a name that isn't there yet, 0600.
+  QNResult<QNDone> backupTo(const std::filesystem::path& file);
+  /// Category identifier and number of rows that aren't trashed, in category order.
+  QNResult<std::vector<std::pair<std::string, std::uint64_t>>> categories(const QNProfile& vault);
+  [[nodiscard]] int schemaVersion() const;
+
+  /// Rows of the details table read by this object so far: a list leaves it alone.
+  [[nodiscard]] std::uint64_t detailsRead() const;
+
+ private:
+  struct Database;
+  explicit QNStore(std::unique_ptr<Database> database);
+  std::unique_ptr<Database> _database;
+};
+
+}  // namespace quillon
