@@ -1,0 +1,46 @@
+// quillon_bench [list|save|import|memory|unlock|all] [ITEMS...]
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "bench/bench.h"
+
+namespace {
+
+using namespace quillon::bench;
+
+bool runNamed(std::string_view name, std::size_t count) {
+  const bool all = name == "all";
+  bool known = all;
+  const auto run = [&](std::string_view one, void (*bench)(std::size_t)) {
+    if (!all && name != one) return;
+    known = true;
+    bench(count);
+  };
+  run("import", benchImport);
+  run("list", benchList);
+  run("save", benchSave);
+  run("memory", benchMemory);
+  if (all || name == "unlock") {
+    known = true;
+    benchUnlock();
+  }
+  return known;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::string_view name = argc > 1 ? argv[1] : "all";
+  std::vector<std::size_t> counts;
+  for (int i = 2; i < argc; ++i) counts.push_back(std::strtoull(argv[i], nullptr, 10));
+  if (counts.empty()) counts.push_back(100'000);
+  for (const std::size_t count : counts) {
+    if (count == 0 || !runNamed(name, count)) {
+      std::fprintf(stderr,
+                   "usage: quillon_bench [list|save|import|memory|unlock|all] [ITEMS...]\n");
+      return 2;
+    }
+  }
+  return 0;
+}
