@@ -58,7 +58,12 @@ class QNDatabaseObjectWithOverview : public QNDatabaseObject {
  private:
   std::optional<Bytes> decryptedOverviewData();
   std::optional<Bytes> decryptedAccountOverviewData();
+  bool parseOverview(ByteView clear);
+  void encryptOverviewData(ByteView clear);
+  void encryptAccountOverviewData(ByteView clear);
+  void reportForeignOverview(const QNError& error);
   void reportUndecryptedOverview();
+  void reportUnsavedOverview(const QNError& error);
 
   mutable std::recursive_mutex _monitor;
   std::optional<JsonObject> _overview;

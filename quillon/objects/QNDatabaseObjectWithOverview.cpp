@@ -1,0 +1,256 @@
+#include "quillon/objects/QNDatabaseObjectWithOverview.h"
+
+#include <fmt/format.h>
+
+#include "quillon/platform/crypto/QNAESKey.h"
+#include "quillon/platform/log/MRLogger.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view kCoderOverviewData = "kOverviewData";  // bytes, only when present
+constexpr std::string_view kAttributeOverview = "overview";
+// "{}" is the shortest overview in clear: anything shorter stands for none at all.
+constexpr std::size_t kMinOverviewDataSize = 2;
+
+}  // namespace
+
+QNDatabaseObjectWithOverview::QNDatabaseObjectWithOverview(QNNew) : QNDatabaseObject(initNew) {
+  _overview.emplace(jsonStorage());
+}
+
+QNDatabaseObjectWithOverview::QNDatabaseObjectWithOverview(QNDecoder& coder)
+    : QNDatabaseObject(coder), _overviewData(coder.decodeBytes(kCoderOverviewData)) {}
+
+std::string QNDatabaseObjectWithOverview::descriptionForLogging() const {
+  const QNSharedString name = uuid();
+  return fmt::format("<{}-{}-{} {}>", className(), name != nullptr ? *name : "(null)",
+                     static_cast<std::int64_t>(oid()), fmt::ptr(this));
+}
+
+QNSharedString QNDatabaseObjectWithOverview::uuid() const {
+  static const QNSharedString none = sharedString("no_uuid");
+  return none;
+}
+
+bool QNDatabaseObjectWithOverview::overviewIsParsed() const {
+  const std::lock_guard lock(_monitor);
+  return _overview.has_value();
+}
+
+JsonObject* QNDatabaseObjectWithOverview::mutableOverview() {
+  const std::lock_guard lock(_monitor);
+  if (_overview) return &*_overview;
+  if (profile() == nullptr) {
+    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                       "Profile is missing");
+    return nullptr;
+  }
+  if (!_overviewData || _overviewData->size() < kMinOverviewDataSize) {
+    return &_overview.emplace(jsonStorage());
+  }
+  const auto clear = decryptedOverviewData();
+  return clear && parseOverview(*clear) ? &*_overview : nullptr;
+}
+
+bool QNDatabaseObjectWithOverview::parseOverview(ByteView clear) {
+  QNError error;
+  _overview = mr_mutableObjectFromJSONDataWithError(clear, &error);
+  if (!_overview) {
+    const std::string description = descriptionForLogging();
+    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, description,
+                                       "Failed to parse overview: {} for object {}", description,
+                                       error.domainCodeString());
+    return false;
+  }
+  didParseOverview();
+  return true;
+}
+
+std::optional<Bytes> QNDatabaseObjectWithOverview::decryptedOverviewData() {
+  if (profileType() == kProfileTypeAccountVault) return decryptedAccountOverviewData();
+  std::optional<Bytes> clear;
+  if (profileType() == kProfileTypeLocalVault) {
+    clear = profile()->decryptOverview(*_overviewData);
+  } else {
+    const std::string description = descriptionForLogging();
+    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, description,
+                                       "Unsupported profile type: {} for item: {}", profileType(),
+                                       description);
+  }
+  if (!clear) reportUndecryptedOverview();
+  return clear;
+}
+
+std::optional<Bytes> QNDatabaseObjectWithOverview::decryptedAccountOverviewData() {
+  QNError error;
+  const auto envelope = mr_objectFromJSONDataWithError(*_overviewData, &error);
+  if (!envelope) {
+    reportForeignOverview(error);
+    return std::nullopt;
+  }
+  const auto vault = std::dynamic_pointer_cast<QNServerProfile>(profile());
+  auto clear = vault != nullptr ? vault->decryptWithMasterSymmetricKey(*envelope) : std::nullopt;
+  if (!clear) {
+    const std::string description = descriptionForLogging();
+    MRLogger::sharedLogger().error(DEBUG_DATABASE, description,
+                                   "Failed to decrypt details for object {}", description);
+    reportUndecryptedOverview();
+  }
+  return clear;
+}
+
+// What a local vault sealed is never JSON: it shows here, before anything is opened.
+void QNDatabaseObjectWithOverview::reportForeignOverview(const QNError& error) {
+  const std::string description = descriptionForLogging();
+  MRLogger::sharedLogger().assertion(DEBUG_DATABASE, description,
+                                     "Error serializing object {}. EncrytpedDataDictionary:{}",
+                                     description, error.domainCodeString());
+  if (isQNProfileEncrypted(*_overviewData)) {
+    MRLogger::sharedLogger().assertion(
+        DEBUG_DATABASE, description,
+        "Overview data for object {} is encrypted by an QNProfile, not a H9Profile.", description);
+  }
+}
+
+void QNDatabaseObjectWithOverview::reportUndecryptedOverview() {
+  const std::string description = descriptionForLogging();
+  MRLogger::sharedLogger().assertion(
+      DEBUG_DATABASE, description,
+      "Decrypted overview for object {} is nil. Overview data is {}. Profile is {}locked.",
+      description, _overviewData ? "not nil" : "nil", profile()->isLocked() ? "" : "not ");
+}
+
+std::optional<JsonObject> QNDatabaseObjectWithOverview::overviewCopy() {
+  const std::lock_guard lock(_monitor);
+  const JsonObject* const overview = mutableOverview();
+  if (overview == nullptr) return std::nullopt;
+  return mr_deepMutableCopy(*overview);
+}
+
+const Json* QNDatabaseObjectWithOverview::overviewObjectForKey(std::string_view key) {
+  const JsonObject* const overview = mutableOverview();
+  const Json* const found = overview != nullptr ? overview->if_contains(key) : nullptr;
+  return found != nullptr && !found->is_null() ? found : nullptr;
+}
+
+std::optional<std::string_view> QNDatabaseObjectWithOverview::overviewTextForKey(
+    std::string_view key) {
+  const JsonObject* const overview = mutableOverview();
+  return overview != nullptr ? mr_validStringValueForKey(*overview, key) : std::nullopt;
+}
+
+bool QNDatabaseObjectWithOverview::setOverviewObject(std::optional<Json> object,
+                                                     std::string_view forKey) {
+  const std::lock_guard lock(_monitor);
+  JsonObject* const overview = mutableOverview();
+  if (overview == nullptr) return false;
+  const Json* const present = overview->if_contains(forKey);
+  if (object ? present != nullptr && *present == *object : present == nullptr) return false;
+  markRowDirty();
+  if (object) {
+    (*overview)[forKey] = std::move(*object);
+  } else {
+    overview->stable_erase(forKey);
+  }
+  return true;
+}
+
+bool QNDatabaseObjectWithOverview::setOverviewText(std::optional<std::string_view> text,
+                                                   std::string_view forKey) {
+  if (!text) return setOverviewObject(std::nullopt, forKey);
+  const std::lock_guard lock(_monitor);
+  JsonObject* const overview = mutableOverview();
+  if (overview == nullptr || mr_validStringValueForKey(*overview, forKey) == text) return false;
+  markRowDirty();
+  setJsonText(*overview, forKey, *text);
+  return true;
+}
+
+void QNDatabaseObjectWithOverview::copyOverview(const JsonObject& overview) {
+  const std::lock_guard lock(_monitor);
+  if (_overview && *_overview == overview) return;
+  markRowDirty();
+  _overview.emplace(mr_deepMutableCopy(overview));
+}
+
+void QNDatabaseObjectWithOverview::setOverviewData(std::optional<Bytes> data) {
+  const std::lock_guard lock(_monitor);
+  _overviewData = std::move(data);
+  _overview.reset();
+}
+
+void QNDatabaseObjectWithOverview::setProfile(const std::shared_ptr<QNGenericProfile>& profile) {
+  const auto old = this->profile();
+  // In clear before the key that opens it goes away.
+  if (old != nullptr && old != profile) mutableOverview();
+  QNDatabaseObject::setProfile(profile);
+}
+
+void QNDatabaseObjectWithOverview::willSave() {
+  const std::lock_guard lock(_monitor);
+  if (profile() == nullptr) {
+    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                       "Profile is missing");
+    return;
+  }
+  QNDatabaseObject::willSave();
+  const JsonObject* const overview = mutableOverview();
+  QNError error = QNError::unreadable("there is no overview to save");
+  const auto clear = overview != nullptr ? mr_JSONDataWithError(*overview, &error) : std::nullopt;
+  if (!clear) return reportUnsavedOverview(error);
+  encryptOverviewData(*clear);
+}
+
+void QNDatabaseObjectWithOverview::encryptOverviewData(ByteView clear) {
+  if (profileType() == kProfileTypeLocalVault) {
+    _overviewData = profile()->encryptOverview(clear);
+  } else if (profileType() == kProfileTypeAccountVault) {
+    encryptAccountOverviewData(clear);
+  } else {
+    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                       "Unsupported profile type: {}", profileType());
+  }
+}
+
+// A locked vault keeps the stored form, without a word: its items can't have changed in clear.
+void QNDatabaseObjectWithOverview::encryptAccountOverviewData(ByteView clear) {
+  if (!profile()->isUnlocked()) return;
+  const auto vault = std::dynamic_pointer_cast<QNServerProfile>(profile());
+  QNError error = QNError::unreadable("the profile is no account vault");
+  const auto envelope =
+      vault != nullptr ? vault->encryptWithMasterSymmetricKey(clear, &error) : std::nullopt;
+  auto data = envelope ? mr_JSONDataWithError(*envelope, &error) : std::nullopt;
+  if (!data) return reportUnsavedOverview(error);
+  _overviewData = std::move(data);
+}
+
+void QNDatabaseObjectWithOverview::reportUnsavedOverview(const QNError& error) {
+  MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                     "Unable to convert overview to JSON: {}",
+                                     error.domainCodeString());
+}
+
+void QNDatabaseObjectWithOverview::saveAllAttributes(JsonObject& attributes) {
+  if (auto overview = overviewCopy()) attributes[kAttributeOverview] = std::move(*overview);
+}
+
+void QNDatabaseObjectWithOverview::restoreAllAttributes(const JsonObject& attributes) {
+  const Json* const overview = mr_objectForKey(attributes, kAttributeOverview, JsonKind::object);
+  if (overview != nullptr) copyOverview(overview->get_object());
+}
+
+bool QNDatabaseObjectWithOverview::validateAndRepairImportedProperties() {
+  if (!QNDatabaseObject::validateAndRepairImportedProperties()) return false;
+  const std::lock_guard lock(_monitor);
+  if (JsonObject* const overview = mutableOverview()) mr_removeNSNullValues(*overview);
+  return true;
+}
+
+void QNDatabaseObjectWithOverview::encodeWithCoder(QNEncoder& coder) {
+  const std::lock_guard lock(_monitor);
+  QNDatabaseObject::encodeWithCoder(coder);
+  if (_overviewData) coder.encodeBytes(*_overviewData, kCoderOverviewData);
+}
+
+}  // namespace quillon
