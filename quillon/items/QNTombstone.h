@@ -1,0 +1,16 @@
+#pragma once
+
+#include "quillon/items/QNItem.h"
+
+namespace quillon {
+
+/// What stays of a deleted item in a local vault, category "099": trashed from the start.
+class QNTombstone final : public QNItem {
+ public:
+  explicit QNTombstone(QNNew);
+  explicit QNTombstone(QNExisting existing);
+  [[nodiscard]] std::string_view className() const override { return "QNTombstone"; }
+  [[nodiscard]] bool isTombstone() const override { return true; }
+};
+
+}  // namespace quillon

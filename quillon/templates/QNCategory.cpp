@@ -1,0 +1,116 @@
+// The row dictionary of a category; a name that is absent has no member:
+//
+//   uuid          text   three characters
+//   singularName  text
+//   pluralName    text
+//   listIconName  text
+//   detaiIconName text   the detail icon name. The missing l is stored data.
+
+#include "quillon/templates/QNCategory.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <functional>
+
+#include "quillon/templates/QNCategoryHelper.h"
+#include "quillon/templates/QNTemplateManager.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view kUUID = "uuid";
+constexpr std::string_view kSingularName = "singularName";
+constexpr std::string_view kPluralName = "pluralName";
+constexpr std::string_view kListIconName = "listIconName";
+constexpr std::string_view kDetailIconName = "detaiIconName";
+
+constexpr std::array<std::string_view, 5> kNamedByTheLibrary = {
+    QNCategoryUUIDLogin, QNCategoryUUIDCreditCard, QNCategoryUUIDSecureNote, QNCategoryUUIDIdentity,
+    QNCategoryUUIDPassword};
+
+bool isNamedByTheLibrary(QNOptionalUUID uuid) {
+  for (const std::string_view named : kNamedByTheLibrary) {
+    if (uuid == named) return true;
+  }
+  return false;
+}
+
+std::shared_ptr<QNTemplate> templateOf(QNOptionalUUID uuid) {
+  return QNTemplateManager::sharedManager().findTemplateWithUUID(uuid);
+}
+
+void save(const std::optional<std::string>& text, JsonObject& attributes, std::string_view key) {
+  if (text) setJsonText(attributes, key, *text);
+}
+
+std::optional<std::string> restored(const JsonObject& attributes, std::string_view key) {
+  const auto text = mr_validStringValueForKey(attributes, key);
+  return text ? std::optional<std::string>(*text) : std::nullopt;
+}
+
+}  // namespace
+
+std::string QNCategory::description() const {
+  return fmt::format("<QNCategory: {}> '{}'", static_cast<const void*>(this),
+                     _pluralName.value_or(""));
+}
+
+bool QNCategory::isHidden() const {
+  const auto found = templateOf(_uuid);
+  return found != nullptr ? found->hidden() : _uuid == QNCategoryUUIDTombstone;
+}
+
+void QNCategory::setDisplayOrder(std::uint64_t order) {
+  if (order == _displayOrder) return;
+  if (_displayOrder != 0) markDisplayOrderDirty();
+  _displayOrder = order;
+}
+
+bool QNCategory::isModifiedCopyOf(const QNGenericCategory& other) const {
+  return _numberOfItems != other.numberOfItems() || _singularName != other.singularName() ||
+         _pluralName != other.pluralName();
+}
+
+std::size_t QNCategory::hash() const {
+  return _uuid ? std::hash<std::string>{}(*_uuid) : 0;
+}
+
+void QNCategory::didLoad() {
+  if (isNamedByTheLibrary(_uuid)) {
+    takeDefaultNames();
+  } else if (const auto found = templateOf(_uuid)) {
+    _singularName = found->localizedTitle();
+    _pluralName = found->localizedPluralTitle();
+    _listIconName = found->listIconName();
+    _detailIconName = found->detailIconName();
+  }
+  QNDatabaseObject::didLoad();
+}
+
+void QNCategory::takeDefaultNames() {
+  _singularName = QNCategoryHelper::defaultSingularNameFor(_uuid);
+  _pluralName = QNCategoryHelper::defaultPluralNameFor(_uuid);
+  _listIconName = QNCategoryHelper::defaultListIconNameFor(_uuid);
+  _detailIconName = QNCategoryHelper::defaultDetailIconNameFor(_uuid);
+}
+
+void QNCategory::saveAllAttributes(JsonObject& attributes) {
+  QNDatabaseObject::saveAllAttributes(attributes);
+  save(_uuid, attributes, kUUID);
+  save(_singularName, attributes, kSingularName);
+  save(_pluralName, attributes, kPluralName);
+  save(_listIconName, attributes, kListIconName);
+  save(_detailIconName, attributes, kDetailIconName);
+}
+
+void QNCategory::restoreAllAttributes(const JsonObject& attributes) {
+  QNDatabaseObject::restoreAllAttributes(attributes);
+  _uuid = restored(attributes, kUUID);
+  _singularName = restored(attributes, kSingularName);
+  _pluralName = restored(attributes, kPluralName);
+  _listIconName = restored(attributes, kListIconName);
+  _detailIconName = restored(attributes, kDetailIconName);
+}
+
+}  // namespace quillon

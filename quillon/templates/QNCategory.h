@@ -1,0 +1,76 @@
+#pragma once
+
+#include "quillon/objects/QNDatabaseObject.h"
+#include "quillon/templates/QNGenericCategory.h"
+
+namespace quillon {
+
+/// One category of a local vault: a stored row with its place in the order. Names and icon names
+/// are refreshed at each load, so that a change of language rewrites no rows.
+class QNCategory final : public QNDatabaseObject,
+                         public QNGenericCategory,
+                         public QNDisplayOrderable {
+ public:
+  explicit QNCategory(QNNew) : QNDatabaseObject(initNew) {}
+  explicit QNCategory(QNExisting existing) : QNDatabaseObject(existing) {}
+
+  [[nodiscard]] std::string_view className() const override { return "QNCategory"; }
+  /// "<QNCategory: ADDRESS> 'PLURAL NAME'".
+  [[nodiscard]] std::string description() const override;
+
+  // Plain stores: they compare nothing and dirty nothing
+  [[nodiscard]] std::optional<std::string> uuid() const override { return _uuid; }
+  void setUuid(std::optional<std::string> uuid) { _uuid = std::move(uuid); }
+  [[nodiscard]] std::optional<std::string> singularName() const override { return _singularName; }
+  void setSingularName(std::optional<std::string> name) { _singularName = std::move(name); }
+  [[nodiscard]] std::optional<std::string> pluralName() const override { return _pluralName; }
+  void setPluralName(std::optional<std::string> name) { _pluralName = std::move(name); }
+  [[nodiscard]] const std::optional<std::string>& listIconName() const { return _listIconName; }
+  void setListIconName(std::optional<std::string> name) { _listIconName = std::move(name); }
+  [[nodiscard]] const std::optional<std::string>& detailIconName() const { return _detailIconName; }
+  void setDetailIconName(std::optional<std::string> name) { _detailIconName = std::move(name); }
+  [[nodiscard]] std::uint64_t numberOfItems() const override { return _numberOfItems; }
+  void setNumberOfItems(std::uint64_t count) { _numberOfItems = count; }
+
+  // The names that a load left are in the user's language already
+  [[nodiscard]] std::optional<std::string> localizedSingularName() const { return _singularName; }
+  [[nodiscard]] std::optional<std::string> localizedPluralName() const { return _pluralName; }
+  [[nodiscard]] std::optional<std::string> newItemTitle() const { return localizedSingularName(); }
+
+  [[nodiscard]] bool isSystemCategory() const { return QNGenericCategoryIsSystemCategory(_uuid); }
+  /// What its template says; without one, true for the tombstone category alone.
+  [[nodiscard]] bool isHidden() const;
+  [[nodiscard]] bool isAdHoc() const { return false; }
+
+  [[nodiscard]] std::uint64_t displayOrder() const override { return _displayOrder; }
+  [[nodiscard]] std::optional<std::uint64_t> ownDisplayOrder() const override {
+    return _displayOrder;
+  }
+  /// The first order that a category gets dirties nothing; a change of it dirties the order only.
+  void setDisplayOrder(std::uint64_t order) override;
+
+  /// Do the number of items or a name differ? For redrawing a list.
+  [[nodiscard]] bool isModifiedCopyOf(const QNGenericCategory& other) const;
+  [[nodiscard]] bool isEqual(const QNGenericCategory& other) const { return _uuid == other.uuid(); }
+  [[nodiscard]] std::size_t hash() const;
+  [[nodiscard]] std::strong_ordering compare(const QNGenericCategory& other) const {
+    return QNGenericCategoryCompare(*this, other);
+  }
+
+  void didLoad() override;
+  void saveAllAttributes(JsonObject& attributes) override;
+  void restoreAllAttributes(const JsonObject& attributes) override;
+
+ private:
+  void takeDefaultNames();
+
+  std::optional<std::string> _uuid;
+  std::optional<std::string> _singularName;
+  std::optional<std::string> _pluralName;
+  std::optional<std::string> _listIconName;
+  std::optional<std::string> _detailIconName;
+  std::uint64_t _numberOfItems = 0;
+  std::uint64_t _displayOrder = 0;
+};
+
+}  // namespace quillon
