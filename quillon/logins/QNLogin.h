@@ -13,7 +13,8 @@ class QNLogin : public QNItem {
   explicit QNLogin(QNExisting existing);
 
   [[nodiscard]] std::string_view className() const override { return "QNLogin"; }
-  /// Loaded at the first use. Valid until the details are replaced.
+  /// Loaded at the first use. Valid until the details are replaced. While the details can't be
+  /// read it is an empty list, which is never saved: the next call tries again.
   QNLoginFieldList& loginFields();
   [[nodiscard]] bool hasLoginFields() override;
   [[nodiscard]] std::optional<std::string> username() override;
@@ -61,6 +62,10 @@ class QNLogin : public QNItem {
 
  private:
   void _loadLoginFields();
+  void dropLoginFields();
+  void removeHtmlFormValueForKey(std::string_view key);
+
+  bool _loginFieldsAreLoaded = false;
   std::unique_ptr<QNLoginFieldList> _cachedLoginFields;
   std::optional<std::string> _autosubmit;
 };

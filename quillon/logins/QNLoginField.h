@@ -47,14 +47,15 @@ class QNLoginField final {
   QNLoginField();
   explicit QNLoginField(const JsonObject& initWithDictionary);
 
-  /// Numbers and booleans read as their text; null or absent members as nothing.
+  // Reading: numbers and booleans read as their text; null or absent members as nothing.
   [[nodiscard]] std::optional<QNSecret> value() const;
   [[nodiscard]] std::optional<std::string> name() const;
   [[nodiscard]] std::optional<std::string> designation() const;
   /// "T" if it is missing or empty.
   [[nodiscard]] std::string type() const;
-  /// The stored value itself; null if it is absent.
+  /// The stored value itself; null if it is absent or a JSON null.
   [[nodiscard]] const Json* htmlId() const;
+  /// Is the value that text?
   [[nodiscard]] bool hasValue(std::string_view value) const;
 
   void setName(std::string_view name);
@@ -80,6 +81,7 @@ class QNLoginField final {
   [[nodiscard]] const JsonObject& asDictionary() const { return _field; }
 
  private:
+  void remove(std::string_view key);
   JsonObject _field;
 };
 

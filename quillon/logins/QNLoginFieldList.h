@@ -29,7 +29,7 @@ class QNLoginFieldList final {
   void removeLoginFieldAtIndex(std::size_t index);
   Field addDesignatedUsername(std::optional<std::string_view> value);
   Field addDesignatedPassword(std::optional<std::string_view> value);
-  /// A negative index only takes the designation away from who has it.
+  /// Takes the designation away from who has it. A negative index gives it to nobody.
   void designateLoginFieldAt(std::int64_t index, std::string_view as);
   [[nodiscard]] Field loginFieldDesignatedAs(std::string_view designation) const;
 
@@ -54,6 +54,7 @@ class QNLoginFieldList final {
   [[nodiscard]] JsonArray jsonArray() const;
 
  private:
+  void forget(const Field& field);
   Field _usernameField;
   Field _passwordField;
   Fields _internalFields;

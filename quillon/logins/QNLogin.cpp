@@ -1,0 +1,169 @@
+#include "quillon/logins/QNLogin.h"
+
+#include "quillon/platform/text/QNLocalization.h"
+#include "quillon/templates/QNCategoryUUID.h"
+
+namespace quillon {
+namespace {
+
+bool hasHtmlId(const QNLoginFieldList::Field& field) {
+  return field != nullptr && field->htmlId() != nullptr;
+}
+
+}  // namespace
+
+QNLogin::QNLogin(QNNew) : QNItem(initNew) {
+  setCategoryUUID(std::string(QNCategoryUUIDLogin));
+}
+
+QNLogin::QNLogin(QNExisting existing) : QNItem(existing) {
+  setCategoryUUID(std::string(QNCategoryUUIDLogin));
+}
+
+QNLoginFieldList& QNLogin::loginFields() {
+  const std::lock_guard guard(monitor());
+  if (!_loginFieldsAreLoaded) _loadLoginFields();
+  return *_cachedLoginFields;
+}
+
+void QNLogin::_loadLoginFields() {
+  JsonObject* const stored = details();  // whose first parse may come here and load the list
+  if (_loginFieldsAreLoaded) return;
+  _cachedLoginFields = std::make_unique<QNLoginFieldList>();
+  if (stored == nullptr) return;
+  _loginFieldsAreLoaded = true;
+  if (const Json* const fields = mr_objectForKey(*stored, kDetailsFields, JsonKind::array)) {
+    for (const Json& element : fields->get_array()) {
+      const JsonObject* const dictionary = element.if_object();
+      if (dictionary == nullptr || dictionary->empty()) continue;
+      _cachedLoginFields->addLoginField(std::make_shared<QNLoginField>(*dictionary));
+    }
+  }
+  noteOriginalPassword();
+}
+
+void QNLogin::dropLoginFields() {
+  _loginFieldsAreLoaded = false;
+  _cachedLoginFields = nullptr;
+}
+
+void QNLogin::setDetailsData(std::optional<Bytes> data) {
+  const std::lock_guard guard(monitor());
+  QNItem::setDetailsData(std::move(data));
+  dropLoginFields();
+}
+
+void QNLogin::copyDetails(const JsonObject& details) {
+  const std::lock_guard guard(monitor());
+  QNItem::copyDetails(details);
+  dropLoginFields();
+}
+
+void QNLogin::willSerialize() {
+  {
+    const std::lock_guard guard(monitor());
+    JsonObject* const stored = detailsLoaded() && _loginFieldsAreLoaded ? details() : nullptr;
+    if (stored != nullptr) (*stored)[kDetailsFields] = _cachedLoginFields->jsonArray();
+  }
+  QNItem::willSerialize();
+}
+
+bool QNLogin::hasLoginFields() {
+  return loginFields().count() > 0;
+}
+
+std::optional<std::string> QNLogin::username() {
+  const auto field = loginFields().usernameField();
+  const auto value = field == nullptr ? std::nullopt : field->value();
+  return value ? std::optional<std::string>(value->reveal()) : std::nullopt;
+}
+
+void QNLogin::setUsername(std::optional<std::string_view> username) {
+  const std::lock_guard guard(monitor());
+  const std::string_view value = username.value_or("");
+  const auto field = loginFields().usernameField();
+  if (field != nullptr && field->hasValue(value)) return;
+  markRowDirty();
+  if (field != nullptr) {
+    field->setValue(value);
+  } else {
+    loginFields().addDesignatedUsername(value);
+  }
+}
+
+std::optional<QNSecret> QNLogin::password() {
+  const auto field = loginFields().passwordField();
+  auto value = field == nullptr ? std::nullopt : field->value();
+  return value && !value->empty() ? std::move(value) : std::nullopt;
+}
+
+void QNLogin::setPassword(std::optional<std::string_view> password) {
+  const std::lock_guard guard(monitor());
+  const std::string_view value = password.value_or("");
+  const auto field = loginFields().passwordField();
+  if (field != nullptr && field->hasValue(value)) return;
+  markRowDirty();
+  if (field != nullptr) {
+    field->setValue(value);
+  } else {
+    loginFields().addDesignatedPassword(value);
+  }
+}
+
+std::optional<std::string> QNLogin::htmlFormValueForKey(std::string_view key) {
+  const std::lock_guard guard(monitor());
+  const JsonObject* const stored = details();
+  if (stored == nullptr) return std::nullopt;
+  const Json* const form = mr_objectForKey(*stored, kDetailsHtmlForm, JsonKind::object);
+  if (form == nullptr) return std::nullopt;
+  const auto value = mr_validStringValueForKey(form->get_object(), key);
+  return value ? std::optional<std::string>(*value) : std::nullopt;
+}
+
+void QNLogin::setHtmlFormValue(std::optional<std::string_view> value, std::string_view forKey) {
+  const std::lock_guard guard(monitor());
+  if (!value) return removeHtmlFormValueForKey(forKey);
+  JsonObject* const stored = details();
+  if (stored == nullptr || htmlFormValueForKey(forKey) == value) return;
+  markRowDirty();
+  Json& form = (*stored)[kDetailsHtmlForm];
+  if (!form.is_object()) form.emplace_object();
+  setJsonText(form.get_object(), forKey, *value);
+}
+
+void QNLogin::removeHtmlFormValueForKey(std::string_view key) {
+  JsonObject* const stored = details();
+  const auto form = stored == nullptr ? nullptr : stored->find(kDetailsHtmlForm);
+  if (stored == nullptr || form == stored->end() || !form->value().is_object()) return;
+  JsonObject& members = form->value().get_object();
+  const auto member = members.find(key);
+  if (member == members.end()) return;
+  markRowDirty();
+  members.stable_erase(member);
+  if (members.empty()) stored->stable_erase(form);
+}
+
+std::optional<std::string> QNLogin::_additionalInformation() {
+  auto name = username();
+  if (name && !name->empty()) return name;
+  if (auto alias = fastmailAlias()) return alias;
+  return QNLocalizedString("—");
+}
+
+bool QNLogin::isCreatedByBrowserExtension() {
+  const std::lock_guard guard(monitor());
+  const JsonObject* const stored = details();
+  if (stored != nullptr && stored->contains(kDetailsHtmlForm)) return true;
+  const QNLoginFieldList& fields = loginFields();
+  return hasHtmlId(fields.usernameField()) || hasHtmlId(fields.passwordField());
+}
+
+QNPrivacyComLogin::QNPrivacyComLogin(QNNew) : QNLogin(initNew) {
+  setOverviewText("privacy", "integration");
+  setCategoryUUID(std::string(QNCategoryUUIDPrivacyComLogin));
+}
+
+// Its category comes with its row.
+QNPrivacyComLogin::QNPrivacyComLogin(QNExisting existing) : QNLogin(existing) {}
+
+}  // namespace quillon
