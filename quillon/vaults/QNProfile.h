@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -11,11 +13,15 @@
 
 namespace quillon {
 
+struct MRLogText;
+struct QNItemClass;
+
 /// Bytes of a local vault's master key and overview key.
 inline constexpr std::int32_t MASTER_KEY_SIZE = 256;
 inline constexpr std::int32_t OVERVIEW_KEY_SIZE = 64;
 
-/// Posted by a vault, itself the object, unless it was opened for import.
+/// Posted by a vault, itself the object, unless it was opened for import. The address is that of
+/// the whole object: from a QNGenericProfile, dynamic_cast<const void*> gives it.
 inline constexpr std::string_view QNProfileWillLockNotification = "QNProfileWillLockNotification";
 inline constexpr std::string_view QNProfileDidLockNotification = "QNProfileDidLockNotification";
 inline constexpr std::string_view QNProfileWillUnlockNotification =
@@ -34,7 +40,9 @@ const std::set<std::string, std::less<>>& QNProfileSupportedCategoryUUIDs();
 class QNProfile final : public QNDatabaseObjectWithOverview,
                         public QNGenericProfile,
                         public std::enable_shared_from_this<QNProfile> {
-  struct Passkey {};
+  struct Passkey {
+    explicit Passkey() = default;  // so that {} is no way round it
+  };
 
  public:
   // Making: QNProfile.cpp
@@ -59,13 +67,14 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool isUnlocked() const override { return !isLocked(); }
   /// False, with nothing changed and nothing posted, for a wrong password. One key derivation.
   bool _unlockWithPassword(std::optional<std::string_view> password);
+  /// Seals both keys anew. False, with nothing changed, without a password or a key.
   bool changePasswordTo(std::optional<std::string_view> password);
   /// Each also makes the key object; absent bytes clear both. They post nothing.
   void setOverviewKey(std::optional<ByteView> key);
   void setMasterKey(std::optional<ByteView> key);
   [[nodiscard]] const std::optional<QNKeyBytes>& overviewKey() const { return _overviewKey; }
   [[nodiscard]] const std::optional<QNKeyBytes>& masterKey() const { return _masterKey; }
-  /// The password, while the vault is open.
+  /// The password, while the vault is open. An empty one isn't kept.
   [[nodiscard]] std::optional<QNSecret> profilePassword() const;
   void setProfilePassword(std::optional<std::string_view> password);
 
@@ -168,6 +177,7 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
       const override;
   [[nodiscard]] std::shared_ptr<QNGenericCategory> categoryWithUUID(
       std::optional<std::string_view> uuid) const override;
+  /// A category that has this vault as its profile keeps it alive until removeAllCategories().
   void addCategory(const std::shared_ptr<QNGenericCategory>& category) override;
   void removeAllCategories() override;
   [[nodiscard]] bool supportsCategoryUUID(std::optional<std::string_view> uuid) const override;
@@ -177,6 +187,9 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
       const std::shared_ptr<QNTemplate>& from) override;
   std::shared_ptr<QNGenericCategory> newSystemCategoryWithUUID(
       std::optional<std::string_view> uuid) override;
+  /// Null for an absent identifier. QNUnknownItem, with an error log, where no class serves.
+  [[nodiscard]] const QNItemClass* itemClassForCategoryUUID(
+      std::optional<std::string_view> uuid) const;
   std::shared_ptr<QNItem> newItemForCategoryUUID(std::optional<std::string_view> uuid) override;
   std::shared_ptr<QNItem> existingItemWithID(
       std::uint64_t oid, std::optional<std::string_view> forCategoryUUID) override;
@@ -185,7 +198,12 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::vector<std::shared_ptr<QNTemplate>> allTemplates() const override;
 
  private:
-  bool refusesWhileLocked() const;
+  bool openKeys(std::string_view password);
+  bool sealKeys(std::string_view password);
+  bool refusesWhileLocked(const MRLogText& text) const;
+  QNAESKeyRef masterAESKey();
+  std::optional<Bytes> encryptUnder(const QNAESKeyRef& key, ByteView clear) const;
+  std::optional<Bytes> decryptUnder(const QNAESKeyRef& key, ByteView sealed) const;
 
   bool _tagsLoaded = false;
   bool _openedForImport = false;
@@ -212,7 +230,7 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   mutable std::recursive_mutex _categoriesLock;
   std::map<std::string, std::shared_ptr<QNGenericCategory>, std::less<>> _categoriesByUUID;
   std::unique_ptr<QNEncryptedString> _secureProfilePassword;
-  std::uint64_t _itemKeysUnwrapped = 0;
+  std::atomic<std::uint64_t> _itemKeysUnwrapped{0};  // items open on several threads
 };
 
 }  // namespace quillon
