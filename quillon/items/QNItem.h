@@ -10,6 +10,7 @@
 #include "quillon/items/H9ItemProperties.h"
 #include "quillon/items/QNItemConstants.h"
 #include "quillon/items/QNPreviouslyUsedPassword.h"
+#include "quillon/items/QNSecretSet.h"
 #include "quillon/objects/QNDatabaseObjectWithOverview.h"
 #include "quillon/platform/crypto/QNAESKey.h"
 
@@ -50,7 +51,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   /// this row change since I drew it", where equal content in another object means it was reloaded.
   [[nodiscard]] bool isEqualToItem(const QNItem& other) const;
   [[nodiscard]] bool isSameRevisionAsItem(const QNItem& other) const;
-  [[nodiscard]] bool isModifiedCopyOf(const QNItem& other) const;
+  [[nodiscard]] bool isModifiedCopyOf(QNItem& other);
   /// allAttributes() as JSON text, in clear.
   std::optional<std::string> json();
   std::string descriptionWithSizeInformation();
@@ -101,7 +102,10 @@ class QNItem : public QNDatabaseObjectWithOverview,
   JsonObject* details() { return mutableDetails(); }
   std::optional<JsonObject> detailsCopy();
   const Json* detailsObjectForKey(std::string_view key);
+  /// An equal value changes nothing and dirties nothing. Nothing removes the key.
   void setDetailsObject(std::optional<Json> object, std::string_view forKey);
+  /// The same for a text, which never lies outside the wiping resource.
+  void setDetailsText(std::optional<std::string_view> text, std::string_view forKey);
   virtual void copyDetails(const JsonObject& details);
   virtual void setDetailsData(std::optional<Bytes> data);
   [[nodiscard]] const std::optional<Bytes>& detailsData() const { return _detailsData; }
@@ -122,8 +126,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void copyOidFrom(const std::shared_ptr<QNDatabaseObject>& other) override;
 
   // Backup keys: QNItem+BackupKeys.cpp
-  [[nodiscard]] std::set<std::string> backupKeysBase64Encoded();
-  void addBackupKeysBase64Encoded(const std::set<std::string>& keys);
+  [[nodiscard]] QNSecretSet backupKeysBase64Encoded();
+  void addBackupKeysBase64Encoded(QNSecretSet keys);
   [[nodiscard]] std::vector<QNAESKeyRef> backupAESKeys();
   void disableBackupKeys();
   void enableBackupKeys() { setBackupKeysDisabled(false); }
@@ -295,12 +299,30 @@ class QNItem : public QNDatabaseObjectWithOverview,
   struct RareColumns;  // columns that most items leave empty
   OpenState& openState();
   RareColumns& rareColumns();
-  bool requireLoadedURLs();
-  bool requireLoadedAttachments();
-  void updateStrength();
-  void retireOriginalPassword();
+  static std::string_view uuidForLogging(const QNSharedString& uuid);
+
+  void unwrapKeyIfNeeded();
+  std::optional<JsonObject> decryptedLocalDetails(QNError& error);
+  std::optional<JsonObject> decryptedAccountDetails(QNError& error);
+  void wrapKey();
+  static QNSecretSet backupKeyOf(const QNAESKeyRef& key);
+  void writeBackupKeys(const QNSecretSet& keys);
+  void updateBackupKeys();
+  void encryptDetails();
+  std::optional<Bytes> encryptedDetails(ByteView clear);
+  void dropObjectsOfDetails();
+
+  void serializeDetails();
+  void updateStrengthOfGeneratedPassword();
+  void updateStrength(const std::optional<QNSecret>& present);
+  void retireOriginalPassword(const std::optional<QNSecret>& present);
   void _savePreviouslyUsedPasswords();
-  bool encryptDetails();
+
+  [[nodiscard]] bool URLsAreAvailable() const;
+  std::vector<std::shared_ptr<QNItemURL>>& mutableURLs();
+  void dropURLCaches();
+  void requireLoadedAttachments() const;
+  [[nodiscard]] bool belongsToAccount() const;
 
   std::array<std::uint8_t, QNAESKey::kWrappedKeySize> _encryptedKeyBuffer{};
   std::optional<JsonObject> _details;

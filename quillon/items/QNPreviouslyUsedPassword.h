@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 
@@ -16,6 +17,9 @@ class QNPreviouslyUsedPassword final {
   /// Nothing for an entry that was stored without a value; such a one is not written back.
   [[nodiscard]] const std::optional<QNSecret>& value() const { return _value; }
   [[nodiscard]] std::uint64_t retiredAt() const { return _retiredAt; }
+  [[nodiscard]] std::chrono::sys_seconds retiredAtAsDate() const {
+    return std::chrono::sys_seconds(std::chrono::seconds(_retiredAt));
+  }
   [[nodiscard]] bool isEqualToPreviouslyUsedPassword(const QNPreviouslyUsedPassword& other) const;
   [[nodiscard]] std::size_t hash() const;
 

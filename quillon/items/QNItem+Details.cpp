@@ -1,0 +1,232 @@
+#include "quillon/items/internal/QNItemState.h"
+#include "quillon/items/internal/QNItemVault.h"
+#include "quillon/platform/data/MRData.h"
+#include "quillon/platform/log/MRLogger.h"
+#include "quillon/platform/text/QNText.h"
+
+namespace quillon {
+namespace {
+
+// The reports of one run of cleanseDetailsFieldsFromDetails().
+struct CleansingReport {
+  std::string item;
+  std::string_view uuid;
+  template <class... Args>
+  void error(MRLogText text, const Args&... args) const {
+    MRLogger::sharedLogger().error(DEBUG_DATABASE, item, text, args...);
+  }
+};
+
+bool isInputTrait(std::string_view key) {
+  return key == "a" || key == "inputTraits";
+}
+
+// Other nulls stay: the kind of the field decides what they mean.
+void cleanseField(JsonObject& field, const CleansingReport& report) {
+  for (auto at = field.begin(); at != field.end();) {
+    if (!at->value().is_null()) {
+      ++at;
+      continue;
+    }
+    const std::string_view key = at->key();
+    report.error("Field for item {} has NSNull for field key: {}", report.item, key);
+    if (key == "n") {
+      report.error("Found a null field identifier in item {}", report.uuid);
+      at->value().emplace_string().assign(mr_uuid());
+    }
+    at = isInputTrait(key) ? field.stable_erase(at) : at + 1;
+  }
+}
+
+// Takes every element that isn't an object out of the list.
+template <class Report>
+void removeForeignElements(JsonArray& list, const Report& report) {
+  for (auto at = list.begin(); at != list.end();) {
+    if (at->is_object()) {
+      ++at;
+      continue;
+    }
+    report(boost::json::to_string(at->kind()));
+    at = list.erase(at);
+  }
+}
+
+void cleanseSection(JsonObject& section, const CleansingReport& report) {
+  Json* const fields = section.if_contains("fields");
+  if (fields == nullptr || !fields->is_array()) return;
+  removeForeignElements(fields->get_array(), [&report](std::string_view kind) {
+    report.error("Field is not an NSDictionary but instead a {}; removing from section!", kind);
+  });
+  for (Json& field : fields->get_array()) cleanseField(field.get_object(), report);
+}
+
+}  // namespace
+
+JsonObject* QNItem::mutableDetails() {
+  const std::lock_guard lock(monitor());
+  if (_details) return &*_details;
+  if (loadingDetails() || !detailsLoaded()) {
+    MRLogger::sharedLogger().assertion(
+        DEBUG_DATABASE, descriptionForLogging(),
+        loadingDetails() ? "Failed to provide details info, item {} is still loading"
+                         : "Failed to provide details info, item {} is not loaded",
+        description());
+    return nullptr;
+  }
+  if (profile() == nullptr) {
+    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                       "Item is missing its profile");
+  }
+  if (profileType() == kProfileTypeLocalVault) unwrapKeyIfNeeded();
+  if (_detailsData) {
+    decryptDetailsDataIfNeeded();
+  } else {
+    _details.emplace(jsonStorage());
+  }
+  return _details ? &*_details : nullptr;
+}
+
+std::optional<JsonObject> QNItem::detailsCopy() {
+  const std::lock_guard lock(monitor());
+  const JsonObject* const live = details();
+  return live == nullptr ? std::nullopt : std::optional<JsonObject>(mr_deepMutableCopy(*live));
+}
+
+const Json* QNItem::detailsObjectForKey(std::string_view key) {
+  const std::lock_guard lock(monitor());
+  const JsonObject* const live = details();
+  const Json* const found = live == nullptr ? nullptr : live->if_contains(key);
+  return found == nullptr || found->is_null() ? nullptr : found;
+}
+
+void QNItem::setDetailsObject(std::optional<Json> object, std::string_view forKey) {
+  const std::lock_guard lock(monitor());
+  JsonObject* const live = mutableDetails();
+  if (live == nullptr) return;
+  const auto present = live->find(forKey);
+  if (object ? present != live->end() && present->value() == *object : present == live->end()) {
+    return;
+  }
+  markRowDirty();
+  if (object) {
+    (*live)[forKey] = std::move(*object);
+  } else {
+    live->stable_erase(present);
+  }
+}
+
+void QNItem::setDetailsText(std::optional<std::string_view> text, std::string_view forKey) {
+  if (!text) return setDetailsObject(std::nullopt, forKey);
+  const std::lock_guard lock(monitor());
+  JsonObject* const live = mutableDetails();
+  if (live == nullptr || mr_validStringValueForKey(*live, forKey) == text) return;
+  markRowDirty();
+  setJsonText(*live, forKey, *text);
+}
+
+void QNItem::copyDetails(const JsonObject& details) {
+  const std::lock_guard lock(monitor());
+  if (_details && (&*_details == &details || *_details == details)) return;
+  markRowDirty();
+  _details = mr_deepMutableCopy(details);
+  dropObjectsOfDetails();
+}
+
+void QNItem::setDetailsData(std::optional<Bytes> data) {
+  const std::lock_guard lock(monitor());
+  _detailsData = std::move(data);
+  _details.reset();
+  dropObjectsOfDetails();
+}
+
+void QNItem::dropObjectsOfDetails() {
+  if (_open != nullptr) _open->previouslyUsedPasswords.reset();
+}
+
+// A failure is told and leaves _detailsData for a later attempt.
+void QNItem::decryptDetailsDataIfNeeded() {
+  const std::lock_guard lock(monitor());
+  if (_details) return;
+  QNError error;
+  if (profileType() == kProfileTypeLocalVault) {
+    _details = decryptedLocalDetails(error);
+  } else if (profileType() == kProfileTypeAccountVault) {
+    _details = decryptedAccountDetails(error);
+  } else {
+    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                       "Unsupported profile type: {}", profileType());
+  }
+  if (_details) return didParseDetails();
+  MRLogger::sharedLogger().error(
+      DEBUG_DATABASE, descriptionForLogging(), "Unable to parse details: {}. Details data is {}",
+      error.domain.empty() ? "(null)" : error.domainCodeString(), _detailsData ? "not nil" : "nil");
+}
+
+// What doesn't open reads as no bytes, for which the parser has the error.
+std::optional<JsonObject> QNItem::decryptedLocalDetails(QNError& error) {
+  const auto clear = _key != nullptr && _detailsData ? _key->decrypt(*_detailsData) : std::nullopt;
+  return mr_mutableObjectFromJSONDataWithError(clear ? ByteView(*clear) : ByteView(), &error);
+}
+
+std::optional<JsonObject> QNItem::decryptedAccountDetails(QNError& error) {
+  MRLogger& logger = MRLogger::sharedLogger();
+  if (!_detailsData) {
+    logger.assertion(DEBUG_DATABASE, descriptionForLogging(), "nil details data for item: {}!",
+                     description());
+    return std::nullopt;
+  }
+  const auto envelope = mr_objectFromJSONDataWithError(*_detailsData, &error);
+  if (!envelope) {
+    logger.error(DEBUG_DATABASE, descriptionForLogging(),
+                 "Error serializing details data for item {}: {}, {}", description(), error.domain,
+                 error.code);
+  }
+  const auto vault = accountVaultOf(*this);
+  const auto clear = envelope && vault != nullptr
+                         ? vault->decryptWithMasterSymmetricKey(*envelope, &error)
+                         : std::nullopt;
+  auto details = clear ? mr_mutableObjectFromJSONDataWithError(*clear, &error) : std::nullopt;
+  if (details) {
+    cleanseDetailsFieldsFromDetails(*details);
+  } else if (isQNProfileEncrypted(*_detailsData)) {
+    logger.assertion(DEBUG_DATABASE, descriptionForLogging(),
+                     "Details data is encrypted by an QNProfile, not a H9Profile.");
+  } else {
+    logger.error(DEBUG_DATABASE, descriptionForLogging(), "Failed to decrypt details for item {}",
+                 description());
+  }
+  return details;
+}
+
+void QNItem::didParseDetails() {
+  if (!openState().originalPassword) noteOriginalPassword();
+}
+
+std::optional<std::string> QNItem::notesPlain() {
+  const std::lock_guard lock(monitor());
+  const JsonObject* const live = details();
+  if (live == nullptr) return std::nullopt;
+  const auto notes = mr_validStringValueForKey(*live, kDetailsNotesPlain);
+  return notes ? std::optional<std::string>(trimmedRight(*notes)) : std::nullopt;
+}
+
+void QNItem::setNotesPlain(std::optional<std::string_view> notes) {
+  if (!notes) return setDetailsText(std::nullopt, kDetailsNotesPlain);
+  std::string cut = trimmedRight(*notes);
+  setDetailsText(notes->substr(0, cut.size()), kDetailsNotesPlain);
+  wipe(cut.data(), cut.size());
+}
+
+void QNItem::cleanseDetailsFieldsFromDetails(JsonObject& details) {
+  Json* const sections = details.if_contains(kDetailsSections);
+  if (sections == nullptr) return;
+  if (sections->is_null()) sections->emplace_array();
+  if (!sections->is_array()) return;
+  const CleansingReport report{description(), uuidForLogging(_uuid)};
+  removeForeignElements(sections->get_array(), [&report](std::string_view kind) {
+    report.error("Section is not an NSDictionary but instead a {}; removing from details!", kind);
+  });
+  for (Json& section : sections->get_array()) cleanseSection(section.get_object(), report);
+}
+
+}  // namespace quillon

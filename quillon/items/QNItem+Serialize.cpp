@@ -1,0 +1,61 @@
+#include "quillon/items/internal/QNItemState.h"
+#include "quillon/logins/QNItemURL.h"
+#include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/log/MRLogger.h"
+
+namespace quillon {
+
+// Brings what is derived up to date. The history of passwords grows here and nowhere else: no
+// setter of a password touches it, so many changes between two saves leave one entry.
+void QNItem::willSerialize() {
+  setSectionName(firstLetterOfString(title()));
+  if (_open != nullptr && _open->URLs) {
+    const auto& urls = *_open->URLs;
+    setOverviewText(urls.empty() ? std::nullopt : urls.front()->URLString(), kOverviewURLString);
+  }
+  updateStrengthOfGeneratedPassword();
+  if (detailsLoaded()) serializeDetails();
+  QNDatabaseObjectWithOverview::willSerialize();
+}
+
+void QNItem::serializeDetails() {
+  setAdditionalInformation(_additionalInformation());
+  const auto present = password();
+  updateStrength(present);
+  retireOriginalPassword(present);
+  _savePreviouslyUsedPasswords();
+  saveFieldSections();
+}
+
+// An item without a row has no past: its first password doesn't enter the history.
+void QNItem::retireOriginalPassword(const std::optional<QNSecret>& present) {
+  auto& original = openState().originalPassword;
+  if (!hasOid() || !original || original->empty()) return;
+  if (present && present->equals(*original)) return;
+  addPreviouslyUsedPassword({original->clone(), secondsNow()});
+  original = present ? std::optional<QNSecret>(present->clone()) : std::nullopt;
+}
+
+void QNItem::didSave() {
+  if (_open != nullptr) _open->deletedURLs.clear();
+  QNDatabaseObjectWithOverview::didSave();
+}
+
+// The first change to a row is the last moment at which its former password can be noted.
+void QNItem::markRowDirty() {
+  QNDatabaseObjectWithOverview::markRowDirty();
+  const std::lock_guard lock(monitor());
+  const bool noted = _open != nullptr && _open->originalPassword;
+  if (noted || !detailsLoaded() || !(_details || _detailsData)) return;
+  const JsonObject* const live = details();
+  if (live != nullptr && (live->contains(kDetailsFields) || live->contains(kDetailsSections))) {
+    noteOriginalPassword();
+  }
+}
+
+void QNItem::noteOriginalPassword() {
+  const std::lock_guard lock(monitor());
+  openState().originalPassword = password();
+}
+
+}  // namespace quillon
