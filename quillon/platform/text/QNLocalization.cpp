@@ -39,8 +39,7 @@ void QNLocalization::setLanguage(std::string_view tag) {
 const QNLocalization::Table& QNLocalization::tableFor(const std::string& language) const {
   const auto [place, isNew] = _tables.try_emplace(language);
   if (isNew && isLanguageTag(language)) {
-    const auto path =
-        resourceFolder() / "Locales" / (language + ".lproj") / "Localizable.strings";
+    const auto path = resourceFolder() / "Locales" / (language + ".lproj") / "Localizable.strings";
     if (const auto text = fileContent(path, kMaxTableBytes)) {
       place->second = parseStrings(*text, language);
     }

@@ -1,9 +1,12 @@
 #include <unicode/coll.h>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/text/QNText.h"
+#include "quillon/platform/text/internal/QNLocale.h"
 
 namespace quillon {
 namespace {
@@ -12,9 +15,7 @@ using Collator = std::unique_ptr<icu::Collator>;
 
 Collator makeCollator(const std::string& locale, icu::Collator::ECollationStrength strength) {
   UErrorCode status = U_ZERO_ERROR;
-  const icu::Locale language = icu::Locale::forLanguageTag(locale, status);
-  if (U_FAILURE(status)) status = U_ZERO_ERROR;  // the root locale then
-  Collator collator(icu::Collator::createInstance(language, status));
+  Collator collator(icu::Collator::createInstance(localeForTag(locale), status));
   if (U_FAILURE(status)) return nullptr;
   collator->setStrength(strength);
   return collator;
@@ -53,6 +54,27 @@ int localizedCompare(std::string_view a, std::string_view b) {
 
 int localizedCaseInsensitiveCompare(std::string_view a, std::string_view b) {
   return compared(collatorsOfThread().ignoring, a, b);
+}
+
+std::string collationKey(std::string_view text) {
+  const Collator& collator = collatorsOfThread().minding;
+  if (collator == nullptr) return std::string(text);
+  const auto wide = icu::UnicodeString::fromUTF8(
+      icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+  std::array<char, 128> place;  // enough for nearly every title
+  const auto write = [&](char* out, std::size_t size) {
+    return static_cast<std::size_t>(collator->getSortKey(wide, reinterpret_cast<std::uint8_t*>(out),
+                                                         static_cast<int32_t>(size)));
+  };
+  const std::size_t size = write(place.data(), place.size());
+  if (size == 0) return std::string(text);  // memory is short
+  std::string key(place.data(), std::min(size, place.size()));
+  if (size > place.size()) {
+    key.resize(size);
+    write(key.data(), key.size());
+  }
+  key.pop_back();  // ICU's end mark
+  return key;
 }
 
 }  // namespace quillon

@@ -19,17 +19,28 @@ namespace {
 // their plain look-alike. Null for any other.
 const char* plainLetterFor(UChar32 c) noexcept {
   switch (c) {
-    case 0x00E6: return "ae";
-    case 0x00F0: return "d";   // ð
-    case 0x00F8: return "o";   // ø
-    case 0x00FE: return "th";  // þ
-    case 0x0111: return "d";   // đ
-    case 0x0127: return "h";   // ħ
-    case 0x0131: return "i";   // ı
-    case 0x0142: return "l";   // ł
-    case 0x0153: return "oe";
-    case 0x0167: return "t";   // ŧ
-    default: return nullptr;
+    case 0x00E6:
+      return "ae";
+    case 0x00F0:
+      return "d";  // ð
+    case 0x00F8:
+      return "o";  // ø
+    case 0x00FE:
+      return "th";  // þ
+    case 0x0111:
+      return "d";  // đ
+    case 0x0127:
+      return "h";  // ħ
+    case 0x0131:
+      return "i";  // ı
+    case 0x0142:
+      return "l";  // ł
+    case 0x0153:
+      return "oe";
+    case 0x0167:
+      return "t";  // ŧ
+    default:
+      return nullptr;
   }
 }
 
@@ -122,9 +133,9 @@ WipedUnits secretUnitsOf(std::string_view text, UErrorCode& status) {
 WipedUnits decomposed(const WipedUnits& units, UErrorCode& status) {
   constexpr std::size_t longestDecomposition = 18;  // of U+FDFA
   WipedUnits result(units.size() * longestDecomposition);
-  const int32_t length = unorm2_normalize(
-      unorm2_getNFKDInstance(&status), units.data(), static_cast<int32_t>(units.size()),
-      result.data(), static_cast<int32_t>(result.size()), &status);
+  const int32_t length = unorm2_normalize(unorm2_getNFKDInstance(&status), units.data(),
+                                          static_cast<int32_t>(units.size()), result.data(),
+                                          static_cast<int32_t>(result.size()), &status);
   result.resize(static_cast<std::size_t>(std::max(length, 0)));
   return result;
 }

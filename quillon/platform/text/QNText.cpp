@@ -1,9 +1,8 @@
 #include "quillon/platform/text/QNText.h"
 
 #include <unicode/brkiter.h>
-#include <unicode/bytestream.h>
-#include <unicode/casemap.h>
 #include <unicode/uchar.h>
+#include <unicode/unistr.h>
 #include <unicode/utext.h>
 #include <unicode/utf8.h>
 
@@ -12,6 +11,7 @@
 
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/text/QNASCII.h"
+#include "quillon/platform/text/internal/QNLocale.h"
 
 namespace quillon {
 namespace {
@@ -36,6 +36,14 @@ bool isBlank(UChar32 c) noexcept {
   return c >= 0 && u_isUWhiteSpace(c);
 }
 
+std::size_t startOfUnblank(std::string_view text) noexcept {
+  std::size_t start = 0;
+  for (std::size_t next = 0; next < text.size(); start = next) {
+    if (!isBlank(nextCodePoint(text, next))) return start;
+  }
+  return start;
+}
+
 std::size_t unitsOf(UChar32 c) noexcept {
   return c > 0xFFFF ? 2 : 1;
 }
@@ -49,16 +57,16 @@ bool mapsASCIILikeEnglish(std::string_view locale) noexcept {
 enum class Case { lower, upper };
 
 std::string mappedByLocale(std::string_view text, const std::string& locale, Case to) {
-  std::string mapped;
-  icu::StringByteSink<std::string> sink(&mapped, static_cast<int32_t>(text.size()));
-  const icu::StringPiece piece(text.data(), static_cast<int32_t>(text.size()));
-  UErrorCode status = U_ZERO_ERROR;
+  auto letters = icu::UnicodeString::fromUTF8(
+      icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+  const icu::Locale rules = localeForTag(locale);
   if (to == Case::lower) {
-    icu::CaseMap::utf8ToLower(locale.c_str(), 0, piece, sink, nullptr, status);
+    letters.toLower(rules);
   } else {
-    icu::CaseMap::utf8ToUpper(locale.c_str(), 0, piece, sink, nullptr, status);
+    letters.toUpper(rules);
   }
-  return U_SUCCESS(status) ? mapped : std::string(text);
+  std::string result;
+  return letters.toUTF8String(result);
 }
 
 std::string mapped(std::string_view text, Case to) {
@@ -109,7 +117,8 @@ bool isUTF8(std::string_view text) noexcept {
 std::size_t textLength(std::string_view text) {
   if (isASCII(text)) return text.size();
   std::size_t length = 0;
-  for (std::size_t offset = 0; offset < text.size();) length += unitsOf(nextCodePoint(text, offset));
+  for (std::size_t offset = 0; offset < text.size();)
+    length += unitsOf(nextCodePoint(text, offset));
   return length;
 }
 
@@ -165,11 +174,11 @@ std::string trimmedRight(std::string_view text) {
 }
 
 std::string trimmed(std::string_view text) {
-  std::size_t start = 0;
-  for (std::size_t next = 0; next < text.size(); start = next) {
-    if (!isBlank(nextCodePoint(text, next))) break;
-  }
-  return trimmedRight(text.substr(start));
+  return trimmedRight(text.substr(startOfUnblank(text)));
+}
+
+bool isBlankText(std::string_view text) {
+  return startOfUnblank(text) == text.size();
 }
 
 }  // namespace quillon

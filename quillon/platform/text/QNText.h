@@ -22,6 +22,8 @@ std::size_t bytesOfCutToLength(std::string_view text, std::size_t length);
 /// White space and new lines at the end cut off, or at both ends.
 std::string trimmedRight(std::string_view text);
 std::string trimmed(std::string_view text);
+/// Is it nothing but white space and new lines, or empty?
+bool isBlankText(std::string_view text);
 
 /// Case mapping for the user's locale.
 std::string lowercaseText(std::string_view text);
@@ -46,5 +48,8 @@ QNSecret normalizedNFKD(std::string_view text);
 /// 0, or above 0.
 int localizedCompare(std::string_view a, std::string_view b);
 int localizedCaseInsensitiveCompare(std::string_view a, std::string_view b);
+/// Bytes whose order is that of localizedCompare(): for sorting many texts, each looked at once.
+/// They hold for one locale and one version of ICU only.
+std::string collationKey(std::string_view text);
 
 }  // namespace quillon
