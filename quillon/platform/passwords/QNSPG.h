@@ -14,11 +14,11 @@ namespace quillon {
 class QNSPG final {
  public:
   struct Characters {
-    std::uint32_t length = 20;  // 4 to 256
+    std::uint32_t length = 20;  // 4 to 256; what lies outside is drawn to the nearer end
     bool digits = true;
     bool symbols = true;
     /// Leaves out characters that are easily mistaken for another: 0 O 1 l I |
-    bool ambiguous = false;
+    bool withoutAmbiguous = false;
   };
   /// A generated password and the bits of entropy of the way it was made.
   struct Generated {
@@ -26,8 +26,8 @@ class QNSPG final {
     double bitsEntropy = 0;
   };
 
-  /// Random characters; at least one of each asked class where the length allows it. The stated
-  /// entropy takes that condition into account.
+  /// Random letters, digits and symbols; a small letter, a capital, and one of each asked class
+  /// at least. The stated entropy is that of a choice among all such passwords.
   static Generated generateCharacters(const Characters& recipe);
   /// The default recipe.
   static QNSecret generateCharactersPassword();
@@ -39,11 +39,13 @@ class QNSPG final {
   static bool qualifiesForPasswordStrength(std::string_view text);
 };
 
-/// Rates passwords that weren't generated here, by zxcvbn.
+/// Rates passwords that weren't generated here, by zxcvbn. Any thread may ask.
+// LTPasswordStrengthWrapper.cpp
 class LTPasswordStrengthWrapper final {
  public:
-  /// 0 to 100, on the scale of QNSPG. Only the first 100 characters count, since the cost grows
-  /// with the length. Nothing and an error of QNErrorDomain for an absent password.
+  /// 0 to 100, on the scale of QNSPG. The cost grows with the square of the length: a password
+  /// whose first 32 characters reach 100 isn't looked at further, and of any other the first 100
+  /// characters count. Nothing and an error of QNErrorDomain for an absent password.
   static std::optional<float> passwordStrength(std::optional<std::string_view> password,
                                                QNError* error = nullptr);
 };
