@@ -54,8 +54,10 @@ bool finish(const Context& context) {
   return EVP_CipherFinal_ex(context.get(), nothing.data(), &count) == 1;
 }
 
-bool openWithoutWiping(QNCipherKey key, QNGCMNonce nonce, ByteView associated, ByteView text,
-                       ByteView tag, std::uint8_t* out) {
+bool openWithoutWiping(QNCipherKey key, QNGCMNonce nonce, ByteView associated, ByteView sealed,
+                       std::uint8_t* out) {
+  const ByteView text = sealed.first(sealed.size() - kGCMTagSize);
+  const ByteView tag = sealed.last(kGCMTagSize);
   const Context context = begin(gcmCipher(), key, nonce.data(), kOpen);
   return context != nullptr && feed(context, nullptr, associated) && feed(context, out, text) &&
          EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_SET_TAG, kGCMTagSize,
@@ -78,24 +80,26 @@ void doubleBlock(Block& block) {
 }  // namespace
 
 bool gcmSeal(QNCipherKey key, QNGCMNonce nonce, ByteView associated, ByteView plain,
-             std::uint8_t* out) {
-  if (plain.size() > kMaxMessage || associated.size() > kMaxMessage) return false;
+             std::span<std::uint8_t> out) {
+  if (plain.size() > kMaxMessage || associated.size() > kMaxMessage ||
+      out.size() != plain.size() + kGCMTagSize) {
+    return false;
+  }
   const Context context = begin(gcmCipher(), key, nonce.data(), kSeal);
-  return context != nullptr && feed(context, nullptr, associated) && feed(context, out, plain) &&
-         finish(context) &&
+  return context != nullptr && feed(context, nullptr, associated) &&
+         feed(context, out.data(), plain) && finish(context) &&
          EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_GET_TAG, kGCMTagSize,
-                             out + plain.size()) == 1;
+                             out.last(kGCMTagSize).data()) == 1;
 }
 
 bool gcmOpen(QNCipherKey key, QNGCMNonce nonce, ByteView associated, ByteView sealed,
-             std::uint8_t* out) {
-  if (sealed.size() < kGCMTagSize || sealed.size() > kMaxMessage ||
-      associated.size() > kMaxMessage) {
-    return false;
+             std::span<std::uint8_t> out) {
+  if (sealed.size() <= kMaxMessage && associated.size() <= kMaxMessage &&
+      sealed.size() == out.size() + kGCMTagSize &&
+      openWithoutWiping(key, nonce, associated, sealed, out.data())) {
+    return true;
   }
-  const ByteView text = sealed.first(sealed.size() - kGCMTagSize);
-  if (openWithoutWiping(key, nonce, associated, text, sealed.last(kGCMTagSize), out)) return true;
-  wipe(out, text.size());
+  wipe(out.data(), out.size());
   return false;
 }
 
@@ -121,13 +125,13 @@ std::optional<QNMessageKey> QNMessageKey::derive(QNCipherKey key, QNGCMNonce non
 }
 
 bool xaesSeal(QNCipherKey key, QNXAESNonce nonce, ByteView associated, ByteView plain,
-              std::uint8_t* out) {
+              std::span<std::uint8_t> out) {
   const auto messageKey = QNMessageKey::derive(key, nonce.first<12>());
   return messageKey && gcmSeal(messageKey->bytes(), nonce.last<12>(), associated, plain, out);
 }
 
 bool xaesOpen(QNCipherKey key, QNXAESNonce nonce, ByteView associated, ByteView sealed,
-              std::uint8_t* out) {
+              std::span<std::uint8_t> out) {
   const auto messageKey = QNMessageKey::derive(key, nonce.first<12>());
   return messageKey && gcmOpen(messageKey->bytes(), nonce.last<12>(), associated, sealed, out);
 }

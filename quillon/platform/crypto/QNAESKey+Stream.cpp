@@ -54,7 +54,7 @@ QNResult<QNDone> seal(const QNAESKey& key, const QNAESKey::Reader& reader,
   do {
     if (!plain.advance()) return QNError::unreadable(kReadFailed);
     sealed.resize(plain.piece().size() + kGCMTagSize);
-    if (!message->seal(plain.piece(), plain.place(), sealed.data())) {
+    if (!message->seal(plain.piece(), plain.place(), sealed)) {
       return QNError::unreadable("a segment can't be sealed");
     }
     if (!writer(sealed)) return QNError::unreadable(kWriteFailed);
@@ -75,7 +75,7 @@ QNResult<QNDone> open(const QNAESKey& key, const QNAESKey::Reader& reader,
     if (!sealed.advance()) return QNError::unreadable(kReadFailed);
     const ByteView piece = sealed.piece();
     plain.resize(piece.size() - std::min(piece.size(), kGCMTagSize));
-    if (!message->open(piece, sealed.place(), plain.data())) {
+    if (!message->open(piece, sealed.place(), plain)) {
       return QNError::unreadable("wrong key or damaged data");
     }
     if (!plain.empty() && !writer(plain)) return QNError::unreadable(kWriteFailed);

@@ -33,11 +33,12 @@ ByteView hmacKey(const QNKeyBytes& raw) {
   return ByteView(raw).subspan(32);
 }
 
-// Takes the next segment's bytes off the front of `rest`.
-ByteView takeSegment(ByteView& rest, std::size_t size) {
-  const ByteView segment = rest.first(std::min(rest.size(), size));
-  rest = rest.subspan(segment.size());
-  return segment;
+// Takes up to `size` bytes off the front of `rest`.
+template <class Byte>
+std::span<Byte> take(std::span<Byte>& rest, std::size_t size) {
+  const std::span<Byte> front = rest.first(std::min(rest.size(), size));
+  rest = rest.subspan(front.size());
+  return front;
 }
 
 // An empty text has a segment too.
@@ -99,29 +100,36 @@ QNKeyBytes QNAESKey::rawKeyData() const {
 std::optional<Bytes> QNAESKey::encrypt(ByteView plain) const {
   auto message = QNSegmentCipher::forNewMessage(*this);
   if (!message) return std::nullopt;
-  const std::size_t segments = segmentCount(plain.size(), kSegmentSize);
-  Bytes sealed(QNSegmentCipher::kHeadSize + plain.size() + segments * kGCMTagSize);
-  std::copy(message->head().begin(), message->head().end(), sealed.begin());
-  std::uint8_t* out = sealed.data() + QNSegmentCipher::kHeadSize;
+  const std::size_t tags = segmentCount(plain.size(), kSegmentSize) * kGCMTagSize;
+  Bytes sealed(QNSegmentCipher::kHeadSize + plain.size() + tags);
+  std::span<std::uint8_t> out(sealed);
+  std::copy(message->head().begin(), message->head().end(),
+            take(out, QNSegmentCipher::kHeadSize).begin());
   do {
-    const ByteView segment = takeSegment(plain, kSegmentSize);
-    if (!message->seal(segment, placeBefore(plain), out)) return std::nullopt;
-    out += segment.size() + kGCMTagSize;
+    const ByteView segment = take(plain, kSegmentSize);
+    if (!message->seal(segment, placeBefore(plain), take(out, segment.size() + kGCMTagSize))) {
+      return std::nullopt;
+    }
   } while (!plain.empty());
   return sealed;
 }
 
 std::optional<Bytes> QNAESKey::decrypt(ByteView sealed) const {
   if (!isQNProfileEncrypted(sealed)) return std::nullopt;
-  auto message = QNSegmentCipher::forHead(*this, takeSegment(sealed, QNSegmentCipher::kHeadSize));
+  auto message = QNSegmentCipher::forHead(*this, take(sealed, QNSegmentCipher::kHeadSize));
   if (!message) return std::nullopt;
-  const std::size_t segments = segmentCount(sealed.size(), QNSegmentCipher::kSealedSegmentSize);
-  Bytes plain(sealed.size() - segments * kGCMTagSize);
-  std::uint8_t* out = plain.data();
+  const std::size_t tags =
+      segmentCount(sealed.size(), QNSegmentCipher::kSealedSegmentSize) * kGCMTagSize;
+  Bytes plain(sealed.size() - tags);
+  std::span<std::uint8_t> out(plain);
   do {
-    const ByteView segment = takeSegment(sealed, QNSegmentCipher::kSealedSegmentSize);
-    if (!message->open(segment, placeBefore(sealed), out)) return std::nullopt;
-    out += segment.size() - kGCMTagSize;
+    const ByteView segment = take(sealed, QNSegmentCipher::kSealedSegmentSize);
+    // A last segment cut to less than its tag makes `out` too small for the one before: open()
+    // refuses an `out` that doesn't fit.
+    if (segment.size() < kGCMTagSize ||
+        !message->open(segment, placeBefore(sealed), take(out, segment.size() - kGCMTagSize))) {
+      return std::nullopt;
+    }
   } while (!sealed.empty());
   return plain;
 }
@@ -133,7 +141,8 @@ std::optional<Bytes> QNAESKey::encryptKey(const QNAESKey& key) const {
   const std::span<std::uint8_t, kXAESNonceSize> nonce(wrapped.data() + kWrapNonceAt,
                                                       kXAESNonceSize);
   fillRandom(nonce);
-  if (!xaesSeal(encryptionKey(_raw), nonce, kWrapHead, key._raw, wrapped.data() + kWrapSealedAt)) {
+  if (!xaesSeal(encryptionKey(_raw), nonce, kWrapHead, key._raw,
+                std::span(wrapped).subspan(kWrapSealedAt))) {
     return std::nullopt;
   }
   return wrapped;
@@ -146,8 +155,7 @@ QNAESKeyRef QNAESKey::decryptKey(ByteView wrapped) const {
   }
   const QNXAESNonce nonce(wrapped.data() + kWrapNonceAt, kXAESNonceSize);
   QNKeyBytes raw(kRawKeySize);
-  if (!xaesOpen(encryptionKey(_raw), nonce, kWrapHead, wrapped.subspan(kWrapSealedAt),
-                raw.data())) {
+  if (!xaesOpen(encryptionKey(_raw), nonce, kWrapHead, wrapped.subspan(kWrapSealedAt), raw)) {
     return nullptr;
   }
   return std::make_shared<QNAESKey>(Passkey(), std::move(raw));

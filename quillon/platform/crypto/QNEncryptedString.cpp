@@ -19,7 +19,7 @@ std::unique_ptr<QNEncryptedString> QNEncryptedString::encryptedStringWithString(
   const std::span<std::uint8_t, kXAESNonceSize> nonce(string->_sealed.data(), kXAESNonceSize);
   fillRandom(nonce);
   if (!xaesSeal(QNCipherKey(string->_key), nonce, {}, bytesOf(text),
-                string->_sealed.data() + kXAESNonceSize)) {
+                std::span(string->_sealed).subspan(kXAESNonceSize))) {
     return nullptr;
   }
   return string;
@@ -29,7 +29,7 @@ QNSecret QNEncryptedString::stringValue() const {
   const QNXAESNonce nonce(_sealed.data(), kXAESNonceSize);
   const ByteView sealed = ByteView(_sealed).subspan(kXAESNonceSize);
   Bytes text(sealed.size() - kGCMTagSize);
-  if (!xaesOpen(QNCipherKey(_key), nonce, {}, sealed, text.data())) return QNSecret();
+  if (!xaesOpen(QNCipherKey(_key), nonce, {}, sealed, text)) return QNSecret();
   return QNSecret(textOf(text));
 }
 

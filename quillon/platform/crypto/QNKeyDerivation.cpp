@@ -17,6 +17,9 @@ namespace quillon {
 namespace {
 
 constexpr unsigned long long kArgonPasses = 3;
+// The hash inside Argon2 leaves its result, our key, in the frame of a function that has returned:
+// that much of the stack is cleared.
+constexpr std::size_t kArgonStack = 32'768;
 constexpr double kCalibratedSeconds = 0.5;
 constexpr std::uint32_t kCalibratedStep = 1'024;  // a whole number of MiB
 
@@ -51,13 +54,15 @@ QNKeyBytes hkdf(const char* digest, ByteView keyMaterial, ByteView salt, ByteVie
 QNKeyBytes argon2id(std::string_view password, ByteView salt, std::uint32_t kibibytes,
                     std::size_t size) {
   const QNSecret normalized = normalizedNFKD(password);
-  const std::string_view text = normalized.reveal();  // Argon2 reads the characters themselves
+  // Argon2 reads the characters themselves; libsodium wants an address of no characters too.
+  const std::string_view text = normalized.empty() ? "" : normalized.reveal();
   QNKeyBytes derived(size);
-  if (sodium_init() < 0 || crypto_pwhash(derived.data(), derived.size(), text.data(), text.size(),
-                                         salt.data(), kArgonPasses, std::size_t{kibibytes} * 1'024,
-                                         crypto_pwhash_ALG_ARGON2ID13) != 0) {
-    return {};
-  }
+  if (sodium_init() < 0) return {};
+  const int failed =
+      crypto_pwhash(derived.data(), derived.size(), text.data(), text.size(), salt.data(),
+                    kArgonPasses, std::size_t{kibibytes} * 1'024, crypto_pwhash_ALG_ARGON2ID13);
+  sodium_stackzero(kArgonStack);
+  if (failed != 0) return {};
   return derived;
 }
 

@@ -24,7 +24,7 @@ bool isQNProfileEncrypted(ByteView data) noexcept {
   return data.size() >= QNAESKey::kMinSealedSize && hasMagic(data);
 }
 
-QNSegmentCipher::QNSegmentCipher(const Head& head, QNMessageKey key)
+QNSegmentCipher::QNSegmentCipher(const Head& head, QNMessageKey&& key)
     : _head(head), _key(std::move(key)), _associated{}, _nonce{} {
   const auto rest = std::copy(kMagic.begin(), kMagic.end(), _associated.begin());
   std::copy(_head.begin() + kAuthenticatedAt, _head.end(), rest);
@@ -70,12 +70,12 @@ bool QNSegmentCipher::beginSegment(std::size_t plainSize, QNSegmentPlace place) 
   return true;
 }
 
-bool QNSegmentCipher::seal(ByteView plain, QNSegmentPlace place, std::uint8_t* out) {
+bool QNSegmentCipher::seal(ByteView plain, QNSegmentPlace place, std::span<std::uint8_t> out) {
   return beginSegment(plain.size(), place) &&
          gcmSeal(_key.bytes(), _nonce, _associated, plain, out);
 }
 
-bool QNSegmentCipher::open(ByteView sealed, QNSegmentPlace place, std::uint8_t* out) {
+bool QNSegmentCipher::open(ByteView sealed, QNSegmentPlace place, std::span<std::uint8_t> out) {
   return sealed.size() >= kGCMTagSize && beginSegment(sealed.size() - kGCMTagSize, place) &&
          gcmOpen(_key.bytes(), _nonce, _associated, sealed, out);
 }

@@ -19,14 +19,15 @@ using QNCipherKey = std::span<const std::uint8_t, 32>;
 using QNGCMNonce = std::span<const std::uint8_t, 12>;
 using QNXAESNonce = std::span<const std::uint8_t, kXAESNonceSize>;
 
-/// Writes the sealed text and its tag to `out`, plain.size() + 16 bytes. A nonce must never come
-/// twice under one key. False if OpenSSL fails (no memory): `out` is then worth nothing.
+/// Writes the sealed text and its tag to `out`, which must be of plain.size() + 16 bytes. A nonce
+/// must never come twice under one key. False for another size, or if OpenSSL fails (no memory):
+/// `out` is then worth nothing.
 [[nodiscard]] bool gcmSeal(QNCipherKey key, QNGCMNonce nonce, ByteView associated, ByteView plain,
-                           std::uint8_t* out);
-/// Writes sealed.size() - 16 bytes to `out`. False, with `out` wiped, for data that wasn't sealed
-/// with this key, nonce and associated data.
+                           std::span<std::uint8_t> out);
+/// Writes the text to `out`, which must be of sealed.size() - 16 bytes. False, with `out` wiped,
+/// for another size and for data that wasn't sealed with this key, nonce and associated data.
 [[nodiscard]] bool gcmOpen(QNCipherKey key, QNGCMNonce nonce, ByteView associated, ByteView sealed,
-                           std::uint8_t* out);
+                           std::span<std::uint8_t> out);
 
 /// The AES key of one message, 32 bytes, wiped when it goes.
 class QNMessageKey final {
@@ -46,8 +47,8 @@ class QNMessageKey final {
 
 /// gcmSeal and gcmOpen for a random nonce of 24 bytes.
 [[nodiscard]] bool xaesSeal(QNCipherKey key, QNXAESNonce nonce, ByteView associated, ByteView plain,
-                            std::uint8_t* out);
+                            std::span<std::uint8_t> out);
 [[nodiscard]] bool xaesOpen(QNCipherKey key, QNXAESNonce nonce, ByteView associated,
-                            ByteView sealed, std::uint8_t* out);
+                            ByteView sealed, std::span<std::uint8_t> out);
 
 }  // namespace quillon

@@ -35,16 +35,16 @@ class QNSegmentCipher final {
   static std::optional<QNSegmentCipher> forHead(const QNAESKey& key, ByteView head);
 
   [[nodiscard]] ByteView head() const noexcept { return _head; }
-  /// Seals the next segment into plain.size() + 16 bytes at `out`. False for a size that its place
+  /// Seals the next segment into `out`, plain.size() + 16 bytes. False for a size that its place
   /// doesn't allow, or after the last segment.
-  [[nodiscard]] bool seal(ByteView plain, QNSegmentPlace place, std::uint8_t* out);
-  /// Opens the next segment into sealed.size() - 16 bytes at `out`. False, with nothing left at
-  /// `out`, if it isn't the very segment that was sealed in this place.
-  [[nodiscard]] bool open(ByteView sealed, QNSegmentPlace place, std::uint8_t* out);
+  [[nodiscard]] bool seal(ByteView plain, QNSegmentPlace place, std::span<std::uint8_t> out);
+  /// Opens the next segment into `out`, sealed.size() - 16 bytes. False, with nothing of the text
+  /// in `out`, if it isn't the very segment that was sealed in this place.
+  [[nodiscard]] bool open(ByteView sealed, QNSegmentPlace place, std::span<std::uint8_t> out);
 
  private:
   using Head = std::array<std::uint8_t, kHeadSize>;
-  QNSegmentCipher(const Head& head, QNMessageKey key);
+  QNSegmentCipher(const Head& head, QNMessageKey&& key);
   static std::optional<QNSegmentCipher> make(const QNAESKey& key, const Head& head);
   bool beginSegment(std::size_t plainSize, QNSegmentPlace place);
 

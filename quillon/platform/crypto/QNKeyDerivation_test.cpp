@@ -1,0 +1,62 @@
+#include "quillon/platform/crypto/internal/QNKeyDerivation.h"
+
+#include <gtest/gtest.h>
+
+#include "quillon/platform/crypto/internal/QNCryptoTesting.h"
+
+namespace quillon {
+namespace {
+
+using namespace cryptotesting;
+
+Bytes plainBytes(const QNKeyBytes& key) {
+  return toBytes(key);
+}
+
+TEST(QNKeyDerivation, ExpandsAsPublished) {
+  for (const auto& each : published().at("HKDF").as_array()) {
+    const Bytes wanted = hexAt(each, "derived");
+
+    const QNKeyBytes derived = hkdf(each.at("hash").as_string().c_str(), hexAt(each, "keyMaterial"),
+                                    hexAt(each, "salt"), hexAt(each, "info"), wanted.size());
+
+    EXPECT_EQ(plainBytes(derived), wanted) << each.at("source");
+  }
+}
+
+TEST(QNKeyDerivation, ExpandsWithSHA512AsWorkedOutElsewhere) {
+  const auto& wanted = frozen().at("HKDF-SHA512");
+
+  const QNKeyBytes derived = hkdf("SHA512", hexAt(wanted, "keyMaterial"), hexAt(wanted, "salt"),
+                                  hexAt(wanted, "info"), hexAt(wanted, "derived").size());
+
+  EXPECT_EQ(plainBytes(derived), hexAt(wanted, "derived"));
+}
+
+TEST(QNKeyDerivation, ExpandsNothingWithoutKeyMaterial) {
+  const QNKeyBytes derived = hkdf("SHA512", {}, {}, bytesOf("info"), 64);
+
+  EXPECT_TRUE(derived.empty());
+}
+
+TEST(QNKeyDerivation, ExpandsNoMoreThanTheHashAllows) {
+  const Bytes material = patterned(64);  // and 255 hashes of 64 bytes are the most
+
+  EXPECT_EQ(hkdf("SHA512", material, {}, {}, 16'320).size(), 16'320u);
+  EXPECT_TRUE(hkdf("SHA512", material, {}, {}, 16'321).empty());
+}
+
+TEST(QNKeyDerivation, CalibratesInProportionToHalfASecond) {
+  EXPECT_EQ(calibratedIterations(0.25), 131'072u);
+  EXPECT_EQ(calibratedIterations(0.3), 108'544u);  // 109,226 down to whole MiB
+}
+
+TEST(QNKeyDerivation, CalibratesWithinTheBoundsOnASlowAndAFastMachine) {
+  EXPECT_EQ(calibratedIterations(60), 65'536u);
+  EXPECT_EQ(calibratedIterations(0.5), 65'536u);
+  EXPECT_EQ(calibratedIterations(0.001), 262'144u);
+  EXPECT_EQ(calibratedIterations(0), 262'144u);
+}
+
+}  // namespace
+}  // namespace quillon
