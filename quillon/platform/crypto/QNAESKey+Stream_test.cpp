@@ -96,6 +96,16 @@ TEST(QNAESKeyStream, ReadsNoMoreThanASegmentAtATime) {
   EXPECT_EQ(plain.largestCount, QNAESKey::kSegmentSize);
 }
 
+TEST(QNAESKeyStream, AsksForNoMoreAfterAPieceThatWasShort) {
+  const auto key = fixedKey();
+  Source sealed{*key->encrypt(patterned(300)), 2};  // the head, the only piece, and a failure
+  Source plain{patterned(300), 1};
+  Sink sink;
+
+  EXPECT_TRUE(key->decryptDataWithReader(sealed.reader(), sink.writer()));
+  EXPECT_TRUE(key->encryptDataWithReader(plain.reader(), sink.writer()));
+}
+
 // Nothing but whole segments that were verified may have left, and the error is told.
 void expectOnlyAVerifiedBeginning(const Outcome& outcome, const Bytes& plain,
                                   std::size_t verifiedSegments) {
@@ -244,8 +254,11 @@ TEST(QNAESKeyStream, RefusesAReaderThatGivesMoreThanItWasAskedFor) {
   Sink sink;
   const auto generous = [](std::size_t count) { return std::optional(Bytes(count + 1)); };
 
-  EXPECT_FALSE(key->encryptDataWithReader(generous, sink.writer()));
+  QNError error;
+  EXPECT_FALSE(key->encryptDataWithReader(generous, sink.writer(), &error));
   EXPECT_FALSE(key->decryptDataWithReader(generous, sink.writer()));
+
+  EXPECT_EQ(error.message, "the reader failed");
 }
 
 TEST(QNAESKeyStream, WorksInsideTheWriterOfAnother) {
