@@ -1,0 +1,281 @@
+#include "quillon/templates/QNCategory.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include "quillon/templates/internal/QNTestCategories.h"
+
+namespace quillon {
+namespace {
+
+TEST(QNCategory, ShowsTheDefaultNamesAfterTheLoadOfACategoryThatTheLibraryNames) {
+  const std::pair<const char*, const char*> cases[] = {{"001", "Login"},
+                                                       {"002", "Credit Card"},
+                                                       {"003", "Secure Note"},
+                                                       {"004", "Identity"},
+                                                       {"005", "Password"}};
+  for (const auto& [uuid, name] : cases) {
+    QNCategory category(QNExisting{4});
+    category.setUuid(uuid);
+    category.setSingularName("Stored under another name");
+
+    category.didLoad();
+
+    EXPECT_EQ(category.singularName(), name);
+  }
+}
+
+TEST(QNCategory, RefreshesAllFourNamesAtALoad) {
+  QNCategory category(QNExisting{4});
+  category.setUuid("001");
+
+  category.didLoad();
+
+  EXPECT_EQ(category.singularName(), "Login");
+  EXPECT_EQ(category.pluralName(), "Logins");
+  EXPECT_EQ(category.listIconName(), "type-login-list");
+  EXPECT_EQ(category.detailIconName(), "type-login-details");
+}
+
+TEST(QNCategory, PrefersTheDefaultNamesToThoseOfATemplateAtALoad) {
+  const QNScopedTemplate login("001", {"Other", "Others", "list", "detail", false});
+  QNCategory category(QNExisting{4});
+  category.setUuid("001");
+
+  category.didLoad();
+
+  EXPECT_EQ(category.singularName(), "Login");
+}
+
+TEST(QNCategory, TakesTheNamesOfItsTemplateAtALoad) {
+  const QNScopedTemplate bank("101", {"Bank Account", "Bank Accounts", "list", "detail", false});
+  QNCategory category(QNExisting{4});
+  category.setUuid("101");
+  category.setSingularName("Stored");
+
+  category.didLoad();
+
+  EXPECT_EQ(category.singularName(), "Bank Account");
+  EXPECT_EQ(category.pluralName(), "Bank Accounts");
+  EXPECT_EQ(category.listIconName(), "list");
+  EXPECT_EQ(category.detailIconName(), "detail");
+}
+
+TEST(QNCategory, KeepsTheStoredNamesAtALoadWithoutATemplate) {
+  QNCategory category(QNExisting{4});
+  category.setUuid("109");  // the library knows its name, but doesn't force it
+  category.setSingularName("Stored");
+
+  category.didLoad();
+
+  EXPECT_EQ(category.singularName(), "Stored");
+  EXPECT_EQ(category.listIconName(), std::nullopt);
+}
+
+TEST(QNCategory, IsCleanAfterALoad) {
+  QNCategory category(initNew);
+  category.markDisplayOrderDirty();
+
+  category.didLoad();
+
+  EXPECT_FALSE(category.dirtyRow());
+  EXPECT_FALSE(category.dirtyDisplayOrder());
+}
+
+TEST(QNCategory, HidesTombstonesWithoutATemplate) {
+  QNCategory tombstones(initNew);
+  tombstones.setUuid("099");
+  QNCategory logins(initNew);
+  logins.setUuid("001");
+
+  EXPECT_TRUE(tombstones.isHidden());
+  EXPECT_FALSE(logins.isHidden());
+}
+
+TEST(QNCategory, HidesWhatItsTemplateSays) {
+  QNTemplatePresentation hidden;
+  hidden.hidden = true;
+  const QNScopedTemplate shownTombstones("099");
+  const QNScopedTemplate hiddenLogins("001", hidden);
+  QNCategory tombstones(initNew);
+  tombstones.setUuid("099");
+  QNCategory logins(initNew);
+  logins.setUuid("001");
+
+  EXPECT_FALSE(tombstones.isHidden());
+  EXPECT_TRUE(logins.isHidden());
+}
+
+TEST(QNCategory, DoesNotDirtyTheOrderForTheFirstOne) {
+  QNCategory category(QNExisting{4});
+
+  category.setDisplayOrder(5);
+
+  EXPECT_EQ(category.displayOrder(), 5u);
+  EXPECT_EQ(category.ownDisplayOrder(), 5u);
+  EXPECT_FALSE(category.dirtyDisplayOrder());
+}
+
+TEST(QNCategory, DirtiesOnlyTheOrderForAnotherOne) {
+  QNCategory category(QNExisting{4});
+  category.setDisplayOrder(5);
+
+  category.setDisplayOrder(6);
+
+  EXPECT_EQ(category.displayOrder(), 6u);
+  EXPECT_TRUE(category.dirtyDisplayOrder());
+  EXPECT_FALSE(category.dirtyRow());
+}
+
+TEST(QNCategory, DoesNothingForAnEqualOrder) {
+  QNCategory category(QNExisting{4});
+  category.setDisplayOrder(6);
+
+  category.setDisplayOrder(6);
+
+  EXPECT_FALSE(category.dirtyDisplayOrder());
+}
+
+TEST(QNCategory, TellsSystemCategoriesFromOthers) {
+  QNCategory category(initNew);
+  EXPECT_FALSE(category.isSystemCategory());
+
+  category.setUuid("004");
+  EXPECT_TRUE(category.isSystemCategory());
+
+  category.setUuid("099");
+  EXPECT_FALSE(category.isSystemCategory());
+}
+
+TEST(QNCategory, IsAModifiedCopyOfOneWithOtherNamesOrAnotherCount) {
+  QNCategory category(initNew);
+  category.setSingularName("Login");
+  category.setPluralName("Logins");
+  category.setNumberOfItems(3);
+  QNTestCategory twin("of another class", "Login");
+  twin.itsPluralName = "Logins";
+  twin.itsNumberOfItems = 3;
+  ASSERT_FALSE(category.isModifiedCopyOf(twin));
+
+  QNTestCategory counted = twin;
+  counted.itsNumberOfItems = 4;
+  QNTestCategory renamed = twin;
+  renamed.itsSingularName = "Sign-in";
+  QNTestCategory pluralized = twin;
+  pluralized.itsPluralName = std::nullopt;
+
+  EXPECT_TRUE(category.isModifiedCopyOf(counted));
+  EXPECT_TRUE(category.isModifiedCopyOf(renamed));
+  EXPECT_TRUE(category.isModifiedCopyOf(pluralized));
+}
+
+TEST(QNCategory, EqualsAnyCategoryOfTheSameIdentifier) {
+  QNCategory category(initNew);
+  category.setUuid("001");
+
+  EXPECT_TRUE(category.isEqual(QNTestCategory("001", "whatever")));
+  EXPECT_FALSE(category.isEqual(QNTestCategory("002", "whatever")));
+}
+
+TEST(QNCategory, WithoutAnIdentifierEqualsOnlyItsLike) {
+  const QNCategory nameless(initNew);
+
+  EXPECT_TRUE(nameless.isEqual(QNTestCategory()));
+  EXPECT_FALSE(nameless.isEqual(QNTestCategory("001", "Login")));
+  EXPECT_FALSE(QNTestCategory("001", "Login").uuid() == nameless.uuid());
+}
+
+TEST(QNCategory, HashesItsIdentifierAlone) {
+  QNCategory a(initNew);
+  a.setUuid("001");
+  a.setSingularName("a");
+  QNCategory b(initNew);
+  b.setUuid("001");
+
+  EXPECT_EQ(a.hash(), b.hash());
+  EXPECT_EQ(a.hash(), std::hash<std::string>{}("001"));
+  EXPECT_EQ(QNCategory(initNew).hash(), 0u);
+}
+
+TEST(QNCategory, ComparesAsEveryCategoryDoes) {
+  QNCategory first(initNew);
+  first.setDisplayOrder(1);
+  QNCategory second(initNew);
+  second.setDisplayOrder(2);
+
+  EXPECT_EQ(first.compare(second), std::strong_ordering::less);
+}
+
+TEST(QNCategory, ShowsItsNamesAsTheyStand) {
+  QNCategory category(initNew);
+  category.setSingularName("Login");
+  category.setPluralName("Logins");
+
+  EXPECT_EQ(category.localizedSingularName(), "Login");
+  EXPECT_EQ(category.localizedPluralName(), "Logins");
+  EXPECT_EQ(category.newItemTitle(), "Login");
+  EXPECT_FALSE(category.isAdHoc());
+}
+
+TEST(QNCategory, DescribesItselfByAddressAndPluralName) {
+  QNCategory category(initNew);
+  category.setPluralName("Logins");
+
+  EXPECT_EQ(category.description(),
+            fmt::format("<QNCategory: {}> 'Logins'", static_cast<const void*>(&category)));
+}
+
+TEST(QNCategory, WritesItsRowUnderTheStoredKeys) {
+  QNCategory category(initNew);
+  category.setUuid("001");
+  category.setSingularName("Login");
+  category.setPluralName("Logins");
+  category.setListIconName("list");
+  category.setDetailIconName("detail");
+
+  const JsonObject row = category.allAttributes();
+
+  EXPECT_EQ(mr_JSONStringWithError(row),
+            R"({"uuid":"001","singularName":"Login","pluralName":"Logins",)"
+            R"("listIconName":"list","detaiIconName":"detail"})");
+}
+
+TEST(QNCategory, WritesNoMemberForAnAbsentName) {
+  QNCategory category(initNew);
+  category.setUuid("001");
+
+  EXPECT_EQ(mr_JSONStringWithError(category.allAttributes()), R"({"uuid":"001"})");
+}
+
+TEST(QNCategory, ReadsItsRowBack) {
+  const auto row = mr_objectFromJSONStringWithError(
+      R"({"uuid":"110","singularName":"Server","pluralName":"Servers",)"
+      R"("listIconName":"list","detaiIconName":"detail"})");
+  ASSERT_TRUE(row);
+  QNCategory category(QNExisting{1});
+
+  category.setAllAttributes(*row);
+
+  EXPECT_EQ(category.uuid(), "110");
+  EXPECT_EQ(category.singularName(), "Server");
+  EXPECT_EQ(category.pluralName(), "Servers");
+  EXPECT_EQ(category.listIconName(), "list");
+  EXPECT_EQ(category.detailIconName(), "detail");
+}
+
+TEST(QNCategory, ReadsAMemberOfAnotherKindAsAbsent) {
+  const auto row = mr_objectFromJSONStringWithError(
+      R"({"uuid":1,"singularName":null,"pluralName":["Logins"],"detailIconName":"well spelt"})");
+  ASSERT_TRUE(row);
+  QNCategory category(QNExisting{1});
+
+  category.setAllAttributes(*row);
+
+  EXPECT_EQ(category.uuid(), std::nullopt);
+  EXPECT_EQ(category.singularName(), std::nullopt);
+  EXPECT_EQ(category.pluralName(), std::nullopt);
+  EXPECT_EQ(category.detailIconName(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace quillon
