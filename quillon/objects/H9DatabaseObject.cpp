@@ -1,8 +1,7 @@
 #include "quillon/objects/H9DatabaseObject.h"
 
-#include <fmt/format.h>
-
 #include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/text/QNFormat.h"
 
 namespace quillon {
 
@@ -10,7 +9,8 @@ H9DatabaseObject::H9DatabaseObject(QNDecoder& coder)
     : _oid(coder.decodeInt64(H9DatabaseObjectCoderKeyOID).value_or(0)) {}
 
 std::string H9DatabaseObject::description() const {
-  return fmt::format("<{}-{} {}>", className(), static_cast<std::int64_t>(_oid), fmt::ptr(this));
+  return formatted("<{}-{} {}>", className(), static_cast<std::int64_t>(_oid),
+                   static_cast<const void*>(this));
 }
 
 void H9DatabaseObject::willSave() {

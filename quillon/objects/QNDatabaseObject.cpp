@@ -1,8 +1,7 @@
 #include "quillon/objects/QNDatabaseObject.h"
 
-#include <fmt/format.h>
-
 #include "quillon/platform/log/MRLogger.h"
+#include "quillon/platform/text/QNFormat.h"
 
 // Archive, part of the stored format:
 //
@@ -29,7 +28,8 @@ QNDatabaseObject::QNDatabaseObject(QNDecoder& coder)
       _profileType(coder.decodeInt64(kCoderProfileType).value_or(0)) {}
 
 std::string QNDatabaseObject::description() const {
-  return fmt::format("<{}-{} {}>", className(), static_cast<std::int64_t>(_oid), fmt::ptr(this));
+  return formatted("<{}-{} {}>", className(), static_cast<std::int64_t>(_oid),
+                   static_cast<const void*>(this));
 }
 
 void QNDatabaseObject::setProfile(const std::shared_ptr<QNGenericProfile>& profile) {

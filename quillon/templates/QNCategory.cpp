@@ -8,8 +8,6 @@
 
 #include "quillon/templates/QNCategory.h"
 
-#include <fmt/format.h>
-
 #include <array>
 #include <functional>
 
@@ -52,8 +50,8 @@ std::optional<std::string> restored(const JsonObject& attributes, std::string_vi
 }  // namespace
 
 std::string QNCategory::description() const {
-  return fmt::format("<QNCategory: {}> '{}'", static_cast<const void*>(this),
-                     _pluralName.value_or(""));
+  return formatted("<QNCategory: {}> '{}'", static_cast<const void*>(this),
+                   _pluralName.value_or(""));
 }
 
 bool QNCategory::isHidden() const {

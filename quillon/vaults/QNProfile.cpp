@@ -1,12 +1,11 @@
 #include "quillon/vaults/QNProfile.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
 #include "quillon/platform/data/MRData.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/notifications/MRNotificationCenter.h"
+#include "quillon/platform/text/QNFormat.h"
 #include "quillon/platform/text/QNLocalization.h"
 #include "quillon/platform/text/QNText.h"
 
@@ -18,25 +17,26 @@ constexpr std::string_view kPrimaryKeychainFileName = "Quillon";
 // Of the features that applications ask about, 6 and those of a hosted account are missing here.
 constexpr std::uint32_t kSupportedFeatures[] = {1, 2, 3, 4, 5, kFeatureLocalIcons};
 
-// Action number to the masks that it needs, each asked by itself, in this order; 0 ends a row.
-// The vocabulary belongs to applications: rows 9, 10 and 15 differ from those of account vaults.
-constexpr std::uint64_t kPermissionsOfActions[][5] = {
-    {},                           // 0 is no action
-    {0x100000},                   //
-    {kPermissionCreateItems},     //
-    {0x100000, kPermissionEdit},  //
-    {kPermissionCreateItems},     //
-    {0x100},                      // 5
-    {kPermissionEdit},            //
-    {0x200},                      //
-    {kPermissionManageVault},     // never granted by a local vault
-    {kPermissionEdit},            //
-    {0x300},                      // 10: one mask
-    {kPermissionCreateItems},     //
-    {kPermissionCreateItems, kPermissionReveal, 0x400},
-    {0x100000, kPermissionReveal, 0x400},
-    {0x800000, 0x100000, kPermissionReveal, 0x400},
-    {0x100000, 0x400},  // 15
+// What each action needs, by its number: masks that are asked one at a time, in this order. 0 asks
+// for nothing. The numbers are words of applications; rows 9, 10 and 15 differ from those of
+// account vaults.
+constexpr std::uint64_t kPermissionsOfActions[][4] = {
+    /* none */ {},
+    /* 1 */ {0x100000},
+    /* 2 */ {kPermissionCreateItems},
+    /* 3 */ {0x100000, kPermissionEdit},
+    /* 4 */ {kPermissionCreateItems},
+    /* 5 */ {0x100},
+    /* 6 */ {kPermissionEdit},
+    /* 7 */ {0x200},
+    /* 8 */ {kPermissionManageVault},
+    /* 9 */ {kPermissionEdit},
+    /* 10 */ {0x300},
+    /* 11 */ {kPermissionCreateItems},
+    /* 12 */ {kPermissionCreateItems, kPermissionReveal, 0x400},
+    /* 13 */ {0x100000, kPermissionReveal, 0x400},
+    /* 14 */ {0x800000, 0x100000, kPermissionReveal, 0x400},
+    /* 15 */ {0x100000, 0x400},
 };
 constexpr std::uint32_t kLastAction = std::size(kPermissionsOfActions) - 1;
 
@@ -103,9 +103,9 @@ std::size_t QNProfile::hash() const {
 }
 
 std::string QNProfile::description() const {
-  return fmt::format("<{}-{}-{} '{}' {}>", className(), _uuid != nullptr ? *_uuid : "(null)",
-                     static_cast<std::int64_t>(oid()), _profileName.value_or("(null)"),
-                     fmt::ptr(this));
+  return formatted("<{}-{}-{} '{}' {}>", className(), _uuid != nullptr ? *_uuid : "(null)",
+                   static_cast<std::int64_t>(oid()), _profileName.value_or("(null)"),
+                   static_cast<const void*>(this));
 }
 
 bool QNProfile::supportsFeature(std::uint32_t feature) const {
