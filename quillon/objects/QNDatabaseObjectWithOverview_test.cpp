@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "quillon/objects/internal/QNObjectsTesting.h"
+#include "quillon/platform/internal/QNMemoryWatch.h"
 
 namespace quillon {
 namespace {
@@ -102,15 +103,24 @@ TEST(QNDatabaseObjectWithOverview, CallsTheHookInsideTheLockWithTheOverviewInPla
   EXPECT_EQ(title, "a");
 }
 
-TEST(QNDatabaseObjectWithOverview, KeepsTheOverviewInTheWipingResource) {
-  const auto page = pageHolding(R"({"a":{"b":"text"}})");
+TEST(QNDatabaseObjectWithOverview, LeavesNoTextInMemoryThatItFreed) {
+  auto page = pageHolding(R"({"title":"a kestrel in the clear","list":["a kestrel, again"]})");
+  const QNFreedBlockWatch read("a kestrel in the clear");
+  const QNFreedBlockWatch nested("a kestrel, again");
+  const QNFreedBlockWatch written("a buzzard in the clear");
 
-  page->setOverviewObject(Json(JsonObject{{"inner", "text"}}), "c");
+  page->overviewCopy();
+  page->setOverviewText("a buzzard in the clear", "title");
+  page->setOverviewText(std::nullopt, "list");
+  page->willSave();
+  page->setOverviewData(page->overviewData());
+  page->overviewTextForKey("title");
+  page->copyOverview(jsonObject("{}"));
+  page.reset();
 
-  EXPECT_EQ(*page->mutableOverview()->storage(), *jsonStorage());
-  EXPECT_EQ(*page->mutableOverview()->at("a").storage(), *jsonStorage());
-  EXPECT_EQ(*page->mutableOverview()->at("c").get_object().storage(), *jsonStorage());
-  EXPECT_EQ(*page->overviewCopy()->storage(), *jsonStorage());
+  EXPECT_EQ(read.found(), 0u);
+  EXPECT_EQ(nested.found(), 0u);
+  EXPECT_EQ(written.found(), 0u);
 }
 
 TEST(QNDatabaseObjectWithOverview, ReadsAMemberByKey) {
