@@ -11,6 +11,7 @@
 #include <array>
 #include <functional>
 
+#include "quillon/platform/text/QNFormat.h"
 #include "quillon/templates/QNCategoryHelper.h"
 #include "quillon/templates/QNTemplateManager.h"
 
