@@ -1,5 +1,6 @@
 #include "quillon/logins/QNLoginField.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -61,25 +62,39 @@ QNLoginField::QNLoginField() : _field(jsonStorage()) {}
 QNLoginField::QNLoginField(const JsonObject& initWithDictionary)
     : _field(initWithDictionary, jsonStorage()) {}
 
+QNLoginField::QNLoginField(std::span<const Json> initWithObjects,
+                           std::span<const std::string_view> forKeys)
+    : QNLoginField() {
+  const std::size_t count = std::min(initWithObjects.size(), forKeys.size());
+  for (std::size_t i = 0; i < count; ++i) _field[forKeys[i]] = initWithObjects[i];
+}
+
+std::vector<std::string_view> QNLoginField::keyEnumerator() const {
+  std::vector<std::string_view> keys;
+  keys.reserve(_field.size());
+  for (const auto& member : _field) keys.emplace_back(member.key());
+  return keys;
+}
+
 std::optional<QNSecret> QNLoginField::value() const {
-  return descriptionOf(_field.if_contains(QNLoginFieldKeyValue));
+  return descriptionOf(objectForKey(QNLoginFieldKeyValue));
 }
 
 std::optional<std::string> QNLoginField::name() const {
-  return plainDescriptionOf(_field.if_contains(QNLoginFieldKeyName));
+  return plainDescriptionOf(objectForKey(QNLoginFieldKeyName));
 }
 
 std::optional<std::string> QNLoginField::designation() const {
-  return plainDescriptionOf(_field.if_contains(QNLoginFieldKeyDesignation));
+  return plainDescriptionOf(objectForKey(QNLoginFieldKeyDesignation));
 }
 
 std::string QNLoginField::type() const {
-  auto stored = plainDescriptionOf(_field.if_contains(QNLoginFieldKeyType));
+  auto stored = plainDescriptionOf(objectForKey(QNLoginFieldKeyType));
   return stored && !stored->empty() ? *std::move(stored) : std::string(QNLoginFieldTypeText);
 }
 
 const Json* QNLoginField::htmlId() const {
-  const Json* const stored = _field.if_contains(QNLoginFieldKeyHtmlId);
+  const Json* const stored = objectForKey(QNLoginFieldKeyHtmlId);
   return stored != nullptr && stored->is_null() ? nullptr : stored;
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "quillon/platform/json/QNJson.h"
 
@@ -46,6 +48,8 @@ class QNLoginField final {
  public:
   QNLoginField();
   explicit QNLoginField(const JsonObject& initWithDictionary);
+  /// Pairs them in order; what is left over on one side is left out.
+  QNLoginField(std::span<const Json> initWithObjects, std::span<const std::string_view> forKeys);
 
   // Reading: numbers and booleans read as their text; null or absent members as nothing.
   [[nodiscard]] std::optional<QNSecret> value() const;
@@ -77,7 +81,14 @@ class QNLoginField final {
   /// The value, cut to that many UTF-16 code units.
   [[nodiscard]] std::optional<QNSecret> valueLimitedToLength(std::size_t length) const;
 
+  // As a read-only dictionary
   [[nodiscard]] std::size_t count() const { return _field.size(); }
+  /// The stored member; null if it is absent. Valid until the field changes.
+  [[nodiscard]] const Json* objectForKey(std::string_view key) const {
+    return _field.if_contains(key);
+  }
+  /// The names of its members, in order. Valid until the field changes.
+  [[nodiscard]] std::vector<std::string_view> keyEnumerator() const;
   [[nodiscard]] const JsonObject& asDictionary() const { return _field; }
 
  private:

@@ -27,6 +27,25 @@ TEST(QNLoginField, StartsEmpty) {
   EXPECT_EQ(jsonOf(field), "{}");
 }
 
+TEST(QNLoginField, PairsObjectsWithKeys) {
+  const Json objects[] = {Json("login"), Json(7), Json("left over")};
+  const std::string_view keys[] = {"name", "x"};
+
+  const QNLoginField field(objects, keys);
+
+  EXPECT_EQ(jsonOf(field), R"({"name":"login","x":7})");
+}
+
+TEST(QNLoginField, IsReadAsADictionary) {
+  const auto field = fieldFrom(R"({"value":"ann","x":[1],"name":"n"})");
+
+  EXPECT_EQ(field.count(), 3u);
+  EXPECT_EQ(field.keyEnumerator(), (std::vector<std::string_view>{"value", "x", "name"}));
+  ASSERT_NE(field.objectForKey("x"), nullptr);
+  EXPECT_TRUE(field.objectForKey("x")->is_array());
+  EXPECT_EQ(field.objectForKey("y"), nullptr);
+}
+
 TEST(QNLoginField, ReadsTheStoredKeys) {
   const auto field = fieldFrom(
       R"({"name":"login","value":"ann","type":"E","designation":"username","id":"login-1"})");
