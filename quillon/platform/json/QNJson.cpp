@@ -70,32 +70,35 @@ std::optional<std::string> serializedText(const Value& value, QNError* error) {
   return std::string(textOf(*bytes));
 }
 
-void removeNulls(JsonObject& object);
-void removeNulls(JsonArray& array);
+void removeNulls(Json& value);
 
-void removeNullsWithin(Json& value) {
-  if (value.is_object()) removeNulls(value.get_object());
-  if (value.is_array()) removeNulls(value.get_array());
-}
-
+// What is kept moves into a new container: taking nulls out one by one would move all that is
+// behind each of them.
 void removeNulls(JsonArray& array) {
-  for (auto at = array.begin(); at != array.end();) {
-    if (at->is_null()) {
-      at = array.erase(at);
-    } else {
-      removeNullsWithin(*at++);
-    }
+  JsonArray kept(array.storage());
+  kept.reserve(array.size());
+  for (Json& element : array) {
+    if (element.is_null()) continue;
+    removeNulls(element);
+    kept.emplace_back(std::move(element));
   }
+  array = std::move(kept);
 }
 
 void removeNulls(JsonObject& object) {
-  for (auto at = object.begin(); at != object.end();) {
-    if (at->value().is_null()) {
-      at = object.stable_erase(at);
-    } else {
-      removeNullsWithin((at++)->value());
-    }
+  JsonObject kept(object.storage());
+  kept.reserve(object.size());
+  for (auto& member : object) {
+    if (member.value().is_null()) continue;
+    removeNulls(member.value());
+    kept.emplace(member.key(), std::move(member.value()));
   }
+  object = std::move(kept);
+}
+
+void removeNulls(Json& value) {
+  if (value.is_object()) removeNulls(value.get_object());
+  if (value.is_array()) removeNulls(value.get_array());
 }
 
 }  // namespace
