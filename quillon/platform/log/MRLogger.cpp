@@ -13,6 +13,16 @@ void printToStandardError(const MRLogRecord& record) {
              record.text);
 }
 
+// A text whose placeholders don't fit its arguments is reported as it stands: a report must not
+// become a failure of its own.
+std::string formatted(std::string_view text, fmt::format_args args) {
+  try {
+    return fmt::vformat(text, args);
+  } catch (const fmt::format_error&) {
+    return std::string(text);
+  }
+}
+
 }  // namespace
 
 MRLogger::MRLogger() : _sink(printToStandardError) {}
@@ -25,12 +35,13 @@ MRLogger& MRLogger::sharedLogger() {
 void MRLogger::report(MRLogKind kind, std::uint32_t subsystem, std::string_view object,
                       const MRLogText& text, fmt::format_args args) {
   deliver({kind, subsystem, std::string(object), text.function, text.file, text.line, 0,
-           fmt::vformat(text.text, args)});
+           formatted(text.text, args)});
 }
 
 void MRLogger::enter(MRSubsystem subsystem, std::string_view object, MRLogText text) {
   if (!allowsStatus(subsystem)) return;
-  report(MRLogKind::enter, subsystem, object, text, {});
+  deliver({MRLogKind::enter, subsystem, std::string(object), text.function, text.file, text.line, 0,
+           std::string(text.text)});
 }
 
 void MRLogger::exit(MRSubsystem subsystem, std::string_view object, double elapsedSeconds,
