@@ -30,17 +30,32 @@ std::string encode64(ByteView bytes, std::string_view alphabet, bool padded) {
   return text;
 }
 
+// The value of each character; kNoDigit for those outside the alphabet.
+using DigitValues = std::array<std::uint8_t, 256>;
+constexpr std::uint8_t kNoDigit = 64;
+
+constexpr DigitValues valuesOf(std::string_view alphabet) {
+  DigitValues values{};
+  for (std::uint8_t& value : values) value = kNoDigit;
+  for (std::size_t i = 0; i < alphabet.size(); ++i) {
+    values[static_cast<std::uint8_t>(alphabet[i])] = static_cast<std::uint8_t>(i);
+  }
+  return values;
+}
+constexpr DigitValues kStandardValues = valuesOf(kStandardAlphabet);
+constexpr DigitValues kURLValues = valuesOf(kURLAlphabet);
+
 // The last group's unused bits must be 0, so that each byte string has exactly one text.
-std::optional<Bytes> decode64(std::string_view digits, std::string_view alphabet) {
+std::optional<Bytes> decode64(std::string_view digits, const DigitValues& values) {
   if (digits.size() % 4 == 1) return std::nullopt;
   Bytes bytes;
   bytes.reserve(digits.size() * 3 / 4);
   std::uint32_t group = 0;
   int bits = 0;
   for (const char digit : digits) {
-    const std::size_t value = alphabet.find(digit);
-    if (value == std::string_view::npos) return std::nullopt;
-    group = group << 6 | static_cast<std::uint32_t>(value);
+    const std::uint8_t value = values[static_cast<std::uint8_t>(digit)];
+    if (value == kNoDigit) return std::nullopt;
+    group = group << 6 | value;
     bits += 6;
     if (bits < 8) continue;
     bits -= 8;
@@ -61,7 +76,7 @@ std::optional<Bytes> mr_base64decode(std::string_view text) {
   if (text.size() % 4 != 0) return std::nullopt;
   const std::size_t padding =
       std::min<std::size_t>(2, text.size() - text.find_last_not_of('=') - 1);
-  return decode64(text.substr(0, text.size() - padding), kStandardAlphabet);
+  return decode64(text.substr(0, text.size() - padding), kStandardValues);
 }
 
 std::string mr_base64URLencode(ByteView bytes) {
@@ -69,7 +84,7 @@ std::string mr_base64URLencode(ByteView bytes) {
 }
 
 std::optional<Bytes> mr_base64URLdecode(std::string_view text) {
-  return decode64(text, kURLAlphabet);
+  return decode64(text, kURLValues);
 }
 
 std::string mr_base64ToBase64URL(std::string_view text) {
