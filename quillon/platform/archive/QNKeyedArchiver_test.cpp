@@ -1,5 +1,7 @@
 #include "quillon/platform/archive/QNKeyedArchiver.h"
 
+#include <fmt/core.h>
+
 #include <cmath>
 #include <limits>
 
@@ -91,7 +93,8 @@ Bytes everyByte() {
   return bytes;
 }
 std::string frozenChest() {
-  return fileContent(QUILLON_SOURCE_DIR "/quillon/platform/archive/testdata/chest-v1.json", 1 << 16).value_or("unreadable");
+  return fileContent(QUILLON_SOURCE_DIR "/quillon/platform/archive/testdata/chest-v1.json", 1 << 16)
+      .value_or("unreadable");
 }
 const std::string kLabel = "Keys \"old\" \xc3\xbc \xf0\x9f\x94\x91\n";
 
@@ -212,10 +215,11 @@ INSTANTIATE_TEST_SUITE_P(
                     KindCase{R"({"$bytes":"AAA"})", ""}, KindCase{R"({"$bytes":"AA AA"})", ""},
                     KindCase{R"({"$bytes":3})", ""}, KindCase{R"({"$bytes":"AAAA","more":1})", ""},
                     KindCase{R"({"$json":{"a":1}})", "j"}, KindCase{R"({"$json":[]})", "j"},
-                    KindCase{R"({"$json":"text"})", "j"}, KindCase{R"({"$json":1,"$bytes":""})", ""},
-                    KindCase{R"({"a":1})", ""}, KindCase{"{}", ""}, KindCase{"[]", ""},
-                    KindCase{R"({"$class":"Crate"})", "o"}, KindCase{R"({"$class":"Other"})", ""},
-                    KindCase{R"({"$class":7})", ""}, KindCase{R"({"$class":"Crate","$json":1})", "o"}));
+                    KindCase{R"({"$json":"text"})", "j"},
+                    KindCase{R"({"$json":1,"$bytes":""})", ""}, KindCase{R"({"a":1})", ""},
+                    KindCase{"{}", ""}, KindCase{"[]", ""}, KindCase{R"({"$class":"Crate"})", "o"},
+                    KindCase{R"({"$class":"Other"})", ""}, KindCase{R"({"$class":7})", ""},
+                    KindCase{R"({"$class":"Crate","$json":1})", "o"}));
 
 TEST(QNKeyedUnarchiver, GivesFloatsBackExactly) {
   for (const float number : {-0.0f, 1e-45f, 1.17549435e-38f, 3.4028235e38f, 16777217.0f, -1.5f}) {
@@ -336,19 +340,20 @@ TEST_P(QNKeyedUnarchiverRefusals, AreErrorsWithoutAnObject) {
   EXPECT_EQ(refusal(GetParam()), "QNErrorDomain 114");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, QNKeyedUnarchiverRefusals,
-    testing::Values("", "{}", "[]", "null", "not JSON", R"({"root":{"$class":"Crate"}})",
-                    R"({"quillon-archive":1})", R"({"quillon-archive":1,"root":null})",
-                    R"({"quillon-archive":1,"root":[{"$class":"Crate"}]})",
-                    R"({"quillon-archive":1,"root":{}})",
-                    R"({"quillon-archive":0,"root":{"$class":"Crate"}})",
-                    R"({"quillon-archive":2,"root":{"$class":"Crate"}})",
-                    R"({"quillon-archive":1.5,"root":{"$class":"Crate"}})",
-                    R"({"quillon-archive":"1","root":{"$class":"Crate"}})",
-                    R"({"quillon-archive":1,"root":{"$class":"Other"}})",
-                    R"({"quillon-archive":1,"root":{"$class":"Crate"}} x)",
-                    R"({"quillon-archive":1,"root":{"$class":"Crate"})"));
+INSTANTIATE_TEST_SUITE_P(Texts, QNKeyedUnarchiverRefusals,
+                         testing::Values("", "{}", "[]", "null", "not JSON",
+                                         R"({"root":{"$class":"Crate"}})",
+                                         R"({"quillon-archive":1})",
+                                         R"({"quillon-archive":1,"root":null})",
+                                         R"({"quillon-archive":1,"root":[{"$class":"Crate"}]})",
+                                         R"({"quillon-archive":1,"root":{}})",
+                                         R"({"quillon-archive":0,"root":{"$class":"Crate"}})",
+                                         R"({"quillon-archive":2,"root":{"$class":"Crate"}})",
+                                         R"({"quillon-archive":1.5,"root":{"$class":"Crate"}})",
+                                         R"({"quillon-archive":"1","root":{"$class":"Crate"}})",
+                                         R"({"quillon-archive":1,"root":{"$class":"Other"}})",
+                                         R"({"quillon-archive":1,"root":{"$class":"Crate"}} x)",
+                                         R"({"quillon-archive":1,"root":{"$class":"Crate"})"));
 
 TEST(QNKeyedUnarchiver, RefusesEveryTruncation) {
   const std::string whole = frozenChest();

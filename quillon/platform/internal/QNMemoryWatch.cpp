@@ -11,6 +11,8 @@
 #include <new>
 #include <stdexcept>
 
+#include "quillon/platform/memory/QNBytes.h"
+
 namespace quillon {
 namespace {
 
@@ -31,6 +33,13 @@ void look(const void* block) noexcept {
     const std::size_t blockSize = malloc_usable_size(const_cast<void*>(block));
     if (memmem(block, blockSize, watch.needle.data(), size) != nullptr) ++watch.found;
   }
+}
+
+// Far down, so that the end of the thread doesn't overwrite what is looked for.
+[[gnu::noinline]] void callFarDown(const std::function<void()>& work) {
+  char distance[65'536];
+  work();
+  wipe(distance, sizeof distance);  // keeps it where it is
 }
 
 }  // namespace
@@ -54,6 +63,9 @@ std::size_t QNFreedBlockWatch::found() const noexcept {
 }
 
 std::size_t remainsOnStack(std::string_view needle, const std::function<void()>& work) {
+  // Once before, so that every function is bound: the loader saves the registers on the stack
+  // when it binds one, and what is in them then isn't our leaving.
+  callFarDown(work);
   constexpr std::size_t kStackSize = std::size_t{4} << 20;
   void* const stack =
       mmap(nullptr, kStackSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -63,7 +75,7 @@ std::size_t remainsOnStack(std::string_view needle, const std::function<void()>&
   pthread_attr_setstack(&attributes, stack, kStackSize);
   pthread_t thread{};
   const auto run = [](void* argument) -> void* {
-    (*static_cast<const std::function<void()>*>(argument))();
+    callFarDown(*static_cast<const std::function<void()>*>(argument));
     return nullptr;
   };
   const int failed =

@@ -24,8 +24,9 @@ class QNFreedBlockWatch final {
   std::size_t _slot = 0;
 };
 
-/// Runs `work` on a thread with a stack of its own, and answers how often `needle` stands in that
-/// stack afterwards. `work` must not copy the needle into locals of its own.
+/// Runs `work` twice, the second time on a thread with a stack of its own, and answers how often
+/// `needle` stands in that stack afterwards. `work` must not copy the needle into locals of its
+/// own.
 std::size_t remainsOnStack(std::string_view needle, const std::function<void()>& work);
 
 }  // namespace quillon

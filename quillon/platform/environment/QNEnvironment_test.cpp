@@ -1,0 +1,125 @@
+#include "quillon/platform/environment/QNEnvironment.h"
+
+#include <cstdlib>
+#include <ctime>
+#include <map>
+
+#include "quillon/platform/data/MRData.h"
+
+namespace quillon {
+namespace {
+
+/// Sets the locale variables of the environment, and puts the earlier ones back.
+class ScopedVariables {
+ public:
+  explicit ScopedVariables(const std::map<std::string, std::string>& values) {
+    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+      const char* const before = std::getenv(name);
+      _before[name] = before == nullptr ? std::nullopt : std::optional<std::string>(before);
+      unsetenv(name);
+    }
+    for (const auto& [name, value] : values) setenv(name.c_str(), value.c_str(), 1);
+  }
+  ~ScopedVariables() {
+    for (const auto& [name, value] : _before) {
+      if (value)
+        setenv(name.c_str(), value->c_str(), 1);
+      else
+        unsetenv(name.c_str());
+    }
+  }
+
+ private:
+  std::map<std::string, std::optional<std::string>> _before;
+};
+
+TEST(QNEnvironment, TellsTheTimeOfTheSystem) {
+  const auto before = static_cast<std::uint64_t>(std::time(nullptr));
+
+  const std::uint64_t now = secondsNow();
+
+  EXPECT_GE(now, before);
+  EXPECT_LE(now, before + 10);
+}
+
+TEST(QNEnvironment, HasASteadyClockThatOnlyMovesOn) {
+  const double first = steadySeconds();
+  EXPECT_GE(steadySeconds(), first);
+}
+
+TEST(QNEnvironment, NamesItsHost) {
+  EXPECT_FALSE(localHostName().empty());
+}
+
+TEST(QNScopedClock, SetsTheTimeAndPutsTheEarlierClockBack) {
+  const QNScopedClock outer(1'000);
+  {
+    QNScopedClock inner(2'000);
+    EXPECT_EQ(secondsNow(), 2'000u);
+    inner.setSeconds(2'001);
+    EXPECT_EQ(secondsNow(), 2'001u);
+  }
+
+  EXPECT_EQ(secondsNow(), 1'000u);
+}
+
+TEST(QNScopedRandom, GivesEveryRandomByteAndPutsTheEarlierSourceBack) {
+  const auto filling = [](std::uint8_t with) {
+    return [with](std::span<std::uint8_t> out) { std::fill(out.begin(), out.end(), with); };
+  };
+  {
+    const QNScopedRandom outer(filling(1));
+    {
+      const QNScopedRandom inner(filling(2));
+      EXPECT_EQ(mr_randomData(2), (Bytes{2, 2}));
+    }
+    EXPECT_EQ(mr_randomData(2), (Bytes{1, 1}));
+  }
+
+  EXPECT_FALSE(scopedRandomSource());
+}
+
+TEST(QNScopedLocale, SetsTheTagAndPutsTheEarlierOneBack) {
+  const QNScopedLocale outer("ja-JP");
+  { const QNScopedLocale inner("fr-FR"); }
+
+  EXPECT_EQ(currentLocale(), "ja-JP");
+}
+
+TEST(QNScopedTimeZone, SetsTheZoneAndPutsTheSystemsBack) {
+  {
+    const QNScopedTimeZone zone("Europe/Berlin");
+    EXPECT_EQ(currentTimeZone(), "Europe/Berlin");
+  }
+
+  EXPECT_EQ(currentTimeZone(), "");
+}
+
+struct LocaleCase {
+  std::map<std::string, std::string> variables;
+  const char* tag;
+};
+class QNEnvironmentLocale : public testing::TestWithParam<LocaleCase> {};
+
+TEST_P(QNEnvironmentLocale, IsReadFromTheVariables) {
+  const ScopedVariables variables(GetParam().variables);
+
+  EXPECT_EQ(currentLocale(), GetParam().tag);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Posix, QNEnvironmentLocale,
+    testing::Values(LocaleCase{{}, "en-US"}, LocaleCase{{{"LANG", "C"}}, "en-US"},
+                    LocaleCase{{{"LANG", "POSIX"}}, "en-US"},
+                    LocaleCase{{{"LANG", "C.UTF-8"}}, "en-US"},
+                    LocaleCase{{{"LANG", "de_DE.UTF-8"}}, "de-DE"},
+                    LocaleCase{{{"LANG", "de_DE@euro"}}, "de-DE"},
+                    LocaleCase{{{"LANG", "de_DE.ISO-8859-15@euro"}}, "de-DE"},
+                    LocaleCase{{{"LANG", "fr"}}, "fr"},
+                    LocaleCase{{{"LANG", "de_DE"}, {"LC_MESSAGES", "es_ES.UTF-8"}}, "es-ES"},
+                    LocaleCase{{{"LC_MESSAGES", "es_ES"}, {"LC_ALL", "ja_JP.UTF-8"}}, "ja-JP"},
+                    LocaleCase{{{"LC_ALL", ""}, {"LANG", "ja_JP.UTF-8"}}, "ja-JP"},
+                    LocaleCase{{{"LC_ALL", "C"}, {"LANG", "ja_JP.UTF-8"}}, "en-US"}));
+
+}  // namespace
+}  // namespace quillon
