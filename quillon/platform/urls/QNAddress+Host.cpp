@@ -10,8 +10,9 @@
 namespace quillon {
 namespace {
 
-// Browsers refuse exactly these in a name; the rest may stand in one, "_" and "*" included.
-constexpr std::string_view kForbidden = " #/:<>?@[\\]^|%";
+// Browsers refuse these in a name, but for "~", which here begins a path. The rest may stand in
+// one, "_" and "*" included.
+constexpr std::string_view kForbidden = " #/:<>?@[\\]^|%~";
 
 bool isForbidden(char c) noexcept {
   return static_cast<unsigned char>(c) <= 0x20 || c == 0x7F ||
@@ -81,11 +82,13 @@ bool isAlphanumeric(char c) noexcept {
   return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
 }
 
+// The last label must have a letter or a digit, so that a stray sign is no host.
 bool isHostName(std::string_view name) {
-  return !name.empty() && name.size() <= QNAddress::kMaxHostBytes && name.front() != '.' &&
+  const std::string_view lastLabel = name.substr(name.rfind('.') + 1);
+  return name.size() <= QNAddress::kMaxHostBytes && name.substr(0, 1) != "." &&
          name.find("..") == std::string_view::npos &&
          std::none_of(name.begin(), name.end(), isForbidden) &&
-         std::any_of(name.begin(), name.end(), isAlphanumeric);
+         std::any_of(lastLabel.begin(), lastLabel.end(), isAlphanumeric);
 }
 
 }  // namespace

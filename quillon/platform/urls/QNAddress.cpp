@@ -11,7 +11,7 @@
 //   name:password@host/...     user information and a host
 //   name:...                   a scheme and nothing that could be a host
 //   //authority/...            an authority
-//   /..., ./..., \..., c:\...  a path, which has no host; ~... as well
+//   /... ./... ~... \... c:\...  a path, which has no host
 //   authority/...              an authority
 //
 // An authority ends at the first of / ? #, and at a backslash unless a scheme is named that isn't
@@ -101,15 +101,14 @@ std::string schemeCandidate(std::string_view text) {
   return scheme;
 }
 
-// "~/x" or "c:\\x". Other paths begin with an empty authority.
-bool isPath(std::string_view text) {
-  if (text.substr(0, 1) == "~") return true;
+// Other paths begin with what can't be a host.
+bool isPathOnDrive(std::string_view text) {
   return text.size() >= 2 && isLetter(text[0]) && text[1] == ':' &&
          (text.size() == 2 || text[2] == '/' || text[2] == '\\');
 }
 
 QNAddress withoutScheme(std::string_view text) {
-  if (isPath(text)) return {};
+  if (isPathOnDrive(text)) return {};
   const std::size_t skipped = startsWithTwoSlashes(text) ? 2 : 0;
   return {{}, hostOfAuthority(beforeAny(text.substr(skipped), "/\\?#"))};
 }

@@ -202,6 +202,8 @@ TEST(QNURLTools, FindsNoHostWhereThereIsNone) {
                                  "https://exa<mple.com/"s,
                                  "https://exa|mple.com"s,
                                  "-"s,
+                                 "https://example.+/"s,
+                                 "~user/notes"s,
                                  "https://user:pass@/"s,
                                  "http://:80/"s,
                                  "://example.com"s,
