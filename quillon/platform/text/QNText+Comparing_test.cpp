@@ -16,9 +16,8 @@ namespace {
 using Texts = std::vector<std::string>;
 
 Texts sorted(Texts texts) {
-  std::stable_sort(texts.begin(), texts.end(), [](const auto& a, const auto& b) {
-    return localizedCaseInsensitiveCompare(a, b) < 0;
-  });
+  std::sort(texts.begin(), texts.end(),
+            [](const auto& a, const auto& b) { return localizedCaseInsensitiveCompare(a, b) < 0; });
   return texts;
 }
 

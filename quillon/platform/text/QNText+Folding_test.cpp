@@ -66,7 +66,7 @@ TEST(QNTextFolding, BadBytesFoldToReplacementCharacters) {
 TEST(QNTextFolding, FoldingTwiceChangesNothingForAnyCodePoint) {
   for (char32_t c = 1; c <= 0x10FFFF; ++c) {
     if (c >= 0xD800 && c <= 0xDFFF) continue;
-    const std::string folded = foldedForSearch("x" + utf8Of(c));
+    const std::string folded = foldedForSearch(utf8Of(c));
     ASSERT_EQ(foldedForSearch(folded), folded) << static_cast<std::uint32_t>(c);
   }
 }
@@ -130,10 +130,12 @@ TEST(QNTextFolding, NormalizingLeavesNoCopyOfAPasswordBehind) {
   for (const char c : needle) (units += c) += '\0';
   const QNFreedBlockWatch clear(needle);
   const QNFreedBlockWatch wide(units);
-  const auto work = [&] { EXPECT_FALSE(normalizedNFKD(password).empty()); };
+  std::size_t size = 0;
+  const auto work = [&] { size = normalizedNFKD(password).size(); };
 
   const std::size_t onStack = remainsOnStack(needle, work) + remainsOnStack(units, work);
 
+  EXPECT_GT(size, password.size());
   EXPECT_EQ(onStack, 0u);
   EXPECT_EQ(clear.found(), 0u);
   EXPECT_EQ(wide.found(), 0u);
