@@ -49,8 +49,8 @@ Table localizedTable() {
 }
 
 const QNCategoryInfo* infoFor(QNOptionalUUID uuid) {
-  static const Table table = localizedTable();
   if (!uuid) return nullptr;
+  static const Table table = localizedTable();
   const auto found = table.find(*uuid);
   return found == table.end() ? nullptr : &found->second;
 }
