@@ -58,6 +58,11 @@ TEST_P(CategoryNames, AreThoseOfTheTable) {
 INSTANTIATE_TEST_SUITE_P(Rows, CategoryNames, testing::ValuesIn(kTable),
                          [](const auto& tested) { return std::string(tested.param.uuid); });
 
+TEST(QNCategoryHelper, GivesTombstonesIconNamesWithADoubleDash) {
+  EXPECT_EQ(QNCategoryHelper::defaultListIconNameFor("099"), "type--list");
+  EXPECT_EQ(QNCategoryHelper::defaultDetailIconNameFor("099"), "type--details");
+}
+
 TEST(QNCategoryHelper, HasNoNamesForCategoriesThatTemplatesDescribe) {
   for (const char* const uuid : {"100", "101", "102", "103", "104", "105", "106", "107", "108"}) {
     EXPECT_EQ(QNCategoryHelper::defaultSingularNameFor(uuid), std::nullopt) << uuid;

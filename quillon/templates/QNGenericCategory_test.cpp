@@ -84,6 +84,16 @@ TEST_P(CategoryTable, MakesItemsOfThatClass) {
   EXPECT_EQ(existing->oid(), 12u);
 }
 
+TEST_P(CategoryTable, GivesTheTemplateItemOnlyWhereNoClassIsFixed) {
+  const QNScopedTemplate any{std::string(GetParam().uuid)};
+
+  const QNItemClass* const itemClass = QNGenericCategoryItemClassForCategoryUUID(GetParam().uuid);
+
+  ASSERT_NE(itemClass, nullptr);
+  EXPECT_EQ(itemClass->name,
+            GetParam().itemClass != nullptr ? GetParam().itemClass : "QNTemplateItem");
+}
+
 INSTANTIATE_TEST_SUITE_P(Rows, CategoryTable, testing::ValuesIn(kTable), [](const auto& tested) {
   return tested.param.uuid == "0??" ? std::string("placeholder") : std::string(tested.param.uuid);
 });
@@ -197,6 +207,12 @@ TEST(QNGenericCategoryCompare, GoesByTheDefaultOrderOfCategoriesWithoutTheirOwn)
 
   EXPECT_EQ(QNGenericCategoryCompare(login, card), std::strong_ordering::less);
   EXPECT_EQ(QNGenericCategoryCompare(card, login), std::strong_ordering::greater);
+}
+
+TEST(QNGenericCategoryCompare, PutsACategoryWithoutAnIdentifierFirst) {
+  const QNTestCategory login("001", "Login");
+
+  EXPECT_EQ(QNGenericCategoryCompare(QNTestCategory(), login), std::strong_ordering::less);
 }
 
 TEST(QNGenericCategoryCompare, PrefersAnOrderThatTheCategoryKeepsItself) {
