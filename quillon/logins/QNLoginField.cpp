@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
+#include <concepts>
 
 #include "quillon/platform/text/QNText.h"
 
@@ -14,10 +16,24 @@ constexpr std::array<std::string_view, 7> kConflictingTypes = {
     QNLoginFieldTypeText,   QNLoginFieldTypePassword, QNLoginFieldTypeEmail,   QNLoginFieldTypeURL,
     QNLoginFieldTypeNumber, QNLoginFieldTypeRadio,    QNLoginFieldTypeTextArea};
 
+// Digits without an exponent as far as they stay short: a number in a form is a code or a phone
+// number to its reader. The shortest form of to_chars would read 100000.0 as 1e+05.
+std::to_chars_result writeDigits(char* begin, char* end, double number) {
+  const double size = std::abs(number);
+  const bool isPlain = size == 0 || (size >= 1e-6 && size < 1e21);
+  return std::to_chars(begin, end, number,
+                       isPlain ? std::chars_format::fixed : std::chars_format::scientific);
+}
+
+template <std::integral Number>
+std::to_chars_result writeDigits(char* begin, char* end, Number number) {
+  return std::to_chars(begin, end, number);
+}
+
 template <class Number>
 QNSecret textOfNumber(Number number) {
   std::array<char, 64> digits;
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  const auto end = writeDigits(digits.data(), digits.data() + digits.size(), number).ptr;
   QNSecret text(std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())));
   wipe(digits.data(), digits.size());
   return text;

@@ -43,13 +43,16 @@ inline constexpr std::string_view QNFillObjectDesignationNewPassword = "new-pass
 inline constexpr std::string_view QNFillObjectDesignationTOTP = "totp";
 
 /// One input of a web form as a browser captured it: a JSON object with named accessors, which
-/// keeps the members that it doesn't know. The object lies in the wiping resource.
+/// keeps the members that it doesn't know. The object lies in the wiping resource, which a plain
+/// copy would leave: lists share their entries.
 class QNLoginField final {
  public:
   QNLoginField();
   explicit QNLoginField(const JsonObject& initWithDictionary);
   /// Pairs them in order; what is left over on one side is left out.
   QNLoginField(std::span<const Json> initWithObjects, std::span<const std::string_view> forKeys);
+  QNLoginField(const QNLoginField&) = delete;
+  QNLoginField& operator=(const QNLoginField&) = delete;
 
   // Reading: numbers and booleans read as their text; null or absent members as nothing.
   [[nodiscard]] std::optional<QNSecret> value() const;

@@ -100,6 +100,16 @@ TEST(QNLoginField, ReadsANumberAsItsDecimalText) {
   EXPECT_EQ(fieldFrom(R"({"name":7})").name(), "7");
 }
 
+TEST(QNLoginField, ReadsANumberWithoutAnExponentWhereItsDigitsAreFew) {
+  EXPECT_EQ(valueOf(fieldFrom(R"({"value":100000.0})")), "100000");
+  EXPECT_EQ(valueOf(fieldFrom(R"({"value":2.0})")), "2");
+  EXPECT_EQ(valueOf(fieldFrom(R"({"value":0.0001})")), "0.0001");
+  EXPECT_EQ(valueOf(fieldFrom(R"({"value":-12345678.5})")), "-12345678.5");
+  EXPECT_EQ(valueOf(fieldFrom(R"({"value":100000000000000000000})")), "100000000000000000000");
+  EXPECT_EQ(valueOf(fieldFrom(R"({"value":1e300})")), "1e+300");
+  EXPECT_EQ(valueOf(fieldFrom(R"({"value":1e-300})")), "1e-300");
+}
+
 TEST(QNLoginField, ReadsABooleanAsItsText) {
   EXPECT_EQ(valueOf(fieldFrom(R"({"value":true})")), "true");
   EXPECT_EQ(valueOf(fieldFrom(R"({"value":false})")), "false");
@@ -188,6 +198,12 @@ TEST(QNLoginField, DoesNotShareItsDictionaryWithItsSource) {
   EXPECT_EQ(mr_JSONStringWithError(*source), R"({"name":"n"})");
 }
 
+TEST(QNLoginField, IsSharedAndNeverCopiedOutOfTheWipingResource) {
+  EXPECT_FALSE(std::is_copy_constructible_v<QNLoginField>);
+  EXPECT_FALSE(std::is_copy_assignable_v<QNLoginField>);
+  EXPECT_EQ(*QNLoginField(JsonObject{{"value", "pw"}}).asDictionary().storage(), *jsonStorage());
+}
+
 TEST(QNLoginField, TellsItsDesignations) {
   const auto username = fieldFrom(R"({"designation":"username"})");
   const auto password = fieldFrom(R"({"designation":"password"})");
@@ -232,6 +248,11 @@ INSTANTIATE_TEST_SUITE_P(Kinds, LoginFieldKind,
 
 TEST(QNLoginField, ConflictsWithoutAType) {
   EXPECT_TRUE(QNLoginField().canConflict());
+}
+
+TEST(QNLoginField, DoesNotConflictWithAnUnknownType) {
+  EXPECT_FALSE(fieldFrom(R"({"type":"p"})").canConflict());
+  EXPECT_FALSE(fieldFrom(R"({"type":"TE"})").canConflict());
 }
 
 TEST(QNLoginField, TellsItsKind) {
