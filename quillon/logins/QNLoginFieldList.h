@@ -15,7 +15,8 @@ class QNLoginFieldList final {
   using Field = std::shared_ptr<QNLoginField>;
   using Fields = std::vector<Field>;
 
-  [[nodiscard]] const Fields& fields() const { return _internalFields; }
+  /// A copy of the list, which may be gone through while this one changes; the entries are shared.
+  [[nodiscard]] Fields fields() const { return _internalFields; }
   [[nodiscard]] std::size_t count() const { return _internalFields.size(); }
   /// Null if the index is out of range.
   [[nodiscard]] Field objectAtIndex(std::size_t index) const { return loginFieldAtIndex(index); }

@@ -73,6 +73,14 @@ TEST(QNLoginFieldList, KeepsItsEntriesInOrder) {
   EXPECT_EQ(list.loginFieldAtIndex(3), nullptr);
 }
 
+TEST(QNLoginFieldList, MayChangeWhileItsEntriesAreGoneThrough) {
+  auto list = listOf({kUsername, kPassword});
+
+  for (const auto& each : list.fields()) list.addLoginField(each);
+
+  EXPECT_THAT(namesOf(list.fields()), ElementsAre("u", "p", "u", "p"));
+}
+
 TEST(QNLoginFieldList, KnowsItsDesignatedEntries) {
   const auto list = listOf({R"({"name":"x"})", kUsername, kPassword});
 
@@ -321,6 +329,20 @@ TEST(QNLoginFieldList, FindsNoNewPasswordWhenItsValueIsExcluded) {
   const auto list = passwords({"old", "new", "new"});
 
   EXPECT_EQ(list.findNewPasswordLoginFieldExcludingPasswordValue("new"), nullptr);
+}
+
+TEST(QNLoginFieldList, FindsTheNextTwinsWhenTheFirstAreExcluded) {
+  const auto list = passwords({"a", "b", "a", "c", "c"});
+
+  EXPECT_EQ(list.findNewPasswordLoginFieldExcludingPasswordValue(std::nullopt), list.fields()[0]);
+  EXPECT_EQ(list.findNewPasswordLoginFieldExcludingPasswordValue("a"), list.fields()[3]);
+}
+
+TEST(QNLoginFieldList, TakesAPasswordWithoutAValueForTheOldOne) {
+  const auto list = listOf({R"({"type":"P","value":"new"})", R"({"type":"P"})",
+                            R"({"type":"P","value":"new"})", R"({"type":"P","value":"old"})"});
+
+  EXPECT_EQ(list.findOldPasswordLoginField(), list.fields()[1]);
 }
 
 TEST(QNLoginFieldList, FindsTheOldPasswordBehindTheNewOne) {
