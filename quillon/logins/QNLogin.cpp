@@ -69,10 +69,12 @@ void QNLogin::willSerialize() {
 }
 
 bool QNLogin::hasLoginFields() {
+  const std::lock_guard guard(monitor());
   return loginFields().count() > 0;
 }
 
 std::optional<std::string> QNLogin::username() {
+  const std::lock_guard guard(monitor());
   const auto field = loginFields().usernameField();
   const auto value = field == nullptr ? std::nullopt : field->value();
   return value ? std::optional<std::string>(value->reveal()) : std::nullopt;
@@ -92,6 +94,7 @@ void QNLogin::setUsername(std::optional<std::string_view> username) {
 }
 
 std::optional<QNSecret> QNLogin::password() {
+  const std::lock_guard guard(monitor());
   const auto field = loginFields().passwordField();
   auto value = field == nullptr ? std::nullopt : field->value();
   return value && !value->empty() ? std::move(value) : std::nullopt;

@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 #include "quillon/logins/internal/QNTestRows.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/text/QNLocalization.h"
@@ -192,6 +195,40 @@ TEST_F(QNLoginTest, PutsItsListBackBeforeASave) {
   ASSERT_TRUE(login->hasLoginFields());
 
   EXPECT_EQ(storedFields(*login), R"([{"name":"u"}])");
+}
+
+TEST_F(QNLoginTest, LeavesADesignationToTheLaterOfTwoEntriesInMemoryAndInWhatItSaves) {
+  const auto login =
+      loginWithFields(R"([{"name":"a","value":"ann","designation":"username"},)"
+                      R"({"name":"b","value":"bob","designation":"username","type":"E"}])");
+
+  EXPECT_EQ(login->username(), "bob");
+  EXPECT_FALSE(login->loginFields().fields()[0]->designation());
+  EXPECT_EQ(storedFields(*login),
+            R"([{"name":"a","value":"ann"},)"
+            R"({"name":"b","value":"bob","designation":"username","type":"E"}])");
+}
+
+TEST_F(QNLoginTest, CanBeReadWhileAnotherThreadReplacesItsDetails) {
+  const auto login = loginWithFields(R"([{"value":"ann","designation":"username"}])");
+  std::atomic<bool> isDone{false};
+  std::thread writer([&] {
+    for (int round = 0; round < 300; ++round) {
+      login->copyDetails(object(R"({"fields":[{"value":"ann","designation":"username"}]})"));
+      login->setPassword("pw");
+    }
+    isDone = true;
+  });
+
+  int others = 0;
+  while (!isDone) {
+    if (login->username() != "ann" || !login->hasLoginFields()) ++others;
+    const auto password = login->password();
+    if (password && !password->equals("pw")) ++others;
+  }
+  writer.join();
+
+  EXPECT_EQ(others, 0);
 }
 
 TEST_F(QNLoginTest, LeavesFieldsThatWereNeverReadAsTheyAre) {
