@@ -1,0 +1,299 @@
+#include <algorithm>
+
+#include "quillon/logins/QNItemURL.h"
+#include "quillon/platform/urls/QNURLTools.h"
+#include "quillon/templates/QNCategory.h"
+#include "store/QNStore.h"
+#include "store/internal/QNStoreState.h"
+
+namespace quillon {
+
+namespace {
+
+bool isWanted(QNStore::Which which, std::uint64_t status) {
+  return which == QNStore::Which::all ||
+         status == (which == QNStore::Which::trashed ? std::uint64_t{1} : std::uint64_t{0});
+}
+
+std::optional<std::string> owned(std::optional<std::string_view> view) {
+  return view ? std::optional(std::string(*view)) : std::nullopt;
+}
+
+std::uint64_t categoryIdOf(const QNProfile& vault, std::string_view uuid) {
+  const auto category = std::dynamic_pointer_cast<QNCategory>(vault.categoryWithUUID(uuid));
+  return category == nullptr ? 0 : category->oid();
+}
+
+QNURLRow urlRow(const QNQuery& query) {
+  QNURLRow row;
+  row.oid = query.number(0);
+  row.displayOrder = query.number(1);
+  row.hashVersion = query.number(2);
+  row.nakedHash = query.optionalText(3);
+  row.derivedHash = query.optionalText(4);
+  row.overview = query.bytes(5);
+  return row;
+}
+
+std::shared_ptr<QNItemURL> urlOf(const QNQuery& query) {
+  const QNURLRow row = urlRow(query);
+  auto url = std::make_shared<QNItemURL>(QNExisting{row.oid});
+  url->setDisplayOrder(row.displayOrder);
+  url->setHashVersion(row.hashVersion);
+  url->setNakedHash(owned(row.nakedHash));
+  url->setDerivedHash(owned(row.derivedHash));
+  url->setOverviewData(toBytes(row.overview));
+  return url;
+}
+
+/// The rows that these objects were made of.
+std::vector<QNURLRow> rowsOf(const std::vector<std::shared_ptr<QNItemURL>>& urls) {
+  std::vector<QNURLRow> rows;
+  for (const auto& url : urls) {
+    rows.push_back({url->oid(), url->displayOrder(), url->hashVersion(), url->nakedHash(),
+                    url->derivedHash(), *url->overviewData()});
+  }
+  return rows;
+}
+
+bool isPassword(const QNItem& item) {
+  return item.categoryUUID() == QNCategoryUUIDPassword;
+}
+
+/// While a list goes on, nothing else of the store may write.
+class ListingMark final {
+ public:
+  explicit ListingMark(bool& listing) : _listing(listing) { _listing = true; }
+  ~ListingMark() { _listing = false; }
+  ListingMark(const ListingMark&) = delete;
+  ListingMark& operator=(const ListingMark&) = delete;
+
+ private:
+  bool& _listing;
+};
+
+}  // namespace
+
+QNItemRow itemRow(const QNQuery& query) {
+  QNItemRow row;
+  row.oid = query.number(0);
+  row.status = query.number(1);
+  row.faveIndex = query.number(2);
+  row.createdAt = query.number(3);
+  row.updatedAt = query.number(4);
+  row.txTimestamp = query.number(5);
+  row.timesUsed = query.number(6);
+  row.lastUsed = query.number(7);
+  row.inbox = query.number(8);
+  row.attachments = query.number(9);
+  row.categoryUUID = query.text(10);
+  row.scope = query.optionalText(11);
+  row.folderUUID = query.optionalText(12);
+  row.uuid = query.text(13);
+  row.bodyHash = query.bytes(14);
+  row.seal = query.bytes(15);
+  row.overview = query.bytes(16);
+  return row;
+}
+
+std::shared_ptr<QNItem> QNStore::Database::shellOf(const QNItemRow& row,
+                                                   const std::shared_ptr<QNProfile>& vault) {
+  auto item = vault->existingItemWithID(row.oid, row.categoryUUID);
+  if (item == nullptr) return nullptr;
+  // The type first: a shell that gets a profile of another type than its own gets a new uuid.
+  item->setProfileType(vault->profileType());
+  item->setProfile(vault);
+  item->setUuid(sharedString(std::string(row.uuid)));
+  item->setCategoryId(categoryIdOf(*vault, row.categoryUUID));
+  item->setFaveIndex(row.faveIndex);
+  item->setDisplayOrder(row.faveIndex);  // may lie above what a favourite index is capped to
+  if (row.scope) item->setScope(owned(row.scope));
+  if (row.folderUUID) item->setFolderUUID(owned(row.folderUUID));
+  item->setCreatedAt(row.createdAt);
+  item->setUpdatedAt(row.updatedAt);
+  item->setTxTimestamp(row.txTimestamp);
+  item->setNumberOfTimesUsed(static_cast<std::int32_t>(row.timesUsed));
+  item->setLastUsedTimestamp(row.lastUsed);
+  item->setInboxItem(row.inbox != 0);
+  item->setNumberOfAttachments(static_cast<std::int32_t>(row.attachments));
+  if (row.status == 1) item->setTrashed(true);
+  if (row.status == 2) item->markDeleted();
+  item->setOverviewData(toBytes(row.overview));
+  item->didLoad();
+  return item;
+}
+
+// Lists
+
+QNResult<QNListReport> QNStore::list(const std::shared_ptr<QNProfile>& vault, Which which,
+                                     const Visitor& visit) {
+  if (_database->listing) return listingError();
+  return _database->read([&]() -> QNResult<QNListReport> {
+    const auto ledger = _database->ledgerNow(*vault);
+    if (!ledger.ok()) return ledger.error();
+    const ListingMark mark(_database->listing);
+    QNListReport report;
+    QNRowCount count;
+    QNRowSealer sealer(*vault);
+    QNQuery query = _database->file->query(kSelectItemsOfVault, vault->oid());
+    while (query.next()) {
+      const QNItemRow row = itemRow(query);
+      const bool genuine = count.add(sealer.seal(row), row.seal);
+      if (genuine && !isWanted(which, row.status)) continue;
+      const auto item = genuine ? Database::shellOf(row, vault) : nullptr;
+      if (item == nullptr || item->mutableOverview() == nullptr) {
+        report.damaged.emplace_back(row.uuid);
+        continue;
+      }
+      ++report.listed;
+      visit(item);
+    }
+    report.ledgerBroken = !count.agreesWith(ledger.value());
+    return report;
+  });
+}
+
+// One item
+
+QNResult<std::shared_ptr<QNItem>> QNStore::item(const std::shared_ptr<QNProfile>& vault,
+                                                std::string_view uuid) {
+  return _database->read([&]() -> QNResult<std::shared_ptr<QNItem>> {
+    const auto ledger = _database->ledgerNow(*vault);
+    if (!ledger.ok()) return ledger.error();
+    QNQuery query = _database->file->query("SELECT " QN_ITEM_COLUMNS
+                                           " FROM items WHERE vault_id = ?1 AND uuid = ?2",
+                                           vault->oid(), uuid);
+    if (!query.next()) return storeError(QNStoreErrorCode::notFound, "no item of that uuid");
+    return _database->itemOf(itemRow(query), vault);
+  });
+}
+
+QNResult<std::shared_ptr<QNItem>> QNStore::Database::itemOf(
+    const QNItemRow& row, const std::shared_ptr<QNProfile>& vault) {
+  if (!sealFits(QNRowSealer(*vault).seal(row), row.seal)) {
+    return storeError(QNStoreErrorCode::damaged, "the item's row was altered");
+  }
+  const auto item = shellOf(row, vault);
+  if (item == nullptr || item->mutableOverview() == nullptr) {
+    return storeError(QNStoreErrorCode::damaged, "the item's overview doesn't open");
+  }
+  const auto filled = readBody(item, row.bodyHash);
+  if (!filled.ok()) return filled.error();
+  return item;
+}
+
+QNResult<QNDone> QNStore::loadDetails(const std::shared_ptr<QNItem>& item) {
+  if (item->detailsLoaded()) return QNDone{};
+  return _database->read([&]() -> QNResult<QNDone> {
+    const auto vault = std::dynamic_pointer_cast<QNProfile>(item->profile());
+    if (vault == nullptr) return storeError(QNStoreErrorCode::notFound, "the item has no vault");
+    const auto ledger = _database->ledgerNow(*vault);
+    if (!ledger.ok()) return ledger.error();
+    QNQuery query = _database->file->query("SELECT " QN_ITEM_COLUMNS
+                                           " FROM items WHERE oid = ?1 AND vault_id = ?2",
+                                           item->oid(), vault->oid());
+    if (!query.next()) return storeError(QNStoreErrorCode::notFound, "the item isn't there");
+    const QNItemRow row = itemRow(query);
+    if (row.txTimestamp != item->txTimestamp()) {
+      return storeError(QNStoreErrorCode::lostRace, "the item was saved by somebody else");
+    }
+    if (!sealFits(QNRowSealer(*vault).seal(row), row.seal)) {
+      return storeError(QNStoreErrorCode::damaged, "the item's row was altered");
+    }
+    return _database->readBody(item, row.bodyHash);
+  });
+}
+
+QNResult<QNDone> QNStore::Database::readBody(const std::shared_ptr<QNItem>& item, ByteView hash) {
+  ++detailsRead;
+  QNQuery query =
+      file->query("SELECT wrapped_key, details FROM details WHERE item_id = ?1", item->oid());
+  if (!query.next()) return storeError(QNStoreErrorCode::damaged, "the item has no details");
+  const auto urls = readURLs(item->oid());
+  if (!equalInConstantTime(bodyHash(query.bytes(0), query.bytes(1), rowsOf(urls)), hash)) {
+    return storeError(QNStoreErrorCode::damaged, "the item's details or URLs were altered");
+  }
+  const bool wasDirty = item->dirtyRow();
+  const bool orderWasDirty = item->dirtyDisplayOrder();
+  item->markLoadingDetails();
+  item->setEncryptedKey(query.bytes(0));
+  item->setDetailsData(toBytes(query.bytes(1)));
+  for (const auto& url : urls) {
+    item->addURL(url);
+    url->didLoad();
+  }
+  item->markDetailsLoaded();
+  item->markAttachmentsLoaded();
+  item->didLoad();
+  if (wasDirty) item->markRowDirty();
+  if (orderWasDirty) item->markDisplayOrderDirty();
+  return QNDone{};
+}
+
+std::vector<std::shared_ptr<QNItemURL>> QNStore::Database::readURLs(std::uint64_t itemOid) {
+  QNQuery query = file->query(
+      "SELECT oid, display_order, hash_version, naked_hash, derived_hash, overview FROM urls "
+      "WHERE item_id = ?1 ORDER BY display_order, oid",
+      itemOid);
+  std::vector<std::shared_ptr<QNItemURL>> urls;
+  while (query.next()) urls.push_back(urlOf(query));
+  return urls;
+}
+
+// By website
+
+// The cross join keeps the hash's index in front.
+#define QN_ITEMS_WITH_HASH(COLUMN)                                                    \
+  "SELECT DISTINCT items.oid FROM urls CROSS JOIN items ON items.oid = urls.item_id " \
+  "WHERE urls." COLUMN                                                                \
+  " = ?1 AND items.vault_id = ?2 AND items.status = 0 AND "                           \
+  "items.category_uuid IN ('001', '800', '005') ORDER BY items.oid"
+
+QNResult<std::unique_ptr<QNItemSetForURL>> QNStore::itemSetForURL(
+    const std::shared_ptr<QNProfile>& vault, std::string_view url) {
+  return _database->read([&]() -> QNResult<std::unique_ptr<QNItemSetForURL>> {
+    const auto ledger = _database->ledgerNow(*vault);
+    if (!ledger.ok()) return ledger.error();
+    const QNURLTools& tools = QNURLTools::shared();
+    const std::string& salt = *vault->uuid();
+    const auto derived = _database->itemsWithHash(vault, QN_ITEMS_WITH_HASH("derived_hash"),
+                                                  tools.derivedHashWithSalt(salt, url), {});
+    if (!derived.ok()) return derived.error();
+    const auto naked =
+        _database->itemsWithHash(vault, QN_ITEMS_WITH_HASH("naked_hash"),
+                                 tools.nakedHashWithSalt(salt, url), derived.value());
+    if (!naked.ok()) return naked.error();
+    auto set = std::make_unique<QNItemSetForURL>(std::string(url));
+    set->profile = vault;
+    for (const auto& item : derived.value()) {
+      (isPassword(*item) ? set->derivedPasswords : set->derivedLogins).push_back(item);
+    }
+    for (const auto& item : naked.value()) {
+      (isPassword(*item) ? set->nakedPasswords : set->nakedLogins).push_back(item);
+    }
+    return set;
+  });
+}
+
+QNResult<QNItemSetForURL::Items> QNStore::Database::itemsWithHash(
+    const std::shared_ptr<QNProfile>& vault, std::string_view sql,
+    const std::optional<std::string>& hash, const QNItemSetForURL::Items& butNot) {
+  QNItemSetForURL::Items items;
+  if (!hash) return items;
+  QNQuery query = file->query(sql, *hash, vault->oid());
+  while (query.next()) {
+    const std::uint64_t oid = query.number(0);
+    if (std::any_of(butNot.begin(), butNot.end(),
+                    [oid](const auto& item) { return item->oid() == oid; })) {
+      continue;
+    }
+    QNQuery row = file->query("SELECT " QN_ITEM_COLUMNS " FROM items WHERE oid = ?1", oid);
+    if (!row.next()) break;
+    const auto item = itemOf(itemRow(row), vault);
+    if (!item.ok()) return item.error();
+    items.push_back(item.value());
+  }
+  return items;
+}
+
+}  // namespace quillon

@@ -1,0 +1,324 @@
+#include <algorithm>
+
+#include "quillon/logins/QNItemURL.h"
+#include "quillon/platform/environment/QNEnvironment.h"
+#include "store/QNStore.h"
+#include "store/internal/QNStoreState.h"
+
+namespace quillon {
+
+namespace {
+
+using URLs = std::vector<std::shared_ptr<QNItemURL>>;
+
+URLs urlsOf(QNItem& item) {
+  return item.detailsLoaded() ? item.URLs() : URLs();
+}
+
+bool isDirty(const QNDatabaseObject& object) {
+  return !object.hasOid() || object.dirtyRow() || object.dirtyDisplayOrder();
+}
+
+bool needsSaving(QNItem& item) {
+  if (item.deleted() && !item.hasOid()) return false;
+  const URLs urls = urlsOf(item);
+  return isDirty(item) ||
+         std::any_of(urls.begin(), urls.end(), [](const auto& url) { return isDirty(*url); });
+}
+
+/// Can everything that a save would encrypt anew be read? What doesn't open reads as empty, and
+/// must not be written as empty.
+bool opens(QNItem& item) {
+  const URLs urls = urlsOf(item);
+  const bool isShell = item.hasOid() && !item.detailsLoaded();
+  return item.categoryUUID() && item.mutableOverview() != nullptr &&
+         (isShell || (item.detailsLoaded() && item.details() != nullptr)) &&
+         std::all_of(urls.begin(), urls.end(),
+                     [](const auto& url) { return url->mutableOverview() != nullptr; });
+}
+
+/// Random bytes stand in here: two sealings of one text differ in them.
+Bytes headOf(const std::optional<Bytes>& sealed) {
+  if (!sealed) return {};
+  const std::size_t size = std::min(sealed->size(), QNAESKey::kMinSealedSize);
+  return toBytes(ByteView(*sealed).first(size));
+}
+
+/// Runs willSave, and tells whether it sealed both forms anew: it says nothing when it can't, for
+/// instance with a text that isn't UTF-8, and leaves the former ones.
+bool prepare(QNItem& item) {
+  const Bytes overview = headOf(item.overviewData());
+  const Bytes details = headOf(item.detailsData());
+  item.willSave();
+  if (!item.overviewData() || headOf(item.overviewData()) == overview) return false;
+  return !item.detailsLoaded() || (item.detailsData() && headOf(item.detailsData()) != details);
+}
+
+/// The list's order is what a reader must find again: it becomes the order of the rows.
+bool prepareURLs(const URLs& urls) {
+  std::uint64_t last = 0;
+  for (const auto& url : urls) {
+    if (url->displayOrder() <= last) url->setDisplayOrder(last + 1);
+    last = url->displayOrder();
+    const Bytes before = headOf(url->overviewData());
+    url->willSave();
+    if (!url->overviewData() || headOf(url->overviewData()) == before) return false;
+  }
+  return true;
+}
+
+QNURLRow urlRow(const QNItemURL& url) {
+  return {url.oid(),       url.displayOrder(), url.hashVersion(),
+          url.nakedHash(), url.derivedHash(),  *url.overviewData()};
+}
+
+std::array<std::uint8_t, 32> bodyHashOf(QNItem& item) {
+  std::vector<QNURLRow> rows;
+  for (const auto& url : item.URLs()) rows.push_back(urlRow(*url));
+  return bodyHash(item.encryptedKey(), *item.detailsData(), rows);
+}
+
+/// The item's columns, with the copies that the row's views lie in.
+struct ItemColumns {
+  explicit ItemColumns(QNItem& item) : scope(item.scope()), folderUUID(item.folderUUID()) {
+    row.oid = item.oid();
+    row.status = item.status();
+    row.faveIndex = item.faveIndex();
+    row.createdAt = item.createdAt();
+    row.updatedAt = item.updatedAt();
+    row.txTimestamp = item.txTimestamp();
+    row.timesUsed = static_cast<std::uint32_t>(item.numberOfTimesUsed());
+    row.lastUsed = item.lastUsedTimestamp();
+    row.inbox = item.inboxItem() ? 1 : 0;
+    row.attachments = static_cast<std::uint32_t>(item.numberOfAttachments());
+    row.categoryUUID = *item.categoryUUID();
+    row.scope = scope;
+    row.folderUUID = folderUUID;
+    row.uuid = *item.uuid();
+    row.overview = *item.overviewData();
+  }
+  std::optional<std::string> scope, folderUUID;
+  QNItemRow row;
+};
+
+}  // namespace
+
+// Transactions
+
+QNResult<QNDone> QNStore::inTransaction(const std::function<QNResult<QNDone>()>& work) {
+  return _database->run(work);
+}
+
+QNResult<QNDone> QNStore::Database::run(const std::function<QNResult<QNDone>()>& work) {
+  if (listing) return listingError();
+  const bool outermost = !file->inTransaction();
+  Ending ending(*this, outermost);
+  QNTransaction transaction(*file, QNTransaction::Kind::write);
+  if (!file->failed()) {
+    // SQLite's error, if there is one, is the reason for whatever the work says.
+    const auto done = work();
+    if (!done.ok()) file->fail(done.error());
+  }
+  if (outermost) writeLedgers();
+  auto committed = transaction.commit();
+  ending.committed = committed.ok();
+  return committed;
+}
+
+QNStore::Database::Ending::~Ending() {
+  if (!_outermost) return;
+  auto steps = std::exchange(committed ? _database.afterCommit : _database.undo, {});
+  if (!committed) std::reverse(steps.begin(), steps.end());
+  _database.ledgers.clear();
+  _database.afterCommit.clear();
+  _database.undo.clear();
+  for (const auto& step : steps) step();
+}
+
+void QNStore::Database::writeLedgers() {
+  if (file->failed()) return;
+  for (const auto& [oid, open] : ledgers) {
+    const auto content = open.ledger.sealed(*open.vault);
+    if (!content) return file->fail(storeError(QNStoreErrorCode::locked, "the vault is locked"));
+    file->change(
+        "INSERT INTO ledgers (vault_id, content) VALUES (?1, ?2) "
+        "ON CONFLICT (vault_id) DO UPDATE SET content = excluded.content",
+        oid, ByteView(*content));
+  }
+}
+
+// Saving
+
+QNResult<QNDone> QNStore::save(const std::shared_ptr<QNItem>& item) {
+  if (!needsSaving(*item)) return QNDone{};
+  return inTransaction([this, &item] { return _database->saveItem(item); });
+}
+
+QNResult<QNDone> QNStore::saveAll(std::span<const std::shared_ptr<QNItem>> items) {
+  return inTransaction([this, items]() -> QNResult<QNDone> {
+    for (const auto& item : items) {
+      if (!needsSaving(*item)) continue;
+      const auto saved = _database->saveItem(item);
+      if (!saved.ok()) return saved.error();
+    }
+    return QNDone{};
+  });
+}
+
+QNResult<QNDone> QNStore::deleteItem(const std::shared_ptr<QNItem>& item) {
+  return inTransaction([this, &item] { return _database->deleteItem(item); });
+}
+
+QNResult<QNDone> QNStore::Database::saveItem(const std::shared_ptr<QNItem>& item) {
+  const auto vault = std::dynamic_pointer_cast<QNProfile>(item->profile());
+  if (vault == nullptr) {
+    return storeError(QNStoreErrorCode::notFound, "the item has no vault of a store");
+  }
+  const auto ledger = openLedger(vault);
+  if (!ledger.ok()) return ledger.error();
+  if (!opens(*item)) return storeError(QNStoreErrorCode::unreadableItem, "the item doesn't open");
+  const auto before = rowBefore(*item, vault);
+  if (!before.ok()) return before.error();
+
+  noteForUndo(item);
+  const std::uint64_t now = secondsNow();
+  const std::uint64_t revisionRead = item->txTimestamp();
+  item->setUpdatedAt(now);
+  item->setTxTimestamp(ledger.value()->nextTx(now));
+  if (!prepare(*item) || !prepareURLs(urlsOf(*item))) {
+    return storeError(QNStoreErrorCode::unreadableItem, "the item can't be encrypted");
+  }
+  return writeItem(item, vault, before.value(), revisionRead);
+}
+
+QNResult<QNStore::Database::Before> QNStore::Database::rowBefore(
+    QNItem& item, const std::shared_ptr<QNProfile>& vault) {
+  if (!item.hasOid()) return Before{};
+  QNQuery query =
+      file->query("SELECT " QN_ITEM_COLUMNS ", vault_id FROM items WHERE oid = ?1", item.oid());
+  if (!query.next() || query.number(5) != item.txTimestamp()) {
+    if (file->failed()) return *file->error();
+    return storeError(QNStoreErrorCode::lostRace, "the item was saved or deleted by somebody else");
+  }
+  const QNItemRow row = itemRow(query);
+  const std::uint64_t home = query.number(17);
+  Before before;
+  before.vault = home == vault->oid() ? vault : unlockedVaultWithOid(home);
+  if (before.vault == nullptr) {
+    return storeError(QNStoreErrorCode::locked, "the vault that the item comes from is locked");
+  }
+  if (before.vault != vault && !item.detailsLoaded()) {
+    return storeError(QNStoreErrorCode::unreadableItem, "an item moves with its details loaded");
+  }
+  before.seal = QNRowSealer(*before.vault).seal(row);
+  if (!sealFits(before.seal, row.seal)) {
+    return storeError(QNStoreErrorCode::damaged, "the item's row was altered");
+  }
+  before.bodyHash = toBytes(row.bodyHash);
+  return before;
+}
+
+QNResult<QNDone> QNStore::Database::writeItem(const std::shared_ptr<QNItem>& item,
+                                              const std::shared_ptr<QNProfile>& vault,
+                                              const Before& before, std::uint64_t revisionRead) {
+  const bool isNew = before.vault != vault;
+  if (isNew && before.vault != nullptr) {
+    const auto removed = removeRow(item->oid(), revisionRead, before);
+    if (!removed.ok()) return removed.error();
+  }
+  ItemColumns columns(*item);
+  QNItemRow& row = columns.row;
+  if (isNew) row.oid = file->number("SELECT coalesce(max(oid), 0) + 1 FROM items");
+  const auto freshHash = item->detailsLoaded() ? std::optional(bodyHashOf(*item)) : std::nullopt;
+  row.bodyHash = freshHash ? ByteView(*freshHash) : ByteView(before.bodyHash);
+  const auto seal = QNRowSealer(*vault).seal(row);
+  if (!seal) return storeError(QNStoreErrorCode::locked, "the vault's keys aren't there");
+  row.seal = seal->tag;
+  const std::uint64_t changed = file->change(
+      "INSERT INTO items (" QN_ITEM_COLUMNS
+      ", vault_id) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13, ?14, ?15, ?16, "
+      "?17, ?18) ON CONFLICT (oid) DO UPDATE SET status = ?2, fave_index = ?3, created_at = ?4, "
+      "updated_at = ?5, tx_timestamp = ?6, times_used = ?7, last_used = ?8, inbox = ?9, "
+      "attachments = ?10, category_uuid = ?11, scope = ?12, folder_uuid = ?13, uuid = ?14, "
+      "body_hash = ?15, seal = ?16, overview = ?17 WHERE vault_id = ?18 AND tx_timestamp = ?19",
+      row.oid, row.status, row.faveIndex, row.createdAt, row.updatedAt, row.txTimestamp,
+      row.timesUsed, row.lastUsed, row.inbox, row.attachments, row.categoryUUID, row.scope,
+      row.folderUUID, row.uuid, row.bodyHash, row.seal, row.overview, vault->oid(), revisionRead);
+  if (changed != 1) return storeError(QNStoreErrorCode::lostRace, "the item's row was changed");
+  item->_setOid(row.oid);
+  if (item->detailsLoaded()) writeBody(*item, isNew);
+  writeCategory(vault, row.categoryUUID);
+  QNLedger& ledger = ledgers.at(vault->oid()).ledger;
+  if (!isNew) ledger.remove(*before.seal);
+  ledger.add(*seal);
+  afterCommit.emplace_back([item] {
+    for (const auto& url : urlsOf(*item)) url->didSave();
+    item->didSave();
+  });
+  return QNDone{};
+}
+
+/// The rows of removed URLs go with the others: all of them are written anew.
+void QNStore::Database::writeBody(QNItem& item, bool isNew) {
+  file->change(
+      "INSERT INTO details (item_id, wrapped_key, details) VALUES (?1, ?2, ?3) ON CONFLICT "
+      "(item_id) DO UPDATE SET wrapped_key = excluded.wrapped_key, details = excluded.details",
+      item.oid(), item.encryptedKey(), ByteView(*item.detailsData()));
+  if (!isNew) file->change("DELETE FROM urls WHERE item_id = ?1", item.oid());
+  for (const auto& url : item.URLs()) {
+    const QNURLRow row = urlRow(*url);
+    file->change(
+        "INSERT INTO urls (item_id, display_order, hash_version, naked_hash, derived_hash, "
+        "overview) VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
+        item.oid(), row.displayOrder, row.hashVersion, row.nakedHash, row.derivedHash,
+        row.overview);
+    url->_setOid(file->lastRow());
+  }
+}
+
+void QNStore::Database::noteForUndo(const std::shared_ptr<QNItem>& item) {
+  std::vector<std::pair<std::shared_ptr<QNItemURL>, std::uint64_t>> urlRows;
+  for (const auto& url : urlsOf(*item)) urlRows.emplace_back(url, url->oid());
+  undo.emplace_back([item, urlRows = std::move(urlRows), oid = item->oid(),
+                     updatedAt = item->updatedAt(), txTimestamp = item->txTimestamp()] {
+    for (const auto& [url, urlOid] : urlRows) url->_setOid(urlOid);
+    item->_setOid(oid);
+    item->setUpdatedAt(updatedAt);
+    item->setTxTimestamp(txTimestamp);
+  });
+}
+
+// Deleting
+
+QNResult<QNDone> QNStore::Database::deleteItem(const std::shared_ptr<QNItem>& item) {
+  const auto vault = std::dynamic_pointer_cast<QNProfile>(item->profile());
+  if (vault == nullptr || !item->hasOid()) {
+    return storeError(QNStoreErrorCode::notFound, "the item isn't in this store");
+  }
+  const auto ledger = openLedger(vault);
+  if (!ledger.ok()) return ledger.error();
+  const auto before = rowBefore(*item, vault);
+  if (!before.ok()) return before.error();
+  const auto removed = removeRow(item->oid(), item->txTimestamp(), before.value());
+  if (!removed.ok()) return removed.error();
+  afterCommit.emplace_back([item] {
+    for (const auto& url : urlsOf(*item)) url->_setOid(0);
+    item->_setOid(0);
+    item->markDeleted();
+    item->didSave();
+  });
+  return QNDone{};
+}
+
+QNResult<QNDone> QNStore::Database::removeRow(std::uint64_t oid, std::uint64_t revision,
+                                              const Before& before) {
+  const auto ledger = openLedger(before.vault);
+  if (!ledger.ok()) return ledger.error();
+  const std::uint64_t removed =
+      file->change("DELETE FROM items WHERE oid = ?1 AND tx_timestamp = ?2", oid, revision);
+  if (removed != 1) return storeError(QNStoreErrorCode::lostRace, "the item's row was changed");
+  ledger.value()->remove(*before.seal);
+  return QNDone{};
+}
+
+}  // namespace quillon

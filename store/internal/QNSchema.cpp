@@ -1,0 +1,135 @@
+#include "store/internal/QNSchema.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+#include "store/QNStoreError.h"
+
+namespace quillon {
+
+namespace {
+
+// A list reads `items` alone, and every row of it: what a list doesn't show stands elsewhere, and
+// the overview comes last, behind what is read without it.
+constexpr const char* kVersion1 = R"sql(
+CREATE TABLE vaults (
+  oid INTEGER PRIMARY KEY,
+  uuid TEXT NOT NULL UNIQUE,
+  name TEXT NOT NULL UNIQUE,
+  revision INTEGER NOT NULL,
+  status INTEGER NOT NULL,
+  created_at INTEGER NOT NULL,
+  updated_at INTEGER NOT NULL,
+  master_key BLOB NOT NULL,
+  overview_key BLOB NOT NULL,
+  salt BLOB NOT NULL,
+  iterations INTEGER NOT NULL,
+  hint TEXT,
+  last_updated_by TEXT,
+  icon BLOB,
+  color TEXT,
+  attributes BLOB,
+  seal BLOB NOT NULL
+) STRICT;
+
+CREATE TABLE ledgers (
+  vault_id INTEGER PRIMARY KEY REFERENCES vaults (oid) ON DELETE CASCADE,
+  content BLOB NOT NULL
+) STRICT;
+
+CREATE TABLE categories (
+  oid INTEGER PRIMARY KEY,
+  vault_id INTEGER NOT NULL REFERENCES vaults (oid) ON DELETE CASCADE,
+  uuid TEXT NOT NULL,
+  display_order INTEGER NOT NULL,
+  singular_name TEXT,
+  plural_name TEXT,
+  list_icon_name TEXT,
+  detail_icon_name TEXT,
+  UNIQUE (vault_id, uuid)
+) STRICT;
+
+CREATE TABLE items (
+  oid INTEGER PRIMARY KEY,
+  vault_id INTEGER NOT NULL REFERENCES vaults (oid) ON DELETE CASCADE,
+  status INTEGER NOT NULL,
+  fave_index INTEGER NOT NULL,
+  created_at INTEGER NOT NULL,
+  updated_at INTEGER NOT NULL,
+  tx_timestamp INTEGER NOT NULL,
+  times_used INTEGER NOT NULL,
+  last_used INTEGER NOT NULL,
+  inbox INTEGER NOT NULL,
+  attachments INTEGER NOT NULL,
+  category_uuid TEXT NOT NULL,
+  scope TEXT,
+  folder_uuid TEXT,
+  uuid TEXT NOT NULL,
+  body_hash BLOB NOT NULL,
+  seal BLOB NOT NULL,
+  overview BLOB NOT NULL,
+  UNIQUE (vault_id, uuid)
+) STRICT;
+
+CREATE TABLE details (
+  item_id INTEGER PRIMARY KEY REFERENCES items (oid) ON DELETE CASCADE,
+  wrapped_key BLOB NOT NULL,
+  details BLOB NOT NULL
+) STRICT;
+
+CREATE TABLE urls (
+  oid INTEGER PRIMARY KEY,
+  item_id INTEGER NOT NULL REFERENCES items (oid) ON DELETE CASCADE,
+  display_order INTEGER NOT NULL,
+  hash_version INTEGER NOT NULL,
+  naked_hash TEXT,
+  derived_hash TEXT,
+  overview BLOB NOT NULL
+) STRICT;
+CREATE INDEX urls_of_item ON urls (item_id);
+CREATE INDEX urls_by_naked_hash ON urls (naked_hash);
+CREATE INDEX urls_by_derived_hash ON urls (derived_hash);
+)sql";
+
+constexpr std::array<const char*, 1> kMigrations = {kVersion1};
+
+void runSteps(QNDatabase& database, QNMigrations steps, std::size_t version) {
+  for (const char* step : steps) database.run(step);
+  database.run(fmt::format("PRAGMA application_id = {}; PRAGMA user_version = {}",
+                           kStoreApplicationId, version));
+}
+
+}  // namespace
+
+QNMigrations storeMigrations() {
+  return kMigrations;
+}
+
+QNResult<QNDone> makeSchema(QNDatabase& database, QNMigrations migrations) {
+  QNTransaction transaction(database, QNTransaction::Kind::write);
+  runSteps(database, migrations, migrations.size());
+  return transaction.commit();
+}
+
+QNResult<QNDone> bringSchemaForward(QNDatabase& database, QNMigrations migrations) {
+  if (database.number("PRAGMA application_id") != kStoreApplicationId && !database.failed()) {
+    return storeError(QNStoreErrorCode::notAStore, "the file belongs to another program");
+  }
+  const std::uint64_t version = database.number("PRAGMA user_version");
+  if (database.failed()) return *database.takeError();
+  if (version > migrations.size()) {
+    return storeError(
+        QNStoreErrorCode::newerSchema,
+        fmt::format("the file has version {}, known is {}", version, migrations.size()));
+  }
+  if (version == 0) return storeError(QNStoreErrorCode::damaged, "the file has no version");
+  if (version == migrations.size()) return QNDone{};
+  QNTransaction transaction(database, QNTransaction::Kind::write);
+  // Another process may have done it while this one waited.
+  const std::uint64_t from = database.number("PRAGMA user_version");
+  if (from < migrations.size()) runSteps(database, migrations.subspan(from), migrations.size());
+  return transaction.commit();
+}
+
+}  // namespace quillon

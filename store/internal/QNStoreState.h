@@ -1,0 +1,132 @@
+#pragma once
+// What a store holds while it is open, and the steps that its operations are made of. Steps run
+// inside a transaction and leave SQLite's errors with the connection.
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "store/QNStore.h"
+#include "store/internal/QNDatabase.h"
+#include "store/internal/QNLedger.h"
+#include "store/internal/QNRowSeal.h"
+
+namespace quillon {
+
+/// The columns of a QNItemRow, in the order in which itemRow() reads them.
+#define QN_ITEM_COLUMNS                                                                           \
+  "oid, status, fave_index, created_at, updated_at, tx_timestamp, times_used, last_used, inbox, " \
+  "attachments, category_uuid, scope, folder_uuid, uuid, body_hash, seal, overview"
+QNItemRow itemRow(const QNQuery& query);
+/// A vault's rows in row order. The plus keeps SQLite from going through the index.
+inline constexpr std::string_view kSelectItemsOfVault =
+    "SELECT " QN_ITEM_COLUMNS " FROM items WHERE +vault_id = ?1 ORDER BY oid";
+
+/// A visitor of a list may read items and nothing else: the list's rows must not change under it.
+inline QNError listingError() {
+  return storeError(QNStoreErrorCode::busy, "a list of this store is going on");
+}
+
+struct QNStore::Database {
+  explicit Database(std::unique_ptr<QNDatabase> opened) : file(std::move(opened)) {}
+
+  // Vaults: QNStore+Vaults.cpp
+  /// The vault's ledger as it stands, the running transaction's changes included. Errors: notFound
+  /// for a vault of another store, locked, damaged.
+  QNResult<QNLedger> ledgerNow(QNProfile& vault);
+  /// The same for a change; written at the transaction's end.
+  QNResult<QNLedger*> openLedger(const std::shared_ptr<QNProfile>& vault);
+  /// Is the vault's row what was saved last? Error: damaged, if it isn't.
+  QNResult<bool> isGenuine(QNProfile& vault);
+  QNResult<QNDone> insertVault(const std::shared_ptr<QNProfile>& vault);
+  QNResult<QNDone> updateVault(const std::shared_ptr<QNProfile>& vault);
+  void readCategories(const std::shared_ptr<QNProfile>& vault);
+  void writeCategory(const std::shared_ptr<QNProfile>& vault, std::string_view uuid);
+
+  // Saving: QNStore+Save.cpp
+  QNResult<QNDone> saveItem(const std::shared_ptr<QNItem>& item);
+  QNResult<QNDone> deleteItem(const std::shared_ptr<QNItem>& item);
+  /// What is known of the row that a save replaces.
+  struct Before {
+    std::optional<QNSeal> seal;  // nothing for an item without a row
+    Bytes bodyHash;
+    std::shared_ptr<QNProfile> vault;  // that it lies in, unlocked
+  };
+  QNResult<Before> rowBefore(QNItem& item, const std::shared_ptr<QNProfile>& vault);
+  QNResult<QNDone> writeItem(const std::shared_ptr<QNItem>& item,
+                             const std::shared_ptr<QNProfile>& vault, const Before& before,
+                             std::uint64_t revisionRead);
+  void writeBody(QNItem& item, bool isNew);
+  QNResult<QNDone> removeRow(std::uint64_t oid, std::uint64_t revision, const Before& before);
+  void noteForUndo(const std::shared_ptr<QNItem>& item);
+  QNResult<QNDone> run(const std::function<QNResult<QNDone>()>& work);
+  /// Ends the outermost transaction in memory, after it has ended in the file: by the steps of
+  /// afterCommit or of undo, the latter also if the work has thrown.
+  class Ending final {
+   public:
+    Ending(Database& database, bool outermost) : _database(database), _outermost(outermost) {}
+    ~Ending();
+    Ending(const Ending&) = delete;
+    Ending& operator=(const Ending&) = delete;
+    bool committed = false;
+
+   private:
+    Database& _database;
+    bool _outermost;
+  };
+  void writeLedgers();
+
+  // Reading: QNStore+Load.cpp
+  /// A shell with the row's columns; null for a category that makes no item.
+  static std::shared_ptr<QNItem> shellOf(const QNItemRow& row,
+                                         const std::shared_ptr<QNProfile>& vault);
+  QNResult<std::shared_ptr<QNItem>> itemOf(const QNItemRow& row,
+                                           const std::shared_ptr<QNProfile>& vault);
+  /// Fills key, details and URLs in, if they are what `hash` was made of.
+  QNResult<QNDone> readBody(const std::shared_ptr<QNItem>& item, ByteView hash);
+  std::vector<std::shared_ptr<QNItemURL>> readURLs(std::uint64_t itemOid);
+  QNResult<QNItemSetForURL::Items> itemsWithHash(const std::shared_ptr<QNProfile>& vault,
+                                                 std::string_view sql,
+                                                 const std::optional<std::string>& hash,
+                                                 const QNItemSetForURL::Items& butNot);
+
+  // Care: QNStore+Care.cpp
+  void checkFile(QNCheckReport& report);
+  QNResult<QNDone> checkVault(const std::shared_ptr<QNProfile>& vault, QNCheckReport& report);
+
+  /// Runs `work` as one reading. SQLite's error, if there is one, goes before what it returns.
+  template <class Work>
+  auto read(const Work& work) {
+    QNTransaction transaction(*file, QNTransaction::Kind::read);
+    auto result = work();
+    const auto done = transaction.commit();
+    if (!done.ok()) return decltype(result)(done.error());
+    return result;
+  }
+
+  /// A vault object that came from this store or was saved to it.
+  struct KnownVault {
+    std::weak_ptr<QNProfile> vault;
+    std::uint64_t oid = 0;
+    std::uint64_t revision = 0;  // of the row that the object was made of
+  };
+  KnownVault* knownVault(const QNProfile& vault);
+  std::shared_ptr<QNProfile> unlockedVaultWithOid(std::uint64_t oid);
+
+  std::unique_ptr<QNDatabase> file;
+  std::vector<KnownVault> vaults;
+  bool listing = false;
+  std::uint64_t detailsRead = 0;
+
+  // Of the running transaction
+  struct OpenLedger {
+    std::shared_ptr<QNProfile> vault;
+    QNLedger ledger;
+  };
+  std::map<std::uint64_t, OpenLedger> ledgers;  // by the vault's oid
+  std::vector<std::function<void()>> afterCommit;
+  std::vector<std::function<void()>> undo;  // run from the last to the first
+};
+
+}  // namespace quillon
