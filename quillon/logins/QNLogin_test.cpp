@@ -210,22 +210,21 @@ TEST_F(QNLoginTest, LeavesADesignationToTheLaterOfTwoEntriesInMemoryAndInWhatItS
 }
 
 TEST_F(QNLoginTest, CanBeReadWhileAnotherThreadReplacesItsDetails) {
-  const auto login = loginWithFields(R"([{"value":"ann","designation":"username"}])");
+  const JsonObject details = object(R"({"fields":[{"value":"ann","designation":"username"},)"
+                                    R"({"value":"pw","designation":"password"}]})");
+  const auto login = loginWithDetails(mr_JSONStringWithError(details).value_or(""));
   std::atomic<bool> isDone{false};
   std::thread writer([&] {
-    for (int round = 0; round < 300; ++round) {
-      login->copyDetails(object(R"({"fields":[{"value":"ann","designation":"username"}]})"));
-      login->setPassword("pw");
-    }
-    isDone = true;
+    while (!isDone) login->copyDetails(details);
   });
 
   int others = 0;
-  while (!isDone) {
+  for (int round = 0; round < 10000; ++round) {
     if (login->username() != "ann" || !login->hasLoginFields()) ++others;
     const auto password = login->password();
-    if (password && !password->equals("pw")) ++others;
+    if (!password || !password->equals("pw")) ++others;
   }
+  isDone = true;
   writer.join();
 
   EXPECT_EQ(others, 0);
