@@ -1,0 +1,326 @@
+#include "cli/arguments/QNArgumentParser.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+
+#include "cli/QNToolError.h"
+
+namespace quillon {
+namespace {
+
+// One command's arguments while they are read; kept alive by the callback that hands them over.
+template <class Arguments>
+struct Definition {
+  CLI::App* command;
+  std::shared_ptr<Arguments> given = std::make_shared<Arguments>();
+};
+
+template <class Arguments>
+Definition<Arguments> define(CLI::App& app, QNArguments& out, const std::string& name,
+                             const std::string& description) {
+  Definition<Arguments> made{app.add_subcommand(name, description)};
+  made.command->callback([given = made.given, &out] { out.command = *given; });
+  return made;
+}
+
+QNError wrongUsage(std::string_view message) {
+  return toolError(QNExit::wrongUsage, message);
+}
+
+[[noreturn]] void refuse(const std::string& message) {
+  throw CLI::ValidationError(message, CLI::ExitCodes::ValidationError);
+}
+
+constexpr const char* kNoPasswordArguments =
+    "a password isn't taken from an argument, which every user of the machine could read: leave "
+    "it out to be asked, or give \"-\" to have it read from standard input";
+
+void addPasswordSource(CLI::App& app, const std::string& prefix, const std::string& what,
+                       QNPasswordSource& source) {
+  using Kind = QNPasswordSource::Kind;
+  auto* const file = app.add_option_function<std::string>(
+      "--" + prefix + "-file",
+      [&source](const std::string& path) {
+        source.kind = Kind::file;
+        source.file = path;
+      },
+      what + " is the first line of this file");
+  auto* const descriptor = app.add_option_function<int>(
+      "--" + prefix + "-fd",
+      [&source](int number) {
+        source.kind = Kind::descriptor;
+        source.descriptor = number;
+      },
+      what + " is the next line from this open file descriptor");
+  auto* const input = app.add_flag_callback(
+      "--" + prefix + "-stdin", [&source] { source.kind = Kind::standardInput; },
+      what + " is the next line of standard input");
+  file->type_name("FILE");
+  descriptor->type_name("N")->check(CLI::NonNegativeNumber)->excludes(file);
+  input->excludes(file)->excludes(descriptor);
+}
+
+void defineInit(CLI::App& app, QNArguments& out) {
+  auto [command, given] = define<QNInitArguments>(app, out, "init", "Make a new store");
+  command->add_option("--hint", given->hint,
+                      "What reminds you of the password; readable without it");
+}
+
+void defineImport(CLI::App& app, QNArguments& out) {
+  auto [command, given] =
+      define<QNImportArguments>(app, out, "import", "Add the logins of a CSV file");
+  command->add_option("FILE", given->file, "An export of a browser or password manager")
+      ->required();
+  command->add_flag("--dry-run", given->dryRun, "Tell what would be added, and add nothing");
+}
+
+void defineList(CLI::App& app, QNArguments& out) {
+  auto [command, given] = define<QNListArguments>(app, out, "list", "List titles and subtitles");
+  command->add_flag("--trashed", given->trashed, "List what is in the trash instead");
+  command->add_flag("--long", given->withUUIDs, "Show the uuid of each item, too");
+  command
+      ->add_option_function<std::string>(
+          "--sort",
+          [given = given](const std::string& order) {
+            if (order == "updated") given->order = QNListOrder::updated;
+            if (order == "created") given->order = QNListOrder::created;
+          },
+          "title, as your language sorts; updated or created, newest first")
+      ->check(CLI::IsMember({"title", "updated", "created"}));
+}
+
+void defineFind(CLI::App& app, QNArguments& out) {
+  auto [command, given] =
+      define<QNFindArguments>(app, out, "find", "Find items by title or website");
+  auto* const words =
+      command->add_option("WORDS", given->words, "All of them must occur in the title");
+  command->add_option("--url", given->url, "Find the items of this web page")->excludes(words);
+  command->add_flag("--long", given->withUUIDs, "Show the uuid of each item, too");
+  command->parse_complete_callback([given = given] {
+    if (given->words.empty() && !given->url) refuse("find needs words or --url");
+  });
+}
+
+QNFieldName fieldOrRefuse(const std::string& name) {
+  const auto field = fieldNamed(name);
+  if (!field) refuse("a field is one of title, username, password, url, notes");
+  return *field;
+}
+
+void defineShow(CLI::App& app, QNArguments& out) {
+  auto [command, given] = define<QNShowArguments>(app, out, "show", "Show one item");
+  command->add_option("ITEM", given->item, "Its uuid, or its title if no other has it")->required();
+  command->add_flag("--reveal", given->reveal, "Show secrets in clear");
+  command->add_option_function<std::string>(
+      "--field", [given = given](const std::string& name) { given->field = fieldOrRefuse(name); },
+      "Print this field alone: title, username, password, url or notes");
+}
+
+// "--password" asks, "--password=-" reads standard input, and anything else is refused.
+QNItemPassword itemPasswordFrom(const std::string& value) {
+  if (value.empty()) return QNItemPassword::prompt;
+  if (value != "-") refuse(kNoPasswordArguments);
+  return QNItemPassword::standardInput;
+}
+
+void addGenerate(CLI::App& command, QNItemPassword& password) {
+  command.add_flag_callback(
+      "--generate",
+      [&password] {
+        if (password != QNItemPassword::none) refuse("a password is given or generated, not both");
+        password = QNItemPassword::generate;
+      },
+      "Make a random password");
+}
+
+void defineAdd(CLI::App& app, QNArguments& out) {
+  auto* const add = app.add_subcommand("add", "Add one item");
+  add->require_subcommand(1);
+  auto [command, given] = define<QNAddLoginArguments>(*add, out, "login", "Add a login");
+  command->add_option("--title", given->title, "Its title")->required();
+  command->add_option("--username", given->username, "Its user name");
+  command->add_option("--url", given->urls, "An address; may be given several times")
+      ->allow_extra_args(false);
+  command->add_option("--notes", given->notes, "Its notes");
+  command
+      ->add_option_function<std::string>(
+          "--password",
+          [given = given](const std::string& value) { given->password = itemPasswordFrom(value); },
+          "Ask for its password; with \"=-\" read it from standard input")
+      ->expected(0, 1)
+      ->type_name("[=-]");
+  addGenerate(*command, given->password);
+  command->add_flag("--favorite", given->favorite, "Mark it as a favorite");
+}
+
+// Reads one --set. Its value is never repeated in a message.
+void takeSetting(QNEditArguments& given, const std::string& setting) {
+  const std::size_t equals = setting.find('=');
+  const QNFieldName field = fieldOrRefuse(setting.substr(0, equals));
+  const std::string value = equals == std::string::npos ? "" : setting.substr(equals + 1);
+  if (field == QNFieldName::password) {
+    if (given.password != QNItemPassword::none) refuse("a password is set once");
+    if (equals != std::string::npos && value.empty()) refuse(kNoPasswordArguments);
+    given.password = itemPasswordFrom(value);
+    return;
+  }
+  if (equals == std::string::npos) refuse("--set takes FIELD=VALUE");
+  given.edits.push_back({field, value});
+}
+
+void defineEdit(CLI::App& app, QNArguments& out) {
+  auto [command, given] = define<QNEditArguments>(app, out, "edit", "Change one item");
+  command->add_option("ITEM", given->item, "Its uuid, or its title if no other has it")->required();
+  command
+      ->add_option_function<std::vector<std::string>>(
+          "--set",
+          [given = given](const std::vector<std::string>& settings) {
+            for (const std::string& setting : settings) takeSetting(*given, setting);
+          },
+          "Set title, username, url or notes; an empty value takes it away. \"password\" alone "
+          "asks for one, \"password=-\" reads it from standard input. May be given several times")
+      ->type_name("FIELD=VALUE")
+      ->allow_extra_args(false);
+  addGenerate(*command, given->password);
+  command->parse_complete_callback([given = given] {
+    if (given->edits.empty() && given->password == QNItemPassword::none) {
+      refuse("edit needs --set or --generate");
+    }
+  });
+}
+
+template <class Arguments>
+Definition<Arguments> defineForItem(CLI::App& app, QNArguments& out, const std::string& name,
+                                    const std::string& description) {
+  auto made = define<Arguments>(app, out, name, description);
+  made.command->add_option("ITEM", made.given->item, "Its uuid, or its title if no other has it")
+      ->required();
+  return made;
+}
+
+void defineCare(CLI::App& app, QNArguments& out) {
+  auto passwd = define<QNPasswdArguments>(app, out, "passwd", "Change the password of the vault");
+  addPasswordSource(*passwd.command, "new-password", "The new password", passwd.given->newPassword);
+  define<QNInfoArguments>(app, out, "info", "Tell what the store holds; needs no password");
+  define<QNCheckArguments>(app, out, "check", "Test every row of the store");
+  auto backup = define<QNBackupArguments>(app, out, "backup", "Copy the store; needs no password");
+  backup.command->add_option("FILE", backup.given->file, "A file that isn't there yet")->required();
+}
+
+void defineGenerate(CLI::App& app, QNArguments& out) {
+  auto [command, given] =
+      define<QNGenerateArguments>(app, out, "generate", "Print random passwords");
+  command->add_option("--length", given->recipe.length, "Characters of each, 20 by default")
+      ->check(CLI::Range(4, 256));
+  command->add_flag_callback(
+      "--no-symbols", [given = given] { given->recipe.symbols = false; }, "Without symbols");
+  command->add_flag_callback(
+      "--no-digits", [given = given] { given->recipe.digits = false; }, "Without digits");
+  command->add_flag("--avoid-ambiguous", given->recipe.withoutAmbiguous,
+                    "Without 0 O 1 l I |, which look alike");
+  command->add_option("--count", given->count, "How many")->check(CLI::Range(1, 10000));
+}
+
+void defineCompletion(CLI::App& app, QNArguments& out) {
+  auto [command, given] =
+      define<QNCompletionArguments>(app, out, "completion", "Print the completions of a shell");
+  command->add_option("SHELL", given->shell, "bash, zsh or fish")
+      ->required()
+      ->check(CLI::IsMember({"bash", "zsh", "fish"}));
+}
+
+void defineCommands(CLI::App& app, QNArguments& out) {
+  defineInit(app, out);
+  defineImport(app, out);
+  defineList(app, out);
+  defineFind(app, out);
+  defineShow(app, out);
+  defineAdd(app, out);
+  defineEdit(app, out);
+  defineForItem<QNTrashArguments>(app, out, "trash", "Move one item to the trash");
+  defineForItem<QNRestoreArguments>(app, out, "restore", "Take one item out of the trash");
+  auto remove =
+      defineForItem<QNDeleteArguments>(app, out, "delete", "Delete one trashed item for good");
+  remove.command->add_flag("--force", remove.given->force, "Even if it isn't in the trash");
+  defineCare(app, out);
+  defineGenerate(app, out);
+  defineCompletion(app, out);
+}
+
+std::string environmentVariable(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+// Empty if there is no home folder to put it in.
+std::filesystem::path defaultStore() {
+  if (auto store = environmentVariable("QUILLON_STORE"); !store.empty()) return store;
+  const std::filesystem::path data = environmentVariable("XDG_DATA_HOME");
+  if (data.is_absolute()) return data / "quillon" / "vault.qn";
+  const std::filesystem::path home = environmentVariable("HOME");
+  return home.empty() ? home : home / ".local" / "share" / "quillon" / "vault.qn";
+}
+
+// Names of options without their values: what was typed may be a secret.
+std::string unexpectedMessage(const std::vector<std::string>& extras) {
+  for (const std::string& extra : extras) {
+    const std::string name = extra.substr(0, extra.find('='));
+    if (name == "--password") return kNoPasswordArguments;
+    if (name.size() > 1 && name.front() == '-') return "there is no option " + name + " here";
+  }
+  return "there are more arguments than this command takes";
+}
+
+QNError usageErrorFrom(const CLI::App& app, const CLI::ParseError& error) {
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+    return wrongUsage(unexpectedMessage(app.remaining(true)));
+  }
+  if (app.get_subcommands().empty()) {
+    return wrongUsage("there is no such command, or none was given; quillon --help lists them");
+  }
+  return wrongUsage(error.what());
+}
+
+QNArguments textArguments(const QNGlobalArguments& global, std::string name, std::string text) {
+  return {global, QNTextArguments{std::move(name), std::move(text)}};
+}
+
+}  // namespace
+
+std::string_view versionText() {
+  return "quillon " QUILLON_VERSION;
+}
+
+QNResult<QNArguments> parseArguments(const std::vector<std::string>& arguments) {
+  QNArguments out;
+  CLI::App app("Keeps passwords in an encrypted vault.", "quillon");
+  app.fallthrough();
+  app.require_subcommand(1);
+  app.set_version_flag("--version", std::string(versionText()));
+  app.add_option("--store", out.global.store,
+                 "The store file; by default QUILLON_STORE, then quillon/vault.qn in your data "
+                 "folder");
+  app.add_flag("--json", out.global.json, "Print one JSON value");
+  addPasswordSource(app, "password", "The vault's password", out.global.password);
+  defineCommands(app, out);
+  // Help and version end the reading, perhaps before --json was seen.
+  QNGlobalArguments forText;
+  forText.json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+  try {
+    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+  } catch (const CLI::CallForHelp&) {
+    return textArguments(forText, "help", app.help());
+  } catch (const CLI::CallForVersion&) {
+    return textArguments(forText, "version", std::string(versionText()) + "\n");
+  } catch (const CLI::ParseError& error) {
+    return usageErrorFrom(app, error);
+  }
+  if (out.global.store.empty()) out.global.store = defaultStore();
+  return out;
+}
+
+}  // namespace quillon

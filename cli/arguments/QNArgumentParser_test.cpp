@@ -1,0 +1,242 @@
+#include "cli/arguments/QNArgumentParser.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include "cli/QNToolError.h"
+
+namespace quillon {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+QNResult<QNArguments> parsed(const std::vector<std::string>& arguments) {
+  return parseArguments(arguments);
+}
+
+// The arguments of a command that must be right.
+template <class Arguments>
+Arguments parsedAs(const std::vector<std::string>& arguments) {
+  const auto result = parsed(arguments);
+  EXPECT_TRUE(result.ok()) << result.error().message;
+  if (!result.ok()) return {};
+  const auto* const given = std::get_if<Arguments>(&result.value().command);
+  EXPECT_NE(given, nullptr);
+  return given == nullptr ? Arguments{} : *given;
+}
+
+// The message of a command line that must be refused as wrong usage.
+std::string refusal(const std::vector<std::string>& arguments) {
+  const auto result = parsed(arguments);
+  EXPECT_FALSE(result.ok());
+  if (result.ok()) return "accepted";
+  EXPECT_EQ(exitFor(result.error()), QNExit::wrongUsage);
+  return result.error().message;
+}
+
+class ScopedVariable {
+ public:
+  ScopedVariable(const char* name, const char* value) : _name(name) {
+    const char* const before = getenv(name);
+    if (before != nullptr) _before = before;
+    value == nullptr ? unsetenv(name) : setenv(name, value, 1);
+  }
+  ~ScopedVariable() { _before ? setenv(_name, _before->c_str(), 1) : unsetenv(_name); }
+  ScopedVariable(const ScopedVariable&) = delete;
+  ScopedVariable& operator=(const ScopedVariable&) = delete;
+
+ private:
+  const char* _name;
+  std::optional<std::string> _before;
+};
+
+TEST(QNArgumentParser, TakesGlobalOptionsBeforeAndBehindTheCommand) {
+  for (const auto& line : {std::vector<std::string>{"--store", "x.qn", "--json", "list"},
+                           std::vector<std::string>{"list", "--store", "x.qn", "--json"},
+                           std::vector<std::string>{"list", "--json", "--store=x.qn"}}) {
+    const auto result = parsed(line);
+
+    ASSERT_TRUE(result.ok());
+    EXPECT_EQ(result.value().global.store, "x.qn");
+    EXPECT_TRUE(result.value().global.json);
+  }
+}
+
+TEST(QNArgumentParser, GlobalOptionsReachANestedCommand) {
+  const auto result =
+      parsed({"add", "login", "--title", "T", "--generate", "--store", "x.qn", "--password-stdin"});
+
+  ASSERT_TRUE(result.ok()) << result.error().message;
+  EXPECT_EQ(result.value().global.store, "x.qn");
+  EXPECT_EQ(result.value().global.password.kind, QNPasswordSource::Kind::standardInput);
+}
+
+TEST(QNArgumentParser, LooksForTheStoreInOptionVariableAndDataFolderInThisOrder) {
+  const ScopedVariable home("HOME", "/home/jo");
+  const ScopedVariable data("XDG_DATA_HOME", nullptr);
+  const ScopedVariable store("QUILLON_STORE", nullptr);
+  EXPECT_EQ(parsed({"list"}).value().global.store, "/home/jo/.local/share/quillon/vault.qn");
+
+  const ScopedVariable otherData("XDG_DATA_HOME", "/data");
+  EXPECT_EQ(parsed({"list"}).value().global.store, "/data/quillon/vault.qn");
+
+  const ScopedVariable otherStore("QUILLON_STORE", "mine.qn");
+  EXPECT_EQ(parsed({"list"}).value().global.store, "mine.qn");
+  EXPECT_EQ(parsed({"list", "--store", "given.qn"}).value().global.store, "given.qn");
+}
+
+TEST(QNArgumentParser, ARelativeDataFolderIsIgnored) {
+  const ScopedVariable home("HOME", "/home/jo");
+  const ScopedVariable data("XDG_DATA_HOME", "data");
+  const ScopedVariable store("QUILLON_STORE", nullptr);
+
+  EXPECT_EQ(parsed({"list"}).value().global.store, "/home/jo/.local/share/quillon/vault.qn");
+}
+
+TEST(QNArgumentParser, ReadsEachPasswordSource) {
+  EXPECT_EQ(parsed({"list"}).value().global.password.kind, QNPasswordSource::Kind::terminal);
+  const auto file = parsed({"list", "--password-file", "p.txt"}).value().global.password;
+  EXPECT_EQ(file.kind, QNPasswordSource::Kind::file);
+  EXPECT_EQ(file.file, "p.txt");
+  const auto descriptor = parsed({"list", "--password-fd", "7"}).value().global.password;
+  EXPECT_EQ(descriptor.kind, QNPasswordSource::Kind::descriptor);
+  EXPECT_EQ(descriptor.descriptor, 7);
+}
+
+TEST(QNArgumentParser, RefusesTwoPasswordSources) {
+  EXPECT_THAT(refusal({"list", "--password-stdin", "--password-file", "p.txt"}),
+              HasSubstr("--password-file"));
+  EXPECT_THAT(refusal({"list", "--password-fd", "3", "--password-file", "p.txt"}),
+              HasSubstr("--password-file"));
+  EXPECT_THAT(refusal({"list", "--password-fd", "-1"}), HasSubstr("--password-fd"));
+}
+
+TEST(QNArgumentParser, NoRefusalRepeatsWhatCouldBeASecret) {
+  const std::string secret = "hunter2";
+  for (const auto& line :
+       {std::vector<std::string>{"list", "--password", secret},
+        std::vector<std::string>{"list", "--password=" + secret},
+        std::vector<std::string>{"--password", secret, "list"},
+        std::vector<std::string>{"list", secret}, std::vector<std::string>{secret},
+        std::vector<std::string>{"show", "x", "--pass=" + secret},
+        std::vector<std::string>{"add", "login", "--title", "T", "--password=" + secret},
+        std::vector<std::string>{"add", "login", "--title", "T", "--password", secret},
+        std::vector<std::string>{"edit", "x", "--set", "password=" + secret},
+        std::vector<std::string>{"edit", "x", "--set", secret},
+        std::vector<std::string>{"edit", "x", "--set", "pasword=" + secret},
+        std::vector<std::string>{"init", "--password=" + secret}}) {
+    EXPECT_THAT(refusal(line), Not(HasSubstr(secret)));
+  }
+}
+
+TEST(QNArgumentParser, APasswordArgumentIsRefusedWithTheReason) {
+  EXPECT_THAT(refusal({"edit", "x", "--set", "password=hunter2"}),
+              HasSubstr("isn't taken from an argument"));
+  EXPECT_THAT(refusal({"edit", "x", "--set", "password="}),
+              HasSubstr("isn't taken from an argument"));
+  EXPECT_THAT(refusal({"add", "login", "--title", "T", "--password=hunter2"}),
+              HasSubstr("isn't taken from an argument"));
+  EXPECT_THAT(refusal({"list", "--password", "hunter2"}),
+              HasSubstr("isn't taken from an argument"));
+}
+
+TEST(QNArgumentParser, ReadsTheThreeWaysToAnItemsPassword) {
+  using Add = QNAddLoginArguments;
+  EXPECT_EQ(parsedAs<Add>({"add", "login", "--title", "T"}).password, QNItemPassword::none);
+  EXPECT_EQ(parsedAs<Add>({"add", "login", "--title", "T", "--password"}).password,
+            QNItemPassword::prompt);
+  EXPECT_EQ(parsedAs<Add>({"add", "login", "--password", "--title", "T"}).password,
+            QNItemPassword::prompt);
+  EXPECT_EQ(parsedAs<Add>({"add", "login", "--title", "T", "--password=-"}).password,
+            QNItemPassword::standardInput);
+  EXPECT_EQ(parsedAs<Add>({"add", "login", "--title", "T", "--generate"}).password,
+            QNItemPassword::generate);
+  using Edit = QNEditArguments;
+  EXPECT_EQ(parsedAs<Edit>({"edit", "x", "--set", "password"}).password, QNItemPassword::prompt);
+  EXPECT_EQ(parsedAs<Edit>({"edit", "x", "--set", "password=-"}).password,
+            QNItemPassword::standardInput);
+  EXPECT_EQ(parsedAs<Edit>({"edit", "x", "--generate"}).password, QNItemPassword::generate);
+}
+
+TEST(QNArgumentParser, APasswordIsGivenOrGeneratedNotBoth) {
+  EXPECT_THAT(refusal({"edit", "x", "--set", "password=-", "--generate"}), HasSubstr("not both"));
+  EXPECT_THAT(refusal({"edit", "x", "--generate", "--set", "password"}),
+              testing::AnyOf(HasSubstr("not both"), HasSubstr("once")));
+  EXPECT_THAT(refusal({"add", "login", "--title", "T", "--password", "--generate"}),
+              HasSubstr("not both"));
+}
+
+TEST(QNArgumentParser, ReadsSeveralSettingsInTheirOrder) {
+  const auto edit = parsedAs<QNEditArguments>(
+      {"edit", "x", "--set", "title=A=B", "--set", "notes=", "--set=username=jo"});
+
+  EXPECT_EQ(edit.item, "x");
+  ASSERT_EQ(edit.edits.size(), 3u);
+  EXPECT_EQ(edit.edits[0].field, QNFieldName::title);
+  EXPECT_EQ(edit.edits[0].value, "A=B");
+  EXPECT_EQ(edit.edits[1].field, QNFieldName::notes);
+  EXPECT_EQ(edit.edits[1].value, "");
+  EXPECT_EQ(edit.edits[2].value, "jo");
+}
+
+TEST(QNArgumentParser, ASettingDoesNotSwallowTheItem) {
+  EXPECT_EQ(parsedAs<QNEditArguments>({"edit", "--set", "title=A", "Item"}).item, "Item");
+  EXPECT_EQ(
+      parsedAs<QNAddLoginArguments>({"add", "login", "--url", "a", "--url", "b", "--title", "T"})
+          .urls,
+      (std::vector<std::string>{"a", "b"}));
+}
+
+TEST(QNArgumentParser, RefusesSettingsWithoutAKnownFieldOrValue) {
+  EXPECT_THAT(refusal({"edit", "x", "--set", "colour=red"}), HasSubstr("a field is one of"));
+  EXPECT_THAT(refusal({"edit", "x", "--set", "title"}), HasSubstr("FIELD=VALUE"));
+  EXPECT_THAT(refusal({"edit", "x"}), HasSubstr("--set"));
+  EXPECT_THAT(refusal({"show", "x", "--field", "colour"}), HasSubstr("a field is one of"));
+}
+
+TEST(QNArgumentParser, FindTakesWordsOrAnAddress) {
+  EXPECT_EQ(parsedAs<QNFindArguments>({"find", "one", "list"}).words,
+            (std::vector<std::string>{"one", "list"}));
+  EXPECT_EQ(parsedAs<QNFindArguments>({"find", "--url", "https://x"}).url, "https://x");
+  EXPECT_THAT(refusal({"find"}), HasSubstr("words"));
+  EXPECT_THAT(refusal({"find", "a", "--url", "https://x"}), HasSubstr("--url"));
+}
+
+TEST(QNArgumentParser, ReadsAGeneratorRecipe) {
+  const auto given =
+      parsedAs<QNGenerateArguments>({"generate", "--length", "32", "--no-symbols", "--no-digits",
+                                     "--avoid-ambiguous", "--count", "3"});
+
+  EXPECT_EQ(given.recipe.length, 32u);
+  EXPECT_FALSE(given.recipe.symbols);
+  EXPECT_FALSE(given.recipe.digits);
+  EXPECT_TRUE(given.recipe.withoutAmbiguous);
+  EXPECT_EQ(given.count, 3u);
+  EXPECT_THAT(refusal({"generate", "--length", "3"}), HasSubstr("--length"));
+  EXPECT_THAT(refusal({"generate", "--count", "0"}), HasSubstr("--count"));
+  EXPECT_THAT(refusal({"generate", "--length", "many"}), HasSubstr("--length"));
+}
+
+TEST(QNArgumentParser, AnItemMayBeginWithADashBehindTwo) {
+  EXPECT_EQ(parsedAs<QNShowArguments>({"show", "--reveal", "--", "-dash"}).item, "-dash");
+}
+
+TEST(QNArgumentParser, RefusesMissingAndUnknownCommands) {
+  EXPECT_THAT(refusal({}), HasSubstr("quillon --help"));
+  EXPECT_THAT(refusal({"frobnicate"}), HasSubstr("quillon --help"));
+  EXPECT_THAT(refusal({"add"}), HasSubstr("subcommand"));
+  EXPECT_THAT(refusal({"show"}), HasSubstr("ITEM"));
+  EXPECT_THAT(refusal({"completion", "tcsh"}), HasSubstr("tcsh"));
+}
+
+TEST(QNArgumentParser, HelpAndVersionAreTexts) {
+  EXPECT_EQ(parsedAs<QNTextArguments>({"--version"}).text, "quillon 0.1.0\n");
+  EXPECT_THAT(parsedAs<QNTextArguments>({"--help"}).text, HasSubstr("import"));
+  EXPECT_THAT(parsedAs<QNTextArguments>({"list", "--help"}).text, HasSubstr("--trashed"));
+  EXPECT_TRUE(parsed({"--version", "--json"}).value().global.json);
+}
+
+}  // namespace
+}  // namespace quillon

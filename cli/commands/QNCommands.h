@@ -1,0 +1,33 @@
+#pragma once
+// The commands of the tool, one a file; which of them runs is told by the type of its arguments.
+
+#include "cli/QNToolError.h"
+#include "cli/arguments/QNArguments.h"
+
+namespace quillon {
+
+using Global = const QNGlobalArguments&;
+
+QNCommandResult runCommand(Global global, const QNTextArguments& arguments);
+QNCommandResult runCommand(Global global, const QNInitArguments& arguments);
+QNCommandResult runCommand(Global global, const QNImportArguments& arguments);
+QNCommandResult runCommand(Global global, const QNListArguments& arguments);
+QNCommandResult runCommand(Global global, const QNFindArguments& arguments);
+QNCommandResult runCommand(Global global, const QNShowArguments& arguments);
+QNCommandResult runCommand(Global global, const QNAddLoginArguments& arguments);
+QNCommandResult runCommand(Global global, const QNEditArguments& arguments);
+QNCommandResult runCommand(Global global, const QNTrashArguments& arguments);
+QNCommandResult runCommand(Global global, const QNRestoreArguments& arguments);
+QNCommandResult runCommand(Global global, const QNDeleteArguments& arguments);
+QNCommandResult runCommand(Global global, const QNPasswdArguments& arguments);
+QNCommandResult runCommand(Global global, const QNInfoArguments& arguments);
+QNCommandResult runCommand(Global global, const QNCheckArguments& arguments);
+QNCommandResult runCommand(Global global, const QNBackupArguments& arguments);
+QNCommandResult runCommand(Global global, const QNGenerateArguments& arguments);
+QNCommandResult runCommand(Global global, const QNCompletionArguments& arguments);
+
+/// Reads the command line, runs the command, and says what went wrong. What the process ends
+/// with.
+QNExit runTool(const std::vector<std::string>& arguments);
+
+}  // namespace quillon

@@ -1,0 +1,76 @@
+#include "cli/commands/QNVaultSession.h"
+
+#include <fmt/format.h>
+
+#include "cli/QNToolError.h"
+#include "cli/output/QNShownText.h"
+#include "cli/terminal/QNMessages.h"
+#include "cli/terminal/QNPasswords.h"
+
+namespace quillon {
+namespace {
+
+QNError wrongPassword(const QNProfile& vault) {
+  const auto hint = vault.passwordHint();
+  if (!hint || hint->empty()) return toolError(QNExit::wrongPassword, "wrong password");
+  return toolError(QNExit::wrongPassword,
+                   fmt::format("wrong password; the hint is: {}", shownText(*hint)));
+}
+
+}  // namespace
+
+QNResult<std::unique_ptr<QNStore>> openStore(const QNGlobalArguments& global,
+                                             QNStore::Access access) {
+  if (global.store.empty()) {
+    return toolError(QNExit::wrongUsage, "no home folder; name the store with --store");
+  }
+  auto store = QNStore::open(global.store, access);
+  if (store.ok()) return store;
+  const std::string where = shownText(global.store.string());
+  if (isStoreError(store.error(), QNStoreErrorCode::notFound)) {
+    return toolError(QNExit::fileError,
+                     fmt::format("{}: there is no store yet; quillon init makes one", where));
+  }
+  return store.error().within(where);
+}
+
+QNResult<std::shared_ptr<QNProfile>> lockedVault(QNStore& store) {
+  auto vault = store.vaultNamed(QNProfile::primaryProfileName());
+  if (!vault.ok() && isStoreError(vault.error(), QNStoreErrorCode::notFound)) {
+    return toolError(QNExit::damaged, "the store has no vault");
+  }
+  return vault;
+}
+
+QNResult<QNVaultSession> QNVaultSession::open(const QNGlobalArguments& global,
+                                              QNStore::Access access) {
+  auto store = openStore(global, access);
+  if (!store) return store.error();
+  auto vault = lockedVault(*store.value());
+  if (!vault) return vault.error();
+  const auto password = readPassword(global.password, "Password: ");
+  if (!password) return password.error();
+  // The key is derived from it, and the vault keeps it sealed while it is open.
+  const auto unlocked = store.value()->unlock(*vault.value(), password.value().reveal());
+  if (!unlocked) return unlocked.error();
+  if (!unlocked.value()) return wrongPassword(*vault.value());
+  return QNVaultSession(std::move(store).value(), std::move(vault).value());
+}
+
+QNVaultSession::~QNVaultSession() {
+  if (_vault != nullptr) _vault->lock();
+}
+
+QNExit warnOfDamage(const QNListReport& report) {
+  if (!report.damaged.empty()) {
+    say(fmt::format("{} damaged items are left out; quillon check names them",
+                    report.damaged.size()));
+  }
+  if (report.ledgerBroken) {
+    say("items were removed, added or put back to an older state by something else than quillon; "
+        "quillon check tells more");
+  }
+  return report.damaged.empty() && !report.ledgerBroken ? QNExit::done : QNExit::damaged;
+}
+
+}  // namespace quillon

@@ -1,0 +1,85 @@
+# Completions of quillon for bash. Titles aren't completed: that would need the password.
+
+_quillon_global='--store --password-file --password-fd --password-stdin --json --help'
+
+# The options of one command, its own first.
+_quillon_options() {
+  case $1 in
+    init) echo "--hint $_quillon_global" ;;
+    import) echo "--dry-run $_quillon_global" ;;
+    list) echo "--trashed --long --sort $_quillon_global" ;;
+    find) echo "--url --long $_quillon_global" ;;
+    show) echo "--reveal --field $_quillon_global" ;;
+    login)
+      echo "--title --username --url --notes --password --generate --favorite $_quillon_global"
+      ;;
+    edit) echo "--set --generate $_quillon_global" ;;
+    delete) echo "--force $_quillon_global" ;;
+    passwd)
+      echo "--new-password-file --new-password-fd --new-password-stdin $_quillon_global"
+      ;;
+    generate)
+      echo "--length --no-symbols --no-digits --avoid-ambiguous --count $_quillon_global"
+      ;;
+    '') echo "--version $_quillon_global" ;;
+    *) echo "$_quillon_global" ;;
+  esac
+}
+
+# The command on the line so far: "login" for "add login", nothing if there is none yet.
+_quillon_command() {
+  local i word command=
+  for ((i = 1; i < COMP_CWORD; i++)); do
+    word=${COMP_WORDS[i]}
+    case $word in
+      --store | --password-file | --password-fd) ((i++)) ;;
+      -*) ;;
+      login)
+        [[ $command == add ]] && command=login
+        ;;
+      *) [[ -z $command ]] && command=$word ;;
+    esac
+  done
+  echo "$command"
+}
+
+_quillon() {
+  local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command words
+  command=$(_quillon_command)
+  COMPREPLY=()
+  case $before in
+    --store | --password-file | --new-password-file)
+      compopt -o filenames 2>/dev/null
+      mapfile -t COMPREPLY < <(compgen -f -- "$current")
+      return
+      ;;
+    --sort) words='title updated created' ;;
+    --field) words='title username password url notes' ;;
+    --set) words='title= username= url= notes= password password=-' ;;
+    --hint | --title | --username | --url | --notes | --length | --count | *-fd) return ;;
+    *)
+      case $current in
+        -*) words=$(_quillon_options "$command") ;;
+        *)
+          case $command in
+            '')
+              words='init import list find show add edit trash restore delete passwd info check
+                backup generate completion'
+              ;;
+            add) words=login ;;
+            completion) words='bash zsh fish' ;;
+            import | backup)
+              compopt -o filenames 2>/dev/null
+              mapfile -t COMPREPLY < <(compgen -f -- "$current")
+              return
+              ;;
+          esac
+          ;;
+      esac
+      ;;
+  esac
+  [[ $before == --set ]] && compopt -o nospace 2>/dev/null
+  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+}
+
+complete -F _quillon quillon

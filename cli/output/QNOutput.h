@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string_view>
+
+#include "cli/QNToolError.h"
+#include "quillon/platform/json/QNJson.h"
+
+namespace quillon {
+
+/// Standard output, in memory that wipes itself: what is printed may be a secret. A failure is
+/// kept until finish(), and what follows it is dropped.
+class QNOutput final {
+ public:
+  explicit QNOutput(int descriptor = 1) : _descriptor(descriptor) {}
+  /// finish() must have been called.
+  ~QNOutput() = default;
+  QNOutput(const QNOutput&) = delete;
+  QNOutput& operator=(const QNOutput&) = delete;
+
+  void text(std::string_view text);
+  void line(std::string_view text);
+  /// Compact, without a newline.
+  void json(const Json& value);
+  void json(const JsonObject& object);
+
+  /// Writes what is left. `exit` if all went well; an error with exit code 7, silent if the
+  /// reader of a pipe has gone.
+  QNCommandResult finish(QNExit exit = QNExit::done);
+
+  [[nodiscard]] bool isTerminal() const;
+
+ private:
+  void write();
+  int _descriptor;
+  int _errorNumber = 0;
+  Bytes _waiting;
+};
+
+/// Prints the one value of a command with --json, with a newline behind it.
+QNCommandResult printJson(const JsonObject& value, QNExit exit = QNExit::done);
+
+}  // namespace quillon

@@ -1,0 +1,91 @@
+#include "cli/output/QNShownText.h"
+
+#include <fmt/format.h>
+#include <unicode/uchar.h>
+#include <unicode/utf8.h>
+
+#include <algorithm>
+
+#include "quillon/platform/memory/QNBytes.h"
+#include "quillon/platform/text/QNASCII.h"
+
+namespace quillon {
+namespace {
+
+bool isPlain(char c) {
+  return static_cast<signed char>(c) >= ' ' && c != 0x7f;
+}
+
+// Characters that only change how what follows is shown: directions, separators, invisible marks
+// that aren't needed to write a language. Joiners and variation selectors are, and stay.
+bool misleads(UChar32 c) {
+  const auto type = u_charType(c);
+  if (type == U_CONTROL_CHAR || type == U_LINE_SEPARATOR || type == U_PARAGRAPH_SEPARATOR) {
+    return true;
+  }
+  return u_hasBinaryProperty(c, UCHAR_BIDI_CONTROL) != 0 || c == 0xFEFF || c == 0x200B;
+}
+
+std::string escapeFor(UChar32 c) {
+  if (c == '\n') return "\\n";
+  if (c == '\t') return "\\t";
+  if (c == '\r') return "\\r";
+  return c < 0x80 ? fmt::format("\\x{:02x}", c) : fmt::format("\\u{{{:x}}}", c);
+}
+
+std::string escaped(std::string_view text, std::string_view kept) {
+  std::string shown;
+  shown.reserve(text.size());
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+  for (std::size_t next = 0; next < text.size();) {
+    const std::size_t start = next;
+    UChar32 c = 0;
+    U8_NEXT(bytes, next, text.size(), c);
+    if (c < 0) {
+      for (std::size_t i = start; i < next; ++i) shown += fmt::format("\\x{:02x}", bytes[i]);
+    } else if (misleads(c) && (c >= 0x80 || kept.find(text[start]) == std::string_view::npos)) {
+      shown += escapeFor(c);
+    } else {
+      shown += text.substr(start, next - start);
+    }
+  }
+  return shown;
+}
+
+std::size_t widthOf(UChar32 c) {
+  const auto type = u_charType(c);
+  if (type == U_NON_SPACING_MARK || type == U_ENCLOSING_MARK || type == U_FORMAT_CHAR) return 0;
+  const int width = u_getIntPropertyValue(c, UCHAR_EAST_ASIAN_WIDTH);
+  return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+}
+
+}  // namespace
+
+std::string shownText(std::string_view text) {
+  if (std::all_of(text.begin(), text.end(), isPlain)) return std::string(text);
+  return escaped(text, "");
+}
+
+std::string shownLines(std::string_view text) {
+  return escaped(text, "\n\t");
+}
+
+std::size_t shownWidth(std::string_view text) {
+  if (isASCII(text)) return text.size();
+  std::size_t width = 0;
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+  for (std::size_t next = 0; next < text.size();) {
+    UChar32 c = 0;
+    U8_NEXT(bytes, next, text.size(), c);
+    width += widthOf(c);
+  }
+  return width;
+}
+
+std::string padded(std::string text, std::size_t width) {
+  const std::size_t taken = shownWidth(text);
+  if (taken < width) text.append(width - taken, ' ');
+  return text;
+}
+
+}  // namespace quillon

@@ -1,0 +1,54 @@
+#include "cli/output/QNShownText.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quillon {
+namespace {
+
+TEST(QNShownText, LeavesOrdinaryTextOfAnyLanguageAsItIs) {
+  for (const std::string text : {"", "Example Bank", "C:\\path", "Große Straße", "日本語",
+                                 "👩‍💻🏳️‍🌈", "naïve café"}) {
+    EXPECT_EQ(shownText(text), text);
+    EXPECT_EQ(shownLines(text), text);
+  }
+}
+
+TEST(QNShownText, EscapesWhatATerminalWouldObey) {
+  EXPECT_EQ(shownText("a\x1b[31mred"), "a\\x1b[31mred");
+  EXPECT_EQ(shownText("a\x07\x7f"), "a\\x07\\x7f");
+  EXPECT_EQ(shownText("a\nb\tc\rd"), "a\\nb\\tc\\rd");
+  EXPECT_EQ(shownText(std::string("a\0b", 3)), "a\\x00b");
+  EXPECT_EQ(shownText("\xc2\x9b"
+                      "31m"),
+            "\\u{9b}31m");  // the one-character form of ESC [
+}
+
+TEST(QNShownText, EscapesWhatWouldShowTextAsSomethingElse) {
+  EXPECT_EQ(shownText("moc\xe2\x80\xae"
+                      "abc"),
+            "moc\\u{202e}abc");
+  EXPECT_EQ(shownText("a\xe2\x81\xa6z"), "a\\u{2066}z");
+  EXPECT_EQ(shownText("a\xe2\x80\xa8z"), "a\\u{2028}z");
+  EXPECT_EQ(shownText("a\xe2\x80\x8bz"), "a\\u{200b}z");
+}
+
+TEST(QNShownText, EscapesBytesThatAreNotUTF8) {
+  EXPECT_EQ(shownText("a\xff z"), "a\\xff z");
+  EXPECT_EQ(shownText("\xe2\x82"), "\\xe2\\x82");
+}
+
+TEST(QNShownText, LinesKeepNewLinesAndTabsOnly) {
+  EXPECT_EQ(shownLines("a\n\tb\r\x1b"), "a\n\tb\\r\\x1b");
+}
+
+TEST(QNShownText, CountsColumnsAsATerminalDoes) {
+  EXPECT_EQ(shownWidth("abc"), 3u);
+  EXPECT_EQ(shownWidth("日本"), 4u);
+  EXPECT_EQ(shownWidth("e\xcc\x81"), 1u);
+  EXPECT_EQ(padded("日本", 6), "日本  ");
+  EXPECT_EQ(padded("abcdef", 3), "abcdef");
+}
+
+}  // namespace
+}  // namespace quillon

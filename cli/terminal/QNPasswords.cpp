@@ -1,0 +1,92 @@
+#include "cli/terminal/QNPasswords.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "cli/QNToolError.h"
+#include "cli/terminal/QNInput.h"
+#include "cli/terminal/QNMessages.h"
+#include "cli/terminal/QNPrompt.h"
+#include "quillon/platform/crypto/QNAESKey.h"
+#include "quillon/platform/text/QNText.h"
+
+namespace quillon {
+namespace {
+
+QNResult<QNSecret> firstLineOf(const std::filesystem::path& file) {
+  const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) return fileError(file, errno);
+  auto line = readLine(descriptor);
+  close(descriptor);
+  return line;
+}
+
+QNResult<QNSecret> promptTwice(std::string_view first) {
+  auto secret = promptForSecret(first);
+  if (!secret) return secret;
+  const auto again = promptForSecret("Once more: ");
+  if (!again) return again.error();
+  if (!secret.value().equals(again.value())) {
+    return toolError(QNExit::failed, "the two passwords differ");
+  }
+  return secret;
+}
+
+QNResult<QNMadePassword> made(QNResult<QNSecret> secret) {
+  if (!secret) return secret.error();
+  // Details are JSON, which holds nothing but UTF-8.
+  if (!isUTF8(secret.value().reveal())) {
+    return toolError(QNExit::wrongUsage, "the password isn't UTF-8 text");
+  }
+  return QNMadePassword{std::move(secret).value(), std::nullopt};
+}
+
+}  // namespace
+
+QNResult<QNSecret> readPassword(const QNPasswordSource& source, std::string_view prompt) {
+  switch (source.kind) {
+    case QNPasswordSource::Kind::file:
+      return firstLineOf(source.file);
+    case QNPasswordSource::Kind::descriptor:
+      return readLine(source.descriptor);
+    case QNPasswordSource::Kind::standardInput:
+      return readLine(STDIN_FILENO);
+    case QNPasswordSource::Kind::terminal:
+      break;
+  }
+  return promptForSecret(prompt);
+}
+
+QNResult<QNSecret> readNewPassword(const QNPasswordSource& source) {
+  constexpr std::string_view kPrompt = "New password for the vault: ";
+  auto password = source.kind == QNPasswordSource::Kind::terminal ? promptTwice(kPrompt)
+                                                                  : readPassword(source, kPrompt);
+  if (!password) return password;
+  const std::string_view text = password.value().reveal();  // to be looked at, not kept
+  if (text.empty()) return toolError(QNExit::wrongUsage, "the password is empty");
+  if (!isUTF8(text)) return toolError(QNExit::wrongUsage, "the password isn't UTF-8 text");
+  if (text == DEMO_PASSWORD) {
+    say("this is the password of demonstrations: everybody knows it, and the vault protects "
+        "nothing");
+  }
+  return password;
+}
+
+QNResult<QNMadePassword> makeItemPassword(QNItemPassword from) {
+  if (from == QNItemPassword::generate) {
+    auto generated = QNSPG::generateCharacters({});
+    return QNMadePassword{std::move(generated.password), generated.bitsEntropy};
+  }
+  return made(from == QNItemPassword::prompt ? promptTwice("Password of the item: ")
+                                             : readSecret(STDIN_FILENO));
+}
+
+void setItemPassword(QNItem& item, const QNMadePassword& made) {
+  // Into its details, which wipe themselves.
+  item.updatePassword(made.password.reveal(), made.bitsEntropy.has_value(),
+                      made.bitsEntropy.value_or(0));
+}
+
+}  // namespace quillon
