@@ -31,6 +31,10 @@ QNResult<std::unique_ptr<QNStore>> openStore(const QNGlobalArguments& global,
     return toolError(QNExit::fileError,
                      fmt::format("{}: there is no store yet; quillon init makes one", where));
   }
+  if (isStoreError(store.error(), QNStoreErrorCode::newerSchema)) {
+    return toolError(QNExit::damaged,
+                     fmt::format("{}: written by a newer version of quillon", where));
+  }
   return store.error().within(where);
 }
 
