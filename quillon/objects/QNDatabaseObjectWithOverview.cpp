@@ -1,9 +1,8 @@
 #include "quillon/objects/QNDatabaseObjectWithOverview.h"
 
-#include <fmt/format.h>
-
 #include "quillon/platform/crypto/QNAESKey.h"
 #include "quillon/platform/log/MRLogger.h"
+#include "quillon/platform/text/QNFormat.h"
 
 namespace quillon {
 namespace {
@@ -24,8 +23,8 @@ QNDatabaseObjectWithOverview::QNDatabaseObjectWithOverview(QNDecoder& coder)
 
 std::string QNDatabaseObjectWithOverview::descriptionForLogging() const {
   const QNSharedString name = uuid();
-  return fmt::format("<{}-{}-{} {}>", className(), name != nullptr ? *name : "(null)",
-                     static_cast<std::int64_t>(oid()), fmt::ptr(this));
+  return formatted("<{}-{}-{} {}>", className(), name != nullptr ? *name : "(null)",
+                   static_cast<std::int64_t>(oid()), static_cast<const void*>(this));
 }
 
 QNSharedString QNDatabaseObjectWithOverview::uuid() const {
@@ -55,7 +54,7 @@ JsonObject* QNDatabaseObjectWithOverview::mutableOverview() {
 
 bool QNDatabaseObjectWithOverview::parseOverview(ByteView clear) {
   QNError error;
-  _overview = mr_mutableObjectFromJSONDataWithError(clear, &error);
+  _overview = mr_compactObjectFromJSONDataWithError(clear, _overviewBlock, &error);
   if (!_overview) {
     const std::string description = descriptionForLogging();
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, description,
@@ -172,12 +171,14 @@ void QNDatabaseObjectWithOverview::copyOverview(const JsonObject& overview) {
   if (_overview && *_overview == overview) return;
   markRowDirty();
   _overview.emplace(mr_deepMutableCopy(overview));
+  _overviewBlock.release();
 }
 
 void QNDatabaseObjectWithOverview::setOverviewData(std::optional<Bytes> data) {
   const std::lock_guard lock(_monitor);
   _overviewData = std::move(data);
   _overview.reset();
+  _overviewBlock.release();
 }
 
 void QNDatabaseObjectWithOverview::setProfile(const std::shared_ptr<QNGenericProfile>& profile) {

@@ -3,6 +3,7 @@
 #include <mutex>
 
 #include "quillon/objects/QNDatabaseObject.h"
+#include "quillon/platform/json/QNJsonBlock.h"
 
 namespace quillon {
 
@@ -66,6 +67,7 @@ class QNDatabaseObjectWithOverview : public QNDatabaseObject {
   void reportUnsavedOverview(const QNError& error);
 
   mutable std::recursive_mutex _monitor;
+  QNJsonBlock _overviewBlock;  // where a parsed overview lies
   std::optional<JsonObject> _overview;
   std::optional<Bytes> _overviewData;
 };
