@@ -64,7 +64,8 @@ void cleanseSection(JsonObject& section, const CleansingReport& report) {
 
 JsonObject* QNItem::mutableDetails() {
   const std::lock_guard lock(monitor());
-  if (_details) return &*_details;
+  OpenState& open = openState();
+  if (open.details) return &*open.details;
   if (loadingDetails() || !detailsLoaded()) {
     MRLogger::sharedLogger().assertion(
         DEBUG_DATABASE, descriptionForLogging(),
@@ -78,12 +79,12 @@ JsonObject* QNItem::mutableDetails() {
                                        "Item is missing its profile");
   }
   if (profileType() == kProfileTypeLocalVault) unwrapKeyIfNeeded();
-  if (_detailsData) {
+  if (open.detailsData) {
     decryptDetailsDataIfNeeded();
   } else {
-    _details.emplace(jsonStorage());
+    open.details.emplace(jsonStorage());
   }
-  return _details ? &*_details : nullptr;
+  return open.details ? &*open.details : nullptr;
 }
 
 std::optional<JsonObject> QNItem::detailsCopy() {
@@ -126,56 +127,67 @@ void QNItem::setDetailsText(std::optional<std::string_view> text, std::string_vi
 
 void QNItem::copyDetails(const JsonObject& details) {
   const std::lock_guard lock(monitor());
-  if (_details && (&*_details == &details || *_details == details)) return;
+  auto& present = openState().details;
+  if (present && (&*present == &details || *present == details)) return;
   markRowDirty();
-  _details = mr_deepMutableCopy(details);
+  present = mr_deepMutableCopy(details);
   dropObjectsOfDetails();
 }
 
 void QNItem::setDetailsData(std::optional<Bytes> data) {
   const std::lock_guard lock(monitor());
-  _detailsData = std::move(data);
-  _details.reset();
+  OpenState& open = openState();
+  open.detailsData = std::move(data);
+  open.details.reset();
   dropObjectsOfDetails();
 }
 
 void QNItem::dropObjectsOfDetails() {
-  if (_open != nullptr) _open->previouslyUsedPasswords.reset();
+  openState().previouslyUsedPasswords.reset();
 }
 
-// A failure is told and leaves _detailsData for a later attempt.
+const std::optional<Bytes>& QNItem::detailsData() const {
+  return openState().detailsData;
+}
+
+// A failure is told and leaves the data for a later attempt.
 void QNItem::decryptDetailsDataIfNeeded() {
   const std::lock_guard lock(monitor());
-  if (_details) return;
+  auto& details = openState().details;
+  if (details) return;
   QNError error;
   if (profileType() == kProfileTypeLocalVault) {
-    _details = decryptedLocalDetails(error);
+    details = decryptedLocalDetails(error);
   } else if (profileType() == kProfileTypeAccountVault) {
-    _details = decryptedAccountDetails(error);
+    details = decryptedAccountDetails(error);
   } else {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
                                        "Unsupported profile type: {}", profileType());
   }
-  if (_details) return didParseDetails();
-  MRLogger::sharedLogger().error(
-      DEBUG_DATABASE, descriptionForLogging(), "Unable to parse details: {}. Details data is {}",
-      error.domain.empty() ? "(null)" : error.domainCodeString(), _detailsData ? "not nil" : "nil");
+  if (details) return didParseDetails();
+  MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(),
+                                 "Unable to parse details: {}. Details data is {}",
+                                 error.domain.empty() ? "(null)" : error.domainCodeString(),
+                                 detailsData() ? "not nil" : "nil");
 }
 
 // What doesn't open reads as no bytes, for which the parser has the error.
 std::optional<JsonObject> QNItem::decryptedLocalDetails(QNError& error) {
-  const auto clear = _key != nullptr && _detailsData ? _key->decrypt(*_detailsData) : std::nullopt;
+  const OpenState& open = openState();
+  const auto clear =
+      open.key != nullptr && open.detailsData ? open.key->decrypt(*open.detailsData) : std::nullopt;
   return mr_mutableObjectFromJSONDataWithError(clear ? ByteView(*clear) : ByteView(), &error);
 }
 
 std::optional<JsonObject> QNItem::decryptedAccountDetails(QNError& error) {
   MRLogger& logger = MRLogger::sharedLogger();
-  if (!_detailsData) {
+  const auto& data = detailsData();
+  if (!data) {
     logger.assertion(DEBUG_DATABASE, descriptionForLogging(), "nil details data for item: {}!",
                      description());
     return std::nullopt;
   }
-  const auto envelope = mr_objectFromJSONDataWithError(*_detailsData, &error);
+  const auto envelope = mr_objectFromJSONDataWithError(*data, &error);
   if (!envelope) {
     logger.error(DEBUG_DATABASE, descriptionForLogging(),
                  "Error serializing details data for item {}: {}, {}", description(), error.domain,
@@ -188,7 +200,7 @@ std::optional<JsonObject> QNItem::decryptedAccountDetails(QNError& error) {
   auto details = clear ? mr_mutableObjectFromJSONDataWithError(*clear, &error) : std::nullopt;
   if (details) {
     cleanseDetailsFieldsFromDetails(*details);
-  } else if (isQNProfileEncrypted(*_detailsData)) {
+  } else if (isQNProfileEncrypted(*data)) {
     logger.assertion(DEBUG_DATABASE, descriptionForLogging(),
                      "Details data is encrypted by an QNProfile, not a H9Profile.");
   } else {

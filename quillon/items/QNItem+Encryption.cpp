@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "quillon/items/QNItem.h"
+#include "quillon/items/internal/QNItemState.h"
 #include "quillon/items/internal/QNItemVault.h"
 #include "quillon/platform/log/MRLogger.h"
 
@@ -11,32 +11,45 @@ namespace quillon {
 
 QNAESKeyRef QNItem::key() {
   const std::lock_guard lock(monitor());
+  const OpenState& open = openState();
   if (profileType() != kProfileTypeLocalVault) {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(), "Unimplemented");
-    return _key;
+    return open.key;
   }
   unwrapKeyIfNeeded();
-  if (_key == nullptr) {
+  if (open.key == nullptr) {
     MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(),
                                    "Item key for item UUID {} is nil after decryption.",
                                    uuidForLogging(_uuid));
   }
-  return _key;
+  return open.key;
+}
+
+void QNItem::setKey(QNAESKeyRef key) {
+  openState().key = std::move(key);
 }
 
 // A failure is not kept: the next call tries again.
 void QNItem::unwrapKeyIfNeeded() {
-  if (_key != nullptr) return;
-  if (const auto vault = localVaultOf(*this)) _key = vault->decryptItemKey(_encryptedKeyBuffer);
+  OpenState& open = openState();
+  if (open.key != nullptr) return;
+  if (const auto vault = localVaultOf(*this)) {
+    open.key = vault->decryptItemKey(open.encryptedKeyBuffer);
+  }
+}
+
+ByteView QNItem::encryptedKey() const {
+  return openState().encryptedKeyBuffer;
 }
 
 void QNItem::setEncryptedKey(ByteView wrapped) {
-  if (wrapped.size() != _encryptedKeyBuffer.size()) {
+  auto& buffer = openState().encryptedKeyBuffer;
+  if (wrapped.size() != buffer.size()) {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
                                        "Invalid item key size: {}", wrapped.size());
     return;
   }
-  std::copy(wrapped.begin(), wrapped.end(), _encryptedKeyBuffer.begin());
+  std::copy(wrapped.begin(), wrapped.end(), buffer.begin());
 }
 
 // The order is a constraint: the base runs willSerialize(), which writes into the details, and
@@ -63,9 +76,10 @@ void QNItem::willSave() {
 
 // Wrapped afresh at each save. A locked vault gives nothing, and the old wrap stays.
 void QNItem::wrapKey() {
-  if (_key == nullptr) return unwrapKeyIfNeeded();
+  const QNAESKeyRef& present = openState().key;
+  if (present == nullptr) return unwrapKeyIfNeeded();
   const auto vault = localVaultOf(*this);
-  const auto wrapped = vault == nullptr ? std::nullopt : vault->encryptItemKey(_key);
+  const auto wrapped = vault == nullptr ? std::nullopt : vault->encryptItemKey(present);
   setEncryptedKey(wrapped ? ByteView(*wrapped) : ByteView());
 }
 
@@ -80,7 +94,7 @@ void QNItem::encryptDetails() {
     return;
   }
   // Nothing takes the place of stored details but new ones.
-  if (auto sealed = encryptedDetails(*clear)) _detailsData = std::move(sealed);
+  if (auto sealed = encryptedDetails(*clear)) openState().detailsData = std::move(sealed);
 }
 
 std::optional<Bytes> QNItem::encryptedDetails(ByteView clear) {

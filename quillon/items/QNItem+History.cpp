@@ -66,9 +66,10 @@ std::vector<QNPreviouslyUsedPassword>* QNItem::mutablePreviouslyUsedPasswords() 
 }
 
 void QNItem::_savePreviouslyUsedPasswords() {
-  if (_open == nullptr || !_open->previouslyUsedPasswords) return;
+  const auto& entries = openState().previouslyUsedPasswords;
+  if (!entries) return;
   JsonArray list(jsonStorage());
-  for (const QNPreviouslyUsedPassword& entry : *_open->previouslyUsedPasswords) {
+  for (const QNPreviouslyUsedPassword& entry : *entries) {
     if (entry.value()) appendTo(list, entry);
   }
   setDetailsObject(list.empty() ? std::nullopt : std::optional<Json>(std::move(list)),
@@ -77,9 +78,7 @@ void QNItem::_savePreviouslyUsedPasswords() {
 
 std::size_t QNItem::numberOfPreviouslyUsedPasswords() {
   const std::lock_guard lock(monitor());
-  if (_open != nullptr && _open->previouslyUsedPasswords) {
-    return _open->previouslyUsedPasswords->size();
-  }
+  if (const auto& entries = openState().previouslyUsedPasswords) return entries->size();
   const Json* const stored = detailsObjectForKey(kDetailsPasswordHistory);
   return stored == nullptr || !stored->is_array() ? 0 : stored->get_array().size();
 }

@@ -34,6 +34,7 @@ void QNItem::setProfile(const std::shared_ptr<QNGenericProfile>& profile) {
   const bool regenerate = shouldRegenerateUUIDMovingFromProfile(before, profileType(), profile);
   QNDatabaseObjectWithOverview::setProfile(profile);
   if (regenerate) regenerateUuid();
+  const std::lock_guard lock(monitor());
   if (_open == nullptr) return;
   if (_open->URLs) {
     for (const auto& url : *_open->URLs) url->setProfile(profile);

@@ -9,9 +9,8 @@ namespace quillon {
 // setter of a password touches it, so many changes between two saves leave one entry.
 void QNItem::willSerialize() {
   setSectionName(firstLetterOfString(title()));
-  if (_open != nullptr && _open->URLs) {
-    const auto& urls = *_open->URLs;
-    setOverviewText(urls.empty() ? std::nullopt : urls.front()->URLString(), kOverviewURLString);
+  if (const auto& urls = openState().URLs) {
+    setOverviewText(urls->empty() ? std::nullopt : urls->front()->URLString(), kOverviewURLString);
   }
   updateStrengthOfGeneratedPassword();
   if (detailsLoaded()) serializeDetails();
@@ -37,7 +36,7 @@ void QNItem::retireOriginalPassword(const std::optional<QNSecret>& present) {
 }
 
 void QNItem::didSave() {
-  if (_open != nullptr) _open->deletedURLs.clear();
+  openState().deletedURLs.clear();
   QNDatabaseObjectWithOverview::didSave();
 }
 
@@ -45,8 +44,9 @@ void QNItem::didSave() {
 void QNItem::markRowDirty() {
   QNDatabaseObjectWithOverview::markRowDirty();
   const std::lock_guard lock(monitor());
-  const bool noted = _open != nullptr && _open->originalPassword;
-  if (noted || !detailsLoaded() || !(_details || _detailsData)) return;
+  if (!detailsLoaded()) return;
+  const OpenState& open = openState();
+  if (open.originalPassword || !(open.details || open.detailsData)) return;
   const JsonObject* const live = details();
   if (live != nullptr && (live->contains(kDetailsFields) || live->contains(kDetailsSections))) {
     noteOriginalPassword();

@@ -28,13 +28,14 @@ std::vector<std::shared_ptr<QNItemURL>>& QNItem::mutableURLs() {
 }
 
 std::vector<std::shared_ptr<QNItemURL>> QNItem::URLs() {
-  if (!URLsAreAvailable() || _open == nullptr || !_open->URLs) return {};
-  return *_open->URLs;
+  if (!URLsAreAvailable()) return {};
+  const auto& urls = openState().URLs;
+  return urls ? *urls : std::vector<std::shared_ptr<QNItemURL>>();
 }
 
 std::vector<std::shared_ptr<QNItemURL>> QNItem::deletedURLs() {
-  if (!URLsAreAvailable() || _open == nullptr) return {};
-  return _open->deletedURLs;
+  if (!URLsAreAvailable()) return {};
+  return openState().deletedURLs;
 }
 
 std::size_t QNItem::numberOfURLs() {

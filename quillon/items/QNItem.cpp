@@ -45,10 +45,11 @@ std::string sizeDetails(const std::vector<std::shared_ptr<QNItemURL>>& urls) {
 
 QNItem::QNItem(QNNew) : QNDatabaseObjectWithOverview(initNew) {
   // Made whatever the vault will be: in an account vault it stays without use.
-  _key = QNAESKey::initWithRandomKey();
+  OpenState& open = openState();
+  open.key = QNAESKey::initWithRandomKey();
   _createdAt = secondsNow();
-  _details.emplace(jsonStorage());
-  QNSecretSet first = backupKeyOf(_key);
+  open.details.emplace(jsonStorage());
+  QNSecretSet first = backupKeyOf(open.key);
   if (first.empty()) {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, QNItem::descriptionForLogging(),
                                        "Failed to create backup key from the new item's key.");
@@ -267,7 +268,7 @@ bool QNItem::hasRevealableFields() {
 // State that lives apart
 
 // Locked, since a reader and a save may both be the first to need it.
-QNItem::OpenState& QNItem::openState() {
+QNItem::OpenState& QNItem::openState() const {
   const std::lock_guard lock(monitor());
   if (_open == nullptr) _open = std::make_unique<OpenState>();
   return *_open;

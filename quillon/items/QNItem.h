@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <chrono>
 #include <memory>
 #include <set>
@@ -97,7 +96,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
                       bool generatedByRandomNumberGenerator, double bitsEntropy);
 
   // Details: QNItem+Details.cpp
-  /// The live object, decrypted at the first call; null on failure, with _detailsData untouched.
+  /// The live object, decrypted at the first call; null on failure, with detailsData() untouched.
   JsonObject* mutableDetails();
   JsonObject* details() { return mutableDetails(); }
   std::optional<JsonObject> detailsCopy();
@@ -108,7 +107,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void setDetailsText(std::optional<std::string_view> text, std::string_view forKey);
   virtual void copyDetails(const JsonObject& details);
   virtual void setDetailsData(std::optional<Bytes> data);
-  [[nodiscard]] const std::optional<Bytes>& detailsData() const { return _detailsData; }
+  [[nodiscard]] const std::optional<Bytes>& detailsData() const;
   void decryptDetailsDataIfNeeded();
   [[nodiscard]] std::optional<std::string> notesPlain();
   void setNotesPlain(std::optional<std::string_view> notes);
@@ -117,9 +116,9 @@ class QNItem : public QNDatabaseObjectWithOverview,
 
   // Key and saving: QNItem+Encryption.cpp
   [[nodiscard]] QNAESKeyRef key();
-  void setKey(QNAESKeyRef key) { _key = std::move(key); }
+  void setKey(QNAESKeyRef key);
   /// A view of the 112 bytes in the item: valid as long as it lives, changed by a save.
-  [[nodiscard]] ByteView encryptedKey() const { return _encryptedKeyBuffer; }
+  [[nodiscard]] ByteView encryptedKey() const;
   /// Any other length than 112 is refused with an assertion log.
   void setEncryptedKey(ByteView wrapped);
   void willSave() override;
@@ -297,7 +296,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
  private:
   struct OpenState;    // what an item has once somebody opens or edits it
   struct RareColumns;  // columns that most items leave empty
-  OpenState& openState();
+  OpenState& openState() const;
   RareColumns& rareColumns();
   static std::string_view uuidForLogging(const QNSharedString& uuid);
 
@@ -324,10 +323,12 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void requireLoadedAttachments() const;
   [[nodiscard]] bool belongsToAccount() const;
 
-  std::array<std::uint8_t, QNAESKey::kWrappedKeySize> _encryptedKeyBuffer{};
-  std::optional<JsonObject> _details;
-  std::optional<Bytes> _detailsData;
-  QNAESKeyRef _key;
+  // Small ones first: they fill up what stands before them.
+  bool _inboxItem = false;
+  bool _mutable = true;
+  bool _backupKeysDisabled = false;
+  std::int32_t _numberOfAttachments = 0;
+  std::int32_t _numberOfTimesUsed = 0;
   QNSharedString _uuid;
   std::optional<std::string> _categoryUUID;
   std::optional<std::string> _sectionName;
@@ -338,12 +339,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   std::uint64_t _folderId = 0;
   std::uint64_t _categoryId = 0;
   std::uint64_t _faveIndex = 0;
-  std::int32_t _numberOfAttachments = 0;
-  std::int32_t _numberOfTimesUsed = 0;
-  bool _inboxItem = false;
-  bool _mutable = true;
-  bool _backupKeysDisabled = false;
-  std::unique_ptr<OpenState> _open;
+  mutable std::unique_ptr<OpenState> _open;  // made at the first need, under the monitor
   std::unique_ptr<RareColumns> _rare;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 // What an item keeps apart from itself, so that an item in a list weighs little.
 
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -9,6 +10,12 @@
 namespace quillon {
 
 struct QNItem::OpenState {
+  /// The item key as a local vault wrapped it: the only form of it that is stored.
+  std::array<std::uint8_t, QNAESKey::kWrappedKeySize> encryptedKeyBuffer{};
+  QNAESKeyRef key;
+  /// Absent, beside present data: not decrypted yet.
+  std::optional<JsonObject> details;
+  std::optional<Bytes> detailsData;
   /// The password as it stood when the details were parsed or the row was first dirtied: what
   /// the next save retires.
   std::optional<QNSecret> originalPassword;

@@ -23,6 +23,8 @@ class QNTestServerProfile final : public QNServerProfile,
   // What a test sets
   void setOid(std::uint64_t oid) { _oid = oid; }
   void setUuid(QNSharedString uuid) { _uuid = std::move(uuid); }
+  /// To stand for a profile of another kind.
+  void setProfileType(std::uint64_t type) { _profileType = type; }
   void setLocked(bool locked) { _locked = locked; }
   /// While set, an unlocked vault fails to seal and to open, as with a damaged key.
   void setFails(bool fails) { _fails = fails; }
@@ -86,7 +88,7 @@ class QNTestServerProfile final : public QNServerProfile,
   [[nodiscard]] bool hasPermissionToPerformAction(std::uint32_t action) const override {
     return !_locked && action >= 1 && action <= 15;
   }
-  [[nodiscard]] std::uint64_t profileType() const override { return kProfileTypeAccountVault; }
+  [[nodiscard]] std::uint64_t profileType() const override { return _profileType; }
   [[nodiscard]] std::uint64_t oid() const override { return _oid; }
   [[nodiscard]] QNSharedString uuid() const override { return _uuid; }
   [[nodiscard]] bool isPrimaryProfile() const override { return false; }
@@ -208,6 +210,7 @@ class QNTestServerProfile final : public QNServerProfile,
 
   QNAESKeyRef _key = QNAESKey::initWithRandomKey();
   std::uint64_t _oid;
+  std::uint64_t _profileType = kProfileTypeAccountVault;
   QNSharedString _uuid = sharedString(mr_shortUUID());
   bool _locked = false, _fails = false, _suspended = false, _tagsLoaded = false;
   std::uint64_t _permissions = ~std::uint64_t{0};

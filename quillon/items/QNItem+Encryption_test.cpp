@@ -1,0 +1,400 @@
+#include "quillon/items/QNTombstone.h"
+#include "quillon/items/internal/QNItemTesting.h"
+
+namespace quillon {
+namespace {
+
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+Bytes wrapOf(const QNItem& item) {
+  return toBytes(item.encryptedKey());
+}
+
+// The key
+
+TEST(QNItemEncryption, OfANewItemStartsWithABufferOfZeros) {
+  const auto item = newItem(localVault());
+  ASSERT_EQ(item->encryptedKey().size(), 112u);
+  EXPECT_THAT(item->encryptedKey(), Each(0));
+
+  item->willSave();
+
+  EXPECT_THAT(item->encryptedKey(), Contains(testing::Ne(0)));
+}
+
+TEST(QNItemEncryption, TheWrapIsAViewOfTheItemsBuffer) {
+  const auto item = newItem(localVault());
+  const ByteView view = item->encryptedKey();
+
+  item->setEncryptedKey(Bytes(112, 7));
+
+  EXPECT_THAT(view, Each(7));
+}
+
+TEST(QNItemEncryption, AWrapOfAnyOtherLengthIsRefused) {
+  const auto item = newItem(localVault());
+  item->setEncryptedKey(Bytes(112, 7));
+  const MRCapturingSink sink;
+
+  item->setEncryptedKey(Bytes(111, 1));
+  item->setEncryptedKey(Bytes(113, 1));
+  item->setEncryptedKey({});
+
+  EXPECT_THAT(item->encryptedKey(), Each(7));
+  EXPECT_THAT(assertions(sink),
+              ElementsAre("Invalid item key size: 111", "Invalid item key size: 113",
+                          "Invalid item key size: 0"));
+}
+
+TEST(QNItemEncryption, TheKeyIsUnwrappedAtItsFirstNeedAndKept) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  save(*row);
+  const auto item = opened(*row, vault);
+  const auto before = vault->numberOfItemKeysUnwrapped();
+
+  ASSERT_NE(item->key(), nullptr);
+  EXPECT_EQ(item->key()->rawKeyData(), row->key()->rawKeyData());
+
+  EXPECT_EQ(vault->numberOfItemKeysUnwrapped(), before + 1);
+}
+
+TEST(QNItemEncryption, AKeyThatDoesntOpenIsReportedAndTriedAgain) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  save(*row);
+  const auto item = listed(*row, vault);
+  item->setEncryptedKey(Bytes(112, 7));
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(item->key(), nullptr);
+  EXPECT_THAT(errors(sink),
+              ElementsAre("Item key for item UUID " + *item->uuid() + " is nil after decryption."));
+  item->setEncryptedKey(row->encryptedKey());
+
+  EXPECT_NE(item->key(), nullptr);
+}
+
+TEST(QNItemEncryption, TheKeyOfAnAccountItemIsACallersFault) {
+  const auto item = newItem(accountVault());
+  const auto made = QNAESKey::initWithRandomKey();
+  item->setKey(made);
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(item->key(), made);
+
+  EXPECT_THAT(assertions(sink), ElementsAre("Unimplemented"));
+}
+
+// Saving
+
+TEST(QNItemEncryption, ASaveFillsTheStoredFormsOfALocalItem) {
+  const auto vault = localVault();
+  const auto item = newItem(vault);
+  item->setTitle("T");
+  item->setNotesPlain("the notes");
+
+  item->willSave();
+
+  const auto key = vault->decryptItemKey(item->encryptedKey());
+  ASSERT_NE(key, nullptr);
+  const auto details = key->decrypt(*item->detailsData());
+  ASSERT_TRUE(details);
+  const auto read = mr_objectFromJSONDataWithError(*details);
+  ASSERT_TRUE(read);
+  EXPECT_EQ(mr_validStringValueForKey(*read, "notesPlain"), "the notes");
+  const auto overview = vault->decryptOverview(*item->overviewData());
+  ASSERT_TRUE(overview);
+  EXPECT_EQ(mr_validStringValueForKey(*mr_objectFromJSONDataWithError(*overview), "title"), "T");
+}
+
+TEST(QNItemEncryption, ASaveFillsTheStoredFormsOfAnAccountItem) {
+  const auto vault = accountVault();
+  const auto item = newItem(vault);
+  item->setNotesPlain("the notes");
+
+  item->willSave();
+
+  const auto envelope = mr_objectFromJSONDataWithError(*item->detailsData());
+  ASSERT_TRUE(envelope);
+  const auto clear = vault->decryptWithMasterSymmetricKey(*envelope);
+  ASSERT_TRUE(clear);
+  EXPECT_EQ(textOf(*clear), R"({"notesPlain":"the notes"})");
+  EXPECT_THAT(item->encryptedKey(), Each(0));
+}
+
+TEST(QNItemEncryption, ASaveEncryptsEverythingAfreshThoughNothingChanged) {
+  const auto item = newItem(localVault());
+  save(*item);
+  const Bytes wrap = wrapOf(*item);
+  const Bytes overview = *item->overviewData();
+  const Bytes details = *item->detailsData();
+
+  save(*item);
+
+  EXPECT_NE(wrapOf(*item), wrap);
+  EXPECT_NE(*item->overviewData(), overview);
+  EXPECT_NE(*item->detailsData(), details);
+}
+
+TEST(QNItemEncryption, WithoutAProfileASaveDoesNothing) {
+  const auto item = std::make_shared<QNSampleItem>(initNew);
+  item->setTitle("T");
+  const MRCapturingSink sink;
+
+  item->willSave();
+
+  EXPECT_THAT(assertions(sink), ElementsAre("Item profile is not available"));
+  EXPECT_EQ(item->numberOfSerializations, 0);
+  EXPECT_EQ(item->sectionName(), std::nullopt);
+  EXPECT_EQ(item->overviewData(), std::nullopt);
+  EXPECT_EQ(item->detailsData(), std::nullopt);
+  EXPECT_THAT(item->encryptedKey(), Each(0));
+}
+
+TEST(QNItemEncryption, ASaveWithoutLoadedDetailsKeepsTheirStoredForm) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->setNotesPlain("the notes");
+  save(*row);
+  const auto item = listed(*row, vault);
+  item->setEncryptedKey(row->encryptedKey());
+  item->setDetailsData(row->detailsData());
+  item->setTitle("new");
+
+  save(*item);
+
+  EXPECT_EQ(item->detailsData(), row->detailsData());
+  const auto read = opened(*item, vault);
+  EXPECT_EQ(read->title(), "new");
+  EXPECT_EQ(read->notesPlain(), "the notes");
+}
+
+TEST(QNItemEncryption, ASaveOfAnItemWithoutAClearKeyKeepsItsWrap) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  save(*row);
+  const auto item = listed(*row, vault);
+  item->setEncryptedKey(row->encryptedKey());
+  const Bytes wrap = wrapOf(*item);
+
+  save(*item);
+
+  EXPECT_EQ(wrapOf(*item), wrap);
+}
+
+TEST(QNItemEncryption, ASaveBringsTheDetailsUpToDateBeforeItEncryptsThem) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->setPassword("first");
+  save(*row);
+  const auto item = opened(*row, vault);
+  item->setPassword("second");
+  item->clearBackupKeys();
+
+  save(*item);
+
+  const auto read = opened(*item, vault);
+  EXPECT_EQ(read->numberOfPreviouslyUsedPasswords(), 1u);
+  EXPECT_EQ(read->backupKeysBase64Encoded().size(), 1u);
+}
+
+TEST(QNItemEncryption, DetailsThatDontOpenAreNeverSavedBackAsEmpty) {
+  for (const auto& vault : {std::shared_ptr<QNGenericProfile>(localVault()),
+                            std::shared_ptr<QNGenericProfile>(accountVault())}) {
+    const auto row = newItem(vault);
+    save(*row);
+    const auto item = opened(*row, vault);
+    const Bytes damaged = mr_randomData(60);
+    item->setDetailsData(damaged);
+    const MRCapturingSink sink;
+
+    save(*item);
+
+    EXPECT_EQ(item->detailsData(), damaged);
+    EXPECT_THAT(errors(sink), Contains("Failed to saveItem: Failed to serialize details: "
+                                       "MRErrorDomain 114"));
+  }
+}
+
+TEST(QNItemEncryption, DetailsWithoutAJsonFormKeepTheirStoredForm) {
+  const auto item = newItem(localVault());
+  save(*item);
+  const Bytes before = *item->detailsData();
+  item->setDetailsText("\xff", "k");
+  const MRCapturingSink sink;
+
+  save(*item);
+
+  EXPECT_EQ(item->detailsData(), before);
+  EXPECT_THAT(errors(sink), ElementsAre("Failed to saveItem: Failed to serialize details: "
+                                        "MRErrorDomain 114"));
+}
+
+TEST(QNItemEncryption, AClearItemWithoutAKeyKeepsItsStoredDetails) {
+  const auto vault = localVault();
+  const auto item = newItem(vault);
+  save(*item);
+  const Bytes before = *item->detailsData();
+  item->setKey(nullptr);
+  item->setEncryptedKey(Bytes(112, 7));
+  const MRCapturingSink sink;
+
+  save(*item);
+
+  EXPECT_EQ(item->detailsData(), before);
+  EXPECT_THAT(errors(sink),
+              Each("Item key for item UUID " + *item->uuid() + " is nil after decryption."));
+}
+
+TEST(QNItemEncryption, ALockedLocalVaultEmptiesTheOverviewAndKeepsTheWrap) {
+  const auto vault = localVault();
+  const auto item = newItem(vault);
+  item->setTitle("T");
+  save(*item);
+  const Bytes wrap = wrapOf(*item);
+  const Bytes details = *item->detailsData();
+  item->setNotesPlain("new notes");
+  vault->lock();
+  const MRCapturingSink sink;
+
+  item->willSave();
+
+  EXPECT_EQ(item->overviewData(), std::nullopt);
+  EXPECT_EQ(wrapOf(*item), wrap);
+  EXPECT_NE(*item->detailsData(), details);
+  EXPECT_THAT(assertions(sink), ElementsAre("profile must be unlocked", "profile must be unlocked",
+                                            "Invalid item key size: 0"));
+}
+
+TEST(QNItemEncryption, ALockedAccountKeepsBothStoredForms) {
+  const auto vault = accountVault();
+  const auto item = newItem(vault);
+  item->setTitle("T");
+  save(*item);
+  const Bytes overview = *item->overviewData();
+  const Bytes details = *item->detailsData();
+  item->setNotesPlain("new notes");
+  vault->setLocked(true);
+  const MRCapturingSink sink;
+
+  item->willSave();
+
+  EXPECT_EQ(*item->overviewData(), overview);
+  EXPECT_EQ(*item->detailsData(), details);
+  EXPECT_THAT(errors(sink), ElementsAre("Failed to encrypt details: MRErrorDomain 114"));
+  EXPECT_THAT(assertions(sink), IsEmpty());
+}
+
+TEST(QNItemEncryption, AnyOtherTypeOfProfileIsReported) {
+  const auto item = newItem(localVault());
+  save(*item);
+  const Bytes details = *item->detailsData();
+  item->setProfileType(4);
+  const MRCapturingSink sink;
+
+  item->willSave();
+
+  EXPECT_EQ(*item->detailsData(), details);
+  EXPECT_THAT(assertions(sink),
+              ElementsAre("Unsupported profile type: 4", "Unsupported profile type: 4"));
+}
+
+TEST(QNItemEncryption, ASaveRemovesTheIconsOfTheOtherGeneration) {
+  const auto withIcons = [](const std::shared_ptr<QNGenericProfile>& vault) {
+    auto item = newItem(vault);
+    for (const auto key : {kCustomIcon, kCustomIconAttributes, kPendingCustomIcon}) {
+      item->setOverviewObject(Json("x"), key);
+    }
+    item->willSave();
+    return item;
+  };
+
+  const auto local = withIcons(localVault());
+  const auto account = withIcons(accountVault());
+
+  EXPECT_NE(local->overviewObjectForKey(kCustomIcon), nullptr);
+  EXPECT_EQ(local->overviewObjectForKey(kCustomIconAttributes), nullptr);
+  EXPECT_EQ(local->overviewObjectForKey(kPendingCustomIcon), nullptr);
+  EXPECT_EQ(account->overviewObjectForKey(kCustomIcon), nullptr);
+  EXPECT_NE(account->overviewObjectForKey(kCustomIconAttributes), nullptr);
+  EXPECT_NE(account->overviewObjectForKey(kPendingCustomIcon), nullptr);
+}
+
+// Taking over a row
+
+TEST(QNItemEncryption, CopyingARowTakesItsKey) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  save(*row);
+  const auto item = newItem(vault);
+  item->didSave();
+
+  item->copyOidFrom(row);
+
+  EXPECT_EQ(item->oid(), row->oid());
+  EXPECT_TRUE(item->dirtyRow());
+  EXPECT_EQ(item->key(), row->key());
+}
+
+TEST(QNItemEncryption, CopyingTheSameRowChangesNothing) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  const auto item = newItem(vault);
+  item->didSave();
+  const auto key = item->key();
+
+  item->copyOidFrom(row);
+
+  EXPECT_FALSE(item->dirtyRow());
+  EXPECT_EQ(item->key(), key);
+}
+
+TEST(QNItemEncryption, CopyingTheRowOfATombstoneLeavesTheKey) {
+  const auto vault = localVault();
+  const auto grave = std::make_shared<QNTombstone>(QNExisting{4});
+  grave->setProfile(vault);
+  const auto item = newItem(vault);
+  const auto key = item->key();
+  const MRCapturingSink sink;
+
+  item->copyOidFrom(grave);
+
+  EXPECT_EQ(item->oid(), 4u);
+  EXPECT_EQ(item->key(), key);
+  EXPECT_TRUE(sink.records().empty());
+}
+
+TEST(QNItemEncryption, CopyingARowBetweenAccountItemsLeavesTheKey) {
+  const auto vault = accountVault();
+  const auto row = newItem(vault);
+  save(*row);
+  const auto item = newItem(vault);
+  const MRCapturingSink sink;
+
+  item->copyOidFrom(row);
+
+  EXPECT_EQ(item->oid(), row->oid());
+  EXPECT_TRUE(sink.records().empty());
+}
+
+TEST(QNItemEncryption, CopyingARowWhoseKeyDoesntOpenIsReported) {
+  const auto vault = localVault();
+  const auto row = std::make_shared<QNSampleItem>(QNExisting{4});
+  row->setProfile(vault);
+  row->setUuid(sharedString("U"));
+  const auto item = newItem(vault);
+  const auto key = item->key();
+  const MRCapturingSink sink;
+
+  item->copyOidFrom(row);
+
+  EXPECT_EQ(item->key(), key);
+  EXPECT_THAT(assertions(sink), ElementsAre("Unexpected encryption key for item <U>."));
+}
+
+}  // namespace
+}  // namespace quillon

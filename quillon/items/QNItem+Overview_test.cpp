@@ -1,0 +1,191 @@
+#include "quillon/items/internal/QNItemTesting.h"
+#include "quillon/logins/QNItemURL.h"
+#include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/text/QNLocalization.h"
+
+namespace quillon {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(QNItemOverview, AnItemWithoutATitleIsUnnamed) {
+  EXPECT_EQ(newItem(localVault())->title(), "Unnamed");
+}
+
+TEST(QNItemOverview, UnnamedIsSaidInTheUsersLanguage) {
+  auto& localization = QNLocalization::sharedLocalization();
+  const std::string before = localization.language();
+  const auto item = newItem(localVault());
+
+  localization.setLanguage("de");
+  const std::string german = item->title();
+  localization.setLanguage(before);
+
+  EXPECT_EQ(german, "Unbenannt");
+}
+
+TEST(QNItemOverview, ATitleThatIsNoTextIsUnnamed) {
+  const auto item = newItem(localVault());
+
+  item->setOverviewObject(Json(5), kOverviewTitle);
+
+  EXPECT_EQ(item->title(), "Unnamed");
+}
+
+TEST(QNItemOverview, AnEmptyTitleIsATitle) {
+  const auto item = newItem(localVault());
+
+  item->setTitle("");
+
+  EXPECT_EQ(item->title(), "");
+}
+
+TEST(QNItemOverview, AnEqualTitleDirtiesNothing) {
+  const auto item = newItem(localVault());
+  item->setTitle("T");
+  item->didSave();
+
+  item->setTitle("T");
+  EXPECT_FALSE(item->dirtyRow());
+  item->setTitle(std::nullopt);
+
+  EXPECT_TRUE(item->dirtyRow());
+  EXPECT_EQ(item->overviewObjectForKey(kOverviewTitle), nullptr);
+}
+
+TEST(QNItemOverview, TheTitleOfAListedItemOpensTheOverviewAlone) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->setTitle("T");
+  save(*row);
+  const auto item = opened(*row, vault);
+  const auto unwrapped = vault->numberOfItemKeysUnwrapped();
+
+  EXPECT_EQ(item->title(), "T");
+
+  EXPECT_EQ(vault->numberOfItemKeysUnwrapped(), unwrapped);
+}
+
+TEST(QNItemOverview, TheSubtitleStandsAsItIs) {
+  const auto item = newItem(localVault());
+  EXPECT_EQ(item->additionalInformation(), std::nullopt);
+
+  item->setAdditionalInformation("S");
+
+  EXPECT_EQ(item->additionalInformation(), "S");
+  EXPECT_EQ(item->overviewTextForKey("ainfo"), "S");
+}
+
+TEST(QNItemOverview, TheBaseKeepsItsSubtitleOrShowsAnEmptyOne) {
+  const auto item = newItem(localVault());
+  EXPECT_EQ(item->_additionalInformation(), "");
+
+  item->setAdditionalInformation("S");
+
+  EXPECT_EQ(item->_additionalInformation(), "S");
+}
+
+TEST(QNItemOverview, AnItemWithoutFieldsHasNoMailAlias) {
+  EXPECT_EQ(newItem(localVault())->fastmailAlias(), std::nullopt);
+}
+
+TEST(QNItemOverview, TagsAreASet) {
+  const auto item = newItem(localVault());
+  EXPECT_THAT(item->tags(), IsEmpty());
+
+  item->setTags({"b", "a"});
+
+  EXPECT_THAT(item->tags(), ElementsAre("a", "b"));
+  EXPECT_EQ(jsonText(item->overviewObjectForKey(kTags)), R"(["a","b"])");
+}
+
+TEST(QNItemOverview, WhatIsNoListReadsAsNoTags) {
+  const auto item = newItem(localVault());
+  for (const char* const stored : {R"("a")", "{}", "[]", "7", "[1,null]"}) {
+    item->setOverviewObject(jsonValue(stored), kTags);
+
+    EXPECT_THAT(item->tags(), IsEmpty()) << stored;
+  }
+}
+
+TEST(QNItemOverview, TheSameTagsInAnotherOrderAreNotWritten) {
+  const auto item = newItem(localVault());
+  item->setOverviewObject(jsonValue(R"(["b","a","b"])"), kTags);
+  item->didSave();
+
+  item->setTags({"a", "b"});
+  EXPECT_FALSE(item->dirtyRow());
+  EXPECT_EQ(jsonText(item->overviewObjectForKey(kTags)), R"(["b","a","b"])");
+  item->setTags({"a"});
+
+  EXPECT_TRUE(item->dirtyRow());
+}
+
+TEST(QNItemOverview, KnowsTheOwningUser) {
+  const auto item = newItem(accountVault());
+  EXPECT_EQ(item->h9UserUUID(), std::nullopt);
+
+  item->setH9UserUUID("U");
+
+  EXPECT_EQ(item->h9UserUUID(), "U");
+  EXPECT_EQ(item->overviewTextForKey("h9UserUUID"), "U");
+}
+
+TEST(QNItemOverview, RemovesEachIconByItsKey) {
+  const auto item = newItem(localVault());
+  for (const auto key : {kCustomIcon, kCustomIconAttributes, kPendingCustomIcon}) {
+    item->setOverviewObject(Json("x"), key);
+  }
+
+  item->removeQN4CustomIconData();
+  EXPECT_EQ(item->overviewObjectForKey("icon"), nullptr);
+  item->removeH9CustomIconData();
+  EXPECT_EQ(item->overviewObjectForKey("icons"), nullptr);
+  ASSERT_NE(item->overviewObjectForKey("pendingCustomIcon"), nullptr);
+  item->removeH9PendingCustomIconData();
+
+  EXPECT_EQ(item->overviewObjectForKey("pendingCustomIcon"), nullptr);
+}
+
+TEST(QNItemOverview, AChangeIsSeenByADomainThatWasAskedBefore) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->setOverviewText("https://www.a.example/x", kOverviewURLString);
+  save(*row);
+  const auto item = listed(*row, vault);
+  ASSERT_EQ(item->derivedDomain(), "www.a.example");
+  ASSERT_EQ(item->nakedDomain(), "a.example");
+
+  item->setOverviewText("https://www.b.example/x", kOverviewURLString);
+  EXPECT_EQ(item->derivedDomain(), "www.a.example");
+  item->setAdditionalInformation("S");
+
+  EXPECT_EQ(item->derivedDomain(), "www.b.example");
+  EXPECT_EQ(item->nakedDomain(), "b.example");
+}
+
+// The grouping letter
+
+TEST(QNItemOverview, GroupsByTheFirstLetterInUpperCase) {
+  EXPECT_EQ(QNItem::firstLetterOfString("apple"), "A");
+  EXPECT_EQ(QNItem::firstLetterOfString("Zoo"), "Z");
+  EXPECT_EQ(QNItem::firstLetterOfString("\xC3\xA9t\xC3\xA9"), "\xC3\x89");  // été
+  EXPECT_EQ(QNItem::firstLetterOfString("e\xCC\x81t"), "E\xCC\x81");        // e and a mark
+  EXPECT_EQ(QNItem::firstLetterOfString("\xE4\xB8\xAD\xE6\x96\x87"), "\xE4\xB8\xAD");
+}
+
+TEST(QNItemOverview, GroupsEverythingElseUnderTheNumberSign) {
+  for (const char* const title : {"", "1 title", "#", " a", "\xF0\x9F\x98\x80", "\xFF", "-a"}) {
+    EXPECT_EQ(QNItem::firstLetterOfString(title), "#") << title;
+  }
+}
+
+TEST(QNItemOverview, UpperCaseFollowsTheUsersLocale) {
+  const QNScopedLocale turkish("tr-TR");
+
+  EXPECT_EQ(QNItem::firstLetterOfString("izmir"), "\xC4\xB0");  // İ
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,282 @@
+#include "quillon/items/internal/QNItemTesting.h"
+#include "quillon/logins/QNItemURL.h"
+
+namespace quillon {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+
+TEST(QNItemProfile, TheUnionProfileChangesNothingAndIsReported) {
+  const auto vault = localVault();
+  const auto item = newItem(vault);
+  const auto uuid = item->uuid();
+  item->didSave();
+  const auto all = accountVault();
+  all->setProfileType(kProfileTypeUnion);
+  const MRCapturingSink sink;
+
+  item->setProfile(all);
+
+  EXPECT_EQ(item->profile(), vault);
+  EXPECT_EQ(item->profileType(), kProfileTypeLocalVault);
+  EXPECT_EQ(item->uuid(), uuid);
+  EXPECT_FALSE(item->dirtyRow());
+  EXPECT_THAT(
+      assertions(sink),
+      ElementsAre("Attempting to move an item to the union profile. That's not supported!"));
+}
+
+TEST(QNItemProfile, TheSameProfileAgainChangesNothing) {
+  const auto vault = localVault();
+  const auto item = newItem(vault);
+  const auto uuid = item->uuid();
+
+  item->setProfile(vault);
+
+  EXPECT_EQ(item->uuid(), uuid);
+}
+
+TEST(QNItemProfile, AnAccountVaultGivesAShortUuid) {
+  const auto item = newItem(accountVault());
+
+  ASSERT_NE(item->uuid(), nullptr);
+  EXPECT_EQ(item->uuid()->size(), 22u);
+}
+
+TEST(QNItemProfile, AMoveBetweenLocalVaultsChangesTheUuidAndKeepsTheKey) {
+  const auto item = newItem(localVault(1));
+  item->setNotesPlain("the notes");
+  save(*item);
+  const auto key = item->key();
+  const auto uuid = item->uuid();
+  const auto target = localVault(2);
+
+  item->setProfile(target);
+  save(*item);
+
+  EXPECT_NE(*item->uuid(), *uuid);
+  EXPECT_EQ(item->uuid()->size(), 36u);
+  EXPECT_EQ(item->key(), key);
+  EXPECT_EQ(opened(*item, target)->notesPlain(), "the notes");
+}
+
+TEST(QNItemProfile, AMoveOfAnUnopenedItemBetweenLocalVaultsTakesItsKeyAlong) {
+  const auto from = localVault(1);
+  const auto row = newItem(from);
+  row->setTitle("T");
+  row->setNotesPlain("the notes");
+  save(*row);
+  const auto target = localVault(2);
+  const auto item = opened(*row, from);
+
+  item->setProfile(target);
+  save(*item);
+
+  const auto read = opened(*item, target);
+  EXPECT_EQ(read->title(), "T");
+  EXPECT_EQ(read->notesPlain(), "the notes");
+  EXPECT_EQ(read->key()->rawKeyData(), row->key()->rawKeyData());
+}
+
+TEST(QNItemProfile, AMoveFromALocalVaultToAnAccountBringsTheDetailsAlong) {
+  const auto from = localVault();
+  const auto row = newItem(from);
+  row->setTitle("T");
+  row->setNotesPlain("the notes");
+  save(*row);
+  const auto target = accountVault();
+  const auto item = opened(*row, from);
+
+  item->setProfile(target);
+  save(*item);
+
+  EXPECT_EQ(item->uuid()->size(), 22u);
+  const auto read = opened(*item, target);
+  EXPECT_EQ(read->title(), "T");
+  EXPECT_EQ(read->notesPlain(), "the notes");
+  EXPECT_EQ(read->detailsObjectForKey(kDetailsBackupKeys), nullptr);
+}
+
+TEST(QNItemProfile, AMoveFromAnAccountToALocalVaultGivesANewKeyANewUuidAndClearDetails) {
+  const auto from = accountVault();
+  const auto row = newItem(from);
+  row->setNotesPlain("the notes");
+  save(*row);
+  const auto item = opened(*row, from);
+  item->setKey(QNAESKey::initWithRandomKey());
+  const auto unusedKey = item->key();
+  const auto uuid = item->uuid();
+  const auto target = localVault();
+
+  item->setProfile(target);
+
+  EXPECT_NE(*item->uuid(), *uuid);
+  EXPECT_EQ(item->uuid()->size(), 36u);
+  ASSERT_NE(item->key(), nullptr);
+  EXPECT_NE(item->key(), unusedKey);
+  item->setDetailsObject(Json(1), "n");  // the details are in clear: no vault is asked
+  EXPECT_EQ(item->notesPlain(), "the notes");
+  save(*item);
+  EXPECT_EQ(opened(*item, target)->notesPlain(), "the notes");
+}
+
+TEST(QNItemProfile, ANewItemThatCrossesGetsANewKey) {
+  const auto item = newItem(accountVault());
+  const MRCapturingSink sink;
+  const auto made = item->key();
+
+  item->setProfile(localVault());
+
+  EXPECT_NE(item->key(), made);
+}
+
+TEST(QNItemProfile, AMoveBetweenAccountVaultsChangesTheUuid) {
+  const auto item = newItem(accountVault(2));
+  const auto uuid = item->uuid();
+
+  item->setProfile(accountVault(3));
+
+  EXPECT_NE(*item->uuid(), *uuid);
+  EXPECT_EQ(item->uuid()->size(), 22u);
+}
+
+TEST(QNItemProfile, AMoveToAVaultWithTheSameUuidKeepsTheItemsUuid) {
+  const auto vault = localVault(1);
+  const auto reloaded = localVault(1);
+  reloaded->setUuid(sharedString(*vault->uuid()));
+  const auto item = newItem(vault);
+  const auto uuid = item->uuid();
+
+  item->setProfile(reloaded);
+
+  EXPECT_EQ(item->uuid(), uuid);
+  EXPECT_EQ(item->profile(), reloaded);
+}
+
+TEST(QNItemProfile, AFirstProfileOfTheKnownTypeKeepsTheUuid) {
+  const auto item = std::make_shared<QNSampleItem>(QNExisting{3});
+  item->setProfileType(kProfileTypeLocalVault);
+  item->setUuid(sharedString("U"));
+
+  item->setProfile(localVault());
+
+  EXPECT_EQ(*item->uuid(), "U");
+}
+
+TEST(QNItemProfile, TellsWhenAUuidIsToBeMadeAnew) {
+  const auto item = std::make_shared<QNSampleItem>(initNew);
+  const auto vault = localVault();
+  const auto twin = localVault();
+  twin->setUuid(sharedString(*vault->uuid()));
+  const auto needed = [&](const std::shared_ptr<QNGenericProfile>& from, std::uint64_t type,
+                          const std::shared_ptr<QNGenericProfile>& to) {
+    return item->shouldRegenerateUUIDMovingFromProfile(from, type, to);
+  };
+
+  EXPECT_FALSE(needed(nullptr, 2, vault));
+  EXPECT_TRUE(needed(nullptr, 0, vault));
+  EXPECT_TRUE(needed(nullptr, 3, vault));
+  EXPECT_TRUE(needed(accountVault(), 3, vault));
+  EXPECT_TRUE(needed(localVault(), 2, vault));
+  EXPECT_FALSE(needed(twin, 2, vault));
+}
+
+TEST(QNItemProfile, AMoveTakesTheURLsAlong) {
+  const auto item = newItem(localVault(1));
+  item->addURLString("https://a.example");
+  item->addURLString("https://b.example");
+  const auto kept = item->URLAtIndex(0);
+  const auto removed = item->URLAtIndex(1);
+  removed->_setOid(9);
+  item->removeURL(removed);
+  const auto target = localVault(2);
+
+  item->setProfile(target);
+
+  EXPECT_EQ(kept->profile(), target);
+  EXPECT_EQ(removed->profile(), target);
+}
+
+TEST(QNItemProfile, AMoveMakesANewSpecifier) {
+  const auto item = newItem(localVault(1));
+  const auto before = item->itemSpecifier();
+
+  item->setProfile(localVault(2));
+
+  EXPECT_NE(item->itemSpecifier(), before);
+}
+
+TEST(QNItemProfile, AMoveWhoseDetailsDontOpenKeepsThem) {
+  const auto from = localVault();
+  const auto row = newItem(from);
+  row->setNotesPlain("the notes");
+  save(*row);
+  const auto item = opened(*row, from);
+  const Bytes damaged = mr_randomData(100);
+  item->setDetailsData(damaged);
+  const MRCapturingSink sink;
+
+  item->setProfile(accountVault());
+  item->willSave();
+
+  EXPECT_EQ(item->detailsData(), damaged);
+  EXPECT_THAT(errors(sink), Contains("Failed to saveItem: Failed to serialize details: "
+                                     "MRErrorDomain 114"));
+}
+
+class Category final : public QNGenericCategory {
+ public:
+  std::optional<std::string> uuid() const override { return "001"; }
+  std::optional<std::string> singularName() const override { return "Login"; }
+  std::optional<std::string> pluralName() const override { return "Logins"; }
+  std::uint64_t numberOfItems() const override { return 0; }
+  std::optional<std::uint64_t> ownDisplayOrder() const override { return std::nullopt; }
+};
+
+TEST(QNItemProfile, FindsItsCategoryInTheVault) {
+  const auto vault = accountVault();
+  const auto category = std::make_shared<Category>();
+  vault->addCategory(category);
+  const auto item = newItem(vault);
+  item->setCategoryUUID("001");
+
+  EXPECT_EQ(item->category(), category);
+}
+
+TEST(QNItemProfile, MakesALegacyCategoryWhereTheVaultKnowsNone) {
+  const auto vault = localVault();
+  vault->removeAllCategories();
+  const auto item = newItem(vault);
+  item->setCategoryUUID("110");
+  const auto made = vault->newLegacyCategoryWithUUID("110");
+
+  const auto category = item->category();
+
+  ASSERT_EQ(category == nullptr, made == nullptr);
+  EXPECT_TRUE(category == nullptr || category->uuid() == made->uuid());
+}
+
+TEST(QNItemProfile, WithoutAProfileThereIsNoCategoryAndNoEditing) {
+  const auto item = std::make_shared<QNSampleItem>(initNew);
+
+  EXPECT_EQ(item->category(), nullptr);
+  EXPECT_FALSE(item->isUIEditable());
+}
+
+TEST(QNItemProfile, IsEditableWithThePermissionAndAnEditableCategory) {
+  const auto vault = accountVault();
+  const auto item = newItem(vault);
+  item->setCategoryUUID("001");
+  EXPECT_TRUE(item->isUIEditable());
+
+  vault->setPermissions(kPermissionReveal);
+  EXPECT_FALSE(item->isUIEditable());
+  vault->setPermissions(kPermissionEdit);
+  item->setCategoryUUID(std::string(QNCategoryUUIDSSHKey));
+
+  EXPECT_FALSE(item->isUIEditable());
+}
+
+}  // namespace
+}  // namespace quillon

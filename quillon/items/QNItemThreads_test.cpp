@@ -1,0 +1,76 @@
+#include <atomic>
+#include <thread>
+
+#include "quillon/items/internal/QNItemTesting.h"
+
+// What may overlap: reading overview and details, and a save. Worth its time under the thread
+// sanitizer.
+
+namespace quillon {
+namespace {
+
+void readBesideSaves(const std::shared_ptr<QNGenericProfile>& vault) {
+  constexpr int kSaves = 60;
+  const auto row = newItem(vault);
+  row->setTitle("A title that is longer than what lies inside a value");
+  row->setNotesPlain("the notes");
+  row->setPassword("first");
+  row->setTags({"a", "b"});
+  save(*row);
+  const auto item = opened(*row, vault);
+  std::atomic<bool> done{false};
+  std::atomic<int> wrong{0};
+  const auto read = [&] {
+    while (!done) {
+      wrong += item->title() != "A title that is longer than what lies inside a value";
+      wrong += item->details() == nullptr;
+      wrong += item->notesPlain() != "the notes";
+      wrong += item->tags().size() != 2;
+      wrong += !item->password()->equals("first");
+      wrong += item->additionalInformation().value_or("") != "";
+      wrong += item->numberOfPreviouslyUsedPasswords() != 0;
+      wrong += item->itemSpecifier() == nullptr;
+      wrong += item->nakedDomain().has_value();
+      wrong += item->passwordStrength() < 0;
+    }
+  };
+
+  std::thread one(read);
+  std::thread two(read);
+  for (int i = 0; i < kSaves; ++i) item->willSave();
+  done = true;
+  one.join();
+  two.join();
+
+  EXPECT_EQ(wrong, 0);
+  EXPECT_EQ(opened(*item, vault)->notesPlain(), "the notes");
+}
+
+TEST(QNItemThreads, ReadingMayOverlapWithSavingInALocalVault) {
+  readBesideSaves(localVault());
+}
+
+TEST(QNItemThreads, ReadingMayOverlapWithSavingInAnAccount) {
+  readBesideSaves(accountVault());
+}
+
+TEST(QNItemThreads, TwoThreadsMayNeedTheKeyAtOnce) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  save(*row);
+  const auto item = opened(*row, vault);
+  QNAESKeyRef first;
+  QNAESKeyRef second;
+
+  std::thread one([&] { first = item->key(); });
+  std::thread two([&] { second = item->key(); });
+  one.join();
+  two.join();
+
+  ASSERT_NE(first, nullptr);
+  ASSERT_NE(second, nullptr);
+  EXPECT_EQ(first->rawKeyData(), second->rawKeyData());
+}
+
+}  // namespace
+}  // namespace quillon

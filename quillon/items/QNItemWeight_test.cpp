@@ -1,0 +1,74 @@
+#include <malloc.h>
+
+#include "quillon/items/internal/QNItemTesting.h"
+#include "quillon/logins/QNLogin.h"
+
+// A sanitizer keeps a heap of its own, which these figures don't know.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define QUILLON_FOREIGN_HEAP
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define QUILLON_FOREIGN_HEAP
+#endif
+#endif
+
+namespace quillon {
+namespace {
+
+#ifndef QUILLON_FOREIGN_HEAP
+
+constexpr std::size_t kListedItemLimit = 1200;
+
+// 300 bytes, with the members that an imported login has.
+constexpr std::string_view kTypicalOverview =
+    R"({"title":"Example Bank, joint account of the whole household, current and savings and reserve funds.",)"
+    R"("ainfo":"someone.with.a.long.name@mail.example.com","ps":71,)"
+    R"("url":"https://www.example.com/banking/private/login?locale=en&from=start&session=new&step=1",)"
+    R"("tags":["household","money/banks","shared"]})";
+static_assert(kTypicalOverview.size() == 300);
+// The same with a generated password.
+constexpr std::string_view kGeneratedOverview =
+    R"({"title":"Example Bank, joint account of the whole household, current and reserve funds",)"
+    R"("ainfo":"someone.with.a.long.name@mail.example.com","ps":71,"pbe":91.73,"pgrng":true,)"
+    R"("url":"https://www.example.com/banking/private/login?locale=en&from=start&step=1",)"
+    R"("tags":["household","money/banks","shared"]})";
+static_assert(kGeneratedOverview.size() == 300);
+
+// Columns of numbers: row, folder and category ids, favourite, four times, two counters.
+constexpr std::size_t kNumbersOfRow = 8 * sizeof(std::uint64_t) + 2 * sizeof(std::int32_t);
+
+std::size_t weightOfListedItem(std::string_view overview) {
+  constexpr std::size_t kItems = 1000;
+  const auto vault = localVault();
+  const Bytes sealed = *vault->encryptOverview(bytesOf(overview));
+  std::vector<std::shared_ptr<QNLogin>> items(kItems);
+  std::size_t rowBytes = 0;
+  const std::size_t before = mallinfo2().uordblks;
+  for (auto& item : items) {
+    item = std::make_shared<QNLogin>(QNExisting{1});
+    item->setProfile(vault);
+    item->setUuid(QNItem::uuidForProfileType(kProfileTypeLocalVault));
+    item->setCategoryUUID("001");
+    item->setSectionName("E");
+    item->setOverviewData(sealed);
+    EXPECT_EQ(item->title().substr(0, 12), "Example Bank");
+    rowBytes += sealed.size() + item->uuid()->size() + item->categoryUUID()->size() +
+                item->sectionName()->size() + kNumbersOfRow;
+  }
+  return (mallinfo2().uordblks - before - rowBytes) / kItems;
+}
+
+TEST(QNItemWeight, AListedItemWithItsParsedOverviewStaysBelowTheLimit) {
+  const std::size_t weight = weightOfListedItem(kTypicalOverview);
+
+  std::printf(
+      "a listed item: %zu bytes beyond its row, %zu with a generated password; "
+      "sizeof(QNItem) %zu\n",
+      weight, weightOfListedItem(kGeneratedOverview), sizeof(QNItem));
+  EXPECT_LE(weight, kListedItemLimit);
+}
+
+#endif
+
+}  // namespace
+}  // namespace quillon
