@@ -1,6 +1,7 @@
 #include "quillon/platform/archive/QNKeyedArchiver.h"
 
 #include <fmt/core.h>
+#include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>

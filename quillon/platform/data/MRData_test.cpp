@@ -1,5 +1,7 @@
 #include "quillon/platform/data/MRData.h"
 
+#include <gtest/gtest.h>
+
 namespace quillon {
 namespace {
 

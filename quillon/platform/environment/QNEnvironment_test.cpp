@@ -1,5 +1,7 @@
 #include "quillon/platform/environment/QNEnvironment.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <ctime>
 #include <map>

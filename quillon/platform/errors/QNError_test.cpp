@@ -1,5 +1,7 @@
 #include "quillon/platform/errors/QNError.h"
 
+#include <gtest/gtest.h>
+
 #include <memory>
 
 namespace quillon {

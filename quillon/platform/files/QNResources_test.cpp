@@ -1,5 +1,7 @@
 #include "quillon/platform/files/QNResources.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <fstream>
 

@@ -1,5 +1,7 @@
 #include "quillon/platform/images/QNImage.h"
 
+#include <gtest/gtest.h>
+
 namespace quillon {
 namespace {
 

@@ -1,5 +1,8 @@
 #include "quillon/platform/log/MRLogger.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <thread>
 
 namespace quillon {

@@ -1,5 +1,7 @@
 #include "quillon/platform/memory/QNBytes.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstring>
 #include <numeric>

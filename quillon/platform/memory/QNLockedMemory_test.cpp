@@ -1,5 +1,7 @@
 #include "quillon/platform/memory/QNLockedMemory.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstring>
 #include <set>
@@ -72,7 +74,8 @@ TEST(QNLockedMemory, MayBeUsedFromManyThreads) {
   const auto work = [] {
     for (int i = 0; i < 500; ++i) {
       const QNKeyBytes raw(64, static_cast<std::uint8_t>(i));
-      const QNKeyBytes copy = raw;
+      QNKeyBytes copy = raw;
+      copy[0] = 1;
     }
   };
 

@@ -1,5 +1,7 @@
 #include "quillon/platform/memory/QNSecret.h"
 
+#include <gtest/gtest.h>
+
 #include <sstream>
 
 #include "quillon/platform/internal/QNMemoryWatch.h"

@@ -1,5 +1,8 @@
 #include "quillon/platform/notifications/MRNotificationCenter.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 namespace quillon {
 namespace {
 
@@ -9,7 +12,7 @@ using testing::IsEmpty;
 class MRNotificationCenterTest : public testing::Test {
  protected:
   // An observer that notes its own name, the notification's and the object's number.
-  MRNotificationCenter::Observer noting(std::string who) {
+  MRNotificationCenter::Observer noting(const std::string& who) {
     return [this, who](std::string_view name, const void* object) {
       const auto* const number = static_cast<const int*>(object);
       heard.push_back(who + ":" + std::string(name) + ":" +
