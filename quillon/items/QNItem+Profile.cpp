@@ -34,13 +34,15 @@ void QNItem::setProfile(const std::shared_ptr<QNGenericProfile>& profile) {
   const bool regenerate = shouldRegenerateUUIDMovingFromProfile(before, profileType(), profile);
   QNDatabaseObjectWithOverview::setProfile(profile);
   if (regenerate) regenerateUuid();
-  const std::lock_guard lock(monitor());
-  if (_open == nullptr) return;
-  if (_open->URLs) {
-    for (const auto& url : *_open->URLs) url->setProfile(profile);
+  std::vector<std::shared_ptr<QNItemURL>> urls;
+  {
+    const std::lock_guard lock(monitor());
+    if (_open == nullptr) return;
+    _open->cachedItemSpecifier.reset();
+    urls = _open->deletedURLs;
+    if (_open->URLs) urls.insert(urls.end(), _open->URLs->begin(), _open->URLs->end());
   }
-  for (const auto& url : _open->deletedURLs) url->setProfile(profile);
-  _open->cachedItemSpecifier.reset();
+  for (const auto& url : urls) url->setProfile(profile);
 }
 
 // An item that comes out of an archive has a profile type and no profile: the first profile of

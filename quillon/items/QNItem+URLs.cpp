@@ -145,9 +145,10 @@ void QNItem::moveURL(const std::shared_ptr<QNItemURL>& url, std::size_t toIndex)
 }
 
 void QNItem::removeDuplicateURLs() {
-  std::set<std::optional<std::string>> kept;
+  std::set<std::string> kept;
   for (const auto& url : URLs()) {
-    if (!kept.insert(url->URLString()).second) removeURL(url);
+    const auto address = url->URLString();  // nothing where it can't be read: that is no duplicate
+    if (address && !kept.insert(*address).second) removeURL(url);
   }
 }
 

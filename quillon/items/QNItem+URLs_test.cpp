@@ -110,6 +110,26 @@ TEST(QNItemURLs, SettingTheAddressChangesTheFirstURL) {
   EXPECT_TRUE(item->dirtyRow());
 }
 
+TEST(QNItemURLs, SettingAnEqualAddressDirtiesTheItem) {
+  const auto item = itemWithURLs({"https://a.example"});
+
+  item->setURLString("https://a.example");
+
+  EXPECT_TRUE(item->dirtyRow());
+  EXPECT_THAT(addressesOf(*item), ElementsAre("https://a.example"));
+}
+
+TEST(QNItemURLs, SettingAnEmptyAddressEmptiesTheFirstURLAndAddsNone) {
+  const auto with = itemWithURLs({"https://a.example", "https://b.example"});
+  const auto without = itemWithURLs({});
+
+  with->setURLString("");
+  without->setURLString("");
+
+  EXPECT_THAT(addressesOf(*with), ElementsAre("", "https://b.example"));
+  EXPECT_FALSE(without->hasURLs());
+}
+
 TEST(QNItemURLs, SettingNoAddressLeavesTheSecondURLAsTheFirst) {
   const auto item = itemWithURLs({"https://a.example", "https://b.example"});
 
@@ -201,6 +221,17 @@ TEST(QNItemURLs, AddedOnesAreOrderedInSteps) {
   EXPECT_EQ(placed->displayOrder(), 7u);
 }
 
+TEST(QNItemURLs, AnAddedOneIsOrderedAStepBehindTheLast) {
+  const auto item = itemWithURLs({});
+  const auto placed = std::make_shared<QNItemURL>(initNew);
+  placed->setDisplayOrder(7);
+  item->addURL(placed);
+
+  item->addURLString("https://a.example");
+
+  EXPECT_EQ(item->URLAtIndex(1)->displayOrder(), 107u);
+}
+
 TEST(QNItemURLs, AreFoundByLabelAndByAddress) {
   const auto item = itemWithURLs({"https://a.example"});
   item->addURLString("https://b.example", "Work");
@@ -262,6 +293,37 @@ TEST(QNItemURLs, MovingToItsPlaceOrOutsideOrAStrangerChangesNothing) {
   EXPECT_FALSE(item->dirtyRow());
 }
 
+TEST(QNItemURLs, MovingForwardsRenumbersAllInTheNewOrder) {
+  const auto item = itemWithURLs({"https://a.example", "https://b.example", "https://c.example"});
+
+  item->moveURL(item->URLAtIndex(0), 2);
+
+  EXPECT_THAT(addressesOf(*item),
+              ElementsAre("https://b.example", "https://c.example", "https://a.example"));
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(item->URLAtIndex(i)->displayOrder(), i + 1);
+    EXPECT_TRUE(item->URLAtIndex(i)->dirtyDisplayOrder());
+  }
+  EXPECT_TRUE(item->dirtyRow());
+}
+
+TEST(QNItemURLs, OnesThatCannotBeReadAreNoDuplicates) {
+  const MRCapturingSink sink;
+  const auto item = itemWithURLs({"https://a.example"});
+  for (const std::uint64_t oid : {3u, 4u}) {
+    const auto sealed = std::make_shared<QNItemURL>(QNExisting{oid});
+    sealed->setProfile(item->profile());
+    sealed->setOverviewData(toBytes(bytesOf("sealed by a vault that isn't this one")));
+    item->addURL(sealed);
+  }
+  ASSERT_EQ(item->URLAtIndex(2)->URLString(), std::nullopt);
+
+  item->removeDuplicateURLs();
+
+  EXPECT_EQ(item->numberOfURLs(), 3u);
+  EXPECT_THAT(item->deletedURLs(), IsEmpty());
+}
+
 TEST(QNItemURLs, TheFirstOfEachAddressStays) {
   const auto item = itemWithURLs({"https://a.example", "https://b.example", "https://a.example",
                                   "https://A.example", "https://b.example"});
@@ -289,6 +351,43 @@ TEST(QNItemURLs, GoAndFillNamesTheItemAndTheVault) {
   ASSERT_TRUE(item->goAndFillURLString());
 
   EXPECT_EQ(itemWithURLs({})->goAndFillURLString(), std::nullopt);
+}
+
+TEST(QNItemURLs, AShellAnswersFromItsOverviewAndKnowsNoOtherURLs) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->addURLString("https://www.a.example/x");
+  save(*row);
+  const auto shell = listed(*row, vault);
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(shell->nakedDomain(), "a.example");
+  EXPECT_EQ(shell->derivedDomain(), "www.a.example");
+  EXPECT_EQ(shell->goAndFillURLString(),
+            QNURLTools::shared().generateGoAndFillURLStringForString("https://www.a.example/x",
+                                                                     *row->uuid(), *vault->uuid()));
+  EXPECT_THAT(assertions(sink), IsEmpty());
+  EXPECT_EQ(shell->defaultLabelForNewURL(), "website");
+  EXPECT_THAT(assertions(sink), ElementsAre("Item URLs must be loaded"));
+}
+
+TEST(QNItemURLs, AreHashedUnderTheNewVaultWhenTheirItemMovesToAnAccount) {
+  const auto account = accountVault();
+  const auto item = itemWithURLs({"https://www.a.example"});
+  const auto url = item->URLAtIndex(0);
+  save(*item);
+  url->willSave();
+  const auto before = url->derivedHash();
+
+  item->setProfile(account);
+  save(*item);
+  url->willSave();
+
+  const QNURLTools& tools = QNURLTools::shared();
+  EXPECT_NE(url->derivedHash(), before);
+  EXPECT_EQ(url->derivedHash(),
+            tools.derivedHashWithSalt(*account->uuid(), "https://www.a.example"));
+  EXPECT_EQ(url->nakedHash(), tools.nakedHashWithSalt(*account->uuid(), "https://www.a.example"));
 }
 
 TEST(QNItemURLs, ANewOnesLabelCountsThePresentOnes) {
