@@ -17,25 +17,28 @@ class WipingResource final : public boost::json::memory_resource {
   bool do_is_equal(const memory_resource& other) const noexcept override { return this == &other; }
 };
 
-// Has the value a JSON form? Texts must be UTF-8 and numbers finite.
-bool hasJsonForm(const Json& value);
-bool hasJsonForm(const JsonObject& object) {
+// Has the value a JSON form that can be read back? Texts must be UTF-8 and numbers finite. `depth`:
+// how many more containers may stand inside one another.
+bool hasJsonForm(const Json& value, std::size_t depth);
+bool hasJsonForm(const JsonObject& object, std::size_t depth) {
+  if (depth == 0) return false;
   for (const auto& member : object) {
-    if (!isUTF8(member.key()) || !hasJsonForm(member.value())) return false;
+    if (!isUTF8(member.key()) || !hasJsonForm(member.value(), depth - 1)) return false;
   }
   return true;
 }
-bool hasJsonForm(const Json& value) {
+bool hasJsonForm(const Json& value, std::size_t depth) {
   switch (value.kind()) {
     case JsonKind::string:
       return isUTF8(value.get_string());
     case JsonKind::double_:
       return std::isfinite(value.get_double());
     case JsonKind::object:
-      return hasJsonForm(value.get_object());
+      return hasJsonForm(value.get_object(), depth);
     case JsonKind::array:
+      if (depth == 0) return false;
       for (const Json& element : value.get_array()) {
-        if (!hasJsonForm(element)) return false;
+        if (!hasJsonForm(element, depth - 1)) return false;
       }
       return true;
     default:
@@ -45,7 +48,7 @@ bool hasJsonForm(const Json& value) {
 
 template <class Value>
 std::optional<Bytes> serialized(const Value& value, QNError* error) {
-  if (!hasJsonForm(value)) {
+  if (!hasJsonForm(value, kMaxJsonDepth)) {
     setError(error, QNError::unreadable("a value has no JSON form"));
     return std::nullopt;
   }
@@ -188,7 +191,10 @@ std::optional<std::uint64_t> mr_unsignedValueForKey(const JsonObject& object,
 }
 
 void setJsonText(JsonObject& object, std::string_view key, std::string_view text) {
-  object[key].emplace_string().assign(text);
+  // The text may lie within the object, which moves as it grows. A copy in a string of the JSON
+  // kind would stay on the stack if it is short.
+  const Bytes copy = toBytes(bytesOf(text));
+  object[key].emplace_string().assign(textOf(copy));
 }
 
 }  // namespace quillon

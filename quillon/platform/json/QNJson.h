@@ -22,13 +22,13 @@ using JsonKind = boost::json::kind;
 /// The wiping memory resource. Give it to every JSON value that holds an item's data.
 boost::json::storage_ptr jsonStorage() noexcept;
 
-/// Deepest nesting that is read, in containers. Deeper text is refused.
+/// Deepest nesting, in containers. Anything deeper is refused, read or written.
 inline constexpr std::size_t kMaxJsonDepth = 64;
 /// Longest text that is read, in bytes.
 inline constexpr std::size_t kMaxJsonBytes = std::size_t{256} << 20;
 
 /// UTF-8 JSON text of a value, without blanks. Error 114 of MRErrorDomain for a value that has no
-/// JSON form: a number that isn't finite, a text that isn't UTF-8.
+/// JSON form: a number that isn't finite, a text that isn't UTF-8, nesting beyond kMaxJsonDepth.
 std::optional<Bytes> mr_JSONDataWithError(const Json& value, QNError* error = nullptr);
 std::optional<Bytes> mr_JSONDataWithError(const JsonObject& object, QNError* error = nullptr);
 std::optional<std::string> mr_JSONStringWithError(const Json& value, QNError* error = nullptr);

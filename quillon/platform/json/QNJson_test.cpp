@@ -1,6 +1,8 @@
 #include "quillon/platform/json/QNJson.h"
 
 #include <fmt/core.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <bit>
 #include <cmath>
@@ -122,6 +124,37 @@ TEST(QNJson, RefusesToWriteWhatHasNoJsonForm) {
     EXPECT_EQ(error.domainCodeString(), "MRErrorDomain 114");
     EXPECT_EQ(mr_JSONStringWithError(value), std::nullopt);
   }
+}
+
+Json nested(std::size_t depth, bool inObjects) {
+  Json value(1);
+  for (std::size_t i = 0; i < depth; ++i) {
+    value = inObjects ? Json(JsonObject{{"a", value}}) : Json(JsonArray{value});
+  }
+  return value;
+}
+
+TEST(QNJson, WritesNestingToTheLimitThatIsReadBack) {
+  for (const bool inObjects : {false, true}) {
+    const Json value = nested(kMaxJsonDepth, inObjects);
+
+    const auto written = mr_JSONDataWithError(value);
+
+    ASSERT_TRUE(written.has_value());
+    EXPECT_EQ(mr_valueFromJSONDataWithError(*written), value);
+  }
+}
+
+TEST(QNJson, RefusesToWriteNestingThatCannotBeReadBack) {
+  for (const bool inObjects : {false, true}) {
+    const Json value = nested(kMaxJsonDepth + 1, inObjects);
+    QNError error;
+
+    EXPECT_EQ(mr_JSONDataWithError(value, &error), std::nullopt);
+
+    EXPECT_EQ(error.domainCodeString(), "MRErrorDomain 114");
+  }
+  EXPECT_EQ(mr_JSONDataWithError(nested(kMaxJsonDepth + 1, true).get_object()), std::nullopt);
 }
 
 // Numbers
