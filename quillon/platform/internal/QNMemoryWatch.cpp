@@ -102,10 +102,18 @@ void* operator new(std::size_t size) {
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
+// std::stable_sort takes its memory so, and gives it to the operator delete below: both must be of
+// one kind for the address sanitizer.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return std::malloc(size == 0 ? 1 : size);
+}
 void operator delete(void* block) noexcept {
   quillon::look(block);
   std::free(block);
 }
 void operator delete(void* block, std::size_t) noexcept {
+  ::operator delete(block);
+}
+void operator delete(void* block, const std::nothrow_t&) noexcept {
   ::operator delete(block);
 }
