@@ -56,7 +56,7 @@ void addFields(Sheet& sheet, QNItem& item, bool reveal) {
   if (login == nullptr) return;
   for (const auto& field : login->loginFields().fields()) {
     if (field->designatedAsUsername() || field->designatedAsPassword()) continue;
-    const bool shown = reveal || field->type() != QNLoginFieldTypePassword;
+    const bool shown = reveal || !isHidden(*field);
     sheet.addSecret(shownText(field->name().value_or("Field")), field->value(), shown);
   }
 }

@@ -28,7 +28,7 @@ JsonArray fieldsOf(QNItem& item, bool revealed) {
     JsonObject& shown = fields.emplace_back(boost::json::object_kind).get_object();
     setText(shown, "name", field->name());
     setText(shown, "type", field->type());
-    if (field->type() == QNLoginFieldTypePassword && !revealed) continue;
+    if (isHidden(*field) && !revealed) continue;
     const auto value = field->value();
     if (value) setJsonText(shown, "value", value->reveal());  // a value that isn't concealed
   }
@@ -36,6 +36,13 @@ JsonArray fieldsOf(QNItem& item, bool revealed) {
 }
 
 }  // namespace
+
+bool isHidden(const QNLoginField& field) {
+  const auto designation = field.designation();
+  return field.type() == QNLoginFieldTypePassword || field.name() == "password" ||
+         designation == QNLoginFieldDesignationPassword ||
+         designation == QNFillObjectDesignationNewPassword;
+}
 
 JsonObject listedJson(QNItem& item) {
   JsonObject object(jsonStorage());

@@ -4,8 +4,14 @@
 
 namespace quillon {
 
+class QNLoginField;
+
 /// What `list` and `find` print of an item: its row and overview, no details.
 JsonObject listedJson(QNItem& item);
+
+/// Is the value of that form field a secret, which is printed on demand only? A password that
+/// isn't concealed in its form is one, too.
+bool isHidden(const QNLoginField& field);
 
 /// How much of an item's secrets `show` prints.
 enum class QNRevealed { nothing, password, everything };
