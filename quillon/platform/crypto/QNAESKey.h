@@ -43,8 +43,10 @@ class QNAESKey final {
   /// From key data, 64 or 256 bytes in this system. The same bytes give the same key. Absent or
   /// empty data gives a key that opens and seals nothing.
   static QNAESKeyRef initWithKeyData(std::optional<ByteView> data);
-  /// Argon2id over the NFKD form of the password. Null, before any work, for a count outside
-  /// kMinIterations to kMaxIterations or a salt that isn't 16 bytes; null if memory is short.
+  /// Argon2id over the NFKD form of the password. Null, before any work, for a password that isn't
+  /// UTF-8, a count outside kMinIterations to kMaxIterations or a salt that isn't 16 bytes; null if
+  /// memory is short. Code points that Unicode hasn't assigned yet may get another NFKD form in a
+  /// later version: a password with one may fail to open there.
   static QNAESKeyRef initWithPassword(std::string_view password, ByteView salt,
                                       std::uint32_t iterations);
   static QNAESKeyRef initWithRandomKey();
@@ -68,7 +70,8 @@ class QNAESKey final {
   [[nodiscard]] std::optional<std::array<std::uint8_t, 32>> hmac(ByteView data) const;
 
   // Streaming: QNAESKey+Stream.cpp
-  /// Gives up to `count` bytes, fewer only at the end; nothing on a read error.
+  /// Gives up to `count` bytes, fewer only at the end, where it is called once more and must give
+  /// none: bytes behind a short read are an error. Nothing on a read error.
   using Reader = std::function<std::optional<Bytes>(std::size_t count)>;
   /// Takes bytes; false stops the operation.
   using Writer = std::function<bool(ByteView)>;

@@ -145,6 +145,12 @@ TEST(QNAESKey, RefusesASaltOfAnotherLength) {
   }
 }
 
+TEST(QNAESKey, MakesNoKeyFromAPasswordThatIsNotUTF8) {
+  for (const std::string_view password : {"\xff", "password\xff", "\xc3", "\xed\xa0\x80"}) {
+    EXPECT_EQ(QNAESKey::initWithPassword(password, kSalt, 8), nullptr);
+  }
+}
+
 TEST(QNAESKey, DependsOnEachOfPasswordSaltAndCount) {
   const Bytes raw = rawOf(QNAESKey::initWithPassword("password", kSalt, 8));
 

@@ -53,9 +53,10 @@ QNKeyBytes hkdf(const char* digest, ByteView keyMaterial, ByteView salt, ByteVie
 
 QNKeyBytes argon2id(std::string_view password, ByteView salt, std::uint32_t kibibytes,
                     std::size_t size) {
-  const QNSecret normalized = normalizedNFKD(password);
+  const auto normalized = normalizedNFKD(password);
+  if (!normalized) return {};
   // Argon2 reads the characters themselves; libsodium wants an address of no characters too.
-  const std::string_view text = normalized.empty() ? "" : normalized.reveal();
+  const std::string_view text = normalized->empty() ? "" : normalized->reveal();
   QNKeyBytes derived(size);
   if (sodium_init() < 0) return {};
   const int failed =

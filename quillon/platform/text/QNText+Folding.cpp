@@ -121,11 +121,12 @@ std::string withoutCaseAndWidth(std::string_view text) {
 using WipedUnits = std::vector<UChar, QNWipingAllocator<UChar>>;
 
 // Buffers are large enough from the start: what ICU would allocate for itself isn't wiped.
+// Fails for text that isn't UTF-8.
 WipedUnits secretUnitsOf(std::string_view text, UErrorCode& status) {
   WipedUnits units(text.size());
   int32_t length = 0;
-  u_strFromUTF8WithSub(units.data(), static_cast<int32_t>(units.size()), &length, text.data(),
-                       static_cast<int32_t>(text.size()), 0xFFFD, nullptr, &status);
+  u_strFromUTF8(units.data(), static_cast<int32_t>(units.size()), &length, text.data(),
+                static_cast<int32_t>(text.size()), &status);
   units.resize(static_cast<std::size_t>(length));
   return units;
 }
@@ -153,7 +154,7 @@ bool containsIgnoringCaseAndWidth(std::string_view text, std::string_view part) 
   return withoutCaseAndWidth(text).find(withoutCaseAndWidth(part)) != std::string::npos;
 }
 
-QNSecret normalizedNFKD(std::string_view text) {
+std::optional<QNSecret> normalizedNFKD(std::string_view text) {
   if (isASCII(text)) return QNSecret(text);
   UErrorCode status = U_ZERO_ERROR;
   const WipedUnits units = decomposed(secretUnitsOf(text, status), status);
@@ -161,7 +162,7 @@ QNSecret normalizedNFKD(std::string_view text) {
   int32_t size = 0;
   u_strToUTF8(reinterpret_cast<char*>(bytes.data()), static_cast<int32_t>(bytes.size()), &size,
               units.data(), static_cast<int32_t>(units.size()), &status);
-  if (U_FAILURE(status)) return QNSecret(text);
+  if (U_FAILURE(status)) return std::nullopt;
   return QNSecret(textOf(bytes).substr(0, static_cast<std::size_t>(size)));
 }
 

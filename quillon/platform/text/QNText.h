@@ -4,6 +4,7 @@
 // code units, as stored data counts them.
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -40,8 +41,9 @@ std::string foldedForSearch(std::string_view text);
 /// Does `text` contain `part`, case and full or half width of letters apart? Each text contains
 /// the empty one.
 bool containsIgnoringCaseAndWidth(std::string_view text, std::string_view part);
-/// Normalization form KD (UAX 15): what a password is derived from.
-QNSecret normalizedNFKD(std::string_view text);
+/// Normalization form KD (UAX 15): what a key is derived from a password by. Nothing for text that
+/// isn't UTF-8, or should ICU fail: any other text in its place would make another key.
+std::optional<QNSecret> normalizedNFKD(std::string_view text);
 
 // Comparing: QNText+Comparing.cpp
 /// Order of two texts for a person, by the user's locale; case apart in the second. Below 0,
