@@ -12,17 +12,19 @@ constexpr std::string_view kReadFailed = "the reader failed";
 constexpr std::string_view kWriteFailed = "the writer stopped";
 
 // What a reader gives, cut into pieces of one size. It reads one piece ahead, since a piece must
-// be known to be the last before it is sealed or opened.
+// be known to be the last before it is sealed or opened; and once more behind a short piece, since
+// a reader that stopped short in the middle, as one over a pipe may, would cut the text.
 class Pieces final {
  public:
   Pieces(const QNAESKey::Reader& reader, std::size_t size) : _reader(reader), _size(size) {}
-  // The first call reads the first piece. False if the reader fails.
+  // The first call reads the first piece. False if the reader fails, or gives more behind a short
+  // piece.
   [[nodiscard]] bool advance() {
     if (!_started && !readAhead()) return false;
     _started = true;
     std::swap(_piece, _ahead);
     _ahead.clear();
-    return _piece.size() < _size || readAhead();
+    return readAhead() && (_piece.size() == _size || _ahead.empty());
   }
   [[nodiscard]] ByteView piece() const noexcept { return _piece; }
   [[nodiscard]] QNSegmentPlace place() const noexcept {

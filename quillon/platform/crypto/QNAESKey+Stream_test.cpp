@@ -96,14 +96,50 @@ TEST(QNAESKeyStream, ReadsNoMoreThanASegmentAtATime) {
   EXPECT_EQ(plain.largestCount, QNAESKey::kSegmentSize);
 }
 
-TEST(QNAESKeyStream, AsksForNoMoreAfterAPieceThatWasShort) {
+TEST(QNAESKeyStream, AsksOnceMoreAfterAPieceThatWasShort) {
   const auto key = fixedKey();
-  Source sealed{*key->encrypt(patterned(300)), 2};  // the head, the only piece, and a failure
-  Source plain{patterned(300), 1};
+  Source sealed{*key->encrypt(patterned(300))};
+  Source plain{patterned(300)};
   Sink sink;
 
   EXPECT_TRUE(key->decryptDataWithReader(sealed.reader(), sink.writer()));
   EXPECT_TRUE(key->encryptDataWithReader(plain.reader(), sink.writer()));
+
+  EXPECT_EQ(sealed.calls, 3);  // the head, the only piece, and none behind it
+  EXPECT_EQ(plain.calls, 2);
+}
+
+// Gives the parts one by one, whatever it is asked for, as a pipe does; then nothing more.
+QNAESKey::Reader pipeOf(std::vector<Bytes> parts) {
+  return [parts = std::move(parts), at = std::size_t{0}](std::size_t) mutable {
+    return std::optional(at < parts.size() ? parts[at++] : Bytes());
+  };
+}
+
+TEST(QNAESKeyStream, RefusesBytesBehindAShortRead) {
+  const auto key = fixedKey();
+  const Bytes sealed = *key->encrypt(patterned(300));
+  const Bytes head = part(sealed, 0, kHead), rest = part(sealed, kHead, sealed.size() - kHead);
+  const Bytes begun = part(rest, 0, 100), ended = part(rest, 100, rest.size() - 100);
+  Sink opened, encrypted;
+  QNError error;
+
+  EXPECT_FALSE(key->decryptDataWithReader(pipeOf({head, rest, {0}}), opened.writer(), &error));
+  EXPECT_FALSE(key->decryptDataWithReader(pipeOf({head, begun, ended}), opened.writer()));
+  EXPECT_FALSE(key->encryptDataWithReader(pipeOf({begun, ended}), encrypted.writer()));
+
+  EXPECT_EQ(error.message, "the reader failed");
+  EXPECT_TRUE(opened.bytes.empty());
+  EXPECT_FALSE(key->decrypt(encrypted.bytes));
+}
+
+TEST(QNAESKeyStream, RefusesBytesBehindAnEmptyRead) {
+  const auto key = fixedKey();
+  Sink encrypted;
+
+  EXPECT_FALSE(key->encryptDataWithReader(pipeOf({{}, patterned(300)}), encrypted.writer()));
+
+  EXPECT_FALSE(key->decrypt(encrypted.bytes));
 }
 
 // Nothing but whole segments that were verified may have left, and the error is told.
@@ -202,7 +238,7 @@ TEST(QNAESKeyStream, ReleasesNothingUnderAnotherKey) {
 TEST(QNAESKeyStream, StopsWhereTheReaderFails) {
   const auto key = QNAESKey::initWithRandomKey();
   const Bytes plain = patterned(kThreeSegments);
-  for (int call = 0; call < 4; ++call) {
+  for (int call = 0; call < 5; ++call) {
     SCOPED_TRACE(call);
     Source source{*key->encrypt(plain), call};
     Sink sink;
@@ -218,7 +254,7 @@ TEST(QNAESKeyStream, StopsWhereTheReaderFails) {
 
 TEST(QNAESKeyStream, StopsWhereTheReaderFailsWhenSealing) {
   const auto key = QNAESKey::initWithRandomKey();
-  for (int call = 0; call < 3; ++call) {
+  for (int call = 0; call < 4; ++call) {
     Source source{patterned(kThreeSegments), call};
     Sink sink;
     QNError error;
