@@ -50,6 +50,14 @@ std::string queryWithoutOurs(std::string_view query) {
   return kept;
 }
 
+// Elsewhere in an address a bracket says nothing of its host.
+bool hasBracketedHost(std::string_view typed, const QNAddress& address) {
+  if (address.scheme) typed.remove_prefix(address.scheme->size() + 1);
+  typed.remove_prefix(std::min(typed.find_first_not_of("/\\"), typed.size()));
+  const std::string_view authority = typed.substr(0, typed.find_first_of("/\\?#"));
+  return authority.substr(authority.rfind('@') + 1, 1) == "[";  // npos + 1 is 0
+}
+
 std::string percentEncoded(std::string_view text) {
   constexpr std::string_view plain =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
@@ -105,9 +113,8 @@ std::optional<std::string> QNURLTools::generateGoAndFillURLStringForString(
   if (!address.host) return std::nullopt;
   std::string storage;
   const std::string_view typed = cleanedAddress(url, storage);
-  const bool lacksBrackets =
-      address.host->find(':') != std::string::npos && typed.find('[') == std::string_view::npos;
-  if (lacksBrackets) return std::nullopt;
+  const bool isIPv6 = address.host->find(':') != std::string::npos;
+  if (isIPv6 && !hasBracketedHost(typed, address)) return std::nullopt;
   const std::string_view body = typed.substr(0, typed.find('#'));
   const std::string_view place = body.substr(0, body.find('?'));
   const std::string_view query = body.substr(std::min(place.size() + 1, body.size()));

@@ -28,7 +28,8 @@ class QNURLTools final {
                                                                std::string_view forURLString) const;
   [[nodiscard]] std::optional<std::string> nakedHashWithSalt(std::string_view salt,
                                                              std::string_view forURLString) const;
-  /// Version of the hash scheme: it changes when hosts or domains would be read otherwise.
+  /// Version of the hash scheme: other rules for hosts or naked domains raise it. A newer suffix
+  /// list or Unicode version doesn't: naked hashes of equal versions may differ by the list.
   [[nodiscard]] std::uint64_t hashVersion() const noexcept { return 1; }
 
   /// The address with the item's and the vault's identifiers added as query parameters, by which

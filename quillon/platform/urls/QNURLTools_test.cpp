@@ -363,6 +363,21 @@ TEST(QNURLTools, GoAndFillGivesNothingForABareIPv6Address) {
   EXPECT_FALSE(tools().generateGoAndFillURLStringForString("2001:db8::1", "i", "v"));
 }
 
+TEST(QNURLTools, GoAndFillLooksForTheBracketsOfAnIPv6AddressInItsHostOnly) {
+  const auto filled = [](std::string_view url) {
+    return tools().generateGoAndFillURLStringForString(url, "i", "v").value_or("(nothing)");
+  };
+
+  for (const auto* const bare :
+       {"2001:db8::1/[", "2001:db8::1?a=[", "2001:db8::1#[", "//2001:db8::1/[::1]",
+        "http://2001:db8::1/[", "http:2001:db8::1\\[", "http://ann[@2001:db8::1/"}) {
+    EXPECT_EQ(filled(bare), "(nothing)") << bare;
+  }
+  EXPECT_EQ(filled("[::1]:80/["), "https://[::1]:80/[?quillon-item=i&quillon-vault=v");
+  EXPECT_EQ(filled("http:[::1]"), "http:[::1]?quillon-item=i&quillon-vault=v");
+  EXPECT_EQ(filled("http://ann@[::1]"), "http://ann@[::1]?quillon-item=i&quillon-vault=v");
+}
+
 void checkProperties(const std::string& url) {
   const auto host = tools().extractHostFromURLString(url);
   const auto naked = tools().nakedDomainForURLString(url);
