@@ -14,7 +14,7 @@ class QNProfile;
 
 /// Ranks the items that were found for a web page. The caller looks items up by hash, sets the
 /// inputs, and reads the outputs; they are computed at the first read of either, once. The sets
-/// must not overlap.
+/// must not overlap, and each must hold an item once: nothing here looks for a second one.
 class QNItemSetForURL final {
  public:
   using Items = std::vector<std::shared_ptr<QNItem>>;

@@ -222,6 +222,45 @@ TEST_F(QNItemSetForURLTest, CountsOnlyTheKeptLoginsAtTheTop) {
   EXPECT_EQ(set.topLevelToDisplay(), 1u);
 }
 
+TEST_F(QNItemSetForURLTest, ShowsTheNakedLoginsAtTheTopWhenNoDerivedOneIsOffered) {
+  QNItemSetForURL set;
+  set.limitMatchesToDerivedDomain = set.limitMatchesToRegularScope = true;
+  set.derivedLogins = logins({"never", "never either"});
+  for (const auto& login : set.derivedLogins) login->setScope(std::string(QNItemScopeNever));
+  set.nakedLogins = logins({"b", "a"});
+
+  EXPECT_THAT(titlesOf(set.matchingItems()), ElementsAre("a", "b"));
+  EXPECT_EQ(set.topLevelToDisplay(), 2u);
+}
+
+TEST_F(QNItemSetForURLTest, StopsInQuickFillAtTheOnlyDerivedLoginThatIsOffered) {
+  QNItemSetForURL set;
+  set.limitMatchesToDerivedDomain = set.limitMatchesToRegularScope = set.quickFillMode = true;
+  set.derivedLogins = logins({"never", "regular"});
+  set.derivedLogins[0]->setScope(std::string(QNItemScopeNever));
+  set.nakedLogins = logins({"naked"});
+
+  EXPECT_THAT(titlesOf(set.matchingItems()), ElementsAre("regular"));
+  EXPECT_EQ(set.topLevelToDisplay(), 1u);
+}
+
+TEST_F(QNItemSetForURLTest, FallsBackOnPasswordsWhenNoLoginIsOffered) {
+  for (const bool limited : {true, false}) {
+    QNItemSetForURL set;
+    set.limitMatchesToDerivedDomain = limited;
+    set.limitMatchesToRegularScope = true;
+    set.derivedLogins = logins({"never"});
+    set.derivedLogins[0]->setScope(std::string(QNItemScopeNever));
+    set.nakedLogins = logins({"never either"});
+    set.nakedLogins[0]->setScope(std::string(QNItemScopeNever));
+    set.derivedPasswords = passwords({"a"});
+    set.nakedPasswords = passwords({"b"});
+
+    EXPECT_THAT(titlesOf(set.matchingItems()), ElementsAre("a", "b")) << limited;
+    EXPECT_EQ(set.topLevelToDisplay(), limited ? 1u : 0u);
+  }
+}
+
 TEST_F(QNItemSetForURLTest, KeepsPasswordsWhateverTheirScope) {
   for (const bool limited : {true, false}) {
     QNItemSetForURL set;

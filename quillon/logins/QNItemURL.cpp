@@ -165,9 +165,10 @@ std::size_t QNItemURL::hash() {
   return hashOf(label().value_or("")) ^ hashOf(URLString().value_or(""));
 }
 
-// The vault's uuid is the salt: nobody can tell that two vaults know the same site.
+// The uuid of the item's vault is the salt: nobody can tell that two vaults know the same site.
 void QNItemURL::willSave() {
-  const auto vault = profile();
+  const auto owner = item();
+  const auto vault = owner == nullptr ? nullptr : owner->profile();
   const QNSharedString salt = vault == nullptr ? nullptr : vault->uuid();
   const auto url = salt == nullptr ? std::nullopt : URLString();
   const QNURLTools& tools = QNURLTools::shared();

@@ -51,6 +51,11 @@ TEST(QNItemURLSearchString, IsTheHostInLowerCase) {
   EXPECT_EQ(extracted(""), "");
 }
 
+TEST(QNItemURLSearchString, BeginsBehindASchemeWhereverItStands) {
+  EXPECT_EQ(QNItemURL::extractSearchStringFromURLString("example.com/?next=http://other.example/"),
+            "other.example");
+}
+
 TEST(QNItemURLSearchString, EndsAtTheFirstColonWithoutAScheme) {
   EXPECT_EQ(QNItemURL::extractSearchStringFromURLString("mailto:ann@example.com"), "mailto");
 }
@@ -91,6 +96,30 @@ TEST_F(QNItemURLTest, DropsItsHashesForANewAddress) {
 
   EXPECT_EQ(made->nakedHash(), std::nullopt);
   EXPECT_EQ(made->derivedHash(), std::nullopt);
+}
+
+TEST_F(QNItemURLTest, DropsItsAddressAndHashesForNoAddress) {
+  const auto made = url("https://example.com");
+  made->setLabel("Work");
+  made->setNakedHash("n");
+  made->setDerivedHash("d");
+
+  made->setURLString(std::nullopt);
+
+  EXPECT_EQ(mr_JSONStringWithError(*made->overviewCopy()), R"({"label":"Work"})");
+  EXPECT_EQ(made->nakedHash(), std::nullopt);
+  EXPECT_EQ(made->derivedHash(), std::nullopt);
+}
+
+TEST_F(QNItemURLTest, DirtiesNothingForAnEqualLabel) {
+  const auto made = url();
+  made->setLabel("Work");
+  ASSERT_TRUE(made->dirtyRow());
+  made->didSave();
+
+  made->setLabel("Work");
+
+  EXPECT_FALSE(made->dirtyRow());
 }
 
 TEST_F(QNItemURLTest, KeepsItsHashesForAnEqualAddress) {
@@ -172,6 +201,16 @@ TEST_F(QNItemURLTest, CalculatesItsLabelFromItsPlaceInTheItem) {
 TEST_F(QNItemURLTest, HasNoCalculatedLabelOutsideAnItem) {
   EXPECT_EQ(url()->calculatedLabel(), "");
   EXPECT_EQ(std::make_shared<QNItemURL>(initNew)->calculatedLabel(), "");
+}
+
+TEST_F(QNItemURLTest, HasNoCalculatedLabelWhileItsItemIsAShell) {
+  const MRCapturingSink log;
+  const auto shell = std::make_shared<QNItem>(QNExisting{5});
+  const auto made = url("https://example.com");
+  made->setItem(shell);
+
+  EXPECT_EQ(made->calculatedLabel(), "");
+  EXPECT_THAT(log.texts(MRLogKind::assertion), ElementsAre("Item URLs must be loaded"));
 }
 
 TEST_F(QNItemURLTest, LeavesOutAWebSchemeAndTouchesNothingElse) {
@@ -308,6 +347,15 @@ TEST_F(QNItemURLTest, IsMadeForAnItemFromItsAttributes) {
   EXPECT_EQ(made->allAttributes(), *row);
 }
 
+TEST_F(QNItemURLTest, IsMadeEmptyFromAttributesWithoutAnOverview) {
+  const auto made = QNItemURL::urlForItem(_item, JsonObject());
+
+  EXPECT_EQ(made->item(), _item);
+  EXPECT_EQ(made->profile(), _vault);
+  EXPECT_EQ(made->URLString(), std::nullopt);
+  EXPECT_EQ(made->label(), std::nullopt);
+}
+
 TEST_F(QNItemURLTest, HoldsItsItemWeakly) {
   auto item = std::make_shared<QNItem>(initNew);
   const auto made = std::make_shared<QNItemURL>(initNew);
@@ -365,15 +413,51 @@ TEST_F(QNItemURLTest, ReportsASaveWithoutAProfile) {
 
 TEST_F(QNItemURLTest, IsSaltedByTheAccountVaultToo) {
   const auto account = std::make_shared<QNTestServerProfile>();
-  const auto made = std::make_shared<QNItemURL>(initNew);
-  made->setProfile(account);
-  made->setURLString("https://example.com");
+  const auto item = std::make_shared<QNItem>(initNew);
+  item->setProfile(account);
+  item->addURLString("https://example.com");
+  const auto made = item->URLAtIndex(0);
 
   made->willSave();
 
   EXPECT_EQ(made->nakedHash(),
             QNURLTools::shared().nakedHashWithSalt(*account->uuid(), "https://example.com"));
   EXPECT_THAT(std::string(textOf(*made->overviewData())), HasSubstr("sealed"));
+}
+
+TEST_F(QNItemURLTest, IsSaltedByTheVaultOfItsItemNotByItsOwn) {
+  const auto made = url("https://example.com");
+  made->setProfile(QNProfile::initNewWithPassword(DEMO_PASSWORD));
+
+  made->willSave();
+
+  EXPECT_EQ(made->derivedHash(),
+            QNURLTools::shared().derivedHashWithSalt(*_vault->uuid(), "https://example.com"));
+}
+
+TEST_F(QNItemURLTest, HasNoHashesWithoutAnItem) {
+  const auto made = url("https://example.com");
+  made->setItem(nullptr);
+
+  made->willSave();
+
+  EXPECT_EQ(made->nakedHash(), std::nullopt);
+  EXPECT_EQ(made->derivedHash(), std::nullopt);
+}
+
+TEST_F(QNItemURLTest, KeepsItsStoredOverviewInASaveThatCannotOpenIt) {
+  const MRCapturingSink log;
+  const auto made = std::make_shared<QNItemURL>(QNExisting{3});
+  made->setItem(_item);
+  made->setProfile(_vault);
+  const Bytes sealed = toBytes(bytesOf("sealed by another vault, which this one can't open"));
+  made->setOverviewData(sealed);
+
+  made->willSave();
+
+  EXPECT_EQ(made->overviewData(), sealed);
+  EXPECT_EQ(made->nakedHash(), std::nullopt);
+  EXPECT_EQ(made->derivedHash(), std::nullopt);
 }
 
 std::shared_ptr<QNItemURL> readFrom(ByteView archive) {

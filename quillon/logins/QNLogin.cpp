@@ -22,6 +22,7 @@ QNLogin::QNLogin(QNExisting existing) : QNItem(existing) {
 
 QNLoginFieldList& QNLogin::loginFields() {
   const std::lock_guard guard(monitor());
+  if (_cachedLoginFields == nullptr) _cachedLoginFields = std::make_unique<QNLoginFieldList>();
   if (!_loginFieldsAreLoaded) _loadLoginFields();
   return *_cachedLoginFields;
 }
@@ -29,7 +30,7 @@ QNLoginFieldList& QNLogin::loginFields() {
 void QNLogin::_loadLoginFields() {
   JsonObject* const stored = details();  // whose first parse may come here and load the list
   if (_loginFieldsAreLoaded) return;
-  _cachedLoginFields = std::make_unique<QNLoginFieldList>();
+  *_cachedLoginFields = QNLoginFieldList();  // somebody may hold on to it
   if (stored == nullptr) return;
   _loginFieldsAreLoaded = true;
   if (const Json* const fields = mr_objectForKey(*stored, kDetailsFields, JsonKind::array)) {
@@ -44,7 +45,7 @@ void QNLogin::_loadLoginFields() {
 
 void QNLogin::dropLoginFields() {
   _loginFieldsAreLoaded = false;
-  _cachedLoginFields = nullptr;
+  if (_cachedLoginFields != nullptr) *_cachedLoginFields = QNLoginFieldList();
 }
 
 void QNLogin::setDetailsData(std::optional<Bytes> data) {
@@ -60,11 +61,9 @@ void QNLogin::copyDetails(const JsonObject& details) {
 }
 
 void QNLogin::willSerialize() {
-  {
-    const std::lock_guard guard(monitor());
-    JsonObject* const stored = detailsLoaded() && _loginFieldsAreLoaded ? details() : nullptr;
-    if (stored != nullptr) (*stored)[kDetailsFields] = _cachedLoginFields->jsonArray();
-  }
+  const std::lock_guard guard(monitor());
+  JsonObject* const stored = detailsLoaded() && _loginFieldsAreLoaded ? details() : nullptr;
+  if (stored != nullptr) (*stored)[kDetailsFields] = _cachedLoginFields->jsonArray();
   QNItem::willSerialize();
 }
 
@@ -82,6 +81,7 @@ std::optional<std::string> QNLogin::username() {
 
 void QNLogin::setUsername(std::optional<std::string_view> username) {
   const std::lock_guard guard(monitor());
+  if (details() == nullptr) return;
   const std::string_view value = username.value_or("");
   const auto field = loginFields().usernameField();
   if (field != nullptr && field->hasValue(value)) return;
@@ -102,6 +102,7 @@ std::optional<QNSecret> QNLogin::password() {
 
 void QNLogin::setPassword(std::optional<std::string_view> password) {
   const std::lock_guard guard(monitor());
+  if (details() == nullptr) return;
   const std::string_view value = password.value_or("");
   const auto field = loginFields().passwordField();
   if (field != nullptr && field->hasValue(value)) return;
@@ -139,10 +140,9 @@ void QNLogin::removeHtmlFormValueForKey(std::string_view key) {
   const auto form = stored == nullptr ? nullptr : stored->find(kDetailsHtmlForm);
   if (stored == nullptr || form == stored->end() || !form->value().is_object()) return;
   JsonObject& members = form->value().get_object();
-  const auto member = members.find(key);
-  if (member == members.end()) return;
+  if (!members.empty() && !members.contains(key)) return;
   markRowDirty();
-  members.stable_erase(member);
+  members.stable_erase(key);
   if (members.empty()) stored->stable_erase(form);
 }
 
@@ -156,7 +156,8 @@ std::optional<std::string> QNLogin::_additionalInformation() {
 bool QNLogin::isCreatedByBrowserExtension() {
   const std::lock_guard guard(monitor());
   const JsonObject* const stored = details();
-  if (stored != nullptr && stored->contains(kDetailsHtmlForm)) return true;
+  if (stored != nullptr && mr_objectForKey(*stored, kDetailsHtmlForm, JsonKind::object))
+    return true;
   const QNLoginFieldList& fields = loginFields();
   return hasHtmlId(fields.usernameField()) || hasHtmlId(fields.passwordField());
 }

@@ -13,9 +13,10 @@ class QNLogin : public QNItem {
   explicit QNLogin(QNExisting existing);
 
   [[nodiscard]] std::string_view className() const override { return "QNLogin"; }
-  /// Loaded at the first use. Valid until the details are replaced; hold the monitor where another
-  /// thread may change it. While the details can't be read it is an empty list, which is never
-  /// saved: the next call tries again.
+  /// Loaded at the first use. The same object as long as the login lives: it is emptied when the
+  /// details are replaced and filled again by the next call. Where another thread may change it,
+  /// take `fields()`, a copy. While the details can't be read it is empty and never saved: the
+  /// next call tries again.
   QNLoginFieldList& loginFields();
   [[nodiscard]] bool hasLoginFields() override;
   [[nodiscard]] std::optional<std::string> username() override;

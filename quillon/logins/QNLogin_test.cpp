@@ -130,6 +130,31 @@ TEST_F(QNLoginTest, ReadsItsListOnce) {
   EXPECT_EQ(&login->loginFields(), &login->loginFields());
 }
 
+TEST_F(QNLoginTest, KeepsItsListObjectWhenItsDetailsAreReplaced) {
+  const auto login = loginWithFields(R"([{"name":"u"},{"name":"p"}])");
+  const QNLoginFieldList& fields = login->loginFields();
+  ASSERT_EQ(fields.count(), 2u);
+
+  login->copyDetails(object(R"({"fields":[{"name":"u"}]})"));
+  EXPECT_EQ(fields.count(), 0u);
+  ASSERT_TRUE(login->hasLoginFields());
+
+  EXPECT_EQ(fields.count(), 1u);
+  EXPECT_EQ(&login->loginFields(), &fields);
+}
+
+TEST_F(QNLoginTest, KeepsAndEmptiesItsListObjectWhileItsDetailsCannotBeRead) {
+  const MRCapturingSink log;
+  const auto shell = std::make_shared<QNLogin>(QNExisting{5});
+  QNLoginFieldList& fields = shell->loginFields();
+  fields.addDesignatedUsername("ann");
+
+  EXPECT_FALSE(shell->hasLoginFields());
+
+  EXPECT_EQ(&shell->loginFields(), &fields);
+  EXPECT_EQ(fields.count(), 0u);
+}
+
 TEST_F(QNLoginTest, ChangesTheUsernameOfItsEntry) {
   const auto login =
       loginWithFields(R"([{"x":1,"value":"ann","designation":"username","name":"u"}])");
@@ -178,6 +203,29 @@ TEST_F(QNLoginTest, AddsAnEmptyEntryForNoPassword) {
   EXPECT_EQ(storedFields(*login),
             R"([{"name":"password","value":"","type":"P","designation":"password"}])");
   EXPECT_FALSE(login->password());
+}
+
+TEST_F(QNLoginTest, StoresAnEmptyTextForNoUsernameOrPasswordInTheirEntries) {
+  const auto login = loginWithFields(
+      R"([{"value":"ann","designation":"username"},{"value":"pw","designation":"password"}])");
+
+  login->setUsername(std::nullopt);
+  login->setPassword(std::nullopt);
+
+  EXPECT_EQ(storedFields(*login),
+            R"([{"value":"","designation":"username"},{"value":"","designation":"password"}])");
+}
+
+TEST_F(QNLoginTest, TakesNeitherUsernameNorPasswordWhileItsDetailsCannotBeRead) {
+  const MRCapturingSink log;
+  const auto shell = std::make_shared<QNLogin>(QNExisting{5});
+  shell->didLoad();
+
+  shell->setUsername("ann");
+  shell->setPassword("pw");
+
+  EXPECT_FALSE(shell->dirtyRow());
+  EXPECT_FALSE(shell->hasLoginFields());
 }
 
 TEST_F(QNLoginTest, ChangesThePasswordOfItsEntry) {
@@ -335,6 +383,15 @@ TEST_F(QNLoginTest, RemovesItsWebFormWithItsLastValue) {
   EXPECT_NE(login->detailsObjectForKey("fields"), nullptr);
 }
 
+TEST_F(QNLoginTest, RemovesAnEmptyWebFormWithAnyValue) {
+  const auto login = loginWithDetails(R"({"htmlForm":{},"fields":[]})");
+
+  login->setHtmlName(std::nullopt);
+
+  EXPECT_TRUE(login->dirtyRow());
+  EXPECT_EQ(login->detailsObjectForKey("htmlForm"), nullptr);
+}
+
 TEST_F(QNLoginTest, ReplacesAWebFormThatIsNoObject) {
   const auto login = loginWithDetails(R"({"htmlForm":"broken"})");
   ASSERT_EQ(login->htmlName(), std::nullopt);
@@ -375,6 +432,12 @@ TEST_F(QNLoginTest, ComesFromABrowserWithAWebForm) {
   EXPECT_TRUE(loginWithDetails(R"({"htmlForm":{"htmlName":"n"}})")->isCreatedByBrowserExtension());
 }
 
+TEST_F(QNLoginTest, ComesFromABrowserWithAWebFormThatIsAnObjectOnly) {
+  EXPECT_TRUE(loginWithDetails(R"({"htmlForm":{}})")->isCreatedByBrowserExtension());
+  EXPECT_FALSE(loginWithDetails(R"({"htmlForm":null})")->isCreatedByBrowserExtension());
+  EXPECT_FALSE(loginWithDetails(R"({"htmlForm":"form"})")->isCreatedByBrowserExtension());
+}
+
 TEST_F(QNLoginTest, ComesFromABrowserWithAnHtmlIdOnADesignatedEntry) {
   EXPECT_TRUE(
       loginWithFields(R"([{"id":"u","designation":"username"}])")->isCreatedByBrowserExtension());
@@ -409,6 +472,18 @@ TEST_F(QNLoginTest, RetiresTheFormerPasswordOfASavedLogin) {
 
   ASSERT_EQ(login->numberOfPreviouslyUsedPasswords(), 1u);
   EXPECT_TRUE(login->previouslyUsedPasswordAtIndex(0)->value()->equals("one"));
+}
+
+TEST_F(QNLoginTest, RetiresNothingWhenItsDetailsWereReplacedAndReadBeforeASave) {
+  const auto login = loginWithFields(R"([{"value":"one","designation":"password"}])");
+  login->_setOid(5);
+  ASSERT_TRUE(login->password()->equals("one"));
+
+  login->copyDetails(object(R"({"fields":[{"value":"two","designation":"password"}]})"));
+  ASSERT_TRUE(login->password()->equals("two"));
+  login->willSerialize();
+
+  EXPECT_EQ(login->numberOfPreviouslyUsedPasswords(), 0u);
 }
 
 TEST_F(QNLoginTest, RetiresNothingOfALoginWithoutARow) {
