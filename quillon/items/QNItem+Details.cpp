@@ -1,6 +1,7 @@
 #include "quillon/items/internal/QNItemState.h"
 #include "quillon/items/internal/QNItemVault.h"
 #include "quillon/platform/data/MRData.h"
+#include "quillon/platform/json/QNJsonEquality.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/text/QNText.h"
 
@@ -105,7 +106,8 @@ void QNItem::setDetailsObject(std::optional<Json> object, std::string_view forKe
   JsonObject* const live = mutableDetails();
   if (live == nullptr) return;
   const auto present = live->find(forKey);
-  if (object ? present != live->end() && present->value() == *object : present == live->end()) {
+  if (object ? present != live->end() && equalJson(present->value(), *object)
+             : present == live->end()) {
     return;
   }
   markRowDirty();
@@ -128,7 +130,7 @@ void QNItem::setDetailsText(std::optional<std::string_view> text, std::string_vi
 void QNItem::copyDetails(const JsonObject& details) {
   const std::lock_guard lock(monitor());
   auto& present = openState().details;
-  if (present && (&*present == &details || *present == details)) return;
+  if (present && (&*present == &details || equalJson(*present, details))) return;
   markRowDirty();
   present = mr_deepMutableCopy(details);
   dropObjectsOfDetails();

@@ -248,6 +248,8 @@ TEST(QNItemDetails, AnEqualObjectChangesNothing) {
 
   item->setDetailsObject(jsonValue(R"({"a":[1,"x"]})"), "k");
   EXPECT_FALSE(item->dirtyRow());
+  item->setDetailsObject(jsonValue(R"({"a":[1.0,"x"]})"), "k");
+  EXPECT_FALSE(item->dirtyRow());
   item->setDetailsObject(std::nullopt, "absent");
   EXPECT_FALSE(item->dirtyRow());
   item->setDetailsObject(jsonValue(R"({"a":[1,"y"]})"), "k");
@@ -321,6 +323,8 @@ TEST(QNItemDetails, CopyingEqualDetailsChangesNothing) {
   item->didSave();
 
   item->copyDetails(jsonObject(R"({"n":1})"));
+  EXPECT_FALSE(item->dirtyRow());
+  item->copyDetails(jsonObject(R"({"n":1.0})"));
   EXPECT_FALSE(item->dirtyRow());
   item->copyDetails(*item->details());
 

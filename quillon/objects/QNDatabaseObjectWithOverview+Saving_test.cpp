@@ -107,6 +107,23 @@ TEST(QNDatabaseObjectSaving, ReportsAnOverviewWithoutAJsonForm) {
   EXPECT_EQ(page->overviewData(), before);
 }
 
+TEST(QNDatabaseObjectSaving, ReportsAnOverviewThatIsNestedTooDeepToBeReadBack) {
+  const auto page = newPage(openLocalVault());
+  page->willSave();
+  const auto before = page->overviewData();
+  Json nested(1);
+  for (std::size_t i = 0; i < kMaxJsonDepth; ++i) nested = JsonArray{nested};
+  page->setOverviewObject(nested, "n");
+  const MRCapturingSink sink;
+
+  page->willSave();
+
+  EXPECT_EQ(
+      reportsOf(sink),
+      std::vector<std::string>{"assertion: Unable to convert overview to JSON: MRErrorDomain 114"});
+  EXPECT_EQ(page->overviewData(), before);
+}
+
 TEST(QNDatabaseObjectSaving, NeverReplacesAnOverviewThatDoesNotOpen) {
   const Bytes foreign = openLocalVault()->encryptOverview(bytesOf("{}")).value();
   const auto page = storedPage(openLocalVault(), foreign);
@@ -173,6 +190,25 @@ TEST(QNDatabaseObjectSaving, AMoveBringsTheOverviewIntoTheClearFirst) {
 
   const auto moved = storedPage(account, page->overviewData());
   EXPECT_EQ(moved->overviewTextForKey("title"), "a");
+}
+
+TEST(QNDatabaseObjectSaving, AMoveKeepsAnOverviewThatDoesNotOpen) {
+  const Bytes foreign = openLocalVault()->encryptOverview(bytesOf("{}")).value();
+  const auto page = storedPage(openLocalVault(), foreign);
+  const auto account = std::make_shared<QNTestServerProfile>();
+  const MRCapturingSink sink;
+
+  page->setProfile(account);
+
+  EXPECT_EQ(reportsOf(sink),
+            std::vector<std::string>{fmt::format(
+                "assertion: Decrypted overview for object {} is nil. Overview data is not nil. "
+                "Profile is not locked.",
+                page->descriptionForLogging())});
+  EXPECT_EQ(page->profile(), account);
+  EXPECT_TRUE(page->dirtyRow());
+  EXPECT_FALSE(page->overviewIsParsed());
+  EXPECT_EQ(page->overviewData(), foreign);
 }
 
 TEST(QNDatabaseObjectSaving, AFirstProfileAndTheSameOneAgainLeaveTheOverviewSealed) {
@@ -254,6 +290,18 @@ TEST(QNDatabaseObjectSaving, ArchivesNoDataWhereThereIsNone) {
   EXPECT_EQ(archiveOf(page),
             R"({"quillon-archive":1,"root":{"$class":"QNTestPage","oid":1,"objectFlags":256,)"
             R"("profileID":0,"profileType":0}})");
+}
+
+TEST(QNDatabaseObjectSaving, DataThatIsPresentAndEmptyStaysSoInAnArchive) {
+  QNTestPage page(QNExisting{1});
+  page.setOverviewData(Bytes());
+
+  const std::string archive = archiveOf(page);
+
+  EXPECT_EQ(archive,
+            R"({"quillon-archive":1,"root":{"$class":"QNTestPage","oid":1,"objectFlags":256,)"
+            R"("profileID":0,"profileType":0,"kOverviewData":{"$bytes":""}}})");
+  EXPECT_EQ(unarchived<QNTestPage>("QNTestPage", archive)->overviewData(), Bytes());
 }
 
 TEST(QNDatabaseObjectSaving, AnArchivedOverviewOpensOnceItsProfileIsBack) {

@@ -1,6 +1,7 @@
 #include "quillon/objects/QNDatabaseObjectWithOverview.h"
 
 #include "quillon/platform/crypto/QNAESKey.h"
+#include "quillon/platform/json/QNJsonEquality.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/text/QNFormat.h"
 
@@ -49,7 +50,8 @@ JsonObject* QNDatabaseObjectWithOverview::mutableOverview() {
     return &_overview.emplace(jsonStorage());
   }
   const auto clear = decryptedOverviewData();
-  return clear && parseOverview(*clear) ? &*_overview : nullptr;
+  if (!clear || !parseOverview(*clear)) return nullptr;
+  return _overview ? &*_overview : nullptr;  // didParseOverview() may have dropped it
 }
 
 bool QNDatabaseObjectWithOverview::parseOverview(ByteView clear) {
@@ -145,7 +147,8 @@ bool QNDatabaseObjectWithOverview::setOverviewObject(std::optional<Json> object,
   JsonObject* const overview = mutableOverview();
   if (overview == nullptr) return false;
   const Json* const present = overview->if_contains(forKey);
-  if (object ? present != nullptr && *present == *object : present == nullptr) return false;
+  if (object ? present != nullptr && equalJson(*present, *object) : present == nullptr)
+    return false;
   markRowDirty();
   if (object) {
     (*overview)[forKey] = std::move(*object);
@@ -168,7 +171,7 @@ bool QNDatabaseObjectWithOverview::setOverviewText(std::optional<std::string_vie
 
 void QNDatabaseObjectWithOverview::copyOverview(const JsonObject& overview) {
   const std::lock_guard lock(_monitor);
-  if (_overview && *_overview == overview) return;
+  if (_overview && equalJson(*_overview, overview)) return;
   markRowDirty();
   _overview.emplace(mr_deepMutableCopy(overview));
   _overviewBlock.release();

@@ -20,7 +20,7 @@ class QNDatabaseObjectWithOverview : public QNDatabaseObject {
   /// The live object, decrypted and parsed at the first call; null on failure. Valid until the
   /// overview is dropped or replaced.
   JsonObject* mutableOverview();
-  /// A shallow copy; nothing on failure.
+  /// A copy that shares nothing; nothing on failure.
   std::optional<JsonObject> overviewCopy();
   /// The member; null if it is absent or a JSON null. Valid until the overview changes.
   const Json* overviewObjectForKey(std::string_view key);
@@ -35,6 +35,7 @@ class QNDatabaseObjectWithOverview : public QNDatabaseObject {
   void copyOverview(const JsonObject& overview);
   /// The stored form; drops the parsed one. Dirties nothing.
   void setOverviewData(std::optional<Bytes> data);
+  /// The live bytes: hold the monitor while they are read, unless the object is one thread's.
   [[nodiscard]] const std::optional<Bytes>& overviewData() const { return _overviewData; }
   /// Has the overview been decrypted? For counters and tests; reads nothing.
   [[nodiscard]] bool overviewIsParsed() const;

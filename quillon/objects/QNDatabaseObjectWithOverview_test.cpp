@@ -183,6 +183,32 @@ TEST(QNDatabaseObjectWithOverview, ReportsAMissingProfile) {
   EXPECT_EQ(failure.reports, std::vector<std::string>{"assertion: Profile is missing"});
 }
 
+TEST(QNDatabaseObjectWithOverview, ReportsWithItsSubsystemAndItsPlaceInTheSource) {
+  QNTestPage page(QNExisting{42});
+  const MRCapturingSink sink;
+
+  page.mutableOverview();
+
+  ASSERT_EQ(sink.records().size(), 1u);
+  const MRLogRecord report = sink.records()[0];
+  EXPECT_EQ(report.subsystem, DEBUG_DATABASE);
+  EXPECT_EQ(report.object, page.descriptionForLogging());
+  EXPECT_EQ(report.method, "mutableOverview");
+  EXPECT_THAT(report.file, testing::EndsWith("QNDatabaseObjectWithOverview.cpp"));
+  EXPECT_GT(report.line, 0);
+}
+
+TEST(QNDatabaseObjectWithOverview, GivesNothingIfTheHookDropsWhatWasParsed) {
+  const auto page = pageHolding(R"({"title":"a"})");
+  page->whileParsing = [&page] { page->setOverviewData(page->overviewData()); };
+
+  EXPECT_EQ(page->mutableOverview(), nullptr);
+  EXPECT_EQ(page->parses, 1);
+  page->whileParsing = nullptr;
+
+  EXPECT_EQ(page->overviewTextForKey("title"), "a");
+}
+
 TEST(QNDatabaseObjectWithOverview, ReportsDataThatALocalVaultCannotOpen) {
   const auto page = storedPage(openLocalVault(), openLocalVault()->encryptOverview(bytesOf("{}")));
 
@@ -273,10 +299,15 @@ TEST(QNDatabaseObjectWithOverview, TellsALocalRowInAnAccountVaultByName) {
 
   const auto failure = failedRead(*page);
 
-  EXPECT_THAT(failure.reports,
-              testing::Contains(fmt::format("assertion: Overview data for object {} is encrypted "
-                                            "by an QNProfile, not a H9Profile.",
-                                            page->descriptionForLogging())));
+  EXPECT_EQ(
+      failure.reports,
+      (std::vector<std::string>{
+          fmt::format(
+              "assertion: Error serializing object {}. EncrytpedDataDictionary:MRErrorDomain 114",
+              page->descriptionForLogging()),
+          fmt::format("assertion: Overview data for object {} is encrypted by an QNProfile, not a "
+                      "H9Profile.",
+                      page->descriptionForLogging())}));
   EXPECT_TRUE(failure.dataIsUntouched);
 }
 
@@ -354,6 +385,8 @@ TEST_P(QNDatabaseObjectWithOverviewEqualValues, ChangeNothingAndMarkNothing) {
 INSTANTIATE_TEST_SUITE_P(
     Values, QNDatabaseObjectWithOverviewEqualValues,
     testing::Values(EqualCase{R"({"n":5})", Json(5)}, EqualCase{R"({"n":5})", Json(5u)},
+                    EqualCase{R"({"n":40})", Json(40.0)},
+                    EqualCase{R"({"n":[1,{"a":2}]})", Json{1.0, JsonObject{{"a", 2.0}}}},
                     EqualCase{R"({"n":"5"})", Json("5")}, EqualCase{R"({"n":null})", Json(nullptr)},
                     EqualCase{R"({"n":[1,{"a":2}]})", Json{1, JsonObject{{"a", 2}}}},
                     EqualCase{R"({"m":1})", std::nullopt}));
@@ -376,6 +409,7 @@ TEST_P(QNDatabaseObjectWithOverviewChangedValues, AreStoredAndDirtyTheRow) {
 
 INSTANTIATE_TEST_SUITE_P(Values, QNDatabaseObjectWithOverviewChangedValues,
                          testing::Values(ChangedCase{R"({"n":5})", Json(6), R"({"n":6})"},
+                                         ChangedCase{R"({"n":40})", Json(40.5), R"({"n":4.05E1})"},
                                          ChangedCase{R"({"n":5})", Json("5"), R"({"n":"5"})"},
                                          ChangedCase{R"({"n":5})", Json(nullptr), R"({"n":null})"},
                                          ChangedCase{R"({"n":null})", Json(5), R"({"n":5})"},
@@ -401,6 +435,33 @@ TEST(QNDatabaseObjectWithOverview, ATextTakesThePlaceOfAnotherKind) {
   EXPECT_EQ(jsonText(page->overviewCopy().value()), R"({"n":"5"})");
 }
 
+// A short text lies inside its value and moves with it as the object grows; a long one is freed
+// where its member is replaced.
+class QNDatabaseObjectWithOverviewOwnText : public testing::TestWithParam<std::string> {};
+
+TEST_P(QNDatabaseObjectWithOverviewOwnText, IsStoredUnderNewKeys) {
+  const auto page = pageHolding("{}");
+  page->setOverviewText(GetParam(), "0");
+
+  for (int i = 1; i < 100; ++i) {
+    const auto own = page->overviewTextForKey(std::to_string(i - 1));
+    ASSERT_TRUE(page->setOverviewText(own, std::to_string(i)));
+    ASSERT_EQ(page->overviewTextForKey(std::to_string(i)), GetParam()) << i;
+  }
+}
+
+TEST_P(QNDatabaseObjectWithOverviewOwnText, CanBeCutUnderItsOwnKey) {
+  const auto page = pageHolding("{}");
+  page->setOverviewText(GetParam(), "n");
+
+  EXPECT_TRUE(page->setOverviewText(page->overviewTextForKey("n")->substr(1), "n"));
+
+  EXPECT_EQ(page->overviewTextForKey("n"), GetParam().substr(1));
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, QNDatabaseObjectWithOverviewOwnText,
+                         testing::Values("short", std::string(50, 'x') + "yz"));
+
 TEST(QNDatabaseObjectWithOverview, NoTextRemovesTheMember) {
   const auto page = pageHolding(R"({"n":"a"})");
 
@@ -425,6 +486,7 @@ TEST(QNDatabaseObjectWithOverview, CopyingAnEqualOverviewChangesNothing) {
   page->mutableOverview();
 
   page->copyOverview(jsonObject(R"({"b":2,"a":1})"));
+  page->copyOverview(jsonObject(R"({"b":2.0,"a":1.0})"));
   page->copyOverview(*page->mutableOverview());
 
   EXPECT_FALSE(page->dirtyRow());

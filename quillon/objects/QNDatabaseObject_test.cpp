@@ -171,6 +171,25 @@ INSTANTIATE_TEST_SUITE_P(
                     StatusCase{2, "restore", 0, true}, StatusCase{2, "trash", 1, true},
                     StatusCase{2, "delete", 2, false}));
 
+// Nothing stores status 3: it can only come from an archive.
+TEST(QNDatabaseObject, AnUnknownStatusIsNeitherTrashedNorDeletedAndCanBeLeft) {
+  const std::pair<std::string, std::uint32_t> moves[] = {
+      {"restore", 0}, {"trash", 1}, {"delete", 2}};
+  for (const auto& move : moves) {
+    const auto record = unarchived<QNTestRecord>(
+        "QNTestRecord",
+        R"({"quillon-archive":1,"root":{"$class":"QNTestRecord","objectFlags":192}})");
+    ASSERT_EQ(record->status(), 3u);
+    ASSERT_FALSE(record->trashed());
+    ASSERT_FALSE(record->deleted());
+
+    applyTo(*record, move.first);
+
+    EXPECT_EQ(record->status(), move.second) << move.first;
+    EXPECT_TRUE(record->dirtyRow()) << move.first;
+  }
+}
+
 TEST(QNDatabaseObject, AChangeOfStatusLeavesTheOtherFlagsAlone) {
   QNTestRecord record(initNew);
   record.markDisplayOrderDirty();
@@ -285,6 +304,18 @@ TEST(QNDatabaseObject, AProfileOfAnotherRowDirties) {
   EXPECT_TRUE(record.dirtyRow());
 }
 
+TEST(QNDatabaseObject, TwoVaultsWithoutARowCountAsOneRow) {
+  QNTestRecord record(QNExisting{1});
+  record.setProfile(openLocalVault(0));
+  const auto other = openLocalVault(0);
+
+  record.setProfile(other);
+
+  EXPECT_EQ(record.profile(), other);
+  EXPECT_EQ(record.profileId(), 0u);
+  EXPECT_FALSE(record.dirtyRow());
+}
+
 TEST(QNDatabaseObject, AProfileOfTheSameRowIsStoredWithItsTypeAndDirtiesNothing) {
   QNTestRecord record(QNExisting{1});
   record.setProfile(openLocalVault(3));
@@ -383,6 +414,20 @@ TEST(QNDatabaseObject, ReadsAnArchiveWithoutKeysAsZeros) {
   EXPECT_EQ(decoded->intValue(), 0u);
   EXPECT_EQ(decoded->profileId(), 0u);
   EXPECT_EQ(decoded->profileType(), 0u);
+}
+
+TEST(QNDatabaseObject, TheArchivedProfileAfterDecodingChangesNothing) {
+  const auto decoded = unarchived<QNTestRecord>(
+      "QNTestRecord",
+      R"({"quillon-archive":1,"root":{"$class":"QNTestRecord","profileID":3,"profileType":2}})");
+  const auto vault = openLocalVault(3);
+
+  decoded->setProfile(vault);
+
+  EXPECT_EQ(decoded->profile(), vault);
+  EXPECT_EQ(decoded->profileId(), 3u);
+  EXPECT_EQ(decoded->profileType(), kProfileTypeLocalVault);
+  EXPECT_FALSE(decoded->dirtyRow());
 }
 
 TEST(QNDatabaseObject, AProfileAfterDecodingIsAFirstOne) {
