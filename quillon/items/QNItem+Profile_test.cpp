@@ -1,5 +1,6 @@
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/logins/QNItemURL.h"
+#include "quillon/templates/QNTemplateManager.h"
 
 namespace quillon {
 namespace {
@@ -245,16 +246,23 @@ TEST(QNItemProfile, FindsItsCategoryInTheVault) {
 }
 
 TEST(QNItemProfile, MakesALegacyCategoryWhereTheVaultKnowsNone) {
-  const auto vault = localVault();
-  vault->removeAllCategories();
-  const auto item = newItem(vault);
-  item->setCategoryUUID("110");
-  const auto made = vault->newLegacyCategoryWithUUID("110");
+  auto& templates = QNTemplateManager::sharedManager();
+  templates.addTemplate(std::make_shared<QNTemplate>("x10"));
+  const auto item = newItem(localVault());
+  item->setCategoryUUID("x10");
 
   const auto category = item->category();
+  templates.removeTemplateWithUUID("x10");
 
-  ASSERT_EQ(category == nullptr, made == nullptr);
-  EXPECT_TRUE(category == nullptr || category->uuid() == made->uuid());
+  ASSERT_NE(category, nullptr);
+  EXPECT_EQ(category->uuid(), "x10");
+}
+
+TEST(QNItemProfile, HasNoCategoryWhereNothingServesIt) {
+  const auto item = newItem(localVault());
+  item->setCategoryUUID("x11");
+
+  EXPECT_EQ(item->category(), nullptr);
 }
 
 TEST(QNItemProfile, WithoutAProfileThereIsNoCategoryAndNoEditing) {
