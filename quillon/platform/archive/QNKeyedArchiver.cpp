@@ -2,8 +2,6 @@
 
 #include <fmt/core.h>
 
-#include <algorithm>
-
 #include "quillon/platform/archive/internal/QNArchiveForm.h"
 #include "quillon/platform/data/MRData.h"
 
@@ -84,19 +82,6 @@ class ArchiveEncoder final : public QNEncoder {
   std::optional<QNError>& _failure;
 };
 
-// Containers on the longest way down, this one included.
-std::size_t containerDepth(const Json& value) {
-  std::size_t inner = 0;
-  if (const JsonObject* const object = value.if_object()) {
-    for (const auto& member : *object) inner = std::max(inner, containerDepth(member.value()));
-  } else if (const JsonArray* const array = value.if_array()) {
-    for (const Json& element : *array) inner = std::max(inner, containerDepth(element));
-  } else {
-    return 0;
-  }
-  return inner + 1;
-}
-
 }  // namespace
 
 QNResult<Bytes> QNKeyedArchiver::archivedDataWithRootObject(QNCoding& root) {
@@ -106,11 +91,10 @@ QNResult<Bytes> QNKeyedArchiver::archivedDataWithRootObject(QNCoding& root) {
   std::optional<QNError> failure;
   ArchiveEncoder(top[kArchiveRootKey].emplace_object(), 1, failure).encodeRoot(root);
   if (failure) return *failure;
-  // What couldn't be read back must not be written.
-  if (containerDepth(archive) > kMaxJsonDepth) return notArchivable("JSON nests too deep");
   QNError unwritable;
   auto bytes = mr_JSONDataWithError(archive, &unwritable);
   if (!bytes) return notArchivable(unwritable.message);
+  // What couldn't be read back must not be written.
   if (bytes->size() > kMaxArchiveBytes) return notArchivable("the archive is too large");
   return std::move(*bytes);
 }
