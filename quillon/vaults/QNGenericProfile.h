@@ -32,11 +32,21 @@ inline constexpr std::uint64_t kProfileTypeMasterUnlock = 4;
 /// Row id of a profile that has no row.
 inline constexpr std::uint64_t kPseudoProfileOid = std::numeric_limits<std::uint64_t>::max();
 
-/// Permission bits that this library tests. Masks may hold others.
+/// Permission bits that this library tests. Masks may hold others. What an application alone gives
+/// a meaning to is named after the actions that need it.
 inline constexpr std::uint64_t kPermissionManageVault = 0x2;
 inline constexpr std::uint64_t kPermissionReveal = 0x10;
 inline constexpr std::uint64_t kPermissionEdit = 0x40;
 inline constexpr std::uint64_t kPermissionCreateItems = 0x80;
+inline constexpr std::uint64_t kPermissionAction5 = 0x100;
+/// The one permission that a union of vaults has.
+inline constexpr std::uint64_t kPermissionAction7 = 0x200;
+inline constexpr std::uint64_t kPermissionActions12To15 = 0x400;
+/// Of actions 3 and 13 to 15 as well.
+inline constexpr std::uint64_t kPermissionAction1 = 0x100000;
+inline constexpr std::uint64_t kPermissionImplyingCreateItems = 0x200000;
+inline constexpr std::uint64_t kPermissionExportAttributes = 0x400000;
+inline constexpr std::uint64_t kPermissionAction14 = 0x800000;
 
 /// Feature numbers that this library asks; 1 to 6 belong to applications.
 inline constexpr std::uint32_t kFeatureDocuments = 7;
@@ -122,8 +132,10 @@ class QNGenericProfile {
   [[nodiscard]] virtual bool isVisible() const = 0;
   [[nodiscard]] virtual bool includeUnknownItems() const = 0;
   [[nodiscard]] virtual bool isAllVaultsVault() const = 0;
-  [[nodiscard]] virtual std::vector<std::shared_ptr<QNGenericProfile>> vaults() = 0;
-  [[nodiscard]] virtual std::set<std::string> vaultUUIDs() = 0;
+  /// No duplicates; the order says nothing.
+  [[nodiscard]] virtual std::vector<std::shared_ptr<QNGenericProfile>> vaults() const = 0;
+  /// No duplicates; a vault without a uuid is left out.
+  [[nodiscard]] virtual std::set<std::string> vaultUUIDs() const = 0;
   [[nodiscard]] virtual std::set<std::string> allTags() const = 0;
   [[nodiscard]] virtual bool tagsLoaded() const = 0;
   virtual void setTagsLoaded(bool loaded) = 0;

@@ -8,6 +8,7 @@
 #include "quillon/platform/text/QNFormat.h"
 #include "quillon/platform/text/QNLocalization.h"
 #include "quillon/platform/text/QNText.h"
+#include "quillon/vaults/internal/QNActionTable.h"
 
 namespace quillon {
 namespace {
@@ -16,29 +17,6 @@ constexpr std::string_view kPrimaryKeychainFileName = "Quillon";
 
 // Of the features that applications ask about, 6 and those of a hosted account are missing here.
 constexpr std::uint32_t kSupportedFeatures[] = {1, 2, 3, 4, 5, kFeatureLocalIcons};
-
-// What each action needs, by its number: masks that are asked one at a time, in this order. 0 asks
-// for nothing. The numbers are words of applications; rows 9, 10 and 15 differ from those of
-// account vaults.
-constexpr std::uint64_t kPermissionsOfActions[][4] = {
-    /* none */ {},
-    /* 1 */ {0x100000},
-    /* 2 */ {kPermissionCreateItems},
-    /* 3 */ {0x100000, kPermissionEdit},
-    /* 4 */ {kPermissionCreateItems},
-    /* 5 */ {0x100},
-    /* 6 */ {kPermissionEdit},
-    /* 7 */ {0x200},
-    /* 8 */ {kPermissionManageVault},
-    /* 9 */ {kPermissionEdit},
-    /* 10 */ {0x300},
-    /* 11 */ {kPermissionCreateItems},
-    /* 12 */ {kPermissionCreateItems, kPermissionReveal, 0x400},
-    /* 13 */ {0x100000, kPermissionReveal, 0x400},
-    /* 14 */ {0x800000, 0x100000, kPermissionReveal, 0x400},
-    /* 15 */ {0x100000, 0x400},
-};
-constexpr std::uint32_t kLastAction = std::size(kPermissionsOfActions) - 1;
 
 }  // namespace
 
@@ -118,10 +96,8 @@ bool QNProfile::hasPermission(std::uint64_t mask) const {
 }
 
 bool QNProfile::hasPermissionToPerformAction(std::uint32_t action) const {
-  if (isLocked() || action == 0 || action > kLastAction) return false;
-  const auto& needed = kPermissionsOfActions[action];
-  return std::all_of(std::begin(needed), std::end(needed),
-                     [this](std::uint64_t mask) { return hasPermission(mask); });
+  return !isLocked() && permitsAction(kLocalVaultActions, action,
+                                      [this](std::uint64_t mask) { return hasPermission(mask); });
 }
 
 bool QNProfile::isPrimaryProfile() const {
@@ -131,11 +107,11 @@ bool QNProfile::isDemoProfile() const {
   return _profileName == demoProfileName();
 }
 
-std::vector<std::shared_ptr<QNGenericProfile>> QNProfile::vaults() {
+std::vector<std::shared_ptr<QNGenericProfile>> QNProfile::vaults() const {
   return {profile()};
 }
 
-std::set<std::string> QNProfile::vaultUUIDs() {
+std::set<std::string> QNProfile::vaultUUIDs() const {
   if (_uuid == nullptr) return {};
   return {*_uuid};
 }

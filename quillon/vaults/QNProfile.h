@@ -110,8 +110,8 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool isVisible() const override { return true; }
   [[nodiscard]] bool includeUnknownItems() const override { return false; }
   [[nodiscard]] bool isAllVaultsVault() const override { return false; }
-  [[nodiscard]] std::vector<std::shared_ptr<QNGenericProfile>> vaults() override;
-  [[nodiscard]] std::set<std::string> vaultUUIDs() override;
+  [[nodiscard]] std::vector<std::shared_ptr<QNGenericProfile>> vaults() const override;
+  [[nodiscard]] std::set<std::string> vaultUUIDs() const override;
   [[nodiscard]] std::string displayedProfileName() const override;
   [[nodiscard]] std::string displayedProfileNameWithVaultAppendedAsNeeded() const override;
   /// "Quillon" for the primary vault, the profile's name otherwise.

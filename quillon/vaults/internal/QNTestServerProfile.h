@@ -9,6 +9,7 @@
 #include "quillon/platform/data/MRData.h"
 #include "quillon/templates/QNGenericCategory.h"
 #include "quillon/vaults/QNGenericProfile.h"
+#include "quillon/vaults/internal/QNActionTable.h"
 
 namespace quillon {
 
@@ -25,6 +26,8 @@ class QNTestServerProfile final : public QNServerProfile,
   void setUuid(QNSharedString uuid) { _uuid = std::move(uuid); }
   /// To stand for a profile of another kind.
   void setProfileType(std::uint64_t type) { _profileType = type; }
+  /// "P": the vault refuses action 10.
+  void setVaultType(std::string type) { _vaultType = std::move(type); }
   void setLocked(bool locked) { _locked = locked; }
   /// While set, an unlocked vault fails to seal and to open, as with a damaged key.
   void setFails(bool fails) { _fails = fails; }
@@ -86,7 +89,9 @@ class QNTestServerProfile final : public QNServerProfile,
     return !_suspended && (_permissions & mask) == mask;
   }
   [[nodiscard]] bool hasPermissionToPerformAction(std::uint32_t action) const override {
-    return !_locked && action >= 1 && action <= 15;
+    const bool isRefused = _locked || (action == kActionRefusedByTypeP && _vaultType == "P");
+    return !isRefused && permitsAction(kAccountVaultActions, action,
+                                       [this](std::uint64_t mask) { return hasPermission(mask); });
   }
   [[nodiscard]] std::uint64_t profileType() const override { return _profileType; }
   [[nodiscard]] std::uint64_t oid() const override { return _oid; }
@@ -96,10 +101,10 @@ class QNTestServerProfile final : public QNServerProfile,
   [[nodiscard]] bool isVisible() const override { return true; }
   [[nodiscard]] bool includeUnknownItems() const override { return true; }
   [[nodiscard]] bool isAllVaultsVault() const override { return false; }
-  [[nodiscard]] std::vector<std::shared_ptr<QNGenericProfile>> vaults() override {
-    return {shared_from_this()};
+  [[nodiscard]] std::vector<std::shared_ptr<QNGenericProfile>> vaults() const override {
+    return {std::const_pointer_cast<QNTestServerProfile>(shared_from_this())};
   }
-  [[nodiscard]] std::set<std::string> vaultUUIDs() override { return {*_uuid}; }
+  [[nodiscard]] std::set<std::string> vaultUUIDs() const override { return {*_uuid}; }
   [[nodiscard]] std::uint64_t accountId() const override { return 1; }
   [[nodiscard]] std::optional<std::string> accountUUID() const override { return "ACCOUNT"; }
   [[nodiscard]] std::shared_ptr<H9UserAccount> userAccount() const override { return nullptr; }
@@ -211,6 +216,7 @@ class QNTestServerProfile final : public QNServerProfile,
   QNAESKeyRef _key = QNAESKey::initWithRandomKey();
   std::uint64_t _oid;
   std::uint64_t _profileType = kProfileTypeAccountVault;
+  std::string _vaultType = "U";
   QNSharedString _uuid = sharedString(mr_shortUUID());
   bool _locked = false, _fails = false, _suspended = false, _tagsLoaded = false;
   std::uint64_t _permissions = ~std::uint64_t{0};
