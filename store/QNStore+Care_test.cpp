@@ -16,6 +16,22 @@ TEST(QNStoreCare, FindsNothingWrongInASoundStore) {
   EXPECT_EQ(session.vault->numberOfItemKeysUnwrapped(), 10u);
 }
 
+TEST(QNStoreCare, ReportsHashesThatWereMadeForAnotherVault) {
+  const TemporaryFolder folder;
+  Session session = makeSession(folder / "a.quillon");
+  const auto stranger = makeLogin(QNProfile::initNewWithPassword(DEMO_PASSWORD), "stranger");
+  const auto item = makeLogin(session.vault, "a");
+  const auto url = item->URLAtIndex(0);
+  url->setItem(stranger);
+  ASSERT_TRUE(session.store->save(item).ok());
+
+  const auto problems = problemsIn(session);
+
+  const std::string name = "item " + *item->uuid() + ": ";
+  EXPECT_EQ(problems, std::vector<std::string>{name + "the hashes of URL " +
+                                               std::to_string(url->oid()) + " aren't its own"});
+}
+
 TEST(QNStoreCare, CopiesWholeWhileItIsOpen) {
   const TemporaryFolder folder;
   Session session = makeSession(folder / "a.quillon");
