@@ -52,34 +52,35 @@ QNAESKeyRef QNProfile::decryptItemKey(ByteView wrapped) {
   return key;
 }
 
-std::optional<Bytes> QNProfile::encryptUnder(const QNAESKeyRef& key, ByteView clear) const {
+std::optional<Bytes> QNProfile::encryptUnder(const QNAESKeyRef& key, ByteView clear,
+                                             const MRLogText& withoutKey) const {
   if (key != nullptr) return key->encrypt(clear);
-  MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
-                                     kEncryptionKeyMissing);
+  MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(), withoutKey);
   return std::nullopt;
 }
 
-std::optional<Bytes> QNProfile::decryptUnder(const QNAESKeyRef& key, ByteView sealed) const {
+std::optional<Bytes> QNProfile::decryptUnder(const QNAESKeyRef& key, ByteView sealed,
+                                             const MRLogText& withoutKey) const {
   if (key != nullptr) return key->decrypt(sealed);
-  MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(), kDecryptionKeyMissing);
+  MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(), withoutKey);
   return std::nullopt;
 }
 
 std::optional<Bytes> QNProfile::encryptOverview(ByteView clear) {
   if (refusesWhileLocked(kMustBeUnlocked)) return std::nullopt;
-  return encryptUnder(_overviewAESKey, clear);
+  return encryptUnder(_overviewAESKey, clear, kEncryptionKeyMissing);
 }
 std::optional<Bytes> QNProfile::decryptOverview(ByteView sealed) {
   if (refusesWhileLocked(kMustBeUnlocked)) return std::nullopt;
-  return decryptUnder(_overviewAESKey, sealed);
+  return decryptUnder(_overviewAESKey, sealed, kDecryptionKeyMissing);
 }
 std::optional<Bytes> QNProfile::encryptWithMaster(ByteView clear) {
   if (refusesWhileLocked(kMustBeUnlocked)) return std::nullopt;
-  return encryptUnder(_masterAESKey, clear);
+  return encryptUnder(_masterAESKey, clear, kEncryptionKeyMissing);
 }
 std::optional<Bytes> QNProfile::decryptWithMaster(ByteView sealed) {
   if (refusesWhileLocked(kMustBeUnlocked)) return std::nullopt;
-  return decryptUnder(_masterAESKey, sealed);
+  return decryptUnder(_masterAESKey, sealed, kDecryptionKeyMissing);
 }
 
 std::optional<std::array<std::uint8_t, 32>> QNProfile::hmacForData(

@@ -208,7 +208,8 @@ TEST_P(QNProfileWithoutKeys, AnUnlockedVaultWithoutTheKeyReportsThat) {
   EXPECT_FALSE(GetParam().gives(*vault));
 
   EXPECT_EQ(sink.texts(GetParam().kindWithoutKey), Texts{GetParam().reportWithoutKey});
-  EXPECT_EQ(sink.records().size(), 1u);
+  ASSERT_EQ(sink.records().size(), 1u);
+  EXPECT_EQ(sink.records()[0].method, GetParam().name);
 }
 
 TEST_P(QNProfileWithoutKeys, AnUnlockedVaultGivesSomething) {
@@ -266,6 +267,62 @@ TEST(QNProfileEncryption, ALockedVaultHashesNothingAndReportsIt) {
 
   EXPECT_EQ(sink.texts(MRLogKind::assertion),
             (Texts{"profile must be unlocked", "profile must be unlocked"}));
+}
+
+TEST(QNProfileEncryption, ALockedVaultReportsThatBeforeItMissesTheText) {
+  const auto vault = frozenVault();
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(vault->hmacForString(std::nullopt), std::nullopt);
+
+  EXPECT_EQ(sink.texts(MRLogKind::assertion), Texts{"profile must be unlocked"});
+}
+
+TEST(QNProfileEncryption, AVaultThatWasOpenReportsAndGivesNothingAfterALock) {
+  const auto vault = demoVault();
+  ASSERT_TRUE(vault->encryptOverview(Bytes{1}).has_value());
+  vault->lock();
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(vault->encryptOverview(Bytes{1}), std::nullopt);
+
+  EXPECT_EQ(sink.texts(MRLogKind::assertion), Texts{"profile must be unlocked"});
+  EXPECT_EQ(sink.records().size(), 1u);
+}
+
+// Other keys on an open vault
+
+TEST(QNProfileEncryption, OtherBytesForTheOverviewKeyReplaceItsKeyObject) {
+  const auto vault = demoVault();
+  const auto sealed = vault->encryptOverview(Bytes{1}).value();
+  const auto hash = vault->hmacForString("a");
+  const QNKeyBytes before = *vault->overviewKey();
+
+  vault->setOverviewKey(Bytes(64, 7));
+
+  EXPECT_EQ(vault->decryptOverview(sealed), std::nullopt);
+  EXPECT_NE(vault->hmacForString("a"), hash);
+  EXPECT_EQ(vault->decryptOverview(vault->encryptOverview(Bytes{2}).value()), Bytes{2});
+  vault->setOverviewKey(before);
+  EXPECT_EQ(vault->decryptOverview(sealed), Bytes{1});
+  EXPECT_EQ(vault->hmacForString("a"), hash);
+}
+
+TEST(QNProfileEncryption, OtherBytesForTheMasterKeyReplaceItsKeyObject) {
+  const auto vault = demoVault();
+  const auto sealed = vault->encryptWithMaster(Bytes{1}).value();
+  const auto wrapped = vault->encryptItemKey(QNAESKey::initWithRandomKey()).value();
+  const auto hash = vault->hmacForString("a");
+  const QNKeyBytes before = *vault->masterKey();
+
+  vault->setMasterKey(Bytes(256, 7));
+
+  EXPECT_EQ(vault->decryptWithMaster(sealed), std::nullopt);
+  EXPECT_EQ(vault->decryptItemKey(wrapped), nullptr);
+  EXPECT_EQ(vault->hmacForString("a"), hash);
+  vault->setMasterKey(before);
+  EXPECT_EQ(vault->decryptWithMaster(sealed), Bytes{1});
+  EXPECT_NE(vault->decryptItemKey(wrapped), nullptr);
 }
 
 }  // namespace

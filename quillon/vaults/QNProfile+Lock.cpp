@@ -21,8 +21,27 @@ QNAESKeyRef keyObject(const std::optional<QNKeyBytes>& key) {
   return key ? QNAESKey::initWithKeyData(*key) : nullptr;
 }
 
-std::optional<Bytes> opened(const QNAESKey& key, const std::optional<Bytes>& sealed) {
-  return sealed ? key.decrypt(*sealed) : std::nullopt;
+// What decrypt() gives goes into locked memory, and is released here.
+std::optional<QNKeyBytes> opened(const QNAESKey& key, const std::optional<Bytes>& sealed) {
+  if (!sealed) return std::nullopt;
+  return keyBytes(key.decrypt(*sealed));
+}
+
+struct OpenedKeys {
+  QNKeyBytes master;
+  QNKeyBytes overview;
+};
+
+// Both keys, or nothing: only their decryption tells a right password from a wrong one.
+std::optional<OpenedKeys> openedKeys(const QNProfile& vault, std::string_view password) {
+  const auto key =
+      QNAESKey::initWithPassword(password, vault.salt().value_or(Bytes()), vault.iterations());
+  if (key == nullptr) return std::nullopt;
+  auto master = opened(*key, vault.encryptedMasterKey());
+  if (!master) return std::nullopt;
+  auto overview = opened(*key, vault.encryptedOverviewKey());
+  if (!overview) return std::nullopt;
+  return OpenedKeys{std::move(*master), std::move(*overview)};
 }
 
 }  // namespace
@@ -62,27 +81,22 @@ void QNProfile::lock() {
 }
 
 bool QNProfile::_unlockWithPassword(std::optional<std::string_view> password) {
-  if (!password) return false;
   MRLogger& logger = MRLogger::sharedLogger();
   const double start = steadySeconds();
   logger.enter(DEBUG_DATABASE, descriptionForLogging(), "");
-  const bool unlocked = openKeys(*password);
+  const bool unlocked = password && openKeys(*password);
   logger.exit(DEBUG_DATABASE, descriptionForLogging(), steadySeconds() - start, "");
   return unlocked;
 }
 
-// Both keys are in hand before anything changes or anybody is told: only their decryption tells a
-// right password from a wrong one.
+// Both keys are in hand before anything changes or anybody is told.
 bool QNProfile::openKeys(std::string_view password) {
-  const auto key = QNAESKey::initWithPassword(password, salt().value_or(Bytes()), iterations());
-  if (key == nullptr) return false;
-  const auto masterKey = opened(*key, encryptedMasterKey());
-  if (!masterKey) return false;
-  const auto overviewKey = opened(*key, encryptedOverviewKey());
-  if (!overviewKey) return false;
+  auto keys = openedKeys(*this, password);
+  if (!keys) return false;
   postNotificationName(QNProfileWillUnlockNotification);
-  setOverviewKey(*overviewKey);
-  setMasterKey(*masterKey);
+  setOverviewKey(keys->overview);
+  setMasterKey(keys->master);
+  keys.reset();  // an observer may take its time
   setProfilePassword(password);
   postNotificationName(QNProfileDidUnlockNotification);
   return true;
@@ -104,7 +118,10 @@ bool QNProfile::changePasswordTo(std::optional<std::string_view> password) {
                      "Cannot change password, masterKey is not available");
     return false;
   }
-  return sealKeys(*password);
+  if (sealKeys(*password)) return true;
+  logger.error(DEBUG_DATABASE, descriptionForLogging(),
+               "Failed to encrypt the vault's keys under the new password");
+  return false;
 }
 
 bool QNProfile::sealKeys(std::string_view password) {
@@ -112,7 +129,7 @@ bool QNProfile::sealKeys(std::string_view password) {
   const std::uint32_t iterations =
       password == DEMO_PASSWORD ? kDemoIterations : QNAESKey::calibrateForPassword(password, salt);
   const auto key = QNAESKey::initWithPassword(password, salt, iterations);
-  if (key == nullptr) return false;  // too little memory
+  if (key == nullptr) return false;
   auto overviewKey = key->encrypt(*_overviewKey);
   auto masterKey = key->encrypt(*_masterKey);
   if (!overviewKey || !masterKey) return false;

@@ -63,6 +63,16 @@ TEST(QNProfileLock, AnAbsentPasswordDoesNotUnlock) {
   EXPECT_EQ(listener.heard, Heard{});
 }
 
+TEST(QNProfileLock, APasswordThatIsNotUTF8DoesNotUnlock) {
+  const auto vault = storedCopyOf(*demoVault());
+  const QNVaultListener listener(*vault);
+
+  EXPECT_FALSE(vault->_unlockWithPassword("try quillon\xFF"));
+
+  EXPECT_TRUE(vault->isLocked());
+  EXPECT_EQ(listener.heard, Heard{});
+}
+
 struct BrokenCase {
   const char* name;
   void (*spoil)(QNProfile&);
@@ -133,6 +143,21 @@ TEST(QNProfileLock, AnUnlockLogsItsEntryAndItsExitWhereStatusLogsAreAllowed) {
   EXPECT_EQ(records[1].kind, MRLogKind::exit);
   EXPECT_EQ(records[1].method, "_unlockWithPassword");
   EXPECT_GT(records[1].elapsedSeconds, 0);
+}
+
+TEST(QNProfileLock, AnUnlockWithoutAPasswordLogsItsEntryAndItsExitToo) {
+  const auto vault = storedCopyOf(*demoVault());
+  const MRCapturingSink sink;
+
+  MRLogger::sharedLogger().allowStatus(DEBUG_DATABASE);
+  vault->_unlockWithPassword(std::nullopt);
+  MRLogger::sharedLogger().allowStatus(0);
+
+  const auto records = sink.records();
+  ASSERT_EQ(records.size(), 2u);
+  EXPECT_EQ(records[0].kind, MRLogKind::enter);
+  EXPECT_EQ(records[1].kind, MRLogKind::exit);
+  EXPECT_EQ(records[1].method, "_unlockWithPassword");
 }
 
 // Locking
@@ -311,10 +336,27 @@ TEST(QNProfileLock, AnEmptyPasswordSealsAndOpensButIsNotKept) {
   EXPECT_TRUE(storedCopyOf(*vault)->_unlockWithPassword(""));
 }
 
+TEST(QNProfileLock, ANewVaultWhosePasswordIsNotUTF8HasKeysThatCannotBeStored) {
+  const MRCapturingSink sink;
+
+  const auto vault = QNProfile::initNewWithPassword("p\xFF");
+
+  EXPECT_TRUE(vault->encryptOverview(Bytes{1}).has_value());
+  EXPECT_EQ(vault->encryptedOverviewKey(), std::nullopt);
+  EXPECT_EQ(vault->encryptedMasterKey(), std::nullopt);
+  EXPECT_EQ(sink.texts(MRLogKind::error).size(), 1u);
+}
+
+std::optional<std::string> keptPassword(const QNProfile& vault) {
+  const auto kept = vault.profilePassword();
+  return kept ? std::optional(std::string(kept->reveal())) : std::nullopt;
+}
+
 struct RefusedChange {
   const char* name;
   void (*prepare)(QNProfile&);
   std::optional<std::string> password;
+  MRLogKind kind;
   std::string report;
 };
 class QNProfileRefusedChange : public testing::TestWithParam<RefusedChange> {};
@@ -324,28 +366,40 @@ TEST_P(QNProfileRefusedChange, ReportsAndChangesNothing) {
   vault->didSave();
   GetParam().prepare(*vault);
   const auto before = storedCopyOf(*vault);
-  const auto updatedAt = vault->updatedAt();
+  const auto password = keptPassword(*vault);
+  vault->setUpdatedAt(5);
+  vault->setLastUpdatedBy("elsewhere");
   const MRCapturingSink sink;
 
   EXPECT_FALSE(vault->changePasswordTo(GetParam().password));
 
-  EXPECT_EQ(sink.texts(MRLogKind::assertion), std::vector<std::string>{GetParam().report});
+  EXPECT_EQ(sink.texts(GetParam().kind), std::vector<std::string>{GetParam().report});
+  ASSERT_EQ(sink.records().size(), 1u);
+  EXPECT_EQ(sink.records()[0].method, "changePasswordTo");
   EXPECT_EQ(vault->salt(), before->salt());
+  EXPECT_EQ(vault->iterations(), before->iterations());
   EXPECT_EQ(vault->encryptedMasterKey(), before->encryptedMasterKey());
-  EXPECT_EQ(vault->updatedAt(), updatedAt);
+  EXPECT_EQ(vault->encryptedOverviewKey(), before->encryptedOverviewKey());
+  EXPECT_EQ(vault->updatedAt(), 5u);
+  EXPECT_EQ(vault->lastUpdatedBy(), "elsewhere");
+  EXPECT_EQ(keptPassword(*vault), password);
   EXPECT_FALSE(vault->dirtyRow());
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Reasons, QNProfileRefusedChange,
     testing::Values(
-        RefusedChange{"NoPassword", [](QNProfile&) {}, std::nullopt, "Password cannot be nil"},
-        RefusedChange{"Locked", [](QNProfile& it) { it.lock(); }, "new",
+        RefusedChange{"NoPassword", [](QNProfile&) {}, std::nullopt, MRLogKind::assertion,
+                      "Password cannot be nil"},
+        RefusedChange{"NotUTF8", [](QNProfile&) {}, "p\xFF", MRLogKind::error,
+                      "Failed to encrypt the vault's keys under the new password"},
+        RefusedChange{"Locked", [](QNProfile& it) { it.lock(); }, "new", MRLogKind::assertion,
                       "Cannot change password, overviewKey is not available"},
         RefusedChange{"NoOverviewKey", [](QNProfile& it) { it.setOverviewKey(std::nullopt); },
-                      "new", "Cannot change password, overviewKey is not available"},
+                      "new", MRLogKind::assertion,
+                      "Cannot change password, overviewKey is not available"},
         RefusedChange{"NoMasterKey", [](QNProfile& it) { it.setMasterKey(std::nullopt); }, "new",
-                      "Cannot change password, masterKey is not available"}),
+                      MRLogKind::assertion, "Cannot change password, masterKey is not available"}),
     [](const auto& reason) { return reason.param.name; });
 
 }  // namespace

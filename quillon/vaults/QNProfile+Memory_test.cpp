@@ -1,6 +1,8 @@
 // Keys and passwords leave nothing behind: not in locked memory, not in freed blocks, not on the
 // stack.
 
+#include <algorithm>
+
 #include "quillon/platform/data/MRData.h"
 #include "quillon/platform/internal/QNMemoryWatch.h"
 #include "quillon/vaults/internal/QNVaultTesting.h"
@@ -31,6 +33,31 @@ TEST(QNProfileMemory, ALockGivesBackAllLockedMemory) {
   vault->lock();
 
   EXPECT_EQ(lockedBytesInUse(), before);
+}
+
+std::vector<std::size_t> releasedSizes;
+
+TEST(QNProfileMemory, PlainKeysAreReleasedBeforeAnybodyIsToldOfAnUnlock) {
+  const auto vault = cheapLockedVault();
+  std::vector<std::size_t> releasedAtWill;
+  std::size_t lockedAtDid = 0;
+  auto& center = MRNotificationCenter::defaultCenter();
+  const auto will = center.addObserver(QNProfileWillUnlockNotification, vault.get(),
+                                       [&](auto&&...) { releasedAtWill = releasedSizes; });
+  const auto did = center.addObserver(QNProfileDidUnlockNotification, vault.get(),
+                                      [&](auto&&...) { lockedAtDid = lockedBytesInUse(); });
+  releasedSizes.clear();
+
+  setReleasedBlockObserver([](const void*, std::size_t size) { releasedSizes.push_back(size); });
+  const bool unlocked = vault->_unlockWithPassword(kPassword);
+  setReleasedBlockObserver(nullptr);
+  center.removeObserver(will);
+  center.removeObserver(did);
+
+  ASSERT_TRUE(unlocked);
+  EXPECT_EQ(std::count(releasedAtWill.begin(), releasedAtWill.end(), MASTER_KEY_SIZE), 1);
+  EXPECT_EQ(std::count(releasedAtWill.begin(), releasedAtWill.end(), OVERVIEW_KEY_SIZE), 1);
+  EXPECT_EQ(lockedAtDid, lockedBytesInUse());
 }
 
 TEST(QNProfileMemory, LockedMemoryComesBackOnceTheItemKeysAreReleased) {

@@ -46,7 +46,8 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
 
  public:
   // Making: QNProfile.cpp
-  /// An unlocked new vault. One made without a password has keys, but none that can be stored.
+  /// An unlocked new vault. One made without a password has keys, but none that can be stored; so
+  /// has one where changePasswordTo() fails.
   static std::shared_ptr<QNProfile> initNewWithPassword(std::optional<std::string_view> password);
   static std::shared_ptr<QNProfile> profileWithName(std::string_view name,
                                                     std::optional<std::string_view> password,
@@ -67,7 +68,8 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool isUnlocked() const override { return !isLocked(); }
   /// False, with nothing changed and nothing posted, for a wrong password. One key derivation.
   bool _unlockWithPassword(std::optional<std::string_view> password);
-  /// Seals both keys anew. False, with nothing changed, without a password or a key.
+  /// Seals both keys anew. False, with nothing changed and a report, without a password or a key,
+  /// for a password that isn't UTF-8, or if memory is short.
   bool changePasswordTo(std::optional<std::string_view> password);
   /// Each also makes the key object; absent bytes clear both. They post nothing.
   void setOverviewKey(std::optional<ByteView> key);
@@ -120,6 +122,7 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
 
   // Plain accessors: they compare nothing and dirty nothing
   [[nodiscard]] QNSharedString uuid() const override { return _uuid; }
+  /// For the database layer, on a shell.
   void setUuid(QNSharedString uuid) { _uuid = std::move(uuid); }
   [[nodiscard]] std::uint64_t createdAt() const { return _createdAt; }
   void setCreatedAt(std::uint64_t seconds) { _createdAt = seconds; }
@@ -202,8 +205,10 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   bool sealKeys(std::string_view password);
   bool refusesWhileLocked(const MRLogText& text) const;
   QNAESKeyRef masterAESKey();
-  std::optional<Bytes> encryptUnder(const QNAESKeyRef& key, ByteView clear) const;
-  std::optional<Bytes> decryptUnder(const QNAESKeyRef& key, ByteView sealed) const;
+  std::optional<Bytes> encryptUnder(const QNAESKeyRef& key, ByteView clear,
+                                    const MRLogText& withoutKey) const;
+  std::optional<Bytes> decryptUnder(const QNAESKeyRef& key, ByteView sealed,
+                                    const MRLogText& withoutKey) const;
 
   bool _tagsLoaded = false;
   bool _openedForImport = false;
