@@ -352,6 +352,19 @@ TEST(QNDatabaseObject, LosingTheProfileDirtiesAndClearsItsTraces) {
   EXPECT_TRUE(record.dirtyRow());
 }
 
+TEST(QNDatabaseObject, AFirstProfileThatHasNoRowYetTakesThePlaceOfTheArchivedRow) {
+  QNTestRecord archived(QNExisting{1});
+  archived.setProfile(openLocalVault(3));
+  archived.didSave();
+  const auto record = unarchived<QNTestRecord>("QNTestRecord", archiveOf(archived));
+  ASSERT_EQ(record->profileId(), 3u);
+
+  record->setProfile(openLocalVault(0));
+
+  EXPECT_EQ(record->profileId(), 0u);
+  EXPECT_FALSE(record->dirtyRow());
+}
+
 TEST(QNDatabaseObject, TheProfileTypeCanBeSetAlone) {
   QNTestRecord record(QNExisting{1});
 

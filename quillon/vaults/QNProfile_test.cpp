@@ -324,23 +324,24 @@ TEST_P(QNProfileVaultWord, IsAppendedUnlessTheNameSaysItBesideABlank) {
   EXPECT_EQ(QNDisplayedProfileNameWithVaultAppendedAsNeeded(GetParam().name), GetParam().displayed);
 }
 
-INSTANTIATE_TEST_SUITE_P(Names, QNProfileVaultWord,
-                         testing::Values(VaultWordCase{"en", "My Vault", "My Vault"},
-                                         VaultWordCase{"en", "my vault", "my vault"},
-                                         VaultWordCase{"en", "VAULT of keys", "VAULT of keys"},
-                                         VaultWordCase{"en", "ｖａｕｌｔ at home",
-                                                       "ｖａｕｌｔ at home"},
-                                         VaultWordCase{"en", "old vaults", "old vaults"},
-                                         VaultWordCase{"en", "vault", "vault Vault"},
-                                         VaultWordCase{"en", "MyVault", "MyVault Vault"},
-                                         VaultWordCase{"en", "", " Vault"},
-                                         VaultWordCase{"de", "Mein Tresor", "Mein Tresor"},
-                                         VaultWordCase{"de", "My Vault", "Tresor My Vault"},
-                                         VaultWordCase{"fr", "Coffre bleu", "Coffre bleu"},
-                                         VaultWordCase{"es", "Mi bóveda", "Mi bóveda"},
-                                         VaultWordCase{"es", "Mi boveda", "Bóveda Mi boveda"},
-                                         VaultWordCase{"ja", "家 保管庫", "家 保管庫"},
-                                         VaultWordCase{"ja", "家", "家 保管庫"}));
+INSTANTIATE_TEST_SUITE_P(
+    Names, QNProfileVaultWord,
+    testing::Values(
+        VaultWordCase{"en", "My Vault", "My Vault"}, VaultWordCase{"en", "my vault", "my vault"},
+        VaultWordCase{"en", "VAULT of keys", "VAULT of keys"},
+        VaultWordCase{"en", "ｖａｕｌｔ at home", "ｖａｕｌｔ at home"},
+        VaultWordCase{"en", "old vaults", "old vaults"},
+        VaultWordCase{"en", "vault", "vault Vault"},
+        VaultWordCase{"en", "MyVault", "MyVault Vault"}, VaultWordCase{"en", "", " Vault"},
+        VaultWordCase{"en", "%@", "%@ Vault"}, VaultWordCase{"en", "{}", "{} Vault"},
+        VaultWordCase{"en", "{0} %d 100%", "{0} %d 100% Vault"},
+        VaultWordCase{"de", "%@ {}", "Tresor %@ {}"},
+        VaultWordCase{"de", "Mein Tresor", "Mein Tresor"},
+        VaultWordCase{"de", "My Vault", "Tresor My Vault"},
+        VaultWordCase{"fr", "Coffre bleu", "Coffre bleu"},
+        VaultWordCase{"es", "Mi bóveda", "Mi bóveda"},
+        VaultWordCase{"es", "Mi boveda", "Bóveda Mi boveda"},
+        VaultWordCase{"ja", "家 保管庫", "家 保管庫"}, VaultWordCase{"ja", "家", "家 保管庫"}));
 
 }  // namespace
 }  // namespace quillon
