@@ -129,7 +129,7 @@ class FirstSession(ToolTest):
         self.assertNotIn("Forum", self.titles())
         self.run_tool("restore", "Forum")
         self.assertIn("Forum", self.titles())
-        self.assertEqual(self.run_tool("check").out, "4 items checked, 0 problems\n")
+        self.assertEqual(self.run_tool("check").out, "items checked: 4, problems: 0\n")
         self.run_tool("backup", self.path("copy.qn"))
         self.environment["QUILLON_STORE"] = self.path("copy.qn")
         self.assertEqual(len(self.titles()), 4)
@@ -298,7 +298,7 @@ class ExitCodes(ToolTest):
         database.close()
         listed = self.run_tool("list", code=6)
         self.assertEqual(listed.out.split(), ["Forum", "—"])
-        self.assertIn("1 damaged items are left out", listed.err)
+        self.assertIn("damaged items left out: 1", listed.err)
         self.assertEqual(len(json.loads(self.run_tool("list", "--json", code=6).out)), 1)
         checked = self.run_tool("check", "--json", code=6).json
         self.assertFalse(checked["clean"])
@@ -648,9 +648,9 @@ class Import(ToolTest):
 
     def test_firefox(self):
         out = self.import_data("firefox.csv").out
-        self.assertEqual(out, "added: 2\nkept in the notes: httpRealm (1 rows)\n"
-                              "kept in the notes: guid (2 rows)\n"
-                              "kept in the notes: timePasswordChanged (1 rows)\n")
+        self.assertEqual(out, "added: 2\nkept in the notes: httpRealm, rows: 1\n"
+                              "kept in the notes: guid, rows: 2\n"
+                              "kept in the notes: timePasswordChanged, rows: 1\n")
         items = self.items()
         self.assertEqual(items["shop.example"]["createdAt"], 1609459200)
         self.assertEqual(items["router.example"]["urls"], ["https://router.example:8443"])
@@ -681,13 +681,13 @@ class Import(ToolTest):
     def test_a_spreadsheet_in_german(self):
         self.assertEqual(self.import_data("german.csv").out,
                          "added: 2\nskipped, since empty: 1\n"
-                         "kept in the notes: Kunde seit (1 rows)\n")
+                         "kept in the notes: Kunde seit, rows: 1\n")
         items = self.items()
         self.assertEqual(items["Bücherei"]["notes"], "Karte; liegt zu Hause\nKunde seit: 2019")
         self.assertEqual(items["Überweisung"]["username"], "jö")
 
     def test_rows_longer_and_shorter_than_the_header(self):
-        self.assertIn("Column 4 (1 rows)", self.import_data("extra-fields.csv").out)
+        self.assertIn("Column 4, rows: 1", self.import_data("extra-fields.csv").out)
         items = self.items()
         self.assertEqual(items["One"]["notes"], "Column 4: left over\nColumn 5: more")
         self.assertEqual(items["Two"]["username"], "jo")
@@ -732,7 +732,7 @@ class Import(ToolTest):
     def test_a_dry_run_tells_and_changes_nothing(self):
         before = self.read("vault.qn")
         self.assertEqual(self.import_data("safari.csv", "--dry-run").out,
-                         "would add: 2\nkept in the notes: OTPAuth (1 rows)\n")
+                         "would add: 2\nkept in the notes: OTPAuth, rows: 1\n")
         self.assertTrue(self.import_data("safari.csv", "--dry-run", "--json").json["dryRun"])
         self.assertEqual(self.read("vault.qn"), before)
         self.import_data("safari.csv")

@@ -24,6 +24,7 @@ Definition<Arguments> define(CLI::App& app, QNArguments& out, const std::string&
                              const std::string& description) {
   Definition<Arguments> made{app.add_subcommand(name, description)};
   made.command->callback([given = made.given, &out] { out.command = *given; });
+  made.command->footer("quillon --help tells the options of every command.");
   return made;
 }
 
@@ -42,26 +43,30 @@ constexpr const char* kNoPasswordArguments =
 void addPasswordSource(CLI::App& app, const std::string& prefix, const std::string& what,
                        QNPasswordSource& source) {
   using Kind = QNPasswordSource::Kind;
-  auto* const file = app.add_option_function<std::string>(
-      "--" + prefix + "-file",
-      [&source](const std::string& path) {
-        source.kind = Kind::file;
-        source.file = path;
-      },
-      what + " is the first line of this file");
-  auto* const descriptor = app.add_option_function<int>(
-      "--" + prefix + "-fd",
-      [&source](int number) {
-        source.kind = Kind::descriptor;
-        source.descriptor = number;
-      },
-      what + " is the next line from this open file descriptor");
-  auto* const input = app.add_flag_callback(
-      "--" + prefix + "-stdin", [&source] { source.kind = Kind::standardInput; },
+  const auto choose = [&source, prefix](Kind kind) {
+    if (source.kind != Kind::terminal) refuse("the password comes from one --" + prefix + "-...");
+    source.kind = kind;
+  };
+  app.add_option_function<std::string>(
+         "--" + prefix + "-file",
+         [&source, choose](const std::string& path) {
+           choose(Kind::file);
+           source.file = path;
+         },
+         what + " is the first line of this file")
+      ->type_name("FILE");
+  app.add_option_function<int>(
+         "--" + prefix + "-fd",
+         [&source, choose, prefix](int number) {
+           if (number < 0) refuse("--" + prefix + "-fd takes an open file descriptor");
+           choose(Kind::descriptor);
+           source.descriptor = number;
+         },
+         what + " is the next line from this open file descriptor")
+      ->type_name("N");
+  app.add_flag_callback(
+      "--" + prefix + "-stdin", [choose] { choose(Kind::standardInput); },
       what + " is the next line of standard input");
-  file->type_name("FILE");
-  descriptor->type_name("N")->check(CLI::NonNegativeNumber)->excludes(file);
-  input->excludes(file)->excludes(descriptor);
 }
 
 void defineInit(CLI::App& app, QNArguments& out) {

@@ -27,7 +27,7 @@ QNCommandResult runCommand(Global global, const QNCheckArguments&) {
   if (global.json) return printJson(jsonOf(report.value()), exit);
   QNOutput out;
   for (const std::string& problem : report.value().problems) out.line(shownText(problem));
-  out.line(fmt::format("{} items checked, {} problems", report.value().itemsChecked,
+  out.line(fmt::format("items checked: {}, problems: {}", report.value().itemsChecked,
                        report.value().problems.size()));
   return out.finish(exit);
 }

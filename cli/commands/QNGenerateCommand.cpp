@@ -33,8 +33,9 @@ QNCommandResult runCommand(Global global, const QNGenerateArguments& arguments) 
     out.line(generated.password.reveal());
     bits = generated.bitsEntropy;  // the same for all of one recipe
   }
-  say(fmt::format("{:.1f} bits of entropy", bits));
-  return out.finish();
+  auto done = out.finish();
+  if (done) say(fmt::format("{:.1f} bits of entropy", bits));
+  return done;
 }
 
 }  // namespace quillon

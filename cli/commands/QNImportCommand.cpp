@@ -29,7 +29,7 @@ void print(QNOutput& out, const QNImportReport& report, bool dryRun) {
   if (report.alreadyThere > 0) out.line(fmt::format("already there: {}", report.alreadyThere));
   if (report.skipped > 0) out.line(fmt::format("skipped, since empty: {}", report.skipped));
   for (const auto& column : report.keptInNotes) {
-    out.line(fmt::format("kept in the notes: {} ({} rows)", shownText(column.name), column.rows));
+    out.line(fmt::format("kept in the notes: {}, rows: {}", shownText(column.name), column.rows));
   }
 }
 

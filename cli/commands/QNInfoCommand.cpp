@@ -70,7 +70,7 @@ void print(QNOutput& out, const QNGlobalArguments& global, const Info& info) {
   out.line(fmt::format("Schema:      {}", info.schema));
   out.line(fmt::format("Items:       {}", info.items));
   for (const Category& category : info.categories) {
-    out.line(fmt::format("             {} {}", category.items, shownText(category.name)));
+    out.line(fmt::format("  {} {}", padded(shownText(category.name) + ":", 20), category.items));
   }
   out.line(fmt::format("In trash:    {}", info.trashed));
   out.line(fmt::format("Key:         Argon2id, {} KiB, {} passes", info.memoryKiB, kPasses));

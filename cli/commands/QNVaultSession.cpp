@@ -67,8 +67,7 @@ QNVaultSession::~QNVaultSession() {
 
 QNExit warnOfDamage(const QNListReport& report) {
   if (!report.damaged.empty()) {
-    say(fmt::format("{} damaged items are left out; quillon check names them",
-                    report.damaged.size()));
+    say(fmt::format("damaged items left out: {}; quillon check names them", report.damaged.size()));
   }
   if (report.ledgerBroken) {
     say("items were removed, added or put back to an older state by something else than quillon; "
