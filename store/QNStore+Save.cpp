@@ -251,9 +251,11 @@ QNResult<QNDone> QNStore::Database::writeItem(const std::shared_ptr<QNItem>& ite
   QNLedger& ledger = ledgers.at(vault->oid()).ledger;
   if (!isNew) ledger.remove(*before.seal);
   ledger.add(*seal);
-  afterCommit.emplace_back([item] {
-    for (const auto& url : urlsOf(*item)) url->didSave();
-    item->didSave();
+  afterCommit.emplace_back([saved = std::weak_ptr(item)] {
+    const auto kept = saved.lock();
+    if (kept == nullptr) return;
+    for (const auto& url : urlsOf(*kept)) url->didSave();
+    kept->didSave();
   });
   return QNDone{};
 }
@@ -277,14 +279,18 @@ void QNStore::Database::writeBody(QNItem& item, bool isNew) {
 }
 
 void QNStore::Database::noteForUndo(const std::shared_ptr<QNItem>& item) {
-  std::vector<std::pair<std::shared_ptr<QNItemURL>, std::uint64_t>> urlRows;
+  std::vector<std::pair<std::weak_ptr<QNItemURL>, std::uint64_t>> urlRows;
   for (const auto& url : urlsOf(*item)) urlRows.emplace_back(url, url->oid());
-  undo.emplace_back([item, urlRows = std::move(urlRows), oid = item->oid(),
+  undo.emplace_back([saved = std::weak_ptr(item), urlRows = std::move(urlRows), oid = item->oid(),
                      updatedAt = item->updatedAt(), txTimestamp = item->txTimestamp()] {
-    for (const auto& [url, urlOid] : urlRows) url->_setOid(urlOid);
-    item->_setOid(oid);
-    item->setUpdatedAt(updatedAt);
-    item->setTxTimestamp(txTimestamp);
+    for (const auto& [url, urlOid] : urlRows) {
+      if (const auto object = url.lock()) object->_setOid(urlOid);
+    }
+    const auto kept = saved.lock();
+    if (kept == nullptr) return;
+    kept->_setOid(oid);
+    kept->setUpdatedAt(updatedAt);
+    kept->setTxTimestamp(txTimestamp);
   });
 }
 

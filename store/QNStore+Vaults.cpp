@@ -102,10 +102,8 @@ std::shared_ptr<QNProfile> vaultOf(const QNVaultRow& row) {
   return vault;
 }
 
-/// The vault's own, or a new one that isn't registered yet.
-std::shared_ptr<QNCategory> categoryOf(QNProfile& vault, std::string_view uuid) {
-  auto category = vault.categoryWithUUID(uuid);
-  if (category == nullptr) category = vault.newLegacyCategoryWithUUID(uuid);
+std::shared_ptr<QNCategory> newCategory(QNProfile& vault, std::string_view uuid) {
+  auto category = vault.newLegacyCategoryWithUUID(uuid);
   if (category == nullptr) category = vault.newSystemCategoryWithUUID(uuid);
   return std::dynamic_pointer_cast<QNCategory>(category);
 }
@@ -232,7 +230,7 @@ QNResult<std::vector<QNStoredVaultInfo>> QNStore::vaults() {
         "SELECT vaults.oid, vaults.uuid, vaults.name, "
         "count(items.oid) FILTER (WHERE items.status = 0), "
         "count(items.oid) FILTER (WHERE items.status = 1) "
-        "FROM vaults LEFT JOIN items ON items.vault_id = vaults.oid "
+        "FROM vaults LEFT JOIN items ON +items.vault_id = vaults.oid "
         "GROUP BY vaults.oid ORDER BY vaults.oid");
     std::vector<QNStoredVaultInfo> infos;
     while (query.next()) {
@@ -282,13 +280,14 @@ QNResult<bool> QNStore::Database::isGenuine(QNProfile& vault) {
 
 void QNStore::Database::writeCategory(const std::shared_ptr<QNProfile>& vault,
                                       std::string_view uuid) {
-  const auto category = categoryOf(*vault, uuid);
-  if (category->hasOid()) return;
+  auto category = std::dynamic_pointer_cast<QNCategory>(vault->categoryWithUUID(uuid));
+  if (category != nullptr && category->hasOid()) return;
   {
     QNQuery query = file->query("SELECT oid FROM categories WHERE vault_id = ?1 AND uuid = ?2",
                                 vault->oid(), uuid);
     if (query.next()) return;
   }
+  if (category == nullptr) category = newCategory(*vault, uuid);
   file->change(
       "INSERT INTO categories (vault_id, uuid, display_order, singular_name, plural_name, "
       "list_icon_name, detail_icon_name) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7)",

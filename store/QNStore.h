@@ -64,31 +64,38 @@ class QNStore final {
   QNStore& operator=(const QNStore&) = delete;
 
   // Vaults: QNStore+Vaults.cpp
+  /// Counts rows, so its time grows with the store; vaultNamed()'s doesn't.
   [[nodiscard]] QNResult<std::vector<QNStoredVaultInfo>> vaults();
-  /// Stores a new vault, or the changed keys and columns of a stored one (its password change is
-  /// this one row). The vault must be unlocked; it is given its row id.
+  /// Stores a new vault, or the keys and columns of one that came from this store (a password
+  /// change touches no item row). The vault must be unlocked; it is given its row id. Errors:
+  /// exists, lostRace, locked, notFound, unreadableItem, ...
   QNResult<QNDone> saveVault(QNProfile& vault);
   /// A locked vault by its name. Unlock it with unlock(), which also tests its row's seal.
   QNResult<std::shared_ptr<QNProfile>> vaultNamed(std::string_view name);
-  /// False for a wrong password. Error: damaged, if the row was altered.
+  /// False for a wrong password. Error: damaged, if the row or its ledger was altered or is older
+  /// than the other. The vault is unlocked if the value is true, and locked otherwise.
   QNResult<bool> unlock(QNProfile& vault, std::string_view password);
 
   // Saving: QNStore+Save.cpp
   /// Saves a dirty item with its URLs: sets updatedAt and txTimestamp, willSave, write, didSave.
-  /// A clean item costs nothing. Errors: lostRace, locked, unreadableItem, busy, diskFull, ...
+  /// A clean item costs nothing. An item that was given another vault of this store moves there;
+  /// its former vault must be unlocked too. Errors: lostRace, locked, unreadableItem, exists,
+  /// notFound, damaged, busy, diskFull, ...
   QNResult<QNDone> save(const std::shared_ptr<QNItem>& item);
   /// All of them in one transaction, or none.
   QNResult<QNDone> saveAll(std::span<const std::shared_ptr<QNItem>> items);
-  /// Runs several operations as one transaction; an error of `work` rolls everything back.
+  /// Runs several operations as one transaction. An error of `work`, or of any change inside it,
+  /// rolls everything back. Until the end, saved items stay dirty.
   QNResult<QNDone> inTransaction(const std::function<QNResult<QNDone>()>& work);
-  /// Takes the row away for good.
+  /// Takes the row away for good. The item is marked deleted and has no row id any more.
   QNResult<QNDone> deleteItem(const std::shared_ptr<QNItem>& item);
 
   // Reading: QNStore+Load.cpp
   enum class Which { normal, trashed, all };
   using Visitor = std::function<void(const std::shared_ptr<QNItem>&)>;
   /// Hands out a shell for each row, in row order, its overview checked and open, neither key nor
-  /// details read. The shell may be kept or dropped. Error: locked, or the file can't be read.
+  /// details read. The shell may be kept or dropped. The visitor may read items from this store,
+  /// but neither list nor write (error: busy). Error: locked, or the file can't be read.
   QNResult<QNListReport> list(const std::shared_ptr<QNProfile>& vault, Which which,
                               const Visitor& visit);
   /// One item with key, details and URLs. Errors: notFound, damaged.

@@ -125,6 +125,7 @@ struct QNStore::Database {
     QNLedger ledger;
   };
   std::map<std::uint64_t, OpenLedger> ledgers;  // by the vault's oid
+  // Both hold items weakly: an import needn't keep what its caller has dropped.
   std::vector<std::function<void()>> afterCommit;
   std::vector<std::function<void()>> undo;  // run from the last to the first
 };
