@@ -102,7 +102,7 @@ int numberIn(std::string_view text) {
 // Killing
 
 constexpr int kEdited = 4;      // items that are edited over and over
-constexpr int kBatchSize = 25;  // items of one import
+constexpr int kBatchSize = 10;  // items of one import
 
 /// Edits one item after the other: the number goes into title, password and address at once.
 [[noreturn]] void editForEver(const std::filesystem::path& file, const Child::Report& report) {
