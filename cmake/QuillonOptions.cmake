@@ -9,9 +9,19 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(QUILLON_SANITIZE "" CACHE STRING "Value for -fsanitize=, empty for none")
 option(QUILLON_TIDY "Run clang-tidy beside the compiler" OFF)
 
+# ccache when it is there: for precompiled headers it needs to be told what it may overlook, and
+# relative paths let a second clone profit from the first.
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+    CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=true
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+    ${CCACHE_PROGRAM})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-fpch-preprocess)
+  else()
+    add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
+  endif()
 endif()
 
 add_library(quillon_options INTERFACE)

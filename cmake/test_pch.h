@@ -1,5 +1,5 @@
-// What nearly every test includes; compiled once for each test program.
+// The heavy headers that nearly every test includes; compiled once.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "quillon/platform/json/QNJson.h"
+#include <boost/json.hpp>
