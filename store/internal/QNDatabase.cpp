@@ -180,8 +180,8 @@ void QNDatabase::configure(std::chrono::milliseconds patience) {
       "PRAGMA synchronous = FULL;"
       "PRAGMA temp_store = MEMORY;"
       "PRAGMA mmap_size = 0;"
-      // 8 MiB: with less, a large import writes the pages of its indexes over and over.
-      "PRAGMA cache_size = -8192;");
+      // 32 MiB: with less, a large import writes the pages of its indexes over and over.
+      "PRAGMA cache_size = -32768;");
 }
 
 sqlite3_stmt* QNDatabase::statement(std::string_view sql) {
