@@ -32,7 +32,8 @@ QNSecretSet QNItem::backupKeysBase64Encoded() {
 
 // Without a profile the present set reads as empty: a second call overwrites the first.
 void QNItem::addBackupKeysBase64Encoded(QNSecretSet keys) {
-  if (_test_only_isBackupKeysCompletelyDisabled || profileType() == kProfileTypeAccountVault) {
+  if (keys.empty() || _test_only_isBackupKeysCompletelyDisabled ||
+      profileType() == kProfileTypeAccountVault) {
     return;
   }
   QNSecretSet all = backupKeysBase64Encoded();
@@ -67,7 +68,8 @@ void QNItem::disableBackupKeys() {
   QNSecretSet keys = backupKeysBase64Encoded();
   std::size_t removed = 0;
   for (const QNSecret& present : backupKeyOf(key())) removed += keys.erase(present);
-  if (removed > 0) writeBackupKeys(keys);
+  const bool nothingLeft = keys.empty() && !_test_only_isBackupKeysCompletelyDisabled;
+  if (removed > 0 || nothingLeft) writeBackupKeys(keys);
 }
 
 // At a save: a local vault's item has its present key in the list, an account vault's has none.

@@ -215,5 +215,40 @@ TEST(QNItemBackupKeys, AMergeOfAccountItemsDoesNothing) {
   EXPECT_TRUE(sink.records().empty());
 }
 
+TEST(QNItemBackupKeys, AnEmptySetOpensNothing) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  save(*row);
+  const auto shell = listed(*row, vault);
+  const std::uint64_t unwrapped = vault->numberOfItemKeysUnwrapped();
+  const MRCapturingSink sink;
+
+  shell->addBackupKeysBase64Encoded({});
+
+  EXPECT_TRUE(sink.records().empty());
+  EXPECT_EQ(vault->numberOfItemKeysUnwrapped(), unwrapped);
+}
+
+TEST(QNItemBackupKeys, DisablingTakesAnEmptyListAway) {
+  const auto item = newItem(localVault());
+  item->setDetailsObject(jsonValue("[]"), kDetailsBackupKeys);
+
+  item->disableBackupKeys();
+
+  EXPECT_EQ(item->details()->if_contains(kDetailsBackupKeys), nullptr);
+}
+
+TEST(QNItemBackupKeys, AnotherKindOfProfileLeavesTheListAlone) {
+  const auto vault = accountVault();
+  const auto item = newItem(vault);
+  item->setDetailsObject(jsonValue(R"(["kept"])"), kDetailsBackupKeys);
+  item->setProfileType(kProfileTypeMasterUnlock);
+  const MRCapturingSink sink;
+
+  item->willSave();
+
+  EXPECT_EQ(jsonText(item->detailsObjectForKey(kDetailsBackupKeys)), R"(["kept"])");
+}
+
 }  // namespace
 }  // namespace quillon

@@ -213,7 +213,8 @@ std::optional<JsonObject> QNItem::decryptedAccountDetails(QNError& error) {
 }
 
 void QNItem::didParseDetails() {
-  if (!openState().originalPassword) noteOriginalPassword();
+  const auto& original = openState().originalPassword;
+  if (!original || original->empty()) noteOriginalPassword();
 }
 
 std::optional<std::string> QNItem::notesPlain() {

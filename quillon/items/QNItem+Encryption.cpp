@@ -9,6 +9,7 @@
 
 namespace quillon {
 
+// Two threads may ask at once, and a shared pointer is not theirs to write unguarded.
 QNAESKeyRef QNItem::key() {
   const std::lock_guard lock(monitor());
   const OpenState& open = openState();
@@ -26,6 +27,7 @@ QNAESKeyRef QNItem::key() {
 }
 
 void QNItem::setKey(QNAESKeyRef key) {
+  const std::lock_guard lock(monitor());
   openState().key = std::move(key);
 }
 

@@ -396,5 +396,28 @@ TEST(QNItemEncryption, CopyingARowWhoseKeyDoesntOpenIsReported) {
   EXPECT_THAT(assertions(sink), ElementsAre("Unexpected encryption key for item <U>."));
 }
 
+TEST(QNItemEncryption, TheIconsOfTheOtherGenerationAreGoneFromWhatIsStored) {
+  const auto vault = localVault();
+  const auto item = newItem(vault);
+  item->setOverviewText("picture", kPendingCustomIcon);
+
+  save(*item);
+
+  EXPECT_EQ(listed(*item, vault)->overviewObjectForKey(kPendingCustomIcon), nullptr);
+}
+
+TEST(QNItemEncryption, ASaveOfAnItemWithoutAClearKeyUnwrapsIt) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  save(*row);
+  const auto item = listed(*row, vault);
+  item->setEncryptedKey(row->encryptedKey());
+  const std::uint64_t unwrapped = vault->numberOfItemKeysUnwrapped();
+
+  item->willSave();
+
+  EXPECT_EQ(vault->numberOfItemKeysUnwrapped(), unwrapped + 1);
+}
+
 }  // namespace
 }  // namespace quillon

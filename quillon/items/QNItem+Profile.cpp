@@ -39,8 +39,8 @@ void QNItem::setProfile(const std::shared_ptr<QNGenericProfile>& profile) {
     const std::lock_guard lock(monitor());
     if (_open == nullptr) return;
     _open->cachedItemSpecifier.reset();
-    urls = _open->deletedURLs;
-    if (_open->URLs) urls.insert(urls.end(), _open->URLs->begin(), _open->URLs->end());
+    if (_open->URLs) urls = *_open->URLs;
+    urls.insert(urls.end(), _open->deletedURLs.begin(), _open->deletedURLs.end());
   }
   for (const auto& url : urls) url->setProfile(profile);
 }
@@ -52,7 +52,8 @@ bool QNItem::shouldRegenerateUUIDMovingFromProfile(
     const std::shared_ptr<QNGenericProfile>& toProfile) const {
   const bool sameType = profileType == typeOf(toProfile);
   if (from == nullptr || !sameType) return !sameType;
-  return !equalContent(from->uuid(), toProfile->uuid());
+  return toProfile == nullptr || from->uuid() == nullptr ||
+         !equalContent(from->uuid(), toProfile->uuid());
 }
 
 std::shared_ptr<QNGenericCategory> QNItem::category() const {

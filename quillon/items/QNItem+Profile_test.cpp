@@ -286,5 +286,28 @@ TEST(QNItemProfile, IsEditableWithThePermissionAndAnEditableCategory) {
   EXPECT_FALSE(item->isUIEditable());
 }
 
+TEST(QNItemProfile, AMoveToAVaultWithTheSameUuidMakesANewSpecifierToo) {
+  const auto from = localVault(1);
+  const auto to = localVault(2);
+  to->setUuid(from->uuid());
+  const auto item = newItem(from);
+  const auto before = item->itemSpecifier();
+
+  item->setProfile(to);
+
+  EXPECT_NE(item->itemSpecifier(), before);
+}
+
+TEST(QNItemProfile, TwoVaultsWithoutAUuidAreTwoVaults) {
+  const auto from = localVault(1);
+  const auto to = localVault(2);
+  from->setUuid(nullptr);
+  to->setUuid(nullptr);
+  const auto item = newItem(from);
+
+  EXPECT_TRUE(item->shouldRegenerateUUIDMovingFromProfile(from, kProfileTypeLocalVault, to));
+  EXPECT_TRUE(item->shouldRegenerateUUIDMovingFromProfile(from, 0, nullptr));
+}
+
 }  // namespace
 }  // namespace quillon

@@ -46,7 +46,8 @@ void QNItem::markRowDirty() {
   const std::lock_guard lock(monitor());
   if (!detailsLoaded()) return;
   const OpenState& open = openState();
-  if (open.originalPassword || !(open.details || open.detailsData)) return;
+  const bool noted = open.originalPassword && !open.originalPassword->empty();
+  if (noted || !(open.details || open.detailsData)) return;
   const JsonObject* const live = details();
   if (live != nullptr && (live->contains(kDetailsFields) || live->contains(kDetailsSections))) {
     noteOriginalPassword();

@@ -253,5 +253,18 @@ TEST(QNItemSerialize, ASaveForgetsTheDeletedURLs) {
   EXPECT_FALSE(item->dirtyRow());
 }
 
+TEST(QNItemSerialize, AnEmptyPasswordIsNoPasswordToKeepInMind) {
+  const auto item = newItem(localVault());
+  item->setPassword("");
+  save(*item);
+  item->setPassword("first");
+  save(*item);
+
+  item->setPassword("second");
+  save(*item);
+
+  EXPECT_NE(item->previouslyUsedPasswordWithValue("first"), nullptr);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -178,5 +178,17 @@ TEST(QNItemStrength, EntropyOfAListedItemIsRatedWithoutDetails) {
   EXPECT_EQ(stored(*item, "ps"), std::to_string(cut(QNSPG::calcStrengthWithBitsEntropy(50.0))));
 }
 
+TEST(QNItemStrength, APasswordThatCantBeRatedIsReportedAndStoredAsZero) {
+  const auto item = newItem(localVault());
+  item->setPassword("\xff\xfe");
+  const MRCapturingSink sink;
+
+  item->willSerialize();
+
+  EXPECT_EQ(errors(sink),
+            std::vector<std::string>{"Failed to calculate password strength: QNErrorDomain 114"});
+  EXPECT_EQ(stored(*item, "ps"), "0");
+}
+
 }  // namespace
 }  // namespace quillon

@@ -69,5 +69,14 @@ TEST(QNItemTimes, TheLastChangeIsTheCreationOrTheLatestRetirement) {
   EXPECT_EQ(item->passwordAgeInDays(), 6);
 }
 
+TEST(QNItemTimes, HistoryFromBeforeTheItemWasMadeDoesntCountAsItsLastChange) {
+  const auto item = newItem(localVault());
+  item->setPassword("present");
+  item->setCreatedAt(1000);
+  item->addPreviouslyUsedPassword({QNSecret("older"), 500});
+
+  EXPECT_EQ(item->lastPasswordChange(), 1000u);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -75,6 +75,12 @@ std::size_t QNCategory::hash() const {
   return _uuid ? std::hash<std::string>{}(*_uuid) : 0;
 }
 
+void QNCategory::setProfile(const std::shared_ptr<QNGenericProfile>& profile) {
+  // What the base keeps owns nothing, and nobody reads it: profile() answers from the weak one.
+  QNDatabaseObject::setProfile({std::shared_ptr<void>(), profile.get()});
+  _vault = profile;
+}
+
 void QNCategory::didLoad() {
   if (isNamedByTheLibrary(_uuid)) {
     takeDefaultNames();

@@ -57,11 +57,16 @@ class QNCategory final : public QNDatabaseObject,
     return QNGenericCategoryCompare(*this, other);
   }
 
+  /// Held weakly, unlike by other objects: a vault holds its categories, and the two would keep
+  /// each other, and the vault's keys, for ever.
+  [[nodiscard]] std::shared_ptr<QNGenericProfile> profile() const override { return _vault.lock(); }
+  void setProfile(const std::shared_ptr<QNGenericProfile>& profile) override;
   void didLoad() override;
   void saveAllAttributes(JsonObject& attributes) override;
   void restoreAllAttributes(const JsonObject& attributes) override;
 
  private:
+  std::weak_ptr<QNGenericProfile> _vault;
   void takeDefaultNames();
 
   std::optional<std::string> _uuid;

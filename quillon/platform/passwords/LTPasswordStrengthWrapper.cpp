@@ -31,8 +31,9 @@ double strengthOf(std::string_view start) {
 
 std::optional<float> LTPasswordStrengthWrapper::passwordStrength(
     std::optional<std::string_view> password, QNError* error) {
-  if (!password) {
-    setError(error, {std::string(QNErrorDomain), kErrorUnreadableData, "no password"});
+  if (!password || !isUTF8(*password)) {
+    setError(error, {std::string(QNErrorDomain), kErrorUnreadableData,
+                     password ? "the password isn't UTF-8" : "no password"});
     return std::nullopt;
   }
   const std::string_view start = startOf(*password, kFirstLook);

@@ -45,7 +45,8 @@ class LTPasswordStrengthWrapper final {
  public:
   /// 0 to 100, on the scale of QNSPG. The cost grows with the square of the length: a password
   /// whose first 32 characters reach 100 isn't looked at further, and of any other the first 100
-  /// characters count. Nothing and an error of QNErrorDomain for an absent password.
+  /// characters count. Nothing and an error of QNErrorDomain for an absent password, or one
+  /// that isn't UTF-8.
   static std::optional<float> passwordStrength(std::optional<std::string_view> password,
                                                QNError* error = nullptr);
 };
