@@ -15,8 +15,8 @@ QNKeyBytes hkdf(const char* digest, ByteView keyMaterial, ByteView salt, ByteVie
                 std::size_t size);
 
 /// `size` bytes by Argon2id version 1.3: three passes, one lane, `kibibytes` of memory, over the
-/// NFKD form of the password. The salt must be of 16 bytes. Empty if the password isn't UTF-8, or if
-/// the memory can't be had.
+/// NFKD form of the password. The salt must be of 16 bytes. Empty if the password isn't UTF-8, or
+/// if the memory can't be had.
 QNKeyBytes argon2id(std::string_view password, ByteView salt, std::uint32_t kibibytes,
                     std::size_t size);
 
