@@ -866,6 +866,7 @@ class Terminal:
             os.execvpe(program, [program, *arguments], test.environment)
         os.close(writer)
         self.reader = reader
+        self.unread = b""  # came in one piece with what was waited for
         self.status = None
         test.addCleanup(self.close)
 
@@ -878,7 +879,7 @@ class Terminal:
 
     def read_until(self, text, seconds=60):
         """Everything that was shown, once `text` is in what came since the last call."""
-        came = b""
+        came = self.unread
         end = time.monotonic() + seconds
         while text.encode() not in came:
             ready, _, _ = select.select([self.fd], [], [], max(0, end - time.monotonic()))
@@ -890,7 +891,9 @@ class Terminal:
                 raise AssertionError(f"{text!r} not shown, but {came!r}")
             came += more
             self.output += more
-        return came.decode()
+        end_of_text = came.index(text.encode()) + len(text.encode())
+        self.unread = came[end_of_text:]
+        return came[:end_of_text].decode()
 
     def wait_for_echo(self, wanted, seconds=60):
         end = time.monotonic() + seconds
