@@ -36,6 +36,7 @@ void QNItem::addBackupKeysBase64Encoded(QNSecretSet keys) {
       profileType() == kProfileTypeAccountVault) {
     return;
   }
+  const std::lock_guard lock(monitor());
   QNSecretSet all = backupKeysBase64Encoded();
   const std::size_t before = all.size();
   all.merge(keys);
@@ -65,6 +66,7 @@ std::vector<QNAESKeyRef> QNItem::backupAESKeys() {
 void QNItem::disableBackupKeys() {
   setBackupKeysDisabled(true);
   if (profileType() != kProfileTypeLocalVault) return;
+  const std::lock_guard lock(monitor());
   QNSecretSet keys = backupKeysBase64Encoded();
   std::size_t removed = 0;
   for (const QNSecret& present : backupKeyOf(key())) removed += keys.erase(present);

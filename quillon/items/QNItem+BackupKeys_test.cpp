@@ -202,6 +202,64 @@ TEST(QNItemBackupKeys, AMergeLeavesDisabledPresentKeysOut) {
   EXPECT_THAT(backupKeysOf(*mine), IsEmpty());
 }
 
+TEST(QNItemBackupKeys, AMergeTakesThePresentKeyOfEachSideThatIsntDisabled) {
+  const auto vault = localVault();
+  for (const auto& [mineDisabled, theirsDisabled] :
+       {std::pair(false, false), std::pair(true, false), std::pair(false, true)}) {
+    const auto mine = newItem(vault);
+    const auto theirs = newItem(vault);
+    mine->clearBackupKeys();
+    theirs->clearBackupKeys();
+    mine->setBackupKeysDisabled(mineDisabled);
+    theirs->setBackupKeysDisabled(theirsDisabled);
+    std::set<std::string> expected;
+    if (!mineDisabled) expected.insert(base64Of(mine->key()));
+    if (!theirsDisabled) expected.insert(base64Of(theirs->key()));
+
+    mine->mergeBackupKeysWithConflict(*theirs);
+
+    const auto keys = backupKeysOf(*mine);
+    EXPECT_EQ(std::set<std::string>(keys.begin(), keys.end()), expected);
+  }
+}
+
+TEST(QNItemBackupKeys, AMergeAcrossGenerationsDoesNothing) {
+  const auto local = newItem(localVault());
+  const auto account = newItem(accountVault());
+  local->didSave();
+  account->didSave();
+  const MRCapturingSink sink;
+
+  local->mergeBackupKeysWithConflict(*account);
+  account->mergeBackupKeysWithConflict(*local);
+
+  EXPECT_FALSE(local->dirtyRow());
+  EXPECT_FALSE(account->dirtyRow());
+  EXPECT_TRUE(sink.records().empty());
+}
+
+TEST(QNItemBackupKeys, EnablingThemClearsTheFlagAlone) {
+  const auto item = newItem(localVault());
+  item->disableBackupKeys();
+  item->didSave();
+
+  item->enableBackupKeys();
+
+  EXPECT_FALSE(item->isBackupKeysDisabled());
+  EXPECT_FALSE(item->dirtyRow());
+  EXPECT_THAT(backupKeysOf(*item), IsEmpty());
+}
+
+TEST(QNItemBackupKeys, TheOperationForTestsDoesNothing) {
+  const auto item = newItem(localVault());
+  const auto before = backupKeysOf(*item);
+
+  item->test_only_clearAndDisableBackupKeys();
+
+  EXPECT_EQ(backupKeysOf(*item), before);
+  EXPECT_FALSE(item->isBackupKeysDisabled());
+}
+
 TEST(QNItemBackupKeys, AMergeOfAccountItemsDoesNothing) {
   const auto vault = accountVault();
   const auto mine = newItem(vault);

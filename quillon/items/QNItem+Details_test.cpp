@@ -57,6 +57,42 @@ TEST(QNItemDetails, AreRefusedWhileLoadingEvenWithData) {
                                             item->description() + " is still loading"));
 }
 
+TEST(QNItemDetails, ThatAreOpenAreGivenEvenWhileLoading) {
+  const auto item = newItem(localVault());
+  item->markLoadingDetails();
+  const MRCapturingSink sink;
+
+  EXPECT_NE(item->mutableDetails(), nullptr);
+
+  EXPECT_TRUE(sink.records().empty());
+}
+
+TEST(QNItemDetails, ThatAreOpenAreNotDecryptedAgain) {
+  const auto vault = localVault();
+  const auto item = opened(*savedItem(vault), vault);
+  const JsonObject* const live = item->details();
+  item->setDetailsText("changed", "k");
+  const MRCapturingSink sink;
+
+  item->decryptDetailsDataIfNeeded();
+
+  EXPECT_EQ(item->details(), live);
+  EXPECT_NE(item->detailsObjectForKey("k"), nullptr);
+  EXPECT_TRUE(sink.records().empty());
+}
+
+TEST(QNItemDetails, WithoutDataInALocalVaultAreReported) {
+  const auto vault = localVault();
+  const auto item = opened(*savedItem(vault), vault);
+  item->setDetailsData(std::nullopt);
+  const MRCapturingSink sink;
+
+  item->decryptDetailsDataIfNeeded();
+
+  EXPECT_THAT(errors(sink),
+              ElementsAre("Unable to parse details: MRErrorDomain 114. Details data is nil"));
+}
+
 TEST(QNItemDetails, AreRefusedWhenNotLoaded) {
   const auto vault = localVault();
   const auto item = listed(*savedItem(vault), vault);
@@ -169,8 +205,13 @@ TEST(QNItemDetails, OfALocalVaultOpenedByAnAccountNameTheTwoKindsOfProfile) {
 
   EXPECT_EQ(item->mutableDetails(), nullptr);
 
-  EXPECT_THAT(assertions(sink),
-              ElementsAre("Details data is encrypted by an QNProfile, not a H9Profile."));
+  std::vector<std::string> texts;
+  for (const auto& record : sink.records()) texts.push_back(record.text);
+  EXPECT_THAT(texts,
+              ElementsAre("Error serializing details data for item " + item->description() +
+                              ": MRErrorDomain, 114",
+                          "Details data is encrypted by an QNProfile, not a H9Profile.",
+                          "Unable to parse details: MRErrorDomain 114. Details data is not nil"));
   EXPECT_EQ(item->detailsData(), row->detailsData());
 }
 

@@ -45,6 +45,7 @@ ByteView QNItem::encryptedKey() const {
 }
 
 void QNItem::setEncryptedKey(ByteView wrapped) {
+  const std::lock_guard lock(monitor());
   auto& buffer = openState().encryptedKeyBuffer;
   if (wrapped.size() != buffer.size()) {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
@@ -109,11 +110,11 @@ std::optional<Bytes> QNItem::encryptedDetails(ByteView clear) {
                                        "Unsupported profile type: {}", profileType());
     return std::nullopt;
   }
-  QNError error;
+  QNError error = QNError::unreadable("the profile is no account vault");
   const auto vault = accountVaultOf(*this);
   const auto envelope =
       vault == nullptr ? std::nullopt : vault->encryptWithMasterSymmetricKey(clear, &error);
-  if (envelope) return mr_JSONDataWithError(*envelope);
+  if (auto text = envelope ? mr_JSONDataWithError(*envelope, &error) : std::nullopt) return text;
   MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(),
                                  "Failed to encrypt details: {}", error.domainCodeString());
   return std::nullopt;
@@ -123,6 +124,8 @@ void QNItem::copyOidFrom(const std::shared_ptr<QNDatabaseObject>& other) {
   if (other == nullptr || oid() == other->oid()) return;
   _setOid(other->oid());
   markRowDirty();
+  // Details that are still sealed open under the present key alone.
+  if (detailsLoaded()) mutableDetails();
   const auto item = std::dynamic_pointer_cast<QNItem>(other);
   if (item == nullptr || item->isTombstone()) return;
   if (profileType() != kProfileTypeLocalVault && item->profileType() != kProfileTypeLocalVault) {

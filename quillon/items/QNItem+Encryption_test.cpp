@@ -142,7 +142,9 @@ TEST(QNItemEncryption, ASaveEncryptsEverythingAfreshThoughNothingChanged) {
 
 TEST(QNItemEncryption, WithoutAProfileASaveDoesNothing) {
   const auto item = std::make_shared<QNSampleItem>(initNew);
-  item->setTitle("T");
+  item->setOverviewData(Bytes(50, 5));
+  item->setDetailsData(Bytes(60, 6));
+  item->setEncryptedKey(Bytes(112, 7));
   const MRCapturingSink sink;
 
   item->willSave();
@@ -150,9 +152,9 @@ TEST(QNItemEncryption, WithoutAProfileASaveDoesNothing) {
   EXPECT_THAT(assertions(sink), ElementsAre("Item profile is not available"));
   EXPECT_EQ(item->numberOfSerializations, 0);
   EXPECT_EQ(item->sectionName(), std::nullopt);
-  EXPECT_EQ(item->overviewData(), std::nullopt);
-  EXPECT_EQ(item->detailsData(), std::nullopt);
-  EXPECT_THAT(item->encryptedKey(), Each(0));
+  EXPECT_EQ(item->overviewData(), Bytes(50, 5));
+  EXPECT_EQ(item->detailsData(), Bytes(60, 6));
+  EXPECT_THAT(item->encryptedKey(), Each(7));
 }
 
 TEST(QNItemEncryption, ASaveWithoutLoadedDetailsKeepsTheirStoredForm) {
@@ -266,6 +268,10 @@ TEST(QNItemEncryption, ALockedLocalVaultEmptiesTheOverviewAndKeepsTheWrap) {
   EXPECT_EQ(item->overviewData(), std::nullopt);
   EXPECT_EQ(wrapOf(*item), wrap);
   EXPECT_NE(*item->detailsData(), details);
+  const auto clear = item->key()->decrypt(*item->detailsData());
+  ASSERT_TRUE(clear);
+  EXPECT_EQ(mr_validStringValueForKey(*mr_objectFromJSONDataWithError(*clear), "notesPlain"),
+            "new notes");
   EXPECT_THAT(assertions(sink), ElementsAre("profile must be unlocked", "profile must be unlocked",
                                             "Invalid item key size: 0"));
 }
@@ -289,16 +295,85 @@ TEST(QNItemEncryption, ALockedAccountKeepsBothStoredForms) {
   EXPECT_THAT(assertions(sink), IsEmpty());
 }
 
+TEST(QNItemEncryption, AnAccountThatFailsToSealKeepsTheDetailsAndSaysSo) {
+  const auto vault = accountVault();
+  const auto item = newItem(vault);
+  save(*item);
+  const Bytes details = *item->detailsData();
+  vault->setFails(true);
+  const MRCapturingSink sink;
+
+  item->willSave();
+
+  EXPECT_EQ(*item->detailsData(), details);
+  EXPECT_THAT(errors(sink), Contains("Failed to encrypt details: MRErrorDomain 114"));
+}
+
+TEST(QNItemEncryption, AnAccountItemOfALocalVaultKeepsItsDetailsAndSaysSo) {
+  const auto item = newItem(localVault());
+  save(*item);
+  const Bytes details = *item->detailsData();
+  item->setProfileType(kProfileTypeAccountVault);
+  const MRCapturingSink sink;
+
+  item->willSave();
+
+  EXPECT_EQ(*item->detailsData(), details);
+  EXPECT_THAT(errors(sink), Contains("Failed to encrypt details: MRErrorDomain 114"));
+}
+
+TEST(QNItemEncryption, ANewWrapNewDataAndALockLeaveTheKeyThatIsOpen) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  save(*row);
+  const auto item = opened(*row, vault);
+  const auto key = item->key();
+
+  item->setEncryptedKey(Bytes(112, 7));
+  item->setDetailsData(row->detailsData());
+  vault->lock();
+
+  EXPECT_NE(key, nullptr);
+  EXPECT_EQ(item->key(), key);
+}
+
+TEST(QNItemEncryption, TheKeyOfAnItemOfNoVaultOrAnotherTypeIsWhatWasSet) {
+  const auto item = std::make_shared<QNSampleItem>(initNew);
+  const auto made = QNAESKey::initWithRandomKey();
+  item->setKey(made);
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(item->key(), made);
+  item->setProfileType(kProfileTypeMasterUnlock);
+  EXPECT_EQ(item->key(), made);
+
+  EXPECT_THAT(assertions(sink), ElementsAre("Unimplemented", "Unimplemented"));
+}
+
+TEST(QNItemEncryption, ASaveEncryptsAnAccountItemAfreshThoughNothingChanged) {
+  const auto item = newItem(accountVault());
+  save(*item);
+  const Bytes overview = *item->overviewData();
+  const Bytes details = *item->detailsData();
+
+  save(*item);
+
+  EXPECT_NE(*item->overviewData(), overview);
+  EXPECT_NE(*item->detailsData(), details);
+}
+
 TEST(QNItemEncryption, AnyOtherTypeOfProfileIsReported) {
   const auto item = newItem(localVault());
   save(*item);
   const Bytes details = *item->detailsData();
+  const Bytes wrap = wrapOf(*item);
   item->setProfileType(4);
   const MRCapturingSink sink;
 
   item->willSave();
 
   EXPECT_EQ(*item->detailsData(), details);
+  EXPECT_EQ(wrapOf(*item), wrap);
   EXPECT_THAT(assertions(sink),
               ElementsAre("Unsupported profile type: 4", "Unsupported profile type: 4"));
 }
@@ -315,6 +390,12 @@ TEST(QNItemEncryption, ASaveRemovesTheIconsOfTheOtherGeneration) {
 
   const auto local = withIcons(localVault());
   const auto account = withIcons(accountVault());
+  const auto vaultOfBoth = accountVault();
+  vaultOfBoth->setFeatures({kFeatureServerIcons, kFeatureLocalIcons});
+  const auto vaultOfNeither = accountVault();
+  vaultOfNeither->setFeatures({});
+  const auto both = withIcons(vaultOfBoth);
+  const auto neither = withIcons(vaultOfNeither);
 
   EXPECT_NE(local->overviewObjectForKey(kCustomIcon), nullptr);
   EXPECT_EQ(local->overviewObjectForKey(kCustomIconAttributes), nullptr);
@@ -322,6 +403,10 @@ TEST(QNItemEncryption, ASaveRemovesTheIconsOfTheOtherGeneration) {
   EXPECT_EQ(account->overviewObjectForKey(kCustomIcon), nullptr);
   EXPECT_NE(account->overviewObjectForKey(kCustomIconAttributes), nullptr);
   EXPECT_NE(account->overviewObjectForKey(kPendingCustomIcon), nullptr);
+  for (const auto key : {kCustomIcon, kCustomIconAttributes, kPendingCustomIcon}) {
+    EXPECT_NE(both->overviewObjectForKey(key), nullptr) << key;
+    EXPECT_EQ(neither->overviewObjectForKey(key), nullptr) << key;
+  }
 }
 
 // Taking over a row
@@ -338,6 +423,25 @@ TEST(QNItemEncryption, CopyingARowTakesItsKey) {
   EXPECT_EQ(item->oid(), row->oid());
   EXPECT_TRUE(item->dirtyRow());
   EXPECT_EQ(item->key(), row->key());
+}
+
+TEST(QNItemEncryption, CopyingARowOpensTheDetailsUnderTheOldKeyFirst) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->setPassword("a password");
+  row->setNotesPlain("the notes");
+  save(*row);
+  const auto item = opened(*row, vault);
+  ASSERT_EQ(item->notesPlain(), "the notes");
+  item->setDetailsData(row->detailsData());  // sealed again, the password still noted
+  const auto other = newItem(vault);
+  other->_setOid(12);
+
+  item->copyOidFrom(other);
+  save(*item);
+
+  EXPECT_EQ(item->key(), other->key());
+  EXPECT_EQ(opened(*item, vault)->notesPlain(), "the notes");
 }
 
 TEST(QNItemEncryption, CopyingTheSameRowChangesNothing) {
@@ -417,6 +521,68 @@ TEST(QNItemEncryption, ASaveOfAnItemWithoutAClearKeyUnwrapsIt) {
   item->willSave();
 
   EXPECT_EQ(vault->numberOfItemKeysUnwrapped(), unwrapped + 1);
+}
+
+TEST(QNItemEncryption, CopyingARowFromAnAccountItemReportsItsMissingKey) {
+  const auto row = newItem(accountVault());
+  row->_setOid(11);
+  row->setKey(nullptr);
+  const auto item = newItem(localVault());
+  const auto key = item->key();
+  const MRCapturingSink sink;
+
+  item->copyOidFrom(row);
+
+  EXPECT_EQ(item->oid(), 11u);
+  EXPECT_EQ(item->key(), key);
+  EXPECT_THAT(
+      assertions(sink),
+      ElementsAre("Unimplemented", "Unexpected encryption key for item <" + *row->uuid() + ">."));
+}
+
+TEST(QNItemEncryption, CopyingARowFromALocalItemGivesItsKeyToAnAccountItem) {
+  const auto row = newItem(localVault());
+  save(*row);
+  const auto item = newItem(accountVault());
+
+  item->copyOidFrom(row);
+
+  const MRCapturingSink sink;
+  EXPECT_EQ(item->key(), row->key());
+}
+
+TEST(QNItemEncryption, CopyingARowThatIsNoItemTakesTheRowOnly) {
+  class Row final : public QNDatabaseObject {
+   public:
+    explicit Row(QNExisting existing) : QNDatabaseObject(existing) {}
+    [[nodiscard]] std::string_view className() const override { return "Row"; }
+  };
+  const auto item = newItem(localVault());
+  item->didSave();
+  const auto key = item->key();
+  const MRCapturingSink sink;
+
+  item->copyOidFrom(std::make_shared<Row>(QNExisting{9}));
+
+  EXPECT_EQ(item->oid(), 9u);
+  EXPECT_EQ(item->key(), key);
+  EXPECT_TRUE(item->dirtyRow());
+  EXPECT_TRUE(sink.records().empty());
+}
+
+TEST(QNItemEncryption, ASaveOfAnAccountItemWithoutLoadedDetailsKeepsTheirStoredForm) {
+  const auto vault = accountVault();
+  const auto row = newItem(vault);
+  row->setNotesPlain("the notes");
+  save(*row);
+  const auto item = listed(*row, vault);
+  item->setDetailsData(row->detailsData());
+  item->setTitle("new");
+
+  save(*item);
+
+  EXPECT_EQ(item->detailsData(), row->detailsData());
+  EXPECT_EQ(opened(*item, vault)->notesPlain(), "the notes");
 }
 
 }  // namespace

@@ -83,12 +83,30 @@ std::size_t QNItem::numberOfPreviouslyUsedPasswords() {
   return stored == nullptr || !stored->is_array() ? 0 : stored->get_array().size();
 }
 
+// Reads the JSON while no list is built: one that is built is written back at the next save.
+std::uint64_t QNItem::lastRetirement() {
+  std::uint64_t latest = 0;
+  if (const auto& entries = openState().previouslyUsedPasswords) {
+    for (const auto& entry : *entries) latest = std::max(latest, entry.retiredAt());
+    return latest;
+  }
+  const Json* const stored = detailsObjectForKey(kDetailsPasswordHistory);
+  if (stored == nullptr || !stored->is_array()) return 0;
+  for (const Json& element : stored->get_array()) {
+    if (const auto* const entry = element.if_object())
+      latest = std::max(latest, retiredAtOf(*entry));
+  }
+  return latest;
+}
+
 const QNPreviouslyUsedPassword* QNItem::previouslyUsedPasswordAtIndex(std::size_t index) {
+  const std::lock_guard lock(monitor());
   const auto* const list = mutablePreviouslyUsedPasswords();
   return list == nullptr || index >= list->size() ? nullptr : &(*list)[index];
 }
 
 const QNPreviouslyUsedPassword* QNItem::previouslyUsedPasswordWithValue(std::string_view value) {
+  const std::lock_guard lock(monitor());
   const auto* const list = mutablePreviouslyUsedPasswords();
   if (list == nullptr) return nullptr;
   for (const QNPreviouslyUsedPassword& entry : *list) {
@@ -114,6 +132,7 @@ void QNItem::removePreviouslyUsedPasswordAtIndex(std::size_t index) {
 }
 
 bool QNItem::containsPasswordValue(std::string_view value) {
+  const std::lock_guard lock(monitor());
   const auto present = password();
   return (present && present->equals(value)) || previouslyUsedPasswordWithValue(value) != nullptr;
 }

@@ -172,6 +172,22 @@ TEST(QNItemHistory, NewDetailsDropTheList) {
   EXPECT_THAT(entriesOf(*item), ElementsAre(Pair("e", 5)));
 }
 
+TEST(QNItemHistory, NewStoredDetailsDropTheList) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->addPreviouslyUsedPassword(entry("a", 1));
+  save(*row);
+  const Bytes first = *row->detailsData();
+  row->addPreviouslyUsedPassword(entry("b", 2));
+  save(*row);
+  const auto item = opened(*row, vault);
+  ASSERT_EQ(entriesOf(*item).size(), 2u);
+
+  item->setDetailsData(first);
+
+  EXPECT_THAT(entriesOf(*item), ElementsAre(Pair("a", 1)));
+}
+
 TEST(QNItemHistory, WithoutDetailsThereIsNoListAndNothingIsLost) {
   const auto vault = localVault();
   const auto row = newItem(vault);

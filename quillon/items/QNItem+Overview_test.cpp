@@ -187,5 +187,33 @@ TEST(QNItemOverview, UpperCaseFollowsTheUsersLocale) {
   EXPECT_EQ(QNItem::firstLetterOfString("izmir"), "\xC4\xB0");  // İ
 }
 
+TEST(QNItemOverview, WhatAListShowsOpensNoKey) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->setTags({"a"});
+  row->setURLString("https://a.example");
+  save(*row);
+  const auto item = opened(*row, vault);
+  const auto before = vault->numberOfItemKeysUnwrapped();
+
+  EXPECT_EQ(item->tags(), std::set<std::string>{"a"});
+  EXPECT_EQ(item->h9UserUUID(), std::nullopt);
+  EXPECT_EQ(item->passwordStrength(), 0);
+
+  EXPECT_EQ(vault->numberOfItemKeysUnwrapped(), before);
+}
+
+TEST(QNItemOverview, ClearingTheTagsStoresAnEmptyList) {
+  const auto item = newItem(localVault());
+  item->setTags({"a"});
+  item->didSave();
+
+  item->setTags({});
+
+  EXPECT_TRUE(item->dirtyRow());
+  EXPECT_TRUE(item->tags().empty());
+  EXPECT_EQ(jsonText(item->overviewObjectForKey("tags")), "[]");
+}
+
 }  // namespace
 }  // namespace quillon

@@ -142,6 +142,39 @@ TEST(QNItemProfile, AMoveBetweenAccountVaultsChangesTheUuid) {
   EXPECT_EQ(item->uuid()->size(), 22u);
 }
 
+TEST(QNItemProfile, AMoveOfAnUnopenedItemBetweenAccountVaultsTakesItsDetailsAlong) {
+  const auto from = accountVault(2);
+  const auto row = newItem(from);
+  row->setTitle("T");
+  row->setNotesPlain("the notes");
+  save(*row);
+  const auto target = accountVault(3);
+  const auto item = opened(*row, from);
+  const auto marker = QNAESKey::initWithRandomKey();
+  item->setKey(marker);
+
+  item->setProfile(target);
+  save(*item);
+
+  const auto read = opened(*item, target);
+  EXPECT_EQ(read->title(), "T");
+  EXPECT_EQ(read->notesPlain(), "the notes");
+  EXPECT_EQ(opened(*item, from)->notesPlain(), std::nullopt);
+  EXPECT_EQ(item->key(), marker);
+}
+
+TEST(QNItemProfile, WithoutAProfileAgainItLosesItsUuidAndSaysSo) {
+  const auto item = newItem(localVault());
+  item->setTitle("T");
+  const MRCapturingSink sink;
+
+  item->setProfile(nullptr);
+
+  EXPECT_EQ(item->uuid(), nullptr);
+  EXPECT_EQ(item->title(), "T");
+  EXPECT_THAT(assertions(sink), testing::Contains("Unknown profile type: 0"));
+}
+
 TEST(QNItemProfile, AMoveToAVaultWithTheSameUuidKeepsTheItemsUuid) {
   const auto vault = localVault(1);
   const auto reloaded = localVault(1);

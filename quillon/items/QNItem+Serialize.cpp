@@ -8,6 +8,7 @@ namespace quillon {
 // Brings what is derived up to date. The history of passwords grows here and nowhere else: no
 // setter of a password touches it, so many changes between two saves leave one entry.
 void QNItem::willSerialize() {
+  const std::lock_guard lock(monitor());
   setSectionName(firstLetterOfString(title()));
   if (const auto& urls = openState().URLs) {
     setOverviewText(urls->empty() ? std::nullopt : urls->front()->URLString(), kOverviewURLString);
@@ -17,7 +18,9 @@ void QNItem::willSerialize() {
   QNDatabaseObjectWithOverview::willSerialize();
 }
 
+// Details that don't open tell nothing: what was derived from them before stays.
 void QNItem::serializeDetails() {
+  if (details() == nullptr) return;
   setAdditionalInformation(_additionalInformation());
   const auto present = password();
   updateStrength(present);

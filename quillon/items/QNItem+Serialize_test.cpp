@@ -266,5 +266,92 @@ TEST(QNItemSerialize, AnEmptyPasswordIsNoPasswordToKeepInMind) {
   EXPECT_NE(item->previouslyUsedPasswordWithValue("first"), nullptr);
 }
 
+// An item that keeps its password in details "password", as the kind without form fields does.
+class QNPlainItem final : public QNItem {
+ public:
+  using QNItem::QNItem;
+  std::optional<QNSecret> password() override {
+    const std::lock_guard lock(monitor());
+    const Json* const text = detailsObjectForKey(kDetailsPassword);
+    return text == nullptr ? std::nullopt : std::optional<QNSecret>(text->get_string());
+  }
+  void setPassword(std::optional<std::string_view> password) override {
+    setDetailsText(password, kDetailsPassword);
+  }
+  std::optional<std::string> _additionalInformation() override {
+    const auto present = password();
+    return present ? "has a password" : "-";
+  }
+};
+
+std::shared_ptr<QNPlainItem> plainItem() {
+  auto item = std::make_shared<QNPlainItem>(initNew);
+  item->setProfile(localVault());
+  item->_setOid(5);
+  return item;
+}
+
+TEST(QNItemSerialize, WithoutFieldsOrSectionsNoPasswordIsNotedOnDirtying) {
+  const auto item = plainItem();
+  item->setPassword("first");
+  save(*item);
+
+  item->setPassword("second");
+  save(*item);
+
+  EXPECT_EQ(item->numberOfPreviouslyUsedPasswords(), 0u);
+}
+
+TEST(QNItemSerialize, WithSectionsAloneAPasswordIsNotedOnDirtying) {
+  const auto item = plainItem();
+  item->setDetailsObject(jsonValue("[]"), kDetailsSections);
+  item->setPassword("first");
+  save(*item);
+
+  item->setPassword("second");
+  save(*item);
+
+  ASSERT_EQ(item->numberOfPreviouslyUsedPasswords(), 1u);
+  EXPECT_TRUE(item->previouslyUsedPasswordAtIndex(0)->value()->equals("first"));
+}
+
+TEST(QNItemSerialize, ParsingNewDetailsKeepsThePasswordThatWasNotedBefore) {
+  const auto vault = localVault();
+  const auto row = savedItem(vault, "first");
+  const auto item = opened(*row, vault);
+  ASSERT_TRUE(item->password()->equals("first"));
+  row->setPassword("second");
+  row->willSave();
+
+  item->setDetailsData(row->detailsData());
+  ASSERT_TRUE(item->password()->equals("second"));
+  item->setDetailsObject(std::nullopt, kDetailsPasswordHistory);
+  save(*item);
+
+  ASSERT_EQ(item->numberOfPreviouslyUsedPasswords(), 1u);
+  EXPECT_TRUE(item->previouslyUsedPasswordAtIndex(0)->value()->equals("first"));
+}
+
+TEST(QNItemSerialize, DetailsThatDontOpenLeaveWhatWasDerivedFromThem) {
+  const auto item = plainItem();
+  item->setDetailsObject(jsonValue("[]"), kDetailsSections);
+  item->setPassword("a good long password");
+  item->markRowDirty();
+  save(*item);
+  const Bytes stored = *item->detailsData();
+  const std::string strength = jsonText(item->overviewObjectForKey("ps"));
+  item->setDetailsData(Bytes(60, 1));
+
+  item->json();
+  item->willSave();
+
+  EXPECT_EQ(item->additionalInformation(), "has a password");
+  EXPECT_EQ(jsonText(item->overviewObjectForKey("ps")), strength);
+  item->setDetailsData(stored);
+  item->setPassword("another");
+  save(*item);
+  EXPECT_NE(item->previouslyUsedPasswordWithValue("a good long password"), nullptr);
+}
+
 }  // namespace
 }  // namespace quillon

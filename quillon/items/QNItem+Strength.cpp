@@ -68,7 +68,12 @@ bool QNItem::shouldShowPasswordStrength() {
 void QNItem::updatePassword(std::optional<std::string_view> password,
                             bool generatedByRandomNumberGenerator, double bitsEntropy) {
   setPassword(password);
-  const bool generated = generatedByRandomNumberGenerator;
+  // JSON has no form for an infinite number: kept, it would make the item unsavable.
+  if (generatedByRandomNumberGenerator && !std::isfinite(bitsEntropy)) {
+    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                       "Invalid password entropy");
+  }
+  const bool generated = generatedByRandomNumberGenerator && std::isfinite(bitsEntropy);
   setOverviewObject(generated ? std::optional<Json>(bitsEntropy) : std::nullopt,
                     QNItemOverviewPasswordBitsEntropyKey);
   setOverviewObject(generated ? std::optional<Json>(true) : std::nullopt,

@@ -190,5 +190,46 @@ TEST(QNItemStrength, APasswordThatCantBeRatedIsReportedAndStoredAsZero) {
   EXPECT_EQ(stored(*item, "ps"), "0");
 }
 
+TEST(QNItemStrength, OfAnItemThatNeverHadAPasswordIsKept) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  save(*row);
+  const auto item = opened(*row, vault);
+  item->setOverviewObject(Json(3), "ps");
+
+  save(*item);
+
+  EXPECT_EQ(stored(*item, "ps"), "3");
+}
+
+TEST(QNItemStrength, AChangedPasswordOfNearlyTheSameEntropyKeepsItsStrength) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->updatePassword("generated", true, 50.0);
+  save(*row);
+  const auto strength = stored(*row, "ps");
+
+  row->updatePassword("another", true, 50.05);
+  save(*row);
+
+  EXPECT_EQ(stored(*row, "ps"), strength);
+}
+
+TEST(QNItemStrength, AnEntropyThatIsNoNumberIsLeftOutAndReported) {
+  for (const double bits :
+       {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+    const auto vault = localVault();
+    const auto item = newItem(vault);
+    const MRCapturingSink sink;
+
+    item->updatePassword("generated", true, bits);
+    save(*item);
+
+    EXPECT_EQ(assertions(sink), std::vector<std::string>{"Invalid password entropy"});
+    EXPECT_TRUE(opened(*item, vault)->password()->equals("generated"));
+    EXPECT_FALSE(item->passwordGeneratedByRandomNumberGenerator());
+  }
+}
+
 }  // namespace
 }  // namespace quillon

@@ -36,14 +36,9 @@ std::int64_t QNItem::lastUsedDaysAgo() const {
 }
 
 std::uint64_t QNItem::lastPasswordChange() {
+  const std::lock_guard lock(monitor());
   if (!hasPassword()) return 0;
-  std::uint64_t latest = _createdAt;
-  if (const auto* const history = mutablePreviouslyUsedPasswords()) {
-    for (const QNPreviouslyUsedPassword& entry : *history) {
-      latest = std::max(latest, entry.retiredAt());
-    }
-  }
-  return latest;
+  return std::max(_createdAt, lastRetirement());
 }
 
 std::chrono::sys_seconds QNItem::createdAtAsDate() const {

@@ -78,5 +78,22 @@ TEST(QNItemTimes, HistoryFromBeforeTheItemWasMadeDoesntCountAsItsLastChange) {
   EXPECT_EQ(item->lastPasswordChange(), 1000u);
 }
 
+TEST(QNItemTimes, AskingForTheAgeOfAPasswordLeavesItsHistoryAsItIsStored) {
+  constexpr std::string_view stored = R"([{"value":"a","time":"1700000000","more":true},7])";
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->setPassword("present");
+  row->setDetailsObject(jsonValue(stored), kDetailsPasswordHistory);
+  row->setCreatedAt(1'600'000'000);
+  save(*row);
+  const auto item = opened(*row, vault);
+  const QNScopedClock clock(1'700'000'000 + 3 * 86'400);
+
+  EXPECT_EQ(item->passwordAgeInDays(), 3);
+  save(*item);
+
+  EXPECT_EQ(jsonText(opened(*item, vault)->detailsObjectForKey(kDetailsPasswordHistory)), stored);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -50,7 +50,7 @@ QNItem::QNItem(QNNew) : QNDatabaseObjectWithOverview(initNew) {
   _createdAt = secondsNow();
   open.details.emplace(jsonStorage());
   QNSecretSet first = backupKeyOf(open.key);
-  if (first.empty()) {
+  if (first.empty()) {  // not while a random key has raw bytes
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, QNItem::descriptionForLogging(),
                                        "Failed to create backup key from the new item's key.");
   }

@@ -25,6 +25,7 @@ class QNItemURL;
 /// opens for every item to draw lists, and the details, which hold the secrets and are opened
 /// with the item. The monitor guards both; URLs and everything else are one thread's business.
 /// Edited through setters, which dirty the row; encrypted in willSave() and nowhere else.
+/// Made with std::make_shared: its URLs know it by a weak pointer.
 class QNItem : public QNDatabaseObjectWithOverview,
                public QNSyncable,
                public QNDisplayOrderable,
@@ -51,7 +52,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool isEqualToItem(const QNItem& other) const;
   [[nodiscard]] bool isSameRevisionAsItem(const QNItem& other) const;
   [[nodiscard]] bool isModifiedCopyOf(QNItem& other);
-  /// allAttributes() as JSON text, in clear.
+  /// allAttributes() as JSON text, in clear: yours to wipe. Runs willSerialize(), which may change
+  /// and dirty the item.
   std::optional<std::string> json();
   std::string descriptionWithSizeInformation();
   [[nodiscard]] std::shared_ptr<const QNItemSpecifier> itemSpecifier();
@@ -61,7 +63,9 @@ class QNItem : public QNDatabaseObjectWithOverview,
 
   // Profile: QNItem+Profile.cpp
   /// A first profile gives the item its uuid. A move between vaults gives it a new one; between
-  /// generations, also a new key, with details brought into the clear first.
+  /// generations, also a new key, with details brought into the clear first. Null takes the uuid
+  /// away, with an assertion log: an item without a vault is a new one. The union profile is
+  /// refused, with an assertion log. Load the details first: what isn't loaded doesn't move.
   void setProfile(const std::shared_ptr<QNGenericProfile>& profile) override;
   [[nodiscard]] bool shouldRegenerateUUIDMovingFromProfile(
       const std::shared_ptr<QNGenericProfile>& from, std::uint64_t profileType,
@@ -95,7 +99,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void updatePassword(std::optional<std::string_view> password,
                       bool generatedByRandomNumberGenerator, double bitsEntropy);
 
-  // Details: QNItem+Details.cpp
+  // Details: QNItem+Details.cpp. What hands out a pointer into them hands out what the next
+  // change may move: hold monitor() while you look, if another thread knows the item.
   /// The live object, decrypted at the first call; null on failure, with detailsData() untouched.
   JsonObject* mutableDetails();
   JsonObject* details() { return mutableDetails(); }
@@ -107,34 +112,51 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void setDetailsText(std::optional<std::string_view> text, std::string_view forKey);
   virtual void copyDetails(const JsonObject& details);
   virtual void setDetailsData(std::optional<Bytes> data);
+  /// The live bytes: hold monitor() while they are read, unless the item is one thread's.
   [[nodiscard]] const std::optional<Bytes>& detailsData() const;
   void decryptDetailsDataIfNeeded();
+  /// Without trailing white space. The copy is yours to wipe.
   [[nodiscard]] std::optional<std::string> notesPlain();
   void setNotesPlain(std::optional<std::string_view> notes);
   /// Takes care of JSON nulls and wrong types in details of an account vault.
   void cleanseDetailsFieldsFromDetails(JsonObject& details);
 
   // Key and saving: QNItem+Encryption.cpp
+  /// Unwrapped by the local vault at the first need, and kept after its lock. Null, with an error
+  /// log, if it doesn't open; outside a local vault whatever was set, with an assertion log.
   [[nodiscard]] QNAESKeyRef key();
+  /// Dirties nothing. Details that are still sealed under the old key must be opened first.
   void setKey(QNAESKeyRef key);
-  /// A view of the 112 bytes in the item: valid as long as it lives, changed by a save.
+  /// A view of the 112 bytes in the item: valid as long as it lives, changed by a save. Not for
+  /// another thread to hold across one.
   [[nodiscard]] ByteView encryptedKey() const;
-  /// Any other length than 112 is refused with an assertion log.
+  /// Any other length than 112 is refused with an assertion log. Leaves a key that is already
+  /// open: give setKey(nullptr) first where the row may have another one.
   void setEncryptedKey(ByteView wrapped);
+  /// Encrypts everything afresh, dirty or not. Stored details stay as they are where new ones
+  /// can't be made (no key, a locked account); a locked local vault leaves no overview bytes.
   void willSave() override;
+  /// Takes the row's id, and with a local vault on either side the other's key too.
   void copyOidFrom(const std::shared_ptr<QNDatabaseObject>& other) override;
 
   // Backup keys: QNItem+BackupKeys.cpp
   [[nodiscard]] QNSecretSet backupKeysBase64Encoded();
+  /// Adds to the list. Without a profile there is no list to add to: a second call replaces the
+  /// first.
   void addBackupKeysBase64Encoded(QNSecretSet keys);
   [[nodiscard]] std::vector<QNAESKeyRef> backupAESKeys();
+  /// Takes the present key out of the list and keeps it out at saves. Not stored: an item that is
+  /// loaded again puts it back at its next save.
   void disableBackupKeys();
+  /// The next save puts the present key back.
   void enableBackupKeys() { setBackupKeysDisabled(false); }
   void clearBackupKeys() { setDetailsObject(std::nullopt, kDetailsBackupKeys); }
   [[nodiscard]] bool isBackupKeysDisabled() const { return _backupKeysDisabled; }
   void setBackupKeysDisabled(bool disabled) { _backupKeysDisabled = disabled; }
   void mergeBackupKeysWithConflict(QNItem& other);
   void test_only_clearAndDisableBackupKeys() {}
+  /// While true the item behaves as if it had no backup keys. Set by tests alone: attachments
+  /// under an old key don't open then.
   bool _test_only_isBackupKeysCompletelyDisabled = false;
 
   // Lifecycle: QNItem+Serialize.cpp
@@ -170,7 +192,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::optional<std::string> goAndFillURLString();
   [[nodiscard]] std::string defaultLabelForNewURL();
 
-  // Password history: QNItem+History.cpp
+  // Password history: QNItem+History.cpp. Pointers are valid until the history changes, which a
+  // save does too.
   [[nodiscard]] std::vector<QNPreviouslyUsedPassword>* mutablePreviouslyUsedPasswords();
   [[nodiscard]] bool hasPreviouslyUsedPasswords() { return numberOfPreviouslyUsedPasswords() > 0; }
   [[nodiscard]] std::size_t numberOfPreviouslyUsedPasswords();
@@ -219,9 +242,11 @@ class QNItem : public QNDatabaseObjectWithOverview,
   static std::uint64_t newItemFaveIndex() { return kNewItemFaveIndex; }
   [[nodiscard]] bool isFavorite() const { return _faveIndex != 0; }
   [[nodiscard]] std::uint64_t faveIndex() const { return _faveIndex; }
+  /// At most kNewItemFaveIndex; dirties the row.
   void setFaveIndex(std::uint64_t index);
   [[nodiscard]] std::uint64_t favoriteSortDescriptorOrder() const;
   [[nodiscard]] std::uint64_t displayOrder() const override { return _faveIndex; }
+  /// The same number without the limit; dirties the order only.
   void setDisplayOrder(std::uint64_t order) override;
   [[nodiscard]] std::optional<std::string> scope() const;
   void setScope(std::optional<std::string> scope);
@@ -235,8 +260,11 @@ class QNItem : public QNDatabaseObjectWithOverview,
   // Times: QNItem+Times.cpp. Whole seconds since 1970.
   [[nodiscard]] std::int64_t createdAtDaysAgo() const;
   [[nodiscard]] std::int64_t updatedAtDaysAgo() const;
+  /// Since lastPasswordChange(); a number without a meaning for an item without a password.
   [[nodiscard]] std::int64_t passwordAgeInDays();
+  /// kNotFound if it was never used.
   [[nodiscard]] std::int64_t lastUsedDaysAgo() const;
+  /// The last retirement of a password, or the creation; 0 without a password.
   [[nodiscard]] std::uint64_t lastPasswordChange();
   [[nodiscard]] std::chrono::sys_seconds createdAtAsDate() const;
   [[nodiscard]] std::chrono::sys_seconds updatedAtAsDate() const;
@@ -247,6 +275,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void setCategoryUUID(std::optional<std::string> uuid);
   [[nodiscard]] std::optional<std::string> folderUUID() const;
   void setFolderUUID(std::optional<std::string> uuid);
+  /// Dirties the row only if there was a folder uuid.
   void clearFolder();
   [[nodiscard]] std::uint64_t folderId() const { return _folderId; }
   void setFolderId(std::uint64_t id) { _folderId = id; }
@@ -307,6 +336,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   static QNSecretSet backupKeyOf(const QNAESKeyRef& key);
   void writeBackupKeys(const QNSecretSet& keys);
   void updateBackupKeys();
+  std::uint64_t lastRetirement();
   void encryptDetails();
   std::optional<Bytes> encryptedDetails(ByteView clear);
   void dropObjectsOfDetails();

@@ -133,6 +133,8 @@ TEST(QNItemSecretKeys, LockingLeavesTheItemsKeyWithTheItemAlone) {
     const auto item = newItem(vault);
     save(*item);
     vault->lock();
+
+    EXPECT_EQ(lockedBytesInUse(), before + QNAESKey::kRawKeySize);
   }
 
   EXPECT_EQ(lockedBytesInUse(), before);

@@ -32,6 +32,8 @@ void readBesideSaves(const std::shared_ptr<QNGenericProfile>& vault) {
       wrong += item->itemSpecifier() == nullptr;
       wrong += item->nakedDomain().has_value();
       wrong += item->passwordStrength() < 0;
+      wrong += item->lastPasswordChange() == 0;
+      wrong += item->containsPasswordValue("no such password");
     }
   };
 

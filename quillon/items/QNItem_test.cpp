@@ -451,6 +451,19 @@ TEST(QNItem, TellsItsScopeInTheUsersLanguage) {
   EXPECT_EQ(item->localizedScopeDescription(), "Never suggest in browser");
 }
 
+TEST(QNItem, TellsItsScopeInGerman) {
+  QNLocalization& texts = QNLocalization::sharedLocalization();
+  const std::string before = texts.language();
+
+  texts.setLanguage("de");
+  const std::string always = QNItem::localizedScopeDescriptionForValue("Always");
+  const std::string never = QNItem::localizedScopeDescriptionForValue("Never");
+  texts.setLanguage(before);
+
+  EXPECT_EQ(always, "Im Browser vorschlagen");
+  EXPECT_EQ(never, "Im Browser nie vorschlagen");
+}
+
 // Columns
 
 TEST(QNItem, CategoryScopeAndFolderDirtyTheRowOnAChangeOnly) {
@@ -501,6 +514,48 @@ TEST(QNItem, TheOtherColumnsArePlainStores) {
   EXPECT_EQ(item->numberOfTimesUsed(), -7);
   EXPECT_EQ(item->numberOfAttachments(), 8);
   EXPECT_TRUE(item->inboxItem());
+}
+
+TEST(QNItem, ClearFolderDirtiesTheRowOnlyIfThereWasAFolder) {
+  const auto item = newItem(localVault());
+  item->setFolderId(3);
+  item->didSave();
+
+  item->clearFolder();
+  EXPECT_FALSE(item->dirtyRow());
+  item->setFolderUUID("F");
+  item->didSave();
+  item->clearFolder();
+
+  EXPECT_TRUE(item->dirtyRow());
+}
+
+TEST(QNItem, StoredNamesNeverChange) {
+  const std::pair<std::string_view, std::string_view> names[] = {
+      {kOverviewTitle, "title"},
+      {kOverviewAdditionalInformation, "ainfo"},
+      {kOverviewURLString, "url"},
+      {QNItemOverviewPasswordStrengthKey, "ps"},
+      {QNItemOverviewPasswordBitsEntropyKey, "pbe"},
+      {QNItemOverviewPasswordPasswordGeneratedByRNGKey, "pgrng"},
+      {kTags, "tags"},
+      {QNItemOverviewH9UserUUIDKey, "h9UserUUID"},
+      {kCustomIcon, "icon"},
+      {kCustomIconAttributes, "icons"},
+      {kPendingCustomIcon, "pendingCustomIcon"},
+      {kDetailsNotesPlain, "notesPlain"},
+      {kDetailsSections, "sections"},
+      {kDetailsPasswordHistory, "passwordHistory"},
+      {kDetailsBackupKeys, "backupKeys"},
+      {kDetailsFields, "fields"},
+      {kDetailsHtmlForm, "htmlForm"},
+      {kDetailsPassword, "password"},
+      {QNItemScopeAlways, "Always"},
+      {QNItemScopeBasicAuth, "BasicAuth"},
+      {QNItemScopeNever, "Never"},
+      {QNItemScopeRegular, "Regular"},
+  };
+  for (const auto& [name, stored] : names) EXPECT_EQ(name, stored);
 }
 
 TEST(QNItem, ClearFolderTakesBothReferences) {

@@ -27,6 +27,10 @@ class QNDatabaseObjectWithOverview : public QNDatabaseObject {
   /// The member if it is a text.
   std::optional<std::string_view> overviewTextForKey(std::string_view key);
 
+  /// The object's recursive lock. For whoever looks at what an object hands out by pointer while
+  /// another thread may change it; nothing that takes another object's lock belongs inside.
+  std::recursive_mutex& monitor() const { return _monitor; }
+
   // Writing
   /// True if something changed, and the row is dirty then. Nothing removes the key.
   bool setOverviewObject(std::optional<Json> object, std::string_view forKey);
@@ -54,8 +58,6 @@ class QNDatabaseObjectWithOverview : public QNDatabaseObject {
 
   /// Called after a successful parse, inside the lock.
   virtual void didParseOverview() {}
-  /// The object's recursive lock.
-  std::recursive_mutex& monitor() const { return _monitor; }
 
  private:
   std::optional<Bytes> decryptedOverviewData();

@@ -1,3 +1,4 @@
+#include "quillon/platform/crypto/internal/QNKeyDerivation.h"
 #include "quillon/platform/data/MRData.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/vaults/internal/QNVaultTesting.h"
@@ -30,6 +31,17 @@ TEST(QNProfileLock, AnUnlockPostsWillWhileLockedAndDidWhileUnlocked) {
 
   EXPECT_EQ(listener.heard, (Heard{"QNProfileWillUnlockNotification locked",
                                    "QNProfileDidUnlockNotification unlocked"}));
+}
+
+TEST(QNProfileLock, AnUnlockDerivesOneKeyWhetherThePasswordIsRightOrWrong) {
+  const auto vault = storedCopyOf(*demoVault());
+  const auto before = numberOfPasswordDerivations();
+
+  EXPECT_FALSE(vault->_unlockWithPassword("wrong"));
+  EXPECT_EQ(numberOfPasswordDerivations(), before + 1);
+  EXPECT_TRUE(vault->_unlockWithPassword(DEMO_PASSWORD));
+
+  EXPECT_EQ(numberOfPasswordDerivations(), before + 2);
 }
 
 TEST(QNProfileLock, AWrongPasswordChangesAndPostsNothing) {

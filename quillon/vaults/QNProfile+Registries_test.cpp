@@ -304,6 +304,7 @@ TEST(QNProfileRegistries, ACategoryWithATemplateHasTemplateItems) {
   EXPECT_EQ(made->className(), "QNTemplateItem");
   EXPECT_EQ(made->categoryUUID(), "110");
   EXPECT_EQ(existing->className(), "QNTemplateItem");
+  EXPECT_EQ(existing->categoryUUID(), "110");
 }
 
 TEST(QNProfileRegistries, TemplatesAreThoseOfTheProcess) {

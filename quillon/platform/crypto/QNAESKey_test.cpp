@@ -7,6 +7,7 @@
 
 #include "quillon/platform/crypto/internal/QNAESGCM.h"
 #include "quillon/platform/crypto/internal/QNCryptoTesting.h"
+#include "quillon/platform/environment/QNEnvironment.h"
 
 namespace quillon {
 namespace {
@@ -178,6 +179,18 @@ TEST(QNAESKey, CalibratesToAWholeNumberOfMebibytesWithinItsBounds) {
   EXPECT_GE(count, QNAESKey::kMinCalibratedIterations);
   EXPECT_LE(count, QNAESKey::kMaxCalibratedIterations);
   EXPECT_EQ(count % 1'024, 0u);
+}
+
+TEST(QNAESKey, CalibratesByTheTimeThatOneDerivationTook) {
+  const auto calibratedWhenItTakes = [](double seconds) {
+    double now = 100;
+    const QNScopedSteadyClock clock([&now, seconds] { return std::exchange(now, now + seconds); });
+    return QNAESKey::calibrateForPassword("password", kSalt);
+  };
+
+  EXPECT_EQ(calibratedWhenItTakes(0.25), 131'072u);
+  EXPECT_EQ(calibratedWhenItTakes(0.125), 262'144u);
+  EXPECT_EQ(calibratedWhenItTakes(2), 65'536u);
 }
 
 TEST(QNAESKey, CalibratesToTheLeastWhereItCannotMeasure) {

@@ -6,6 +6,7 @@
 #include <sodium.h>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -25,6 +26,8 @@ constexpr std::uint32_t kCalibratedStep = 1'024;  // a whole number of MiB
 
 static_assert(QNAESKey::kSaltSize == crypto_pwhash_SALTBYTES);
 static_assert(std::size_t{QNAESKey::kMinIterations} * 1'024 == crypto_pwhash_MEMLIMIT_MIN);
+
+std::atomic<std::uint64_t> passwordDerivations{0};
 
 OSSL_PARAM octets(const char* name, ByteView bytes) {
   return OSSL_PARAM_construct_octet_string(name, const_cast<std::uint8_t*>(bytes.data()),
@@ -53,6 +56,7 @@ QNKeyBytes hkdf(const char* digest, ByteView keyMaterial, ByteView salt, ByteVie
 
 QNKeyBytes argon2id(std::string_view password, ByteView salt, std::uint32_t kibibytes,
                     std::size_t size) {
+  ++passwordDerivations;
   const auto normalized = normalizedNFKD(password);
   if (!normalized) return {};
   // Argon2 reads the characters themselves; libsodium wants an address of no characters too.
@@ -65,6 +69,10 @@ QNKeyBytes argon2id(std::string_view password, ByteView salt, std::uint32_t kibi
   sodium_stackzero(kArgonStack);
   if (failed != 0) return {};
   return derived;
+}
+
+std::uint64_t numberOfPasswordDerivations() noexcept {
+  return passwordDerivations;
 }
 
 std::uint32_t calibratedIterations(double seconds) {

@@ -1,6 +1,7 @@
 #include "quillon/platform/crypto/internal/QNKeyDerivation.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include "quillon/platform/crypto/internal/QNCryptoTesting.h"
 
@@ -45,6 +46,21 @@ TEST(QNKeyDerivation, ExpandsNoMoreThanTheHashAllows) {
   EXPECT_EQ(hkdf("SHA512", material, {}, {}, 16'320).size(), 16'320u);
   EXPECT_TRUE(hkdf("SHA512", material, {}, {}, 16'321).empty());
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // they need the memory
+// Ends the process: with 512 MiB of data, 64 MiB can be had for a key and 1 GiB can't.
+[[noreturn]] void deriveWithinALimit() {
+  const rlimit limit{std::size_t{512} << 20, std::size_t{512} << 20};
+  if (setrlimit(RLIMIT_DATA, &limit) != 0) std::_Exit(2);
+  const bool some = !argon2id("password", patterned(16), 65'536, 64).empty();
+  const bool none = argon2id("password", patterned(16), 1'048'576, 64).empty();
+  std::_Exit(some && none ? 0 : 1);
+}
+
+TEST(QNKeyDerivation, GivesNoKeyWhereItsMemoryCantBeHad) {
+  EXPECT_EXIT(deriveWithinALimit(), testing::ExitedWithCode(0), "");
+}
+#endif
 
 TEST(QNKeyDerivation, CalibratesInProportionToHalfASecond) {
   EXPECT_EQ(calibratedIterations(0.25), 131'072u);

@@ -22,6 +22,19 @@ class QNSegmentCipherTest : public testing::Test {
   }
 };
 
+TEST_F(QNSegmentCipherTest, RefusesTheSegmentWhoseNumberTheNonceCannotHold) {
+  auto reader = QNSegmentCipher::forHead(*key, message->head());
+  message->skipTo(0xffff'ffff);
+  reader->skipTo(0xffff'ffff);
+  ASSERT_TRUE(message->seal(full, kInside, roomFor(full.size())));
+  Bytes plain(full.size());
+  ASSERT_TRUE(reader->open(ByteView(out).first(full.size() + kGCMTagSize), kInside, plain));
+
+  EXPECT_FALSE(message->seal(full, kInside, roomFor(full.size())));
+  EXPECT_FALSE(message->seal(full, kLast, roomFor(full.size())));
+  EXPECT_FALSE(reader->open(ByteView(out).first(full.size() + kGCMTagSize), kInside, plain));
+}
+
 TEST_F(QNSegmentCipherTest, TakesOnlyFullSegmentsBeforeTheLast) {
   EXPECT_FALSE(
       message->seal(ByteView(full).first(full.size() - 1), kInside, roomFor(full.size() - 1)));

@@ -13,6 +13,7 @@ namespace {
 
 struct Settings {
   std::function<std::uint64_t()> clock;
+  std::function<double()> steadyClock;
   QNScopedRandom::Source random;
   std::string locale;
   std::string timeZone;
@@ -41,6 +42,7 @@ std::uint64_t secondsNow() {
 }
 
 double steadySeconds() {
+  if (const auto& clock = settings().steadyClock) return clock();
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
@@ -71,6 +73,12 @@ QNScopedClock::~QNScopedClock() {
 }
 void QNScopedClock::setSeconds(std::uint64_t seconds) {
   settings().clock = [seconds] { return seconds; };
+}
+
+QNScopedSteadyClock::QNScopedSteadyClock(std::function<double()> clock)
+    : _before(std::exchange(settings().steadyClock, std::move(clock))) {}
+QNScopedSteadyClock::~QNScopedSteadyClock() {
+  settings().steadyClock = std::move(_before);
 }
 
 QNScopedRandom::QNScopedRandom(Source source)

@@ -34,6 +34,18 @@ class QNScopedClock final {
   std::function<std::uint64_t()> _before;
 };
 
+/// What steadySeconds() gives while this lives: a test that measures time decides how long.
+class QNScopedSteadyClock final {
+ public:
+  explicit QNScopedSteadyClock(std::function<double()> clock);
+  ~QNScopedSteadyClock();
+  QNScopedSteadyClock(const QNScopedSteadyClock&) = delete;
+  QNScopedSteadyClock& operator=(const QNScopedSteadyClock&) = delete;
+
+ private:
+  std::function<double()> _before;
+};
+
 /// Every random byte of the process comes from `source` while this lives: keys, nonces,
 /// identifiers. For frozen vectors; never in a program that keeps secrets.
 class QNScopedRandom final {

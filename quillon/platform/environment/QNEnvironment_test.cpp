@@ -123,5 +123,17 @@ INSTANTIATE_TEST_SUITE_P(
                     LocaleCase{{{"LC_ALL", ""}, {"LANG", "ja_JP.UTF-8"}}, "ja-JP"},
                     LocaleCase{{{"LC_ALL", "C"}, {"LANG", "ja_JP.UTF-8"}}, "en-US"}));
 
+TEST(QNEnvironment, ATestSaysHowLongSomethingTook) {
+  double now = 5;
+  {
+    const QNScopedSteadyClock clock([&now] { return now; });
+    EXPECT_EQ(steadySeconds(), 5);
+    now = 7.5;
+    EXPECT_EQ(steadySeconds(), 7.5);
+  }
+
+  EXPECT_NE(steadySeconds(), 7.5);
+}
+
 }  // namespace
 }  // namespace quillon

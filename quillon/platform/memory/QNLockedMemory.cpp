@@ -11,8 +11,8 @@ namespace quillon {
 namespace {
 
 // Blocks of 64 bytes (a raw key) are cut from slabs, since libsodium spends at least four pages
-// on an allocation and the lock limit is small. A slab is kept once made: a lock of a vault of
-// 100,000 open items frees 100,000 blocks, and the next unlock wants them again.
+// on an allocation and the lock limit is small. A slab is kept once made: whoever releases
+// 100,000 open items frees 100,000 blocks, and the next list of them wants them again.
 constexpr std::size_t kBlockSize = 64;
 constexpr std::size_t kSlabBlocks = 255;  // with the canary, just under four pages
 

@@ -20,6 +20,9 @@ QNKeyBytes hkdf(const char* digest, ByteView keyMaterial, ByteView salt, ByteVie
 QNKeyBytes argon2id(std::string_view password, ByteView salt, std::uint32_t kibibytes,
                     std::size_t size);
 
+/// Calls of argon2id() so far in this process, whatever came of them: what an unlock costs.
+std::uint64_t numberOfPasswordDerivations() noexcept;
+
 /// The iteration count for about half a second, when the least calibrated count took `seconds`.
 std::uint32_t calibratedIterations(double seconds);
 
