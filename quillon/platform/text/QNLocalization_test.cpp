@@ -21,7 +21,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-const std::vector<std::string> kLanguages{"en", "de", "fr", "es", "ja"};
+const std::vector<std::string> kLanguages{"en", "de", "fr", "es", "ja", "pt", "ar"};
 
 QNLocalization::Table tableOf(const std::string& language) {
   const auto path = resourceFolder() / "Locales" / (language + ".lproj") / "Localizable.strings";
@@ -57,12 +57,14 @@ TEST_F(QNLocalizationTest, StartsInTheLanguageOfTheLocale) {
   EXPECT_EQ(FirstLanguage::title, "Sans nom");
 }
 
-TEST_F(QNLocalizationTest, SpeaksFiveLanguages) {
+TEST_F(QNLocalizationTest, SpeaksSevenLanguages) {
   const std::map<std::string, std::string> unnamed{{"en", "Unnamed"},
                                                    {"de", "Unbenannt"},
                                                    {"fr", "Sans nom"},
                                                    {"es", "Sin nombre"},
-                                                   {"ja", "名称未設定"}};
+                                                   {"ja", "名称未設定"},
+                                                   {"pt", "Sem nome"},
+                                                   {"ar", "بلا اسم"}};
   for (const auto& [language, title] : unnamed) {
     setLanguage(language);
 
