@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <map>
 #include <regex>
 #include <set>
@@ -21,7 +23,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-const std::vector<std::string> kLanguages{"en", "de", "fr", "es", "ja"};
+const std::vector<std::string> kLanguages{"en", "de", "fr", "es", "ja", "pt", "ar"};
 
 QNLocalization::Table tableOf(const std::string& language) {
   const auto path = resourceFolder() / "Locales" / (language + ".lproj") / "Localizable.strings";
@@ -57,12 +59,10 @@ TEST_F(QNLocalizationTest, StartsInTheLanguageOfTheLocale) {
   EXPECT_EQ(FirstLanguage::title, "Sans nom");
 }
 
-TEST_F(QNLocalizationTest, SpeaksFiveLanguages) {
-  const std::map<std::string, std::string> unnamed{{"en", "Unnamed"},
-                                                   {"de", "Unbenannt"},
-                                                   {"fr", "Sans nom"},
-                                                   {"es", "Sin nombre"},
-                                                   {"ja", "名称未設定"}};
+TEST_F(QNLocalizationTest, SpeaksSevenLanguages) {
+  const std::map<std::string, std::string> unnamed{
+      {"en", "Unnamed"},    {"de", "Unbenannt"}, {"fr", "Sans nom"}, {"es", "Sin nombre"},
+      {"ja", "名称未設定"}, {"pt", "Sem nome"},  {"ar", "بلا اسم"}};
   for (const auto& [language, title] : unnamed) {
     setLanguage(language);
 
@@ -185,6 +185,26 @@ TEST_F(QNLocalizationTest, TheTablesThatAreShippedReadWithoutAComplaint) {
 
   for (const auto& language : kLanguages) EXPECT_FALSE(tableOf(language).empty());
 
+  EXPECT_THAT(sink.records(), IsEmpty());
+}
+
+TEST_F(QNLocalizationTest, TheTablesOfTheTemplatesReadWithoutAComplaint) {
+  const MRCapturingSink sink;
+
+  std::size_t entries = 0;
+  for (const auto& language : kLanguages) {
+    const auto folder = resourceFolder() / "CategoryTemplates/Locales" / (language + ".lproj");
+    for (const auto& file : std::filesystem::directory_iterator(folder)) {
+      const auto text = fileContent(file.path(), 1 << 20);
+      ASSERT_TRUE(text.has_value()) << file.path();
+      const auto lines = std::count(text->begin(), text->end(), '"') / 4;
+      const auto table = QNLocalization::parseStrings(*text, file.path().string());
+      EXPECT_EQ(table.size(), static_cast<std::size_t>(lines)) << file.path();
+      entries += table.size();
+    }
+  }
+
+  EXPECT_GT(entries, 7u * 250u);
   EXPECT_THAT(sink.records(), IsEmpty());
 }
 
