@@ -14,10 +14,24 @@ class QNLogin : public QNItem {
 
   [[nodiscard]] std::string_view className() const override { return "QNLogin"; }
   /// Loaded at the first use. The same object as long as the login lives: it is emptied when the
-  /// details are replaced and filled again by the next call. Where another thread may change it,
-  /// take `fields()`, a copy. While the details can't be read it is empty and never saved: the
-  /// next call tries again.
+  /// details are replaced and filled again by the next call. While the details can't be read it is
+  /// empty and never saved: the next call tries again.
+  ///
+  /// For a login that one thread has to itself: the lock is given back before this returns, and
+  /// everything done with the list, `fields()` included, is done without it. Otherwise use
+  /// withLoginFields().
+  ///
+  /// A change of the list or of an entry doesn't mark the row dirty: call markRowDirty() too. Once
+  /// the list is loaded it is what a save stores: willSerialize() puts it over anything written to
+  /// details "fields" itself since.
   QNLoginFieldList& loginFields();
+  /// Runs `work` with that list inside the login's lock, and gives back what it answers. Entries
+  /// are shared, so let texts out and no entries; and don't wait for another thread in `work`.
+  template <class Work>
+  auto withLoginFields(const Work& work) {
+    const std::lock_guard guard(monitor());
+    return work(loginFields());
+  }
   [[nodiscard]] bool hasLoginFields() override;
   [[nodiscard]] std::optional<std::string> username() override;
   void setUsername(std::optional<std::string_view> username) override;

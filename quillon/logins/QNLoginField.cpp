@@ -1,3 +1,14 @@
+// A login field, an element of details "fields":
+//
+//   name         text   the form input's name
+//   value        text   its value, a secret
+//   type         text   its kind: T, P, E, U, N, R, A, B, C, TEL, S. Missing or empty means T
+//   designation  text   "username", "password", another one, or missing
+//   id           any    the input's HTML id, mostly a text
+//
+// A member of another JSON type is kept, and all but id read as a text. Unknown members are kept,
+// and all in their order.
+
 #include "quillon/logins/QNLoginField.h"
 
 #include <algorithm>
@@ -44,7 +55,9 @@ std::optional<QNSecret> textOfContainer(const Json& value) {
   return text ? std::optional<QNSecret>(textOf(*text)) : std::nullopt;
 }
 
-// The text that a stored value reads as: a form may have been saved with numbers as values.
+// The text that a stored value reads as: a form may have been saved with numbers as values. A
+// boolean reads as 1 or 0, since those who wrote the stored data knew it only as a number object,
+// which describes itself so.
 std::optional<QNSecret> descriptionOf(const Json* value) {
   if (value == nullptr) return std::nullopt;
   switch (value->kind()) {
@@ -59,9 +72,38 @@ std::optional<QNSecret> descriptionOf(const Json* value) {
     case JsonKind::double_:
       return textOfNumber(value->get_double());
     case JsonKind::bool_:
-      return QNSecret(value->get_bool() ? "true" : "false");
+      return QNSecret(value->get_bool() ? "1" : "0");
     default:
       return textOfContainer(*value);
+  }
+}
+
+// Writes it in its place: an assignment swaps the values through the stack, where the short text
+// of an earlier member of that name would stay.
+void copyInPlace(const Json& from, JsonObject& to, std::string_view key) {
+  switch (from.kind()) {
+    case JsonKind::string:
+      return setJsonText(to, key, from.get_string());
+    case JsonKind::array:
+      to[key].emplace_array() = from.get_array();
+      return;
+    case JsonKind::object:
+      to[key].emplace_object() = from.get_object();
+      return;
+    case JsonKind::int64:
+      to[key].emplace_int64() = from.get_int64();
+      return;
+    case JsonKind::uint64:
+      to[key].emplace_uint64() = from.get_uint64();
+      return;
+    case JsonKind::double_:
+      to[key].emplace_double() = from.get_double();
+      return;
+    case JsonKind::bool_:
+      to[key].emplace_bool() = from.get_bool();
+      return;
+    case JsonKind::null:
+      to[key].emplace_null();
   }
 }
 
@@ -82,7 +124,7 @@ QNLoginField::QNLoginField(std::span<const Json> initWithObjects,
                            std::span<const std::string_view> forKeys)
     : QNLoginField() {
   const std::size_t count = std::min(initWithObjects.size(), forKeys.size());
-  for (std::size_t i = 0; i < count; ++i) _field[forKeys[i]] = initWithObjects[i];
+  for (std::size_t i = 0; i < count; ++i) copyInPlace(initWithObjects[i], _field, forKeys[i]);
 }
 
 std::vector<std::string_view> QNLoginField::keyEnumerator() const {

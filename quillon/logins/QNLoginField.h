@@ -54,7 +54,8 @@ class QNLoginField final {
   QNLoginField(const QNLoginField&) = delete;
   QNLoginField& operator=(const QNLoginField&) = delete;
 
-  // Reading: numbers and booleans read as their text; null or absent members as nothing.
+  // Reading: a number reads as its decimal text, true and false as "1" and "0", an array or an
+  // object as its JSON text; null and absent members as nothing.
   [[nodiscard]] std::optional<QNSecret> value() const;
   [[nodiscard]] std::optional<std::string> name() const;
   [[nodiscard]] std::optional<std::string> designation() const;
@@ -69,7 +70,9 @@ class QNLoginField final {
   void setType(std::string_view type);
   /// Nothing removes the member.
   void setValue(std::optional<std::string_view> value);
-  /// Nothing and "" remove the member.
+  /// Nothing and "" remove the member. The designation of an entry in a list is the list's: use
+  /// its designateLoginFieldAt(), which takes the mark from the other entry. The same goes for
+  /// _removeDesignation().
   void setDesignation(std::optional<std::string_view> designation);
   void _removeDesignation();
 

@@ -1,7 +1,10 @@
 #include "quillon/logins/QNLoginFieldList.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
+
+#include "quillon/platform/json/QNJsonEquality.h"
 
 namespace quillon {
 namespace {
@@ -47,11 +50,23 @@ Field QNLoginFieldList::loginFieldAtIndex(std::size_t index) const {
   return index < _internalFields.size() ? _internalFields[index] : nullptr;
 }
 
+// A designation may have gone from the entry without the list: the entry is asked.
+Field QNLoginFieldList::usernameField() const {
+  return _usernameField != nullptr && _usernameField->designatedAsUsername() ? _usernameField
+                                                                             : nullptr;
+}
+
+Field QNLoginFieldList::passwordField() const {
+  return _passwordField != nullptr && _passwordField->designatedAsPassword() ? _passwordField
+                                                                             : nullptr;
+}
+
 Fields QNLoginFieldList::passwordFields() const {
   return allThat(_internalFields, [](const Field& field) { return field->isConcealed(); });
 }
 
 void QNLoginFieldList::addLoginField(const Field& field) {
+  if (field == nullptr) return;
   _internalFields.push_back(field);
   const auto last = static_cast<std::int64_t>(_internalFields.size()) - 1;
   if (field->designatedAsUsername()) {
@@ -83,18 +98,21 @@ Field QNLoginFieldList::addDesignatedPassword(std::optional<std::string_view> va
 }
 
 void QNLoginFieldList::designateLoginFieldAt(std::int64_t index, std::string_view as) {
+  if (index >= static_cast<std::int64_t>(count())) return;
+  const std::string designation(as);  // which may lie within the entry that loses it
   const Field entry = index < 0 ? nullptr : loginFieldAtIndex(static_cast<std::size_t>(index));
-  const Field holder =
-      firstThat(_internalFields, [as](const Field& field) { return field->designation() == as; });
+  const Field holder = firstThat(_internalFields, [&designation](const Field& field) {
+    return field->designation() == designation;
+  });
   if (holder != nullptr && holder != entry) {
     holder->_removeDesignation();
     forget(holder);
   }
   if (entry == nullptr) return;
   forget(entry);  // it may have been the other one until now
-  entry->setDesignation(as);
-  if (as == QNLoginFieldDesignationUsername) _usernameField = entry;
-  if (as == QNLoginFieldDesignationPassword) _passwordField = entry;
+  entry->setDesignation(designation);
+  if (designation == QNLoginFieldDesignationUsername) _usernameField = entry;
+  if (designation == QNLoginFieldDesignationPassword) _passwordField = entry;
 }
 
 void QNLoginFieldList::forget(const Field& field) {
@@ -103,8 +121,8 @@ void QNLoginFieldList::forget(const Field& field) {
 }
 
 Field QNLoginFieldList::loginFieldDesignatedAs(std::string_view designation) const {
-  if (designation == QNLoginFieldDesignationUsername) return _usernameField;
-  if (designation == QNLoginFieldDesignationPassword) return _passwordField;
+  if (designation == QNLoginFieldDesignationUsername) return usernameField();
+  if (designation == QNLoginFieldDesignationPassword) return passwordField();
   return firstThat(_internalFields, [designation](const Field& field) {
     return field->designation() == designation;
   });
@@ -134,7 +152,7 @@ Fields QNLoginFieldList::loginFieldsConflictingWith(const QNLoginFieldList& othe
     if (!field->canConflict() || !name || !field->value()) return false;
     const Fields rivals = other.loginFieldsWithName(*name);
     return std::none_of(rivals.begin(), rivals.end(), [&field](const Field& rival) {
-      return rival->asDictionary() == field->asDictionary();
+      return equalJson(rival->asDictionary(), field->asDictionary());
     });
   });
 }

@@ -133,13 +133,53 @@ TEST(QNLoginFieldList, OnlyTakesADesignationAwayForANegativeIndex) {
   EXPECT_EQ(list.passwordField(), list.fields()[1]);
 }
 
-TEST(QNLoginFieldList, TakesADesignationAwayForAnIndexBehindTheEnd) {
+TEST(QNLoginFieldList, ChangesNothingForAnIndexBehindTheEnd) {
   auto list = listOf({kUsername});
 
   list.designateLoginFieldAt(1, QNLoginFieldDesignationUsername);
 
-  EXPECT_EQ(list.usernameField(), nullptr);
+  EXPECT_EQ(list.usernameField(), list.fields()[0]);
   EXPECT_EQ(list.count(), 1u);
+}
+
+TEST(QNLoginFieldList, TakesADesignationThatIsReadFromItsHolder) {
+  auto list = listOf({R"({"designation":"totp","name":"a"})", R"({"name":"b"})"});
+  const auto designation =
+      mr_validStringValueForKey(list.fields()[0]->asDictionary(), QNLoginFieldKeyDesignation);
+  ASSERT_TRUE(designation);
+
+  list.designateLoginFieldAt(1, *designation);
+
+  EXPECT_EQ(jsonOf(list), R"([{"name":"a"},{"name":"b","designation":"totp"}])");
+}
+
+TEST(QNLoginFieldList, TakesAnotherDesignationFromItsFirstHolderOnly) {
+  auto list = listOf({R"({"name":"a","designation":"totp"})",
+                      R"({"name":"b","designation":"totp"})", R"({"name":"c"})"});
+
+  list.designateLoginFieldAt(2, QNFillObjectDesignationTOTP);
+
+  EXPECT_EQ(jsonOf(list), R"([{"name":"a"},{"name":"b","designation":"totp"},)"
+                          R"({"name":"c","designation":"totp"}])");
+}
+
+TEST(QNLoginFieldList, TakesAnotherDesignationFromNobodyWhenItsFirstHolderIsDesignated) {
+  auto list =
+      listOf({R"({"name":"a","designation":"totp"})", R"({"name":"b","designation":"totp"})"});
+  const std::string before = jsonOf(list);
+
+  list.designateLoginFieldAt(0, QNFillObjectDesignationTOTP);
+
+  EXPECT_EQ(jsonOf(list), before);
+}
+
+TEST(QNLoginFieldList, IgnoresNullInThePlaceOfAnEntry) {
+  auto list = listOf({kUsername});
+
+  list.addLoginField(nullptr);
+
+  EXPECT_EQ(list.count(), 1u);
+  EXPECT_EQ(list.usernameField(), list.fields()[0]);
 }
 
 TEST(QNLoginFieldList, ForgetsTheUsernameThatBecomesThePassword) {
@@ -266,7 +306,7 @@ TEST(QNLoginFieldList, ListsAllEntriesWithAName) {
   const auto list =
       listOf({R"({"name":"a","value":"1"})", R"({"name":"b"})", R"({"name":"a","value":"2"})"});
 
-  EXPECT_EQ(list.loginFieldsWithName("a").size(), 2u);
+  EXPECT_THAT(list.loginFieldsWithName("a"), ElementsAre(list.fields()[0], list.fields()[2]));
   EXPECT_THAT(list.loginFieldsWithName("c"), IsEmpty());
 }
 
@@ -290,6 +330,14 @@ TEST(QNLoginFieldList, SeesNoConflictWithAnEqualEntry) {
       listOf({R"({"name":"a","value":"2"})", R"({"x":true,"value":"1","name":"a"})"});
 
   EXPECT_THAT(list.loginFieldsConflictingWith(other), IsEmpty());
+}
+
+TEST(QNLoginFieldList, SeesNoConflictInANumberThatIsWrittenOtherwise) {
+  const auto list = listOf({R"({"name":"a","value":"1","x":40})"});
+  const auto other = listOf({R"({"name":"a","value":"1","x":40.0})"});
+
+  EXPECT_THAT(list.loginFieldsConflictingWith(other), IsEmpty());
+  EXPECT_THAT(other.loginFieldsConflictingWith(list), IsEmpty());
 }
 
 TEST(QNLoginFieldList, SeesAConflictInAnyMember) {
@@ -411,6 +459,31 @@ TEST(QNLoginFieldList, SharesItsEntriesWithAnotherList) {
   other.designateLoginFieldAt(0, QNFillObjectDesignationTOTP);
 
   EXPECT_EQ(one.fields()[0]->designation(), "totp");
+  EXPECT_EQ(one.usernameField(), nullptr);
+  EXPECT_EQ(one.loginFieldDesignatedAs(QNLoginFieldDesignationUsername), nullptr);
+}
+
+TEST(QNLoginFieldList, ForgetsWhoLosesItsDesignationWithoutTheList) {
+  const auto list = listOf({kUsername, kPassword});
+
+  list.fields()[0]->setDesignation(QNFillObjectDesignationTOTP);
+  list.fields()[1]->_removeDesignation();
+
+  EXPECT_EQ(list.usernameField(), nullptr);
+  EXPECT_EQ(list.passwordField(), nullptr);
+  EXPECT_EQ(list.loginFieldDesignatedAs(QNLoginFieldDesignationPassword), nullptr);
+}
+
+TEST(QNLoginFieldList, IsMovedWithItsDesignationsAndNeverCopied) {
+  auto list = listOf({kUsername, kPassword});
+  const auto fields = list.fields();
+
+  const QNLoginFieldList moved = std::move(list);
+
+  EXPECT_EQ(moved.usernameField(), fields[0]);
+  EXPECT_EQ(moved.passwordField(), fields[1]);
+  EXPECT_FALSE(std::is_copy_constructible_v<QNLoginFieldList>);
+  EXPECT_FALSE(std::is_copy_assignable_v<QNLoginFieldList>);
 }
 
 }  // namespace

@@ -36,6 +36,25 @@ TEST(QNLoginField, PairsObjectsWithKeys) {
   EXPECT_EQ(jsonOf(field), R"({"name":"login","x":7})");
 }
 
+TEST(QNLoginField, KeepsObjectsOfEveryKindAndTheLastOfAKey) {
+  const Json objects[] = {Json("first"),
+                          Json(nullptr),
+                          Json(true),
+                          Json(-7),
+                          Json(~std::uint64_t{0}),
+                          Json(2.5),
+                          Json(JsonArray{1, "two"}),
+                          Json(JsonObject{{"k", "v"}}),
+                          Json("last")};
+  const std::string_view keys[] = {"a", "b", "c", "d", "e", "f", "g", "h", "a"};
+
+  const QNLoginField field(objects, keys);
+
+  EXPECT_EQ(jsonOf(field), R"({"a":"last","b":null,"c":true,"d":-7,"e":18446744073709551615,)"
+                           R"("f":2.5E0,"g":[1,"two"],"h":{"k":"v"}})");
+  EXPECT_EQ(*field.objectForKey("g")->storage(), *jsonStorage());
+}
+
 TEST(QNLoginField, IsReadAsADictionary) {
   const auto field = fieldFrom(R"({"value":"ann","x":[1],"name":"n"})");
 
@@ -110,9 +129,9 @@ TEST(QNLoginField, ReadsANumberWithoutAnExponentWhereItsDigitsAreFew) {
   EXPECT_EQ(valueOf(fieldFrom(R"({"value":1e-300})")), "1e-300");
 }
 
-TEST(QNLoginField, ReadsABooleanAsItsText) {
-  EXPECT_EQ(valueOf(fieldFrom(R"({"value":true})")), "true");
-  EXPECT_EQ(valueOf(fieldFrom(R"({"value":false})")), "false");
+TEST(QNLoginField, ReadsABooleanAsOneOrZero) {
+  EXPECT_EQ(valueOf(fieldFrom(R"({"value":true})")), "1");
+  EXPECT_EQ(valueOf(fieldFrom(R"({"value":false})")), "0");
 }
 
 TEST(QNLoginField, ReadsAContainerAsItsJsonText) {

@@ -71,6 +71,19 @@ TEST_P(QNLoginMemory, ALoginLeavesNoPasswordOnTheStack) {
   EXPECT_EQ(found, 0u);
 }
 
+TEST_P(QNLoginMemory, AFormFieldMadeOfPartsLeavesNoValueBehind) {
+  const Json objects[] = {Json(JsonArray{Json(GetParam())}), Json(GetParam()), Json("another")};
+  const std::string_view keys[] = {"x", "value", "value"};  // the last text replaces the secret
+  const QNFreedBlockWatch watch(GetParam());
+  std::optional<QNLoginField> field;  // goes later: its end would write over what its making left
+
+  const std::size_t found = remainsOnStack(GetParam(), [&] { field.emplace(objects, keys); });
+  field.reset();
+
+  EXPECT_EQ(found, 0u);
+  EXPECT_EQ(watch.found(), 0u);
+}
+
 TEST_P(QNLoginMemory, APasswordItemLeavesNoPasswordBehind) {
   const QNFreedBlockWatch watch(GetParam());
 

@@ -278,6 +278,55 @@ TEST_F(QNLoginTest, CanBeReadWhileAnotherThreadReplacesItsDetails) {
   EXPECT_EQ(others, 0);
 }
 
+TEST_F(QNLoginTest, LetsItsFieldsBeGoneThroughWhileAnotherThreadChangesThem) {
+  const JsonObject details = object(R"({"fields":[{"value":"ann","designation":"username"},)"
+                                    R"({"value":"pw","designation":"password"}]})");
+  const auto login = loginWithDetails(mr_JSONStringWithError(details).value_or(""));
+  std::atomic<bool> isDone{false};
+  std::thread writer([&] {
+    while (!isDone) {
+      login->withLoginFields([](QNLoginFieldList& fields) {
+        fields.removeLoginFieldAtIndex(0);
+        fields.addDesignatedUsername("ann");
+      });
+      login->setPassword("another");
+      login->copyDetails(details);
+    }
+  });
+
+  int others = 0;
+  for (int round = 0; round < 10000; ++round) {
+    const std::string read = login->withLoginFields([](const QNLoginFieldList& fields) {
+      std::string values;
+      for (const auto& field : fields.fields()) values += field->value()->reveal();
+      return values;
+    });
+    if (read != "annpw" && read != "pwann" && read != "anotherann") ++others;
+  }
+  isDone = true;
+  writer.join();
+
+  EXPECT_EQ(others, 0);
+}
+
+TEST_F(QNLoginTest, LeavesADirtyRowToWhoChangesItsList) {
+  const auto login = loginWithFields("[]");
+
+  login->withLoginFields([](QNLoginFieldList& fields) { fields.addDesignatedUsername("ann"); });
+
+  EXPECT_FALSE(login->dirtyRow());
+  EXPECT_EQ(login->username(), "ann");
+}
+
+TEST_F(QNLoginTest, SavesItsLoadedListOverWhatWasWrittenToItsDetails) {
+  const auto login = loginWithFields(R"([{"name":"loaded"}])");
+  ASSERT_TRUE(login->hasLoginFields());
+
+  login->setDetailsObject(Json(JsonArray{JsonObject{{"name", "written"}}}), "fields");
+
+  EXPECT_EQ(storedFields(*login), R"([{"name":"loaded"}])");
+}
+
 TEST_F(QNLoginTest, LeavesFieldsThatWereNeverReadAsTheyAre) {
   const auto login = loginWithFields(R"([{},{"name":"u"}])");
 

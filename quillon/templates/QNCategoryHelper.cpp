@@ -8,6 +8,13 @@
 namespace quillon {
 namespace {
 
+// Names of one category, in the language of the table's first use.
+struct QNCategoryInfo {
+  std::string iconName;  // middle part of its icon names; empty for tombstones
+  std::string singularName;
+  std::string pluralName;
+};
+
 struct Row {
   std::string_view uuid;
   std::string_view iconName;
@@ -35,14 +42,16 @@ constexpr std::array<Row, 14> kRows = {{
 
 using Table = std::map<std::string_view, QNCategoryInfo>;
 
+// All names in one language, whoever changes it meanwhile: the table stays.
 Table localizedTable() {
   const QNLocalization& texts = QNLocalization::sharedLocalization();
+  const std::string language = texts.language();
   Table table;
   for (const Row& row : kRows) {
     table[row.uuid] = {
         std::string(row.iconName),
-        texts.localizedStringForKey(row.singularName, "category name, singular"),
-        texts.localizedStringForKey(row.pluralName, "category name, plural"),
+        texts.localizedStringForKey(row.singularName, "category name, singular", language),
+        texts.localizedStringForKey(row.pluralName, "category name, plural", language),
     };
   }
   return table;

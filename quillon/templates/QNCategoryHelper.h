@@ -8,15 +8,18 @@
 
 namespace quillon {
 
-/// Default names of one category. The names are localized when the table is built, at the first
-/// use, and stay in that language for the life of the process.
-struct QNCategoryInfo {
-  std::string iconName;  // middle part of its icon names; empty for tombstones
-  std::string singularName;
-  std::string pluralName;
-};
-
-/// Default names and icon names of the categories that are known without a template.
+/// Default names and icon names of the categories that are known without a template. The names
+/// are localized together, at the first use of any, and stay in that language for the life of the
+/// process.
+///
+///                     absent identifier       unknown identifier     known, for example "001"
+///   singular name     ""                      nothing                "Login"
+///   plural name       "All Items", in the     nothing                "Logins"
+///                     language of each call
+///   list icon         "type-allitems-list"    "type-generic-list"    "type-login-list"
+///   detail icon       "type-generic-detail"   "type-generic-detail"  "type-login-details"
+///
+/// "099", which has no icon, is known all the same: "type--list", "type--details".
 class QNCategoryHelper final {
  public:
   static std::optional<std::string> defaultSingularNameFor(QNOptionalUUID uuid);
@@ -24,7 +27,12 @@ class QNCategoryHelper final {
   static std::string defaultListIconNameFor(QNOptionalUUID uuid);
   static std::string defaultDetailIconNameFor(QNOptionalUUID uuid);
 
-  // From a list icon name
+  // From a list icon name, by replacing every occurrence of its parts:
+  //                absent name                 "type-login-list"
+  //   source icon  "type-generic-source"       style 0: "sidebar-login-light-background"
+  //                                            any other style: "sidebar-login"
+  //   menu icon    "type-generic-source"       "type-login-source"
+  //   touch bar    "type-allitems-dark-color"  "type-login-dark-color"
   /// `style` is the background style of the platform's table view.
   static std::string sourceIconNameWith(std::optional<std::string_view> listIconName, int style);
   static std::string menuIconNameWith(std::optional<std::string_view> listIconName);

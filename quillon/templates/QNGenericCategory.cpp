@@ -109,10 +109,14 @@ const QNItemClass* QNGenericCategoryItemClassForCategoryUUID(QNOptionalUUID uuid
   return hasTemplate ? &classOfTemplateItems() : nullptr;
 }
 
+std::uint64_t QNGenericCategoryDisplayOrder(const QNGenericCategory& category) {
+  return category.ownDisplayOrder().value_or(defaultOrderOf(category));
+}
+
 std::strong_ordering QNGenericCategoryCompare(const QNGenericCategory& a,
                                               const QNGenericCategory& b) {
-  const std::uint64_t orderOfA = a.ownDisplayOrder().value_or(defaultOrderOf(a));
-  const std::uint64_t orderOfB = b.ownDisplayOrder().value_or(defaultOrderOf(b));
+  const std::uint64_t orderOfA = QNGenericCategoryDisplayOrder(a);
+  const std::uint64_t orderOfB = QNGenericCategoryDisplayOrder(b);
   if (orderOfA != orderOfB) return orderOfA <=> orderOfB;
   return a.singularName() <=> b.singularName();
 }

@@ -40,8 +40,9 @@ std::uint64_t QNGenericCategoryDefaultDisplayOrder(QNOptionalUUID uuid);
 /// Null where no class serves the category; the caller decides what that means.
 const QNItemClass* QNGenericCategoryItemClassForCategoryUUID(QNOptionalUUID uuid);
 
-/// By the category's own order, or the default one of its identifier; then by singular name,
-/// character by character.
+/// The category's own order, or the default one of its identifier.
+std::uint64_t QNGenericCategoryDisplayOrder(const QNGenericCategory& category);
+/// By that order; then by singular name, character by character.
 std::strong_ordering QNGenericCategoryCompare(const QNGenericCategory& a,
                                               const QNGenericCategory& b);
 /// Always by the default order; then by singular name as the user's language sorts, case apart.

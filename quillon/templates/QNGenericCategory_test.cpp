@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 #include "quillon/items/QNItem.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/templates/QNCategory.h"
@@ -145,6 +149,11 @@ TEST(QNGenericCategoryAvailableWatchCategories, KeepTheirOrder) {
               ElementsAre("001", "005", "002", "003", "106", "108", "103", "109", "101"));
 }
 
+TEST(QNGenericCategoryAvailableWatchCategories, AreBuiltOnce) {
+  EXPECT_EQ(&QNGenericCategoryAvailableWatchCategories(),
+            &QNGenericCategoryAvailableWatchCategories());
+}
+
 TEST(QNGenericCategoryDefaultDisplayOrder, IsZeroForNothing) {
   EXPECT_EQ(QNGenericCategoryDefaultDisplayOrder(std::nullopt), 0u);
 }
@@ -265,28 +274,81 @@ TEST(QNGenericCategoryH9Compare, BreaksATieAsTheLanguageSortsCaseApart) {
             std::weak_ordering::equivalent);
 }
 
-TEST(QNGenericCategoryH9Compare, SortsAllCategoriesAsAPersonSeesThem) {
+TEST(QNGenericCategoryH9Compare, BreaksATieAsTheUsersLanguageSorts) {
+  const QNTestCategory umlaut("100", "Ärzte");
+  const QNTestCategory last("101", "Zeitungen");
+
+  {
+    const QNScopedLocale german("de");
+    EXPECT_EQ(QNGenericCategoryH9Compare(umlaut, last), std::weak_ordering::less);
+    EXPECT_EQ(QNGenericCategoryH9Compare(last, umlaut), std::weak_ordering::greater);
+  }
+  {
+    const QNScopedLocale swedish("sv");  // where Ä comes behind Z
+    EXPECT_EQ(QNGenericCategoryH9Compare(umlaut, last), std::weak_ordering::greater);
+    EXPECT_EQ(QNGenericCategoryH9Compare(last, umlaut), std::weak_ordering::less);
+  }
+}
+
+// One of each order and, among the others, names that languages and bytes sort differently.
+std::vector<QNTestCategory> unsortedCategories() {
   std::vector<QNTestCategory> all;
   for (const auto& [uuid, name] :
        std::initializer_list<std::pair<const char*, const char*>>{{"099", "Tombstone"},
                                                                   {"110", "Server"},
                                                                   {"006", "Document"},
+                                                                  {"111", "Ärzte"},
                                                                   {"005", "Password"},
                                                                   {"109", "Router"},
                                                                   {"004", "Identity"},
+                                                                  {"112", "api"},
                                                                   {"002", "Credit Card"},
                                                                   {"003", "Secure Note"},
                                                                   {"001", "Login"}}) {
     all.emplace_back(uuid, name);
   }
+  return all;
+}
+
+std::vector<std::string> namesOf(const std::vector<QNTestCategory>& categories) {
+  std::vector<std::string> names;
+  for (const auto& category : categories) names.push_back(*category.itsSingularName);
+  return names;
+}
+
+TEST(QNGenericCategoryCompare, SortsAllCategoriesAlikeInEveryLanguage) {
+  for (const char* const tag : {"en-US", "sv"}) {
+    const QNScopedLocale locale(tag);
+    auto all = unsortedCategories();
+
+    std::sort(all.begin(), all.end(),
+              [](const auto& a, const auto& b) { return QNGenericCategoryCompare(a, b) < 0; });
+
+    EXPECT_THAT(namesOf(all),
+                ElementsAre("Login", "Secure Note", "Credit Card", "Identity", "Password",
+                            "Document", "Router", "Server", "api", "Ärzte", "Tombstone"))
+        << tag;
+  }
+}
+
+TEST(QNGenericCategoryH9Compare, SortsAllCategoriesAsAPersonSeesThem) {
+  const QNScopedLocale english("en-US");
+  auto all = unsortedCategories();
 
   std::sort(all.begin(), all.end(),
             [](const auto& a, const auto& b) { return QNGenericCategoryH9Compare(a, b) < 0; });
 
-  std::vector<std::string> names;
-  for (const auto& category : all) names.push_back(*category.itsSingularName);
-  EXPECT_THAT(names, ElementsAre("Login", "Secure Note", "Credit Card", "Identity", "Password",
-                                 "Document", "Router", "Server", "Tombstone"));
+  EXPECT_THAT(namesOf(all),
+              ElementsAre("Login", "Secure Note", "Credit Card", "Identity", "Password", "Document",
+                          "api", "Ärzte", "Router", "Server", "Tombstone"));
+}
+
+TEST(QNGenericCategoryDisplayOrder, IsTheCategorysOwnOrElseTheDefault) {
+  QNTestCategory card("002", "Card");
+
+  EXPECT_EQ(QNGenericCategoryDisplayOrder(card), 30000u);
+  card.itsOrder = 0;
+  EXPECT_EQ(QNGenericCategoryDisplayOrder(card), 0u);
 }
 
 }  // namespace

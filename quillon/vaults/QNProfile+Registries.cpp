@@ -10,10 +10,6 @@
 namespace quillon {
 namespace {
 
-std::uint64_t displayOrderOf(const QNGenericCategory& category) {
-  return category.ownDisplayOrder().value_or(QNGenericCategoryDefaultDisplayOrder(category.uuid()));
-}
-
 std::optional<std::string> textOrNothing(std::optional<std::string_view> text) {
   return text ? std::optional<std::string>(*text) : std::nullopt;
 }
@@ -90,7 +86,7 @@ std::vector<std::shared_ptr<QNGenericCategory>> QNProfile::allDisplayedCategorie
                                   }),
                    categories.end());
   std::stable_sort(categories.begin(), categories.end(), [](const auto& a, const auto& b) {
-    return displayOrderOf(*a) < displayOrderOf(*b);
+    return QNGenericCategoryDisplayOrder(*a) < QNGenericCategoryDisplayOrder(*b);
   });
   return categories;
 }

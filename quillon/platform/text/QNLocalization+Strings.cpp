@@ -126,18 +126,30 @@ class StringsReader {
 }  // namespace
 
 QNLocalization::Table QNLocalization::parseStrings(std::string_view text, std::string_view name) {
-  Table table;
+  Strings strings = readStrings(text);
+  reportBrokenLines(strings, name);
+  return std::move(strings.table);
+}
+
+void QNLocalization::reportBrokenLines(const Strings& strings, std::string_view name) {
+  for (const std::ptrdiff_t line : strings.brokenLines) {
+    log_error(DEBUG_APP, "Unable to read localization table {}: line {}", name, line);
+  }
+}
+
+QNLocalization::Strings QNLocalization::readStrings(std::string_view text) {
+  Strings strings;
   StringsReader reader(text);
   std::size_t start = 0;
   std::ptrdiff_t line = 1;
   for (;;) {
     const bool found = reader.skipToEntry();
-    if (reader.atEnd()) return table;
+    if (reader.atEnd()) return strings;
     const auto skipped = text.substr(start, reader.place() - start);
     line += std::count(skipped.begin(), skipped.end(), '\n');
     start = reader.place();
-    if (found && reader.readEntry(table)) continue;
-    log_error(DEBUG_APP, "Unable to read localization table {}: line {}", name, line);
+    if (found && reader.readEntry(strings.table)) continue;
+    strings.brokenLines.push_back(line);
     reader.goBackTo(start);
     reader.skipLine();
   }

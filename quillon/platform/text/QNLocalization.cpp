@@ -36,21 +36,41 @@ void QNLocalization::setLanguage(std::string_view tag) {
   _language = tag;
 }
 
+const QNLocalization::Table* QNLocalization::knownTable(const std::string& language) const {
+  const std::lock_guard lock(_mutex);
+  const auto found = _tables.find(language);
+  return found == _tables.end() ? nullptr : &found->second;
+}
+
+QNLocalization::Strings QNLocalization::stringsOfLanguage(const std::string& language) {
+  if (!isLanguageTag(language)) return {};
+  const auto path = resourceFolder() / "Locales" / (language + ".lproj") / "Localizable.strings";
+  const auto text = fileContent(path, kMaxTableBytes);
+  return text ? readStrings(*text) : Strings();
+}
+
+// A report comes last: the sink that gets it may ask for a text of the same table. Of two threads
+// that read a table at once, the first to put it in reports.
 const QNLocalization::Table& QNLocalization::tableFor(const std::string& language) const {
-  const auto [place, isNew] = _tables.try_emplace(language);
-  if (isNew && isLanguageTag(language)) {
-    const auto path = resourceFolder() / "Locales" / (language + ".lproj") / "Localizable.strings";
-    if (const auto text = fileContent(path, kMaxTableBytes)) {
-      place->second = parseStrings(*text, language);
-    }
-  }
-  return place->second;
+  if (const Table* const known = knownTable(language)) return *known;
+  Strings read = stringsOfLanguage(language);
+  std::unique_lock lock(_mutex);
+  const auto [place, isNew] = _tables.try_emplace(language, std::move(read.table));
+  const Table& table = place->second;
+  lock.unlock();
+  if (isNew) reportBrokenLines(read, language);
+  return table;
 }
 
 std::string QNLocalization::localizedStringForKey(std::string_view key,
-                                                  std::string_view /*comment*/) const {
-  const std::lock_guard lock(_mutex);
-  for (std::string tag = _language; !tag.empty();) {
+                                                  std::string_view comment) const {
+  return localizedStringForKey(key, comment, language());
+}
+
+std::string QNLocalization::localizedStringForKey(std::string_view key,
+                                                  std::string_view /*comment*/,
+                                                  std::string_view language) const {
+  for (std::string tag(language); !tag.empty();) {
     const Table& table = tableFor(tag);
     if (const auto found = table.find(key); found != table.end()) return found->second;
     const std::size_t lastSubtag = tag.rfind('-');

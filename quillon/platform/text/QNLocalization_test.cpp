@@ -77,6 +77,16 @@ TEST_F(QNLocalizationTest, ARegionFallsBackOnItsLanguage) {
   EXPECT_EQ(QNLocalizedString("Password"), "Passwort");
 }
 
+TEST_F(QNLocalizationTest, ATextMayBeAskedInALanguageThatIsNoLongerTheUsers) {
+  const QNLocalization& texts = QNLocalization::sharedLocalization();
+  setLanguage("en");
+
+  EXPECT_EQ(texts.localizedStringForKey("Unnamed", {}, "de"), "Unbenannt");
+  EXPECT_EQ(texts.localizedStringForKey("Unnamed", {}, "de-AT"), "Unbenannt");
+  EXPECT_EQ(texts.localizedStringForKey("Unnamed", {}, "tlh"), "Unnamed");
+  EXPECT_EQ(texts.localizedStringForKey("Unnamed"), "Unnamed");
+}
+
 TEST_F(QNLocalizationTest, AMissingTranslationShowsTheKey) {
   setLanguage("de");
   EXPECT_EQ(QNLocalizedString("No table has this text"), "No table has this text");
