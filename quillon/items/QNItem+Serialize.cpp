@@ -11,7 +11,12 @@ void QNItem::willSerialize() {
   const std::lock_guard lock(monitor());
   setSectionName(firstLetterOfString(title()));
   if (const auto& urls = openState().URLs) {
-    setOverviewText(urls->empty() ? std::nullopt : urls->front()->URLString(), kOverviewURLString);
+    // An address that doesn't open tells nothing: the copy that the overview holds stays.
+    if (urls->empty()) {
+      setOverviewText(std::nullopt, kOverviewURLString);
+    } else if (urls->front()->mutableOverview() != nullptr) {
+      setOverviewText(urls->front()->URLString(), kOverviewURLString);
+    }
   }
   updateStrengthOfGeneratedPassword();
   if (detailsLoaded()) serializeDetails();

@@ -53,6 +53,31 @@ TEST(QNItemSerialize, LeavesTheMirroredURLOfAnItemThatNeverHadAList) {
   EXPECT_EQ(item->overviewTextForKey("url"), "https://a.example");
 }
 
+TEST(QNItemSerialize, LeavesTheMirroredURLWhileTheFirstOneDoesntOpen) {
+  const MRCapturingSink sink;
+  const auto item = newItem(localVault());
+  item->setOverviewText("https://a.example", kOverviewURLString);
+  const auto damaged = std::make_shared<QNItemURL>(QNExisting{3});
+  damaged->setOverviewData(toBytes(bytesOf("no bytes that this vault has sealed")));
+  item->addURL(damaged);
+  item->addURLString("https://b.example");
+  ASSERT_EQ(damaged->URLString(), std::nullopt);
+
+  item->willSerialize();
+
+  EXPECT_EQ(item->overviewTextForKey("url"), "https://a.example");
+}
+
+TEST(QNItemSerialize, RemovesTheMirroredURLWhenTheFirstOneHasNoAddress) {
+  const auto item = newItem(localVault());
+  item->setOverviewText("https://a.example", kOverviewURLString);
+  item->addURL(std::make_shared<QNItemURL>(initNew));
+
+  item->willSerialize();
+
+  EXPECT_EQ(item->overviewObjectForKey("url"), nullptr);
+}
+
 TEST(QNItemSerialize, WritesTheSubtitleOnlyWithDetails) {
   const auto vault = localVault();
   const auto row = newItem(vault);

@@ -88,10 +88,12 @@ void QNItem::setURLString(std::optional<std::string_view> url) {
 
 void QNItem::addURL(const std::shared_ptr<QNItemURL>& url) {
   if (url == nullptr || !URLsAreAvailable()) return;
+  auto& urls = mutableURLs();
+  if (std::find(urls.begin(), urls.end(), url) != urls.end()) return;
   markRowDirty();
+  std::erase(openState().deletedURLs, url);  // a removal that is undone keeps its row
   url->setItem(weak_from_this().lock());
   url->setProfile(profile());
-  auto& urls = mutableURLs();
   if (url->displayOrder() == 0) {
     url->setDisplayOrder((urls.empty() ? 0 : urls.back()->displayOrder()) + kDisplayOrderStep);
   }

@@ -67,6 +67,24 @@ TEST(QNItemURLs, MayBeAddedWhileLoading) {
   EXPECT_THAT(addressesOf(*item), ElementsAre("https://a.example"));
 }
 
+TEST(QNItemURLs, TheAddressMayBeSetChangedAndRemovedWhileLoading) {
+  const auto item = std::make_shared<QNSampleItem>(QNExisting{1});
+  item->setProfile(localVault());
+  item->didLoad();
+  item->markLoadingDetails();
+  const MRCapturingSink sink;
+
+  item->setURLString("https://a.example");
+  EXPECT_THAT(addressesOf(*item), ElementsAre("https://a.example"));
+  EXPECT_TRUE(item->dirtyRow());
+  item->setURLString("https://b.example");
+  EXPECT_THAT(addressesOf(*item), ElementsAre("https://b.example"));
+  item->setURLString(std::nullopt);
+
+  EXPECT_FALSE(item->hasURLs());
+  EXPECT_THAT(assertions(sink), IsEmpty());
+}
+
 TEST(QNItemURLs, TheFirstIsTheMainAddress) {
   const auto item = itemWithURLs({"https://a.example", "https://b.example"});
 
@@ -267,6 +285,43 @@ TEST(QNItemURLs, RemovingIsByIdentity) {
   item->removeURLAtIndex(1);
 
   EXPECT_EQ(item->numberOfURLs(), 1u);
+  EXPECT_FALSE(item->dirtyRow());
+}
+
+TEST(QNItemURLs, ARemovedOneThatIsAddedAgainIsNotDeleted) {
+  const auto item = itemWithURLs({"https://a.example", "https://b.example"});
+  const auto url = item->URLAtIndex(0);
+  const auto other = item->URLAtIndex(1);
+  url->_setOid(3);
+  other->_setOid(4);
+  item->removeURL(url);
+  item->removeURL(other);
+  ASSERT_THAT(item->deletedURLs(), ElementsAre(url, other));
+
+  item->addURL(url);
+
+  EXPECT_THAT(item->URLs(), ElementsAre(url));
+  EXPECT_THAT(item->deletedURLs(), ElementsAre(other));
+  EXPECT_EQ(url->oid(), 3u);
+}
+
+TEST(QNItemURLs, AnotherOneWithTheSameAddressUndoesNoRemoval) {
+  const auto item = itemWithURLs({"https://a.example"});
+  const auto url = item->URLAtIndex(0);
+  url->_setOid(3);
+  item->removeURL(url);
+
+  item->addURLString("https://a.example");
+
+  EXPECT_THAT(item->deletedURLs(), ElementsAre(url));
+}
+
+TEST(QNItemURLs, OneThatIsInTheListIsNotAddedTwice) {
+  const auto item = itemWithURLs({"https://a.example", "https://b.example"});
+
+  item->addURL(item->URLAtIndex(0));
+
+  EXPECT_THAT(addressesOf(*item), ElementsAre("https://a.example", "https://b.example"));
   EXPECT_FALSE(item->dirtyRow());
 }
 

@@ -167,10 +167,12 @@ class QNItem : public QNDatabaseObjectWithOverview,
 
   // URLs: QNItem+URLs.cpp. Details must be loaded or loading; otherwise an assertion log.
   [[nodiscard]] std::vector<std::shared_ptr<QNItemURL>> URLs();
+  /// Removed ones with a row, until didSave().
   [[nodiscard]] std::vector<std::shared_ptr<QNItemURL>> deletedURLs();
   [[nodiscard]] bool hasURLs() { return numberOfURLs() > 0; }
   [[nodiscard]] std::size_t numberOfURLs();
   [[nodiscard]] std::shared_ptr<QNItemURL> URLAtIndex(std::size_t index);
+  // Exact: case counts, and so does a slash at the end.
   [[nodiscard]] std::shared_ptr<QNItemURL> URLWithLabel(std::string_view label);
   [[nodiscard]] std::shared_ptr<QNItemURL> URLWithURLString(std::string_view url);
   [[nodiscard]] bool hasURLWithString(std::string_view url) {
@@ -178,15 +180,25 @@ class QNItem : public QNDatabaseObjectWithOverview,
   }
   /// The first address. Without details, the copy that the overview holds.
   [[nodiscard]] std::optional<std::string> URLString();
+  /// Changes or adds the first; an equal address dirties the row too. Given nothing, it removes
+  /// the first.
   void setURLString(std::optional<std::string_view> url);
+  /// Sets the URL's item and profile, and an order of 0 to the last one's + 100. An object that is
+  /// in the list already is ignored; one that was removed is no longer deleted.
   void addURL(const std::shared_ptr<QNItemURL>& url);
+  /// Needs a profile, else an assertion log; ignores "".
   void addURLString(std::string_view url) { addURLString(url, std::nullopt); }
   void addURLString(std::string_view url, std::optional<std::string_view> withLabel);
+  /// By identity of the object.
   void removeURL(const std::shared_ptr<QNItemURL>& url);
   void removeURLAtIndex(std::size_t index);
+  /// Renumbers all of them from 1.
   void moveURL(const std::shared_ptr<QNItemURL>& url, std::size_t toIndex);
+  /// Of equal addresses (exactly equal) the first stays.
   void removeDuplicateURLs();
+  /// Locked; derivedDomain() isn't.
   [[nodiscard]] std::optional<std::string> nakedDomain();
+  /// The host of the address.
   [[nodiscard]] std::optional<std::string> derivedDomain();
   [[nodiscard]] std::vector<std::string> URLStringsForSearch();
   [[nodiscard]] std::optional<std::string> goAndFillURLString();

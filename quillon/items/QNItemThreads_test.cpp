@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "quillon/items/internal/QNItemTesting.h"
+#include "quillon/logins/QNItemURL.h"
 
 // What may overlap: reading overview and details, and a save. Worth its time under the thread
 // sanitizer.
@@ -18,6 +19,8 @@ void readBesideSaves(const std::shared_ptr<QNGenericProfile>& vault) {
   row->setTags({"a", "b"});
   save(*row);
   const auto item = opened(*row, vault);
+  item->addURLString("https://www.a.example");
+  item->setDetailsData(row->detailsData());  // sealed again: the threads open them
   std::atomic<bool> done{false};
   std::atomic<int> wrong{0};
   const auto read = [&] {
@@ -30,7 +33,7 @@ void readBesideSaves(const std::shared_ptr<QNGenericProfile>& vault) {
       wrong += item->additionalInformation().value_or("") != "";
       wrong += item->numberOfPreviouslyUsedPasswords() != 0;
       wrong += item->itemSpecifier() == nullptr;
-      wrong += item->nakedDomain().has_value();
+      wrong += item->nakedDomain() != "a.example";
       wrong += item->passwordStrength() < 0;
       wrong += item->lastPasswordChange() == 0;
       wrong += item->containsPasswordValue("no such password");

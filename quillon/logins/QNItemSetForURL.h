@@ -1,11 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
-
-#include "quillon/vaults/QNGenericProfile.h"
 
 namespace quillon {
 
@@ -14,7 +14,8 @@ class QNProfile;
 
 /// Ranks the items that were found for a web page. The caller looks items up by hash, sets the
 /// inputs, and reads the outputs; they are computed at the first read of either, once. The sets
-/// must not overlap, and each must hold an item once: nothing here looks for a second one.
+/// must not overlap, and each must hold an item once: nothing here looks for a second one. For one
+/// thread at a time.
 class QNItemSetForURL final {
  public:
   using Items = std::vector<std::shared_ptr<QNItem>>;
@@ -24,7 +25,8 @@ class QNItemSetForURL final {
   QNItemSetForURL();
   explicit QNItemSetForURL(std::string initWithURLString);
 
-  // Inputs
+  // Inputs. Plain members: each is only kept, and nothing follows from setting it until the first
+  // read of an output. Setting one after that has no effect.
   std::optional<std::string> URLString;
   std::shared_ptr<QNProfile> profile;
   Items derivedLogins;

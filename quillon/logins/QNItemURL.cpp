@@ -1,3 +1,10 @@
+// What a row stores of an address; whole in docs/formats.md:
+//
+//   overview "url"              the address as it was entered
+//   overview "label"            the label; may be missing
+//   nakedHash, derivedHash      HMAC-SHA256 of naked domain and host, key: the vault's uuid
+//   archive "kDisplayOrder"     64-bit integer, only if it isn't 0
+
 #include "quillon/logins/QNItemURL.h"
 
 #include <algorithm>
@@ -46,6 +53,7 @@ void QNItemURL::encodeWithCoder(QNEncoder& coder) {
 
 std::shared_ptr<QNItemURL> QNItemURL::urlForItem(const std::shared_ptr<QNItem>& item,
                                                  const JsonObject& withDict) {
+  if (item == nullptr) return nullptr;
   auto url = std::make_shared<QNItemURL>(initNew);
   url->setItem(item);
   url->setProfile(item->profile());
@@ -165,17 +173,24 @@ std::size_t QNItemURL::hash() {
   return hashOf(label().value_or("")) ^ hashOf(URLString().value_or(""));
 }
 
-// The uuid of the item's vault is the salt: nobody can tell that two vaults know the same site.
 void QNItemURL::willSave() {
+  updateHashes();
+  QNDatabaseObjectWithOverview::willSave();
+}
+
+// The uuid of the item's vault is the salt: nobody can tell that two vaults know the same site.
+// Without the salt, or with an overview that doesn't open, the hashes stay beside the stored
+// overview that they belong to: a row without them is never found for its page again.
+void QNItemURL::updateHashes() {
   const auto owner = item();
   const auto vault = owner == nullptr ? nullptr : owner->profile();
   const QNSharedString salt = vault == nullptr ? nullptr : vault->uuid();
-  const auto url = salt == nullptr ? std::nullopt : URLString();
+  if (salt == nullptr || mutableOverview() == nullptr) return;
+  const auto url = URLString();
   const QNURLTools& tools = QNURLTools::shared();
   setDerivedHash(url ? tools.derivedHashWithSalt(*salt, *url) : std::nullopt);
   setNakedHash(url ? tools.nakedHashWithSalt(*salt, *url) : std::nullopt);
   setHashVersion(tools.hashVersion());
-  QNDatabaseObjectWithOverview::willSave();
 }
 
 }  // namespace quillon

@@ -8,7 +8,8 @@ class QNItem;
 
 /// One website address of an item: its own row with its own overview ("url", "label"), and salted
 /// hashes of its domain, by which items are found for a page without decrypting them. Belongs to
-/// its item, which it holds weakly.
+/// its item, which it holds weakly. The monitor guards the overview alone: everything else, and a
+/// change of any kind, is the business of the one thread that edits the item.
 class QNItemURL final : public QNDatabaseObjectWithOverview, public QNDisplayOrderable {
  public:
   explicit QNItemURL(QNNew) : QNDatabaseObjectWithOverview(initNew) {}
@@ -17,7 +18,8 @@ class QNItemURL final : public QNDatabaseObjectWithOverview, public QNDisplayOrd
 
   /// "HTTPS://Example.COM:8443/a?b" gives "example.com".
   static std::string extractSearchStringFromURLString(std::string_view url);
-  /// A new object for that item and its profile, filled from an attribute dictionary.
+  /// A new object for that item and its profile, filled from an attribute dictionary. Null without
+  /// an item.
   static std::shared_ptr<QNItemURL> urlForItem(const std::shared_ptr<QNItem>& item,
                                                const JsonObject& withDict);
 
@@ -27,7 +29,8 @@ class QNItemURL final : public QNDatabaseObjectWithOverview, public QNDisplayOrd
 
   /// The address as the user entered it.
   [[nodiscard]] std::optional<std::string> URLString();
-  /// A new value drops both hashes.
+  /// A new value drops both hashes. Dirties this row alone, and the item keeps the domains that it
+  /// knows: to change an item's main address use QNItem::setURLString().
   void setURLString(std::optional<std::string_view> url);
   [[nodiscard]] std::optional<std::string> label();
   /// Nothing changes nothing; a JSON value that isn't a text logs an assertion and stores "".
@@ -53,12 +56,17 @@ class QNItemURL final : public QNDatabaseObjectWithOverview, public QNDisplayOrd
   void replaceWith(QNItemURL& other);
   /// Equal label and address; owner, order and hashes don't count.
   [[nodiscard]] bool isEqualToItemURL(QNItemURL& other);
+  [[nodiscard]] bool isEqual(QNItemURL& other) { return isEqualToItemURL(other); }
   [[nodiscard]] std::size_t hash();
 
+  /// Computes both hashes and their version anew. They stay as they are without an item in a vault,
+  /// and where the overview doesn't open.
   void willSave() override;
   void encodeWithCoder(QNEncoder& coder) override;
 
  private:
+  void updateHashes();
+
   std::optional<std::string> _nakedHash;
   std::weak_ptr<QNItem> _item;
   std::optional<std::string> _derivedHash;

@@ -198,6 +198,17 @@ TEST_F(QNItemURLTest, CalculatesItsLabelFromItsPlaceInTheItem) {
   EXPECT_EQ(_item->URLAtIndex(2)->calculatedLabel(), "Work");
 }
 
+TEST_F(QNItemURLTest, CalculatesItsLabelByItselfNotByItsAddress) {
+  _item->addURLString("https://example.com");
+  _item->addURLString("https://example.com");
+  const auto unlisted = url("https://example.com");
+  ASSERT_TRUE(unlisted->isEqualToItemURL(*_item->URLAtIndex(0)));
+
+  EXPECT_EQ(_item->URLAtIndex(0)->calculatedLabel(), "website");
+  EXPECT_EQ(_item->URLAtIndex(1)->calculatedLabel(), "website 2");
+  EXPECT_EQ(unlisted->calculatedLabel(), "");
+}
+
 TEST_F(QNItemURLTest, HasNoCalculatedLabelOutsideAnItem) {
   EXPECT_EQ(url()->calculatedLabel(), "");
   EXPECT_EQ(std::make_shared<QNItemURL>(initNew)->calculatedLabel(), "");
@@ -313,6 +324,7 @@ TEST_F(QNItemURLTest, EqualsOneWithEqualLabelAndAddress) {
   other->setItem(nullptr);
 
   EXPECT_TRUE(one->isEqualToItemURL(*other));
+  EXPECT_TRUE(one->isEqual(*other));
   EXPECT_EQ(one->hash(), other->hash());
 }
 
@@ -323,6 +335,8 @@ TEST_F(QNItemURLTest, DiffersByLabelOrAddress) {
 
   EXPECT_FALSE(one->isEqualToItemURL(*labelled));
   EXPECT_FALSE(one->isEqualToItemURL(*url("https://example.org")));
+  EXPECT_FALSE(one->isEqual(*labelled));
+  EXPECT_FALSE(one->isEqual(*url("https://example.org")));
 }
 
 TEST_F(QNItemURLTest, HashesToTheExclusiveOrOfItsTexts) {
@@ -354,6 +368,12 @@ TEST_F(QNItemURLTest, IsMadeEmptyFromAttributesWithoutAnOverview) {
   EXPECT_EQ(made->profile(), _vault);
   EXPECT_EQ(made->URLString(), std::nullopt);
   EXPECT_EQ(made->label(), std::nullopt);
+}
+
+TEST_F(QNItemURLTest, IsNotMadeWithoutAnItem) {
+  const auto row = mr_objectFromJSONStringWithError(R"({"overview":{"url":"https://a.example"}})");
+
+  EXPECT_EQ(QNItemURL::urlForItem(nullptr, *row), nullptr);
 }
 
 TEST_F(QNItemURLTest, HoldsItsItemWeakly) {
@@ -393,6 +413,19 @@ TEST_F(QNItemURLTest, SealsItsOverviewInASave) {
 TEST_F(QNItemURLTest, HasNoHashesForAnAddressWithoutAHost) {
   const auto made = url("mailto:ann@example.com");
   made->setNakedHash("stale");
+  made->setDerivedHash("stale too");
+
+  made->willSave();
+
+  EXPECT_EQ(made->nakedHash(), std::nullopt);
+  EXPECT_EQ(made->derivedHash(), std::nullopt);
+  EXPECT_EQ(made->hashVersion(), QNURLTools::shared().hashVersion());
+}
+
+TEST_F(QNItemURLTest, HasNoHashesWithoutAnAddress) {
+  const auto made = url();
+  made->setNakedHash("stale");
+  made->setDerivedHash("stale too");
 
   made->willSave();
 
@@ -435,29 +468,67 @@ TEST_F(QNItemURLTest, IsSaltedByTheVaultOfItsItemNotByItsOwn) {
             QNURLTools::shared().derivedHashWithSalt(*_vault->uuid(), "https://example.com"));
 }
 
-TEST_F(QNItemURLTest, HasNoHashesWithoutAnItem) {
+TEST_F(QNItemURLTest, GetsNoHashesWithoutAnItemAndKeepsThoseThatItHas) {
   const auto made = url("https://example.com");
   made->setItem(nullptr);
 
   made->willSave();
-
   EXPECT_EQ(made->nakedHash(), std::nullopt);
   EXPECT_EQ(made->derivedHash(), std::nullopt);
+  EXPECT_EQ(made->hashVersion(), 0u);
+
+  made->setNakedHash("n");
+  made->setDerivedHash("d");
+  made->setHashVersion(7);
+  made->willSave();
+
+  EXPECT_EQ(made->nakedHash(), "n");
+  EXPECT_EQ(made->derivedHash(), "d");
+  EXPECT_EQ(made->hashVersion(), 7u);
 }
 
-TEST_F(QNItemURLTest, KeepsItsStoredOverviewInASaveThatCannotOpenIt) {
+TEST_F(QNItemURLTest, KeepsItsStoredOverviewAndHashesInASaveThatCannotOpenIt) {
   const MRCapturingSink log;
   const auto made = std::make_shared<QNItemURL>(QNExisting{3});
   made->setItem(_item);
   made->setProfile(_vault);
   const Bytes sealed = toBytes(bytesOf("sealed by another vault, which this one can't open"));
   made->setOverviewData(sealed);
+  made->setNakedHash("n");
+  made->setDerivedHash("d");
+  made->setHashVersion(7);
+  made->didLoad();
 
   made->willSave();
 
   EXPECT_EQ(made->overviewData(), sealed);
-  EXPECT_EQ(made->nakedHash(), std::nullopt);
-  EXPECT_EQ(made->derivedHash(), std::nullopt);
+  EXPECT_EQ(made->nakedHash(), "n");
+  EXPECT_EQ(made->derivedHash(), "d");
+  EXPECT_EQ(made->hashVersion(), 7u);
+  EXPECT_FALSE(made->dirtyRow());
+}
+
+TEST_F(QNItemURLTest, KeepsItsHashesInASaveWhileItsVaultIsLocked) {
+  const auto saved = url("https://example.com");
+  saved->willSave();
+  const auto made = std::make_shared<QNItemURL>(QNExisting{3});
+  made->setItem(_item);
+  made->setProfile(_vault);
+  made->setOverviewData(saved->overviewData());
+  made->setNakedHash(saved->nakedHash());
+  made->setDerivedHash(saved->derivedHash());
+  made->setHashVersion(saved->hashVersion());
+  made->didLoad();
+  const MRCapturingSink log;
+  _vault->lock();
+
+  made->willSave();
+
+  EXPECT_EQ(made->overviewData(), saved->overviewData());
+  EXPECT_TRUE(made->nakedHash());
+  EXPECT_EQ(made->nakedHash(), saved->nakedHash());
+  EXPECT_EQ(made->derivedHash(), saved->derivedHash());
+  EXPECT_FALSE(made->dirtyRow());
 }
 
 std::shared_ptr<QNItemURL> readFrom(ByteView archive) {

@@ -1,3 +1,9 @@
+// What a login adds to the details of an item; whole in docs/formats.md:
+//
+//   "fields"      array of form fields: what a browser captured, username and password among them
+//   "htmlForm"    object of the texts "htmlName", "htmlMethod", "htmlID", "htmlAction", each only
+//                 when set; not there while it is empty
+
 #include "quillon/logins/QNLogin.h"
 
 #include "quillon/platform/text/QNLocalization.h"
@@ -6,6 +12,8 @@
 namespace quillon {
 namespace {
 
+// An empty id is one too: whoever types a login in leaves the member out, and a browser writes what
+// the page says.
 bool hasHtmlId(const QNLoginFieldList::Field& field) {
   return field != nullptr && field->htmlId() != nullptr;
 }

@@ -258,12 +258,17 @@ TEST_F(QNLoginTest, LeavesADesignationToTheLaterOfTwoEntriesInMemoryAndInWhatItS
 }
 
 TEST_F(QNLoginTest, CanBeReadWhileAnotherThreadReplacesItsDetails) {
-  const JsonObject details = object(R"({"fields":[{"value":"ann","designation":"username"},)"
-                                    R"({"value":"pw","designation":"password"}]})");
-  const auto login = loginWithDetails(mr_JSONStringWithError(details).value_or(""));
+  constexpr std::string_view fields = R"([{"value":"ann","designation":"username"},)"
+                                      R"({"value":"pw","designation":"password"}])";
+  const auto login = loginWithFields(fields);
+  const JsonObject plain = object(R"({"fields":)" + std::string(fields) + "}");
+  const JsonObject noted = object(R"({"notesPlain":"x","fields":)" + std::string(fields) + "}");
   std::atomic<bool> isDone{false};
   std::thread writer([&] {
-    while (!isDone) login->copyDetails(details);
+    while (!isDone) {  // equal ones would replace nothing
+      login->copyDetails(noted);
+      login->copyDetails(plain);
+    }
   });
 
   int others = 0;
@@ -325,6 +330,74 @@ TEST_F(QNLoginTest, SavesItsLoadedListOverWhatWasWrittenToItsDetails) {
   login->setDetailsObject(Json(JsonArray{JsonObject{{"name", "written"}}}), "fields");
 
   EXPECT_EQ(storedFields(*login), R"([{"name":"loaded"}])");
+}
+
+TEST_F(QNLoginTest, CanBeReadWhileAnotherThreadReplacesItsDetailsData) {
+  const auto login = loginWithFields(R"([{"value":"ann","designation":"username"},)"
+                                     R"({"value":"pw","designation":"password"}])");
+  const auto row = saveInTestRow(*login);
+  std::atomic<bool> isDone{false};
+  std::thread writer([&] {
+    while (!isDone) login->setDetailsData(row.details);
+  });
+
+  int others = 0;
+  for (int round = 0; round < 1000; ++round) {
+    if (login->username() != "ann" || !login->hasLoginFields()) ++others;
+    const auto password = login->password();
+    if (!password || !password->equals("pw")) ++others;
+  }
+  isDone = true;
+  writer.join();
+
+  EXPECT_EQ(others, 0);
+}
+
+TEST_F(QNLoginTest, CanBeReadWhileAnotherThreadEditsAndSavesIt) {
+  constexpr int kSaves = 40;
+  const auto login = loginWithFields(R"([{"value":"ann","designation":"username"},)"
+                                     R"({"value":"b","designation":"password"}])");
+  std::atomic<bool> isDone{false};
+  std::atomic<int> others{0};
+  const auto read = [&] {
+    while (!isDone) {
+      if (login->username() != "ann") ++others;
+      const auto password = login->password();
+      if (!password || !(password->equals("a") || password->equals("b"))) ++others;
+    }
+  };
+
+  std::thread one(read);
+  std::thread two(read);
+  for (int save = 0; save < kSaves; ++save) {
+    login->setPassword("a");
+    login->setPassword("b");
+    login->willSave();
+  }
+  isDone = true;
+  one.join();
+  two.join();
+
+  EXPECT_EQ(others, 0);
+  EXPECT_TRUE(login->password()->equals("b"));
+}
+
+TEST_F(QNLoginTest, StoresAnEmptyListOnceFieldsWereReadThatWereNone) {
+  const auto login = loginWithDetails("{}");
+  ASSERT_FALSE(login->hasLoginFields());
+
+  EXPECT_EQ(storedFields(*login), "[]");
+}
+
+TEST_F(QNLoginTest, LeavesItsDetailsAloneBeforeASaveWhileTheyAreLoading) {
+  const auto login = loginWithFields(R"([{},{"name":"u"}])");
+  ASSERT_TRUE(login->hasLoginFields());
+  login->markLoadingDetails();
+  ASSERT_FALSE(login->detailsLoaded());
+
+  login->willSerialize();
+
+  EXPECT_EQ(mr_JSONStringWithError(*login->detailsObjectForKey("fields")), R"([{},{"name":"u"}])");
 }
 
 TEST_F(QNLoginTest, LeavesFieldsThatWereNeverReadAsTheyAre) {
@@ -494,6 +567,18 @@ TEST_F(QNLoginTest, ComesFromABrowserWithAnHtmlIdOnADesignatedEntry) {
       loginWithFields(R"([{"id":"p","designation":"password"}])")->isCreatedByBrowserExtension());
 }
 
+TEST_F(QNLoginTest, ComesFromABrowserWithAnEmptyHtmlIdToo) {
+  EXPECT_TRUE(
+      loginWithFields(R"([{"id":"","designation":"username"}])")->isCreatedByBrowserExtension());
+  EXPECT_TRUE(
+      loginWithFields(R"([{"id":"","designation":"password"}])")->isCreatedByBrowserExtension());
+}
+
+TEST_F(QNLoginTest, ComesFromAPersonWithAnHtmlIdThatIsNull) {
+  EXPECT_FALSE(
+      loginWithFields(R"([{"id":null,"designation":"username"}])")->isCreatedByBrowserExtension());
+}
+
 TEST_F(QNLoginTest, ComesFromAPersonOtherwise) {
   EXPECT_FALSE(loginWithDetails("{}")->isCreatedByBrowserExtension());
   EXPECT_FALSE(
@@ -584,10 +669,11 @@ TEST(QNPrivacyComLogin, IsMarkedAsMadeThroughTheService) {
 }
 
 TEST(QNPrivacyComLogin, TakesItsCategoryFromItsRowAsAShell) {
-  const auto login = std::make_shared<QNPrivacyComLogin>(QNExisting{5});
+  const auto item = QNProfile::initExistingWithID(1)->existingItemWithID(5, "800");
 
-  EXPECT_EQ(login->categoryUUID(), "001");
-  EXPECT_EQ(login->oid(), 5u);
+  ASSERT_NE(std::dynamic_pointer_cast<QNPrivacyComLogin>(item), nullptr);
+  EXPECT_EQ(item->categoryUUID(), "800");
+  EXPECT_EQ(item->oid(), 5u);
 }
 
 }  // namespace
