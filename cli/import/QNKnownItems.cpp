@@ -26,7 +26,7 @@ class TextList {
 
 QNKnownItems::QNKnownItems(QNStore& store, std::shared_ptr<QNProfile> vault)
     : _store(&store), _vault(std::move(vault)), _key(32) {
-  fillRandom(_key);
+  fillRandomKey(_key);
 }
 
 QNResult<QNKnownItems> QNKnownItems::ofVault(QNStore& store,

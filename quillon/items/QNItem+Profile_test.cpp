@@ -177,8 +177,7 @@ TEST(QNItemProfile, WithoutAProfileAgainItLosesItsUuidAndSaysSo) {
 
 TEST(QNItemProfile, AMoveToAVaultWithTheSameUuidKeepsTheItemsUuid) {
   const auto vault = localVault(1);
-  const auto reloaded = localVault(1);
-  reloaded->setUuid(sharedString(*vault->uuid()));
+  const auto reloaded = localVault(1, *vault->uuid());
   const auto item = newItem(vault);
   const auto uuid = item->uuid();
 
@@ -201,8 +200,7 @@ TEST(QNItemProfile, AFirstProfileOfTheKnownTypeKeepsTheUuid) {
 TEST(QNItemProfile, TellsWhenAUuidIsToBeMadeAnew) {
   const auto item = std::make_shared<QNSampleItem>(initNew);
   const auto vault = localVault();
-  const auto twin = localVault();
-  twin->setUuid(sharedString(*vault->uuid()));
+  const auto twin = localVault(1, *vault->uuid());
   const auto needed = [&](const std::shared_ptr<QNGenericProfile>& from, std::uint64_t type,
                           const std::shared_ptr<QNGenericProfile>& to) {
     return item->shouldRegenerateUUIDMovingFromProfile(from, type, to);

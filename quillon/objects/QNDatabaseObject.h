@@ -11,8 +11,8 @@
 namespace quillon {
 
 /// Base of everything that a vault of the local generation persists: row identity, the owning
-/// profile, and a word of state flags. The flags aren't guarded: two threads must not change
-/// them on one object at once.
+/// profile, and a word of state flags. Identity, profile and flags aren't guarded: two threads must
+/// not change the flags of one object at once, nor set its profile beside any other use of it.
 class QNDatabaseObject : public MRDatabaseObject, public QNCoding {
  public:
   /// The flag word is stored in archives: the bits never move.
@@ -45,7 +45,8 @@ class QNDatabaseObject : public MRDatabaseObject, public QNCoding {
 
   // Owning profile
   [[nodiscard]] virtual std::shared_ptr<QNGenericProfile> profile() const { return _profile; }
-  /// A first profile dirties nothing; a change to a profile with another row id dirties the row.
+  /// A first profile dirties nothing; a change to a profile with another row id dirties the row. An
+  /// object with an overview opens it before it leaves its old profile.
   virtual void setProfile(const std::shared_ptr<QNGenericProfile>& profile);
   [[nodiscard]] std::uint64_t profileId() const { return _profileId; }
   [[nodiscard]] virtual std::uint64_t profileType() const { return _profileType; }
@@ -85,7 +86,8 @@ class QNDatabaseObject : public MRDatabaseObject, public QNCoding {
   virtual void didSave() { markClean(); }
   virtual void didLoad() { markClean(); }
 
-  // Attributes: the object's row dictionary, in clear
+  // Attributes: the object's row dictionary, in clear. allAttributes() of a loaded object runs
+  // willSerialize() first, and so may dirty the row.
   JsonObject allAttributes();
   void setAllAttributes(const JsonObject& attributes) { restoreAllAttributes(attributes); }
   virtual void saveAllAttributes(JsonObject& attributes) { static_cast<void>(attributes); }
@@ -96,6 +98,8 @@ class QNDatabaseObject : public MRDatabaseObject, public QNCoding {
   virtual std::shared_ptr<QNDatabaseObject> mergeWithConflict(
       const std::shared_ptr<QNDatabaseObject>& other);
 
+  /// Calls willSave() first if the row is dirty: see there what it does while the profile is
+  /// locked.
   void encodeWithCoder(QNEncoder& coder) override;
 
  protected:

@@ -24,7 +24,7 @@ TEST(QNDatabaseObjectSaving, IsRefusedWithoutAProfile) {
 
   page.willSave();
 
-  EXPECT_EQ(reportsOf(sink), std::vector<std::string>{"assertion: Profile is missing"});
+  EXPECT_EQ(reportsOf(sink), std::vector<std::string>{"assertion of willSave: Profile is missing"});
   EXPECT_EQ(page.serializations, 0);
   EXPECT_EQ(page.overviewData(), std::nullopt);
 }
@@ -87,7 +87,8 @@ TEST(QNDatabaseObjectSaving, InALockedLocalVaultReportsAndEmptiesTheData) {
 
   page->willSave();
 
-  EXPECT_EQ(reportsOf(sink), std::vector<std::string>{"assertion: profile must be unlocked"});
+  EXPECT_EQ(reportsOf(sink),
+            std::vector<std::string>{"assertion of encryptOverview: profile must be unlocked"});
   EXPECT_EQ(page->overviewData(), std::nullopt);
   EXPECT_EQ(page->overviewTextForKey("title"), "a");
 }
@@ -101,9 +102,9 @@ TEST(QNDatabaseObjectSaving, ReportsAnOverviewWithoutAJsonForm) {
 
   page->willSave();
 
-  EXPECT_EQ(
-      reportsOf(sink),
-      std::vector<std::string>{"assertion: Unable to convert overview to JSON: MRErrorDomain 114"});
+  EXPECT_EQ(reportsOf(sink),
+            std::vector<std::string>{
+                "assertion of willSave: Unable to convert overview to JSON: MRErrorDomain 114"});
   EXPECT_EQ(page->overviewData(), before);
 }
 
@@ -118,9 +119,9 @@ TEST(QNDatabaseObjectSaving, ReportsAnOverviewThatIsNestedTooDeepToBeReadBack) {
 
   page->willSave();
 
-  EXPECT_EQ(
-      reportsOf(sink),
-      std::vector<std::string>{"assertion: Unable to convert overview to JSON: MRErrorDomain 114"});
+  EXPECT_EQ(reportsOf(sink),
+            std::vector<std::string>{
+                "assertion of willSave: Unable to convert overview to JSON: MRErrorDomain 114"});
   EXPECT_EQ(page->overviewData(), before);
 }
 
@@ -133,7 +134,7 @@ TEST(QNDatabaseObjectSaving, NeverReplacesAnOverviewThatDoesNotOpen) {
 
   EXPECT_EQ(page->overviewData(), foreign);
   EXPECT_EQ(reportsOf(sink).back(),
-            "assertion: Unable to convert overview to JSON: MRErrorDomain 114");
+            "assertion of willSave: Unable to convert overview to JSON: MRErrorDomain 114");
 }
 
 TEST(QNDatabaseObjectSaving, ReportsAnAccountVaultThatCannotSeal) {
@@ -148,7 +149,7 @@ TEST(QNDatabaseObjectSaving, ReportsAnAccountVaultThatCannotSeal) {
 
   EXPECT_EQ(
       reportsOf(sink),
-      std::vector<std::string>{"assertion: Unable to convert overview to JSON: MRErrorDomain 114"});
+      std::vector<std::string>{"error of willSave: Failed to encrypt overview: MRErrorDomain 114"});
   EXPECT_EQ(page->overviewData(), before);
 }
 
@@ -161,7 +162,7 @@ TEST(QNDatabaseObjectSaving, ReportsAnAccountTypeWithoutAnAccountVault) {
 
   EXPECT_EQ(
       reportsOf(sink),
-      std::vector<std::string>{"assertion: Unable to convert overview to JSON: MRErrorDomain 114"});
+      std::vector<std::string>{"error of willSave: Failed to encrypt overview: MRErrorDomain 114"});
   EXPECT_EQ(page->overviewData(), std::nullopt);
 }
 
@@ -172,7 +173,8 @@ TEST(QNDatabaseObjectSaving, ReportsAProfileTypeThatHoldsNoObjects) {
 
   page->willSave();
 
-  EXPECT_EQ(reportsOf(sink), std::vector<std::string>{"assertion: Unsupported profile type: 1"});
+  EXPECT_EQ(reportsOf(sink),
+            std::vector<std::string>{"assertion of willSave: Unsupported profile type: 1"});
   EXPECT_EQ(page->overviewData(), std::nullopt);
 }
 
@@ -201,17 +203,29 @@ TEST(QNDatabaseObjectSaving, AMoveKeepsAnOverviewThatDoesNotOpen) {
   page->setProfile(account);
 
   EXPECT_EQ(reportsOf(sink),
-            std::vector<std::string>{fmt::format(
-                "assertion: Decrypted overview for object {} is nil. Overview data is not nil. "
-                "Profile is not locked.",
-                page->descriptionForLogging())});
+            std::vector<std::string>{fmt::format("assertion of mutableOverview: Decrypted overview "
+                                                 "for object {} is nil. Overview data is not nil. "
+                                                 "Profile is not locked.",
+                                                 page->descriptionForLogging())});
   EXPECT_EQ(page->profile(), account);
   EXPECT_TRUE(page->dirtyRow());
   EXPECT_FALSE(page->overviewIsParsed());
   EXPECT_EQ(page->overviewData(), foreign);
 }
 
-TEST(QNDatabaseObjectSaving, AFirstProfileAndTheSameOneAgainLeaveTheOverviewSealed) {
+TEST(QNDatabaseObjectSaving, AFirstProfileLeavesTheOverviewSealed) {
+  const auto vault = openLocalVault();
+  QNTestPage page(QNExisting{1});
+  page.setOverviewData(vault->encryptOverview(bytesOf("{}")));
+  const MRCapturingSink sink;
+
+  page.setProfile(vault);
+
+  EXPECT_TRUE(sink.records().empty());
+  EXPECT_FALSE(page.overviewIsParsed());
+}
+
+TEST(QNDatabaseObjectSaving, TheSameProfileAgainLeavesTheOverviewSealed) {
   const auto vault = openLocalVault();
   const auto page = storedPage(vault, vault->encryptOverview(bytesOf("{}")));
 
@@ -271,6 +285,30 @@ TEST(QNDatabaseObjectSaving, RepairsNullsAtEveryDepth) {
   EXPECT_EQ(jsonText(page->overviewCopy().value()), R"({"b":{"d":[1]}})");
 }
 
+TEST(QNDatabaseObjectSaving, RepairsAStoredOverviewThatWasNeverOpened) {
+  const auto vault = openLocalVault();
+  const auto page =
+      storedPage(vault, vault->encryptOverview(bytesOf(R"({"a":null,"b":{"c":null,"d":1}})")));
+
+  EXPECT_TRUE(page->validateAndRepairImportedProperties());
+
+  EXPECT_EQ(page->parses, 1);
+  EXPECT_EQ(jsonText(page->overviewCopy().value()), R"({"b":{"d":1}})");
+}
+
+TEST(QNDatabaseObjectSaving, HasNothingToRepairInAnOverviewThatDoesNotOpen) {
+  const Bytes foreign = openLocalVault()->encryptOverview(bytesOf(R"({"a":null})")).value();
+  const auto page = storedPage(openLocalVault(), foreign);
+  const MRCapturingSink sink;
+
+  EXPECT_TRUE(page->validateAndRepairImportedProperties());
+
+  EXPECT_FALSE(sink.records().empty());
+  EXPECT_EQ(page->overviewData(), foreign);
+  EXPECT_FALSE(page->overviewIsParsed());
+  EXPECT_FALSE(page->dirtyRow());
+}
+
 // Archive
 
 TEST(QNDatabaseObjectSaving, ArchivesTheSealedFormAndNothingInClear) {
@@ -302,6 +340,38 @@ TEST(QNDatabaseObjectSaving, DataThatIsPresentAndEmptyStaysSoInAnArchive) {
             R"({"quillon-archive":1,"root":{"$class":"QNTestPage","oid":1,"objectFlags":256,)"
             R"("profileID":0,"profileType":0,"kOverviewData":{"$bytes":""}}})");
   EXPECT_EQ(unarchived<QNTestPage>("QNTestPage", archive)->overviewData(), Bytes());
+}
+
+TEST(QNDatabaseObjectSaving, ADirtyRowOfALockedLocalVaultIsArchivedWithoutItsOverview) {
+  const auto vault = openLocalVault();
+  const auto page = storedPage(vault, vault->encryptOverview(bytesOf(R"({"title":"a"})")));
+  page->setOverviewText("b", "title");
+  vault->lock();
+  const MRCapturingSink sink;
+
+  const std::string archive = archiveOf(*page);
+
+  EXPECT_EQ(reportsOf(sink),
+            std::vector<std::string>{"assertion of encryptOverview: profile must be unlocked"});
+  EXPECT_EQ(archive,
+            R"({"quillon-archive":1,"root":{"$class":"QNTestPage","oid":42,"objectFlags":257,)"
+            R"("profileID":3,"profileType":2}})");
+}
+
+TEST(QNDatabaseObjectSaving, ADirtyRowWithoutAProfileIsArchivedWithTheDataThatItHas) {
+  const Bytes sealed{1, 2, 3};
+  QNTestPage page(QNExisting{1});
+  page.setOverviewData(sealed);
+  page.markRowDirty();
+  const MRCapturingSink sink;
+
+  const std::string archive = archiveOf(page);
+
+  EXPECT_EQ(reportsOf(sink), std::vector<std::string>{"assertion of willSave: Profile is missing"});
+  EXPECT_EQ(page.serializations, 0);
+  EXPECT_EQ(archive,
+            R"({"quillon-archive":1,"root":{"$class":"QNTestPage","oid":1,"objectFlags":257,)"
+            R"("profileID":0,"profileType":0,"kOverviewData":{"$bytes":"AQID"}}})");
 }
 
 TEST(QNDatabaseObjectSaving, AnArchivedOverviewOpensOnceItsProfileIsBack) {

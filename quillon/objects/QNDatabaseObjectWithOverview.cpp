@@ -13,6 +13,14 @@ constexpr std::string_view kAttributeOverview = "overview";
 // "{}" is the shortest overview in clear: anything shorter stands for none at all.
 constexpr std::size_t kMinOverviewDataSize = 2;
 
+// A report names the operation that was called, whichever helper finds the fault.
+MRLogText whileReading(std::string_view text, int line = __builtin_LINE()) {
+  return {text, __builtin_FILE(), line, "mutableOverview"};
+}
+MRLogText whileSaving(std::string_view text, int line = __builtin_LINE()) {
+  return {text, __builtin_FILE(), line, "willSave"};
+}
+
 }  // namespace
 
 QNDatabaseObjectWithOverview::QNDatabaseObjectWithOverview(QNNew) : QNDatabaseObject(initNew) {
@@ -60,8 +68,8 @@ bool QNDatabaseObjectWithOverview::parseOverview(ByteView clear) {
   if (!_overview) {
     const std::string description = descriptionForLogging();
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, description,
-                                       "Failed to parse overview: {} for object {}", description,
-                                       error.domainCodeString());
+                                       whileReading("Failed to parse overview: {} for object {}"),
+                                       description, error.domainCodeString());
     return false;
   }
   didParseOverview();
@@ -76,8 +84,8 @@ std::optional<Bytes> QNDatabaseObjectWithOverview::decryptedOverviewData() {
   } else {
     const std::string description = descriptionForLogging();
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, description,
-                                       "Unsupported profile type: {} for item: {}", profileType(),
-                                       description);
+                                       whileReading("Unsupported profile type: {} for item: {}"),
+                                       profileType(), description);
   }
   if (!clear) reportUndecryptedOverview();
   return clear;
@@ -95,7 +103,8 @@ std::optional<Bytes> QNDatabaseObjectWithOverview::decryptedAccountOverviewData(
   if (!clear) {
     const std::string description = descriptionForLogging();
     MRLogger::sharedLogger().error(DEBUG_DATABASE, description,
-                                   "Failed to decrypt details for object {}", description);
+                                   whileReading("Failed to decrypt details for object {}"),
+                                   description);
     reportUndecryptedOverview();
   }
   return clear;
@@ -104,13 +113,15 @@ std::optional<Bytes> QNDatabaseObjectWithOverview::decryptedAccountOverviewData(
 // What a local vault sealed is never JSON: it shows here, before anything is opened.
 void QNDatabaseObjectWithOverview::reportForeignOverview(const QNError& error) {
   const std::string description = descriptionForLogging();
-  MRLogger::sharedLogger().assertion(DEBUG_DATABASE, description,
-                                     "Error serializing object {}. EncrytpedDataDictionary:{}",
-                                     description, error.domainCodeString());
+  MRLogger::sharedLogger().assertion(
+      DEBUG_DATABASE, description,
+      whileReading("Error serializing object {}. EncrytpedDataDictionary:{}"), description,
+      error.domainCodeString());
   if (isQNProfileEncrypted(*_overviewData)) {
     MRLogger::sharedLogger().assertion(
         DEBUG_DATABASE, description,
-        "Overview data for object {} is encrypted by an QNProfile, not a H9Profile.", description);
+        whileReading("Overview data for object {} is encrypted by an QNProfile, not a H9Profile."),
+        description);
   }
 }
 
@@ -118,7 +129,8 @@ void QNDatabaseObjectWithOverview::reportUndecryptedOverview() {
   const std::string description = descriptionForLogging();
   MRLogger::sharedLogger().assertion(
       DEBUG_DATABASE, description,
-      "Decrypted overview for object {} is nil. Overview data is {}. Profile is {}locked.",
+      whileReading(
+          "Decrypted overview for object {} is nil. Overview data is {}. Profile is {}locked."),
       description, _overviewData ? "not nil" : "nil", profile()->isLocked() ? "" : "not ");
 }
 
@@ -213,7 +225,7 @@ void QNDatabaseObjectWithOverview::encryptOverviewData(ByteView clear) {
     encryptAccountOverviewData(clear);
   } else {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
-                                       "Unsupported profile type: {}", profileType());
+                                       whileSaving("Unsupported profile type: {}"), profileType());
   }
 }
 
@@ -224,14 +236,20 @@ void QNDatabaseObjectWithOverview::encryptAccountOverviewData(ByteView clear) {
   QNError error = QNError::unreadable("the profile is no account vault");
   const auto envelope =
       vault != nullptr ? vault->encryptWithMasterSymmetricKey(clear, &error) : std::nullopt;
-  auto data = envelope ? mr_JSONDataWithError(*envelope, &error) : std::nullopt;
+  if (!envelope) {
+    MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(),
+                                   whileSaving("Failed to encrypt overview: {}"),
+                                   error.domainCodeString());
+    return;
+  }
+  auto data = mr_JSONDataWithError(*envelope, &error);
   if (!data) return reportUnsavedOverview(error);
   _overviewData = std::move(data);
 }
 
 void QNDatabaseObjectWithOverview::reportUnsavedOverview(const QNError& error) {
   MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
-                                     "Unable to convert overview to JSON: {}",
+                                     whileSaving("Unable to convert overview to JSON: {}"),
                                      error.domainCodeString());
 }
 

@@ -8,7 +8,8 @@
 namespace quillon {
 
 /// Adds the overview envelope: a JSON object of private data that lives encrypted in a buffer
-/// and is parsed on first use. The object's monitor guards both forms.
+/// and is parsed on first use. The object's monitor guards both forms, and nothing of what the base
+/// holds: no setProfile() beside any other use of the object.
 class QNDatabaseObjectWithOverview : public QNDatabaseObject {
  public:
   /// "<CLASS-UUID-OID ADDRESS>".
@@ -32,7 +33,9 @@ class QNDatabaseObjectWithOverview : public QNDatabaseObject {
   std::recursive_mutex& monitor() const { return _monitor; }
 
   // Writing
-  /// True if something changed, and the row is dirty then. Nothing removes the key.
+  /// True if something changed, and the row is dirty then. An absent object removes the key; a JSON
+  /// null is stored as a null. Texts go through setOverviewText(), and containers are made with
+  /// jsonStorage(): what is in clear must be wiped when it goes.
   bool setOverviewObject(std::optional<Json> object, std::string_view forKey);
   bool setOverviewText(std::optional<std::string_view> text, std::string_view forKey);
   /// Replaces the whole. Compared with the parsed form as it stands: with none, the row is dirty.
@@ -44,11 +47,17 @@ class QNDatabaseObjectWithOverview : public QNDatabaseObject {
   /// Has the overview been decrypted? For counters and tests; reads nothing.
   [[nodiscard]] bool overviewIsParsed() const;
 
+  /// Opens the overview first if the object leaves another profile.
   void setProfile(const std::shared_ptr<QNGenericProfile>& profile) override;
+  /// Seals the overview. While a local vault is locked, an overview that was opened before loses
+  /// its stored form, with an assertion log: save before the vault locks, or not at all. A locked
+  /// account vault keeps the stored form as it is, silently.
   void willSave() override;
   void saveAllAttributes(JsonObject& attributes) override;
   void restoreAllAttributes(const JsonObject& attributes) override;
   bool validateAndRepairImportedProperties() override;
+  /// Of a dirty row this saves first, with what willSave() does to the stored form in a locked
+  /// vault.
   void encodeWithCoder(QNEncoder& coder) override;
 
  protected:

@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <thread>
-
 #include "quillon/objects/internal/QNObjectsTesting.h"
 #include "quillon/platform/internal/QNMemoryWatch.h"
 
@@ -93,7 +91,7 @@ TEST(QNDatabaseObjectWithOverview, CallsTheHookInsideTheLockWithTheOverviewInPla
   bool lockedForOthers = false;
   std::optional<std::string> title;
   page->whileParsing = [&] {
-    std::thread([&] { lockedForOthers = !page->monitor().try_lock(); }).join();
+    lockedForOthers = isLockedForOthers(*page);
     title = page->overviewTextForKey("title");
   };
 
@@ -180,7 +178,8 @@ TEST(QNDatabaseObjectWithOverview, ReportsAMissingProfile) {
 
   const auto failure = failedRead(page);
 
-  EXPECT_EQ(failure.reports, std::vector<std::string>{"assertion: Profile is missing"});
+  EXPECT_EQ(failure.reports,
+            std::vector<std::string>{"assertion of mutableOverview: Profile is missing"});
 }
 
 TEST(QNDatabaseObjectWithOverview, ReportsWithItsSubsystemAndItsPlaceInTheSource) {
@@ -215,10 +214,10 @@ TEST(QNDatabaseObjectWithOverview, ReportsDataThatALocalVaultCannotOpen) {
   const auto failure = failedRead(*page);
 
   EXPECT_EQ(failure.reports,
-            std::vector<std::string>{fmt::format(
-                "assertion: Decrypted overview for object {} is nil. Overview data is not nil. "
-                "Profile is not locked.",
-                page->descriptionForLogging())});
+            std::vector<std::string>{fmt::format("assertion of mutableOverview: Decrypted overview "
+                                                 "for object {} is nil. Overview data is not nil. "
+                                                 "Profile is not locked.",
+                                                 page->descriptionForLogging())});
   EXPECT_TRUE(failure.dataIsUntouched);
 }
 
@@ -229,11 +228,11 @@ TEST(QNDatabaseObjectWithOverview, ReportsALockedLocalVault) {
   const auto failure = failedRead(*page);
 
   EXPECT_EQ(failure.reports,
-            (std::vector<std::string>{
-                "assertion: profile must be unlocked",
-                fmt::format("assertion: Decrypted overview for object {} is nil. Overview data is "
-                            "not nil. Profile is locked.",
-                            page->descriptionForLogging())}));
+            (std::vector<std::string>{"assertion of decryptOverview: profile must be unlocked",
+                                      fmt::format("assertion of mutableOverview: Decrypted "
+                                                  "overview for object {} is nil. Overview data is "
+                                                  "not nil. Profile is locked.",
+                                                  page->descriptionForLogging())}));
   EXPECT_TRUE(failure.dataIsUntouched);
 }
 
@@ -248,16 +247,27 @@ TEST(QNDatabaseObjectWithOverview, TriesAgainAfterAnUnlock) {
   EXPECT_EQ(page->overviewTextForKey("title"), "a");
 }
 
+TEST(QNDatabaseObjectWithOverview, TriesAgainAfterAnUnlockOfAnAccountVault) {
+  const auto vault = std::make_shared<QNTestServerProfile>();
+  const auto page = storedPage(vault, vault->encryptOverview(bytesOf(R"({"title":"a"})")));
+  vault->lock();
+  failedRead(*page);
+
+  vault->setLocked(false);
+
+  EXPECT_EQ(page->overviewTextForKey("title"), "a");
+}
+
 TEST(QNDatabaseObjectWithOverview, ReportsAnAccountRowThatIsNotJson) {
   const auto page =
       storedPage(std::make_shared<QNTestServerProfile>(), toBytes(bytesOf("not json")));
 
   const auto failure = failedRead(*page);
 
-  EXPECT_EQ(failure.reports,
-            std::vector<std::string>{fmt::format(
-                "assertion: Error serializing object {}. EncrytpedDataDictionary:MRErrorDomain 114",
-                page->descriptionForLogging())});
+  EXPECT_EQ(failure.reports, std::vector<std::string>{
+                                 fmt::format("assertion of mutableOverview: Error serializing "
+                                             "object {}. EncrytpedDataDictionary:MRErrorDomain 114",
+                                             page->descriptionForLogging())});
   EXPECT_TRUE(failure.dataIsUntouched);
 }
 
@@ -269,9 +279,10 @@ TEST(QNDatabaseObjectWithOverview, ReportsAnEnvelopeThatAnAccountVaultCannotOpen
 
   EXPECT_EQ(failure.reports,
             (std::vector<std::string>{
-                fmt::format("error: Failed to decrypt details for object {}",
+                fmt::format("error of mutableOverview: Failed to decrypt details for object {}",
                             page->descriptionForLogging()),
-                fmt::format("assertion: Decrypted overview for object {} is nil. Overview data is "
+                fmt::format("assertion of mutableOverview: Decrypted overview for object {} is "
+                            "nil. Overview data is "
                             "not nil. Profile is not locked.",
                             page->descriptionForLogging())}));
   EXPECT_TRUE(failure.dataIsUntouched);
@@ -286,11 +297,13 @@ TEST(QNDatabaseObjectWithOverview, ReportsALockedAccountVault) {
 
   EXPECT_EQ(failure.reports,
             (std::vector<std::string>{
-                fmt::format("error: Failed to decrypt details for object {}",
+                fmt::format("error of mutableOverview: Failed to decrypt details for object {}",
                             page->descriptionForLogging()),
-                fmt::format("assertion: Decrypted overview for object {} is nil. Overview data is "
+                fmt::format("assertion of mutableOverview: Decrypted overview for object {} is "
+                            "nil. Overview data is "
                             "not nil. Profile is locked.",
                             page->descriptionForLogging())}));
+  EXPECT_TRUE(failure.dataIsUntouched);
 }
 
 TEST(QNDatabaseObjectWithOverview, TellsALocalRowInAnAccountVaultByName) {
@@ -299,15 +312,14 @@ TEST(QNDatabaseObjectWithOverview, TellsALocalRowInAnAccountVaultByName) {
 
   const auto failure = failedRead(*page);
 
-  EXPECT_EQ(
-      failure.reports,
-      (std::vector<std::string>{
-          fmt::format(
-              "assertion: Error serializing object {}. EncrytpedDataDictionary:MRErrorDomain 114",
-              page->descriptionForLogging()),
-          fmt::format("assertion: Overview data for object {} is encrypted by an QNProfile, not a "
-                      "H9Profile.",
-                      page->descriptionForLogging())}));
+  EXPECT_EQ(failure.reports, (std::vector<std::string>{
+                                 fmt::format("assertion of mutableOverview: Error serializing "
+                                             "object {}. EncrytpedDataDictionary:MRErrorDomain 114",
+                                             page->descriptionForLogging()),
+                                 fmt::format("assertion of mutableOverview: Overview data for "
+                                             "object {} is encrypted by an QNProfile, not a "
+                                             "H9Profile.",
+                                             page->descriptionForLogging())}));
   EXPECT_TRUE(failure.dataIsUntouched);
 }
 
@@ -319,8 +331,9 @@ TEST(QNDatabaseObjectWithOverview, ReportsAnAccountTypeWithoutAnAccountVault) {
   const auto failure = failedRead(*page);
 
   EXPECT_THAT(failure.reports,
-              testing::Contains(fmt::format("error: Failed to decrypt details for object {}",
-                                            page->descriptionForLogging())));
+              testing::Contains(
+                  fmt::format("error of mutableOverview: Failed to decrypt details for object {}",
+                              page->descriptionForLogging())));
 }
 
 TEST(QNDatabaseObjectWithOverview, ReportsAProfileTypeThatHoldsNoObjects) {
@@ -329,13 +342,15 @@ TEST(QNDatabaseObjectWithOverview, ReportsAProfileTypeThatHoldsNoObjects) {
 
   const auto failure = failedRead(*page);
 
-  EXPECT_EQ(failure.reports,
-            (std::vector<std::string>{
-                fmt::format("assertion: Unsupported profile type: 4 for item: {}",
-                            page->descriptionForLogging()),
-                fmt::format("assertion: Decrypted overview for object {} is nil. Overview data is "
-                            "not nil. Profile is not locked.",
-                            page->descriptionForLogging())}));
+  EXPECT_EQ(
+      failure.reports,
+      (std::vector<std::string>{
+          fmt::format("assertion of mutableOverview: Unsupported profile type: 4 for item: {}",
+                      page->descriptionForLogging()),
+          fmt::format("assertion of mutableOverview: Decrypted overview for object {} is nil. "
+                      "Overview data is "
+                      "not nil. Profile is not locked.",
+                      page->descriptionForLogging())}));
   EXPECT_TRUE(failure.dataIsUntouched);
 }
 
@@ -346,10 +361,11 @@ TEST_P(QNDatabaseObjectWithOverviewForeignText, IsReportedAsUnparsed) {
 
   const auto failure = failedRead(*page);
 
-  EXPECT_EQ(failure.reports,
-            std::vector<std::string>{
-                fmt::format("assertion: Failed to parse overview: {} for object MRErrorDomain 114",
-                            page->descriptionForLogging())});
+  EXPECT_EQ(
+      failure.reports,
+      std::vector<std::string>{fmt::format(
+          "assertion of mutableOverview: Failed to parse overview: {} for object MRErrorDomain 114",
+          page->descriptionForLogging())});
   EXPECT_TRUE(failure.dataIsUntouched);
 }
 

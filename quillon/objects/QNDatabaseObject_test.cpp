@@ -7,6 +7,11 @@
 namespace quillon {
 namespace {
 
+// Numbers that a synchronisation layer knows.
+static_assert(static_cast<std::uint32_t>(QNObjectType::item) == 1);
+static_assert(static_cast<std::uint32_t>(QNObjectType::folder) == 2);
+static_assert(static_cast<std::uint32_t>(QNObjectType::attachment) == 3);
+
 // Construction and identity
 
 TEST(QNDatabaseObject, ANewOneIsDirtyAndHasNothingToLoad) {
@@ -242,7 +247,8 @@ TEST(QNDatabaseObject, RefusesToMergeWhereNoClassSaysHow) {
   const auto merged = record->mergeWithConflict(std::make_shared<QNTestRecord>(initNew));
 
   EXPECT_EQ(merged, nullptr);
-  EXPECT_EQ(reportsOf(sink), std::vector<std::string>{"assertion: Must be implemented"});
+  EXPECT_EQ(reportsOf(sink),
+            std::vector<std::string>{"assertion of mergeWithConflict: Must be implemented"});
 }
 
 TEST(QNDatabaseObject, HasNothingToRepair) {

@@ -70,6 +70,7 @@ class QNGenericProfile {
   virtual std::optional<Bytes> decryptWithMaster(ByteView sealed) = 0;
 
   [[nodiscard]] virtual bool supportsFeature(std::uint32_t feature) const = 0;
+  /// A mask of several bits is granted as a whole: one that is missing refuses it.
   [[nodiscard]] virtual bool hasPermission(std::uint64_t mask) const = 0;
   /// False for a locked profile and for numbers outside 1 to 15.
   [[nodiscard]] virtual bool hasPermissionToPerformAction(std::uint32_t action) const = 0;

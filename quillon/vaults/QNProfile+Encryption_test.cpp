@@ -135,6 +135,8 @@ TEST(QNProfileEncryption, APasswordChangeTouchesNothingThatIsSealed) {
   const auto stored = storedCopyOf(*vault);
   ASSERT_TRUE(stored->_unlockWithPassword(DEMO_PASSWORD));
 
+  EXPECT_EQ(vault->decryptOverview(sealed), Bytes{1});
+  EXPECT_EQ(vault->hmacForString("example.com"), hash);
   EXPECT_EQ(stored->decryptOverview(sealed), Bytes{1});
   EXPECT_EQ(stored->hmacForString("example.com"), hash);
 }

@@ -12,8 +12,9 @@ namespace {
 // What a demonstration vault's key is derived with: it opens at once, and protects nothing.
 constexpr std::uint32_t kDemoIterations = 100;
 
+// Empty bytes would make a key that everybody knows: they count as absent.
 std::optional<QNKeyBytes> keyBytes(std::optional<ByteView> key) {
-  if (!key) return std::nullopt;
+  if (!key || key->empty()) return std::nullopt;
   return QNKeyBytes(key->begin(), key->end());
 }
 
@@ -21,10 +22,14 @@ QNAESKeyRef keyObject(const std::optional<QNKeyBytes>& key) {
   return key ? QNAESKey::initWithKeyData(*key) : nullptr;
 }
 
-// What decrypt() gives goes into locked memory, and is released here.
-std::optional<QNKeyBytes> opened(const QNAESKey& key, const std::optional<Bytes>& sealed) {
+// What decrypt() gives goes into locked memory, and is released here. The two keys differ in size:
+// one that stands in the other's column isn't taken for it.
+std::optional<QNKeyBytes> opened(const QNAESKey& key, const std::optional<Bytes>& sealed,
+                                 std::int32_t size) {
   if (!sealed) return std::nullopt;
-  return keyBytes(key.decrypt(*sealed));
+  auto bytes = keyBytes(key.decrypt(*sealed));
+  if (!bytes || bytes->size() != static_cast<std::size_t>(size)) return std::nullopt;
+  return bytes;
 }
 
 struct OpenedKeys {
@@ -33,13 +38,10 @@ struct OpenedKeys {
 };
 
 // Both keys, or nothing: only their decryption tells a right password from a wrong one.
-std::optional<OpenedKeys> openedKeys(const QNProfile& vault, std::string_view password) {
-  const auto key =
-      QNAESKey::initWithPassword(password, vault.salt().value_or(Bytes()), vault.iterations());
-  if (key == nullptr) return std::nullopt;
-  auto master = opened(*key, vault.encryptedMasterKey());
+std::optional<OpenedKeys> openedKeys(const QNProfile& vault, const QNAESKey& key) {
+  auto master = opened(key, vault.encryptedMasterKey(), MASTER_KEY_SIZE);
   if (!master) return std::nullopt;
-  auto overview = opened(*key, vault.encryptedOverviewKey());
+  auto overview = opened(key, vault.encryptedOverviewKey(), OVERVIEW_KEY_SIZE);
   if (!overview) return std::nullopt;
   return OpenedKeys{std::move(*master), std::move(*overview)};
 }
@@ -72,6 +74,7 @@ bool QNProfile::isLocked() const {
 }
 
 void QNProfile::lock() {
+  const auto self = shared_from_this();  // an observer may drop the last reference
   postNotificationName(QNProfileWillLockNotification);
   setProfilePassword(std::nullopt);
   setOverviewKey(std::nullopt);
@@ -81,18 +84,25 @@ void QNProfile::lock() {
 }
 
 bool QNProfile::_unlockWithPassword(std::optional<std::string_view> password) {
+  const auto self = shared_from_this();  // an observer may drop the last reference
   MRLogger& logger = MRLogger::sharedLogger();
   const double start = steadySeconds();
   logger.enter(DEBUG_DATABASE, descriptionForLogging(), "");
-  const bool unlocked = password && openKeys(*password);
+  const bool unlocked = password && openKeys(*password, "No key can be made of the password");
   logger.exit(DEBUG_DATABASE, descriptionForLogging(), steadySeconds() - start, "");
   return unlocked;
 }
 
 // Both keys are in hand before anything changes or anybody is told.
-bool QNProfile::openKeys(std::string_view password) {
-  auto keys = openedKeys(*this, password);
+bool QNProfile::openKeys(std::string_view password, const MRLogText& withoutKey) {
+  auto key = QNAESKey::initWithPassword(password, _salt.value_or(Bytes()), _iterations);
+  if (key == nullptr) {
+    MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(), withoutKey);
+    return false;
+  }
+  auto keys = openedKeys(*this, *key);
   if (!keys) return false;
+  key.reset();
   postNotificationName(QNProfileWillUnlockNotification);
   setOverviewKey(keys->overview);
   setMasterKey(keys->master);

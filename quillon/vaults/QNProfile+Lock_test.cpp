@@ -6,7 +6,8 @@
 namespace quillon {
 namespace {
 
-using Heard = std::vector<std::string>;
+using Texts = std::vector<std::string>;
+using Heard = Texts;
 
 // Unlocking
 
@@ -78,16 +79,21 @@ TEST(QNProfileLock, AnAbsentPasswordDoesNotUnlock) {
 TEST(QNProfileLock, APasswordThatIsNotUTF8DoesNotUnlock) {
   const auto vault = storedCopyOf(*demoVault());
   const QNVaultListener listener(*vault);
+  const MRCapturingSink sink;
 
   EXPECT_FALSE(vault->_unlockWithPassword("try quillon\xFF"));
 
   EXPECT_TRUE(vault->isLocked());
   EXPECT_EQ(listener.heard, Heard{});
+  ASSERT_EQ(sink.texts(MRLogKind::error), Texts{"No key can be made of the password"});
+  EXPECT_EQ(sink.records()[0].method, "_unlockWithPassword");
+  EXPECT_EQ(sink.records()[0].subsystem, DEBUG_DATABASE);
 }
 
 struct BrokenCase {
   const char* name;
   void (*spoil)(QNProfile&);
+  bool makesAKey = true;  // of the password; where it makes none, that is reported
 };
 class QNProfileBrokenRow : public testing::TestWithParam<BrokenCase> {};
 
@@ -100,32 +106,45 @@ TEST_P(QNProfileBrokenRow, DoesNotUnlock) {
   const auto vault = storedCopyOf(*demoVault());
   GetParam().spoil(*vault);
   const QNVaultListener listener(*vault);
+  const MRCapturingSink sink;
 
   EXPECT_FALSE(vault->_unlockWithPassword(DEMO_PASSWORD));
 
   EXPECT_TRUE(vault->isLocked());
   EXPECT_EQ(listener.heard, Heard{});
+  EXPECT_EQ(sink.texts(MRLogKind::error),
+            GetParam().makesAKey ? Texts{} : Texts{"No key can be made of the password"});
+  EXPECT_EQ(sink.records().size(), GetParam().makesAKey ? 0u : 1u);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Fields, QNProfileBrokenRow,
     testing::Values(
-        BrokenCase{"NoSalt", [](QNProfile& it) { it.setSalt(std::nullopt); }},
-        BrokenCase{"ShortSalt", [](QNProfile& it) { it.setSalt(Bytes(15)); }},
+        BrokenCase{"NoSalt", [](QNProfile& it) { it.setSalt(std::nullopt); }, false},
+        BrokenCase{"ShortSalt", [](QNProfile& it) { it.setSalt(Bytes(15)); }, false},
         BrokenCase{"OtherSalt", [](QNProfile& it) { it.setSalt(spoiled(*it.salt())); }},
-        BrokenCase{"NoIterations", [](QNProfile& it) { it.setIterations(0); }},
+        BrokenCase{"NoIterations", [](QNProfile& it) { it.setIterations(0); }, false},
         BrokenCase{"OtherIterations", [](QNProfile& it) { it.setIterations(101); }},
-        BrokenCase{"TooManyIterations", [](QNProfile& it) { it.setIterations(4294967295); }},
+        BrokenCase{"TooManyIterations", [](QNProfile& it) { it.setIterations(4294967295); }, false},
         BrokenCase{"NoMasterKey", [](QNProfile& it) { it.setEncryptedMasterKey(std::nullopt); }},
         BrokenCase{"NoOverviewKey",
                    [](QNProfile& it) { it.setEncryptedOverviewKey(std::nullopt); }},
         BrokenCase{
             "DamagedMasterKey",
             [](QNProfile& it) { it.setEncryptedMasterKey(spoiled(*it.encryptedMasterKey())); }},
-        BrokenCase{"DamagedOverviewKey",
+        BrokenCase{
+            "DamagedOverviewKey",
+            [](QNProfile& it) { it.setEncryptedOverviewKey(spoiled(*it.encryptedOverviewKey())); }},
+        BrokenCase{"ExchangedKeys",
                    [](QNProfile& it) {
-                     it.setEncryptedOverviewKey(spoiled(*it.encryptedOverviewKey()));
-                   }}),
+                     const auto master = it.encryptedMasterKey();
+                     it.setEncryptedMasterKey(it.encryptedOverviewKey());
+                     it.setEncryptedOverviewKey(master);
+                   }},
+        BrokenCase{"MasterKeyIsTheOverviewKey",
+                   [](QNProfile& it) { it.setEncryptedMasterKey(it.encryptedOverviewKey()); }},
+        BrokenCase{"OverviewKeyIsTheMasterKey",
+                   [](QNProfile& it) { it.setEncryptedOverviewKey(it.encryptedMasterKey()); }}),
     [](const auto& field) { return field.param.name; });
 
 TEST(QNProfileLock, EqualPasswordsInOtherCodePointsUnlock) {
@@ -220,6 +239,51 @@ TEST(QNProfileLock, NothingIsPostedByAVaultThatAnImporterOpened) {
   EXPECT_EQ(listener.heard, Heard{});
 }
 
+// Drops the last reference to a vault at the first of its notifications, and tells whether the
+// vault was still there at the last one.
+class LastReference final {
+ public:
+  explicit LastReference(std::shared_ptr<QNProfile> vault)
+      : held(std::move(vault)),
+        _watched(held),
+        _token(center().addObserver(
+            "", held.get(), [this](std::string_view name, const void* /*object*/) {
+              held.reset();
+              heard.push_back(std::string(name) + (_watched.expired() ? " gone" : ""));
+            })) {}
+  ~LastReference() { center().removeObserver(_token); }
+  LastReference(const LastReference&) = delete;
+  LastReference& operator=(const LastReference&) = delete;
+  [[nodiscard]] bool isGone() const { return _watched.expired(); }
+
+  std::shared_ptr<QNProfile> held;
+  Heard heard;
+
+ private:
+  static MRNotificationCenter& center() { return MRNotificationCenter::defaultCenter(); }
+  std::weak_ptr<QNProfile> _watched;
+  MRNotificationCenter::Token _token;
+};
+
+TEST(QNProfileLock, AnObserverMayDropTheVaultThatLocks) {
+  LastReference vault(demoVault());
+
+  vault.held->lock();
+
+  EXPECT_EQ(vault.heard, (Heard{"QNProfileWillLockNotification", "QNProfileDidLockNotification"}));
+  EXPECT_TRUE(vault.isGone());
+}
+
+TEST(QNProfileLock, AnObserverMayDropTheVaultThatUnlocks) {
+  LastReference vault(storedCopyOf(*demoVault()));
+
+  EXPECT_TRUE(vault.held->_unlockWithPassword(DEMO_PASSWORD));
+
+  EXPECT_EQ(vault.heard,
+            (Heard{"QNProfileWillUnlockNotification", "QNProfileDidUnlockNotification"}));
+  EXPECT_TRUE(vault.isGone());
+}
+
 TEST(QNProfileLock, PostsAsTheWholeObject) {
   const auto vault = demoVault();
   const std::shared_ptr<QNGenericProfile> asAnyVault = vault;
@@ -274,6 +338,18 @@ TEST(QNProfileLock, AnEmptyPasswordIsNotKept) {
   EXPECT_TRUE(vault->isLocked());
 }
 
+TEST(QNProfileLock, EmptyKeyBytesCountAsAbsent) {
+  const auto vault = demoVault();
+  vault->setProfilePassword(std::nullopt);
+
+  vault->setOverviewKey(Bytes());
+  vault->setMasterKey(Bytes());
+
+  EXPECT_EQ(vault->overviewKey(), std::nullopt);
+  EXPECT_EQ(vault->masterKey(), std::nullopt);
+  EXPECT_TRUE(vault->isLocked());
+}
+
 TEST(QNProfileLock, AKeyMayBeSetFromItself) {
   const auto vault = demoVault();
   const QNKeyBytes before = *vault->overviewKey();
@@ -318,10 +394,11 @@ TEST(QNProfileLock, APasswordChangeTellsWhereAndWhen) {
   const auto vault = demoVault();
   vault->setLastUpdatedBy("elsewhere");
   const QNScopedClock clock(1'700'000'123);
+  const QNScopedHostName host("kestrel");
 
   ASSERT_TRUE(vault->changePasswordTo(DEMO_PASSWORD));
 
-  EXPECT_EQ(vault->lastUpdatedBy(), localHostName());
+  EXPECT_EQ(vault->lastUpdatedBy(), "kestrel");
   EXPECT_EQ(vault->updatedAt(), 1'700'000'123u);
 }
 

@@ -90,6 +90,19 @@ TEST(QNProfileMemory, AVaultThatGoesAwayUnlockedGivesItsKeysBack) {
   EXPECT_EQ(lockedBytesInUse(), before);
 }
 
+TEST(QNProfileMemory, AVaultWithCategoriesGoesAwayAndGivesItsKeysBack) {
+  const std::size_t before = lockedBytesInUse();
+  auto vault = demoVault();
+  const std::weak_ptr<QNProfile> watched = vault;
+  vault->addCategory(vault->newSystemCategoryWithUUID("001"));
+  ASSERT_EQ(vault->allCategories().size(), 1u);
+
+  vault.reset();
+
+  EXPECT_TRUE(watched.expired());
+  EXPECT_EQ(lockedBytesInUse(), before);
+}
+
 TEST(QNProfileMemory, FreedBlocksHoldNoPasswordAndNoKey) {
   const auto vault = cheapLockedVault();
   const auto open = storedCopyOf(*vault);

@@ -4,6 +4,7 @@
 
 #include "quillon/platform/data/MRData.h"
 #include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/notifications/MRNotificationCenter.h"
 #include "quillon/platform/text/QNFormat.h"
 #include "quillon/platform/text/QNLocalization.h"
@@ -39,10 +40,10 @@ std::shared_ptr<QNProfile> QNProfile::initNewWithPassword(
   vault->_createdAt = secondsNow();
   vault->_uuid = sharedString(mr_uuid());
   QNKeyBytes overviewKey(OVERVIEW_KEY_SIZE);
-  fillRandom(overviewKey);
+  fillRandomKey(overviewKey);
   vault->setOverviewKey(overviewKey);
   QNKeyBytes masterKey(MASTER_KEY_SIZE);
-  fillRandom(masterKey);
+  fillRandomKey(masterKey);
   vault->setMasterKey(masterKey);
   vault->changePasswordTo(password);
   return vault;
@@ -69,6 +70,21 @@ std::string QNProfile::displayedProfileNameForName(std::string_view name) {
 
 std::shared_ptr<QNGenericProfile> QNProfile::profile() const {
   return std::const_pointer_cast<QNProfile>(weak_from_this().lock());
+}
+
+void QNProfile::setProfile(const std::shared_ptr<QNGenericProfile>& profile) {
+  if (profile.get() == this) return;
+  MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                     "A vault is its own profile");
+}
+
+void QNProfile::setUuid(QNSharedString uuid) {
+  if (_uuid != nullptr && !equalContent(_uuid, uuid)) {
+    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                       "A vault's uuid can't be replaced");
+    return;
+  }
+  _uuid = std::move(uuid);
 }
 
 bool QNProfile::isEqual(const QNGenericProfile& other) const {

@@ -62,16 +62,21 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   static std::string displayedProfileNameForName(std::string_view name);
 
   // Lock: QNProfile+Lock.cpp
+  /// Posts again on a locked vault. Observers are called synchronously. An item's own key that was
+  /// handed out before lives on with whoever holds it.
   void lock() override;
-  /// True only when the password and both keys are absent.
+  /// True only when the password and both keys are absent: an unlocked vault may lack a key, and
+  /// what needs that key then fails by itself.
   [[nodiscard]] bool isLocked() const override;
   [[nodiscard]] bool isUnlocked() const override { return !isLocked(); }
   /// False, with nothing changed and nothing posted, for a wrong password. One key derivation.
+  /// False with an error log if no key can be made of the password: memory is short, it isn't
+  /// UTF-8, or the row's salt or count is none.
   bool _unlockWithPassword(std::optional<std::string_view> password);
   /// Seals both keys anew. False, with nothing changed and a report, without a password or a key,
   /// for a password that isn't UTF-8, or if memory is short.
   bool changePasswordTo(std::optional<std::string_view> password);
-  /// Each also makes the key object; absent bytes clear both. They post nothing.
+  /// Each also makes the key object; absent or empty bytes clear both. They post nothing.
   void setOverviewKey(std::optional<ByteView> key);
   void setMasterKey(std::optional<ByteView> key);
   [[nodiscard]] const std::optional<QNKeyBytes>& overviewKey() const { return _overviewKey; }
@@ -88,6 +93,7 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   std::optional<Bytes> encryptWithMaster(ByteView clear) override;
   std::optional<Bytes> decryptWithMaster(ByteView sealed) override;
   /// HMAC-SHA256 under bytes 32 to 63 of the overview key's raw key. Stable for the vault's life.
+  /// Nothing, without a report, if the vault is unlocked and lacks the overview key.
   [[nodiscard]] std::optional<std::array<std::uint8_t, 32>> hmacForData(
       std::optional<ByteView> data) const;
   /// The hexadecimal SHA-256 of the text's HMAC.
@@ -98,7 +104,9 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
 
   // Shared questions: QNProfile.cpp
   [[nodiscard]] std::string_view className() const override { return "QNProfile"; }
+  /// The vault itself, which no other profile can replace.
   [[nodiscard]] std::shared_ptr<QNGenericProfile> profile() const override;
+  void setProfile(const std::shared_ptr<QNGenericProfile>& profile) override;
   [[nodiscard]] bool isEqual(const QNGenericProfile& other) const override;
   [[nodiscard]] std::size_t hash() const override;
   [[nodiscard]] std::string description() const override;
@@ -122,8 +130,9 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
 
   // Plain accessors: they compare nothing and dirty nothing
   [[nodiscard]] QNSharedString uuid() const override { return _uuid; }
-  /// For the database layer, on a shell.
-  void setUuid(QNSharedString uuid) { _uuid = std::move(uuid); }
+  /// For the database layer, on a shell: a uuid that is there stays, with an assertion log if
+  /// another is given. Rows are sealed with it.
+  void setUuid(QNSharedString uuid);
   [[nodiscard]] std::uint64_t createdAt() const { return _createdAt; }
   void setCreatedAt(std::uint64_t seconds) { _createdAt = seconds; }
   [[nodiscard]] std::uint64_t updatedAt() const { return _updatedAt; }
@@ -180,7 +189,7 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
       const override;
   [[nodiscard]] std::shared_ptr<QNGenericCategory> categoryWithUUID(
       std::optional<std::string_view> uuid) const override;
-  /// A category that has this vault as its profile keeps it alive until removeAllCategories().
+  /// The vault holds its categories; a category with this vault as its profile doesn't hold it.
   void addCategory(const std::shared_ptr<QNGenericCategory>& category) override;
   void removeAllCategories() override;
   [[nodiscard]] bool supportsCategoryUUID(std::optional<std::string_view> uuid) const override;
@@ -201,7 +210,7 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::vector<std::shared_ptr<QNTemplate>> allTemplates() const override;
 
  private:
-  bool openKeys(std::string_view password);
+  bool openKeys(std::string_view password, const MRLogText& withoutKey);
   bool sealKeys(std::string_view password);
   bool refusesWhileLocked(const MRLogText& text) const;
   QNAESKeyRef masterAESKey();

@@ -17,6 +17,14 @@ static_assert(!std::is_abstract_v<QNProfile>);
 static_assert(!std::is_copy_constructible_v<QNProfile> && !std::is_copy_assignable_v<QNProfile>);
 static_assert(std::is_base_of_v<QNGenericProfile, QNServerProfile>);
 
+// Numbers that applications and stored rows know.
+static_assert(kProfileTypeUnion == 1 && kProfileTypeLocalVault == 2);
+static_assert(kProfileTypeAccountVault == 3 && kProfileTypeMasterUnlock == 4);
+static_assert(kFeatureDocuments == 7 && kFeatureLocalIcons == 8 && kFeatureServerIcons == 9);
+static_assert(kPermissionImplyingCreateItems == 0x200000);
+static_assert(kPermissionExportAttributes == 0x400000);
+static_assert(MASTER_KEY_SIZE == 256 && OVERVIEW_KEY_SIZE == 64);
+
 // Making
 
 TEST(QNProfile, ANewVaultIsUnlockedWithFreshKeys) {
@@ -99,6 +107,59 @@ TEST(QNProfile, IsItsOwnProfileWithoutHoldingItself) {
   EXPECT_TRUE(watched.expired());
 }
 
+TEST(QNProfile, NoOtherProfileTakesItsOwnPlace) {
+  const auto vault = storedCopyOf(*demoVault());
+  for (const auto& other : std::vector<std::shared_ptr<QNGenericProfile>>{demoVault(), nullptr}) {
+    const MRCapturingSink sink;
+
+    vault->setProfile(other);
+
+    EXPECT_EQ(sink.texts(MRLogKind::assertion),
+              std::vector<std::string>{"A vault is its own profile"});
+    EXPECT_EQ(sink.records().size(), 1u);
+    EXPECT_EQ(vault->profile(), vault);
+    EXPECT_EQ(vault->profileId(), 0u);
+    EXPECT_EQ(vault->profileType(), 2u);
+    EXPECT_FALSE(vault->dirtyRow());
+  }
+}
+
+TEST(QNProfile, BeingItsOwnProfileIsNoNews) {
+  const auto vault = storedCopyOf(*demoVault());
+  const MRCapturingSink sink;
+
+  vault->setProfile(vault);
+
+  EXPECT_TRUE(sink.records().empty());
+  EXPECT_FALSE(vault->dirtyRow());
+}
+
+TEST(QNProfile, AUuidIsSetOnceAndStays) {
+  const auto vault = QNProfile::initExistingWithID(5);
+  vault->setUuid(sharedString("U"));
+  for (const auto& other : {sharedString("V"), QNSharedString()}) {
+    const MRCapturingSink sink;
+
+    vault->setUuid(other);
+
+    EXPECT_EQ(sink.texts(MRLogKind::assertion),
+              std::vector<std::string>{"A vault's uuid can't be replaced"});
+    EXPECT_EQ(*vault->uuid(), "U");
+  }
+}
+
+TEST(QNProfile, TheSameUuidMayBeSetAgain) {
+  const auto vault = QNProfile::initExistingWithID(5);
+  const auto again = sharedString("U");
+  vault->setUuid(sharedString("U"));
+  const MRCapturingSink sink;
+
+  vault->setUuid(again);
+
+  EXPECT_EQ(vault->uuid(), again);
+  EXPECT_TRUE(sink.records().empty());
+}
+
 TEST(QNProfile, AccessorsStoreAndDirtyNothing) {
   const auto vault = QNProfile::initExistingWithID(5);
 
@@ -109,6 +170,11 @@ TEST(QNProfile, AccessorsStoreAndDirtyNothing) {
   vault->setLastUpdatedBy("host");
   vault->setAttributesData(Bytes{1, 2});
   vault->setIterations(8);
+  vault->setSalt(Bytes{3});
+  vault->setEncryptedMasterKey(Bytes{4});
+  vault->setEncryptedOverviewKey(Bytes{5});
+  vault->setOpenedForImport(true);
+  vault->setProfileColor(QNColor{0.25f, 0.5f, 0.75f, 1});
   vault->setTagsLoaded(true);
 
   EXPECT_EQ(vault->createdAt(), 1u);
@@ -118,6 +184,11 @@ TEST(QNProfile, AccessorsStoreAndDirtyNothing) {
   EXPECT_EQ(vault->lastUpdatedBy(), "host");
   EXPECT_EQ(vault->attributesData(), (Bytes{1, 2}));
   EXPECT_EQ(vault->iterations(), 8u);
+  EXPECT_EQ(vault->salt(), Bytes{3});
+  EXPECT_EQ(vault->encryptedMasterKey(), Bytes{4});
+  EXPECT_EQ(vault->encryptedOverviewKey(), Bytes{5});
+  EXPECT_TRUE(vault->openedForImport());
+  EXPECT_EQ(vault->profileColor(), (QNColor{0.25f, 0.5f, 0.75f, 1}));
   EXPECT_TRUE(vault->tagsLoaded());
   EXPECT_FALSE(vault->dirtyRow());
 }
@@ -177,8 +248,8 @@ INSTANTIATE_TEST_SUITE_P(Numbers, QNProfileFeatures,
 TEST(QNProfile, KeepsItemIconsLocallyAndNotOnAServer) {
   const auto vault = demoVault();
 
-  EXPECT_NE(vault->supportsFeature(kFeatureLocalIcons),
-            vault->supportsFeature(kFeatureServerIcons));
+  EXPECT_TRUE(vault->supportsFeature(8));
+  EXPECT_FALSE(vault->supportsFeature(9));
 }
 
 struct PermissionCase {

@@ -26,9 +26,9 @@ std::uint64_t numberAt(const Json& object, std::string_view key) {
   return object.at(key).to_number<std::uint64_t>();
 }
 
-std::shared_ptr<QNProfile> vaultOfVectors() {
+std::shared_ptr<QNProfile> vaultOfVectors(const std::string& uuid = "vault-uuid") {
   const auto vault = QNProfile::initExistingWithID(2);
-  vault->setUuid(sharedString("vault-uuid"));
+  vault->setUuid(sharedString(uuid));
   vault->setOverviewKey(ByteView(*bytesFromHex(textAt(vectors(), "overviewKey"))));
   return vault;
 }
@@ -187,8 +187,7 @@ TEST(QNLedger, OpensInItsOwnVaultOnly) {
   EXPECT_EQ(opened->sumHigh, ledger.sumHigh);
   EXPECT_EQ(opened->sumLow, ledger.sumLow);
 
-  vault->setUuid(sharedString("another-uuid"));
-  EXPECT_FALSE(QNLedger::open(*vault, *sealed));
+  EXPECT_FALSE(QNLedger::open(*vaultOfVectors("another-uuid"), *sealed));
 }
 
 TEST(QNLedger, IsNoOtherSealedThing) {

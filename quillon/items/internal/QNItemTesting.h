@@ -10,10 +10,11 @@
 
 namespace quillon {
 
-/// An unlocked local vault with random keys and that row id.
-inline std::shared_ptr<QNProfile> localVault(std::uint64_t oid = 1) {
+/// An unlocked local vault with random keys, that row id and that uuid.
+inline std::shared_ptr<QNProfile> localVault(std::uint64_t oid = 1,
+                                             const std::string& uuid = mr_uuid()) {
   auto vault = QNProfile::initExistingWithID(oid);
-  vault->setUuid(sharedString(mr_uuid()));
+  vault->setUuid(sharedString(uuid));
   vault->setOverviewKey(mr_randomData(OVERVIEW_KEY_SIZE));
   vault->setMasterKey(mr_randomData(MASTER_KEY_SIZE));
   return vault;

@@ -2,6 +2,7 @@
 // For tests: the smallest persisted classes, which count what is done to them.
 
 #include <functional>
+#include <thread>
 
 #include "quillon/objects/QNDatabaseObjectWithOverview.h"
 #include "quillon/platform/archive/QNKeyedArchiver.h"
@@ -31,7 +32,16 @@ class QNTestPage : public QNDatabaseObjectWithOverview {
   explicit QNTestPage(QNExisting existing) : QNDatabaseObjectWithOverview(existing) {}
   explicit QNTestPage(QNDecoder& coder) : QNDatabaseObjectWithOverview(coder) {}
   std::string_view className() const override { return "QNTestPage"; }
+  void markRowDirty() override {
+    called("markRowDirty");
+    QNDatabaseObjectWithOverview::markRowDirty();
+  }
+  bool dirtyRow() const override {
+    called("dirtyRow");
+    return QNDatabaseObjectWithOverview::dirtyRow();
+  }
   void willSerialize() override {
+    called("willSerialize");
     ++serializations;
     if (derivedTitle) setOverviewText(derivedTitle, "title");
   }
@@ -45,7 +55,24 @@ class QNTestPage : public QNDatabaseObjectWithOverview {
   int parses = 0;
   std::optional<std::string> derivedTitle;
   std::function<void()> whileParsing;
+  /// Told the name of each of the operations above that the base calls.
+  std::function<void(std::string_view operation)> whileCalled;
+
+ private:
+  void called(std::string_view operation) const {
+    if (whileCalled) whileCalled(operation);
+  }
 };
+
+/// Does a thread hold the page's monitor at this moment, this one included?
+inline bool isLockedForOthers(const QNTestPage& page) {
+  bool locked = true;
+  std::thread([&] {
+    locked = !page.monitor().try_lock();
+    if (!locked) page.monitor().unlock();
+  }).join();
+  return locked;
+}
 
 /// A local vault that costs next to nothing to make.
 inline std::shared_ptr<QNProfile> openLocalVault(std::uint64_t oid = 3) {
@@ -85,12 +112,15 @@ std::shared_ptr<Class> unarchived(std::string_view name, std::string_view archiv
       QNKeyedUnarchiver::unarchivedObjectOfClasses({&known, 1}, bytesOf(archive)).value());
 }
 
-/// "KIND text" of each report.
+/// "KIND of METHOD: text" of each report, with the subsystem in front if it isn't the database.
 inline std::vector<std::string> reportsOf(const MRCapturingSink& sink) {
   std::vector<std::string> reports;
   for (const MRLogRecord& record : sink.records()) {
     const bool isError = record.kind == MRLogKind::error;
-    reports.push_back((isError ? "error: " : "assertion: ") + record.text);
+    const bool isOfDatabase = record.subsystem == DEBUG_DATABASE;
+    reports.push_back((isOfDatabase ? "" : "subsystem " + std::to_string(record.subsystem) + ": ") +
+                      (isError ? "error of " : "assertion of ") + record.method + ": " +
+                      record.text);
   }
   return reports;
 }

@@ -8,6 +8,7 @@ namespace quillon {
 namespace {
 
 constexpr std::string_view kNoKey = "the key holds no key data";
+constexpr std::string_view kNoEnds = "no reader or writer";
 constexpr std::string_view kReadFailed = "the reader failed";
 constexpr std::string_view kWriteFailed = "the writer stopped";
 
@@ -48,6 +49,7 @@ class Pieces final {
 
 QNResult<QNDone> seal(const QNAESKey& key, const QNAESKey::Reader& reader,
                       const QNAESKey::Writer& writer) {
+  if (!reader || !writer) return QNError::unreadable(kNoEnds);
   auto message = QNSegmentCipher::forNewMessage(key);
   if (!message) return QNError::unreadable(kNoKey);
   if (!writer(message->head())) return QNError::unreadable(kWriteFailed);
@@ -66,6 +68,7 @@ QNResult<QNDone> seal(const QNAESKey& key, const QNAESKey::Reader& reader,
 
 QNResult<QNDone> open(const QNAESKey& key, const QNAESKey::Reader& reader,
                       const QNAESKey::Writer& writer) {
+  if (!reader || !writer) return QNError::unreadable(kNoEnds);
   if (key.rawKey() == nullptr) return QNError::unreadable(kNoKey);
   const auto head = reader(QNSegmentCipher::kHeadSize);
   if (!head) return QNError::unreadable(kReadFailed);

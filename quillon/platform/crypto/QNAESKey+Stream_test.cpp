@@ -297,6 +297,28 @@ TEST(QNAESKeyStream, RefusesAReaderThatGivesMoreThanItWasAskedFor) {
   EXPECT_EQ(error.message, "the reader failed");
 }
 
+TEST(QNAESKeyStream, RefusesAnAbsentReaderOrWriterBeforeItTouchesTheOther) {
+  const auto key = fixedKey();
+  Source source{*key->encrypt(patterned(300))};
+  Sink sink;
+  const auto refusal = [](const auto& operation) {
+    QNError error;
+    EXPECT_FALSE(operation(&error));
+    EXPECT_EQ(error.code, kErrorUnreadableData);
+    return error.message;
+  };
+
+  for (const std::string& message :
+       {refusal([&](QNError* e) { return key->decryptDataWithReader({}, sink.writer(), e); }),
+        refusal([&](QNError* e) { return key->decryptDataWithReader(source.reader(), {}, e); }),
+        refusal([&](QNError* e) { return key->encryptDataWithReader({}, sink.writer(), e); }),
+        refusal([&](QNError* e) { return key->encryptDataWithReader(source.reader(), {}, e); })}) {
+    EXPECT_EQ(message, "no reader or writer");
+  }
+  EXPECT_EQ(source.calls, 0);
+  EXPECT_EQ(sink.calls, 0);
+}
+
 TEST(QNAESKeyStream, WorksInsideTheWriterOfAnother) {
   const auto key = fixedKey();
   const Bytes plain = patterned(kThreeSegments);

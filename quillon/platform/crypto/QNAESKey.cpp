@@ -74,7 +74,7 @@ QNAESKeyRef QNAESKey::initWithPassword(std::string_view password, ByteView salt,
 
 QNAESKeyRef QNAESKey::initWithRandomKey() {
   QNKeyBytes raw(kRawKeySize);
-  fillRandom(raw);
+  fillRandomKey(raw);
   return std::make_shared<QNAESKey>(Passkey(), std::move(raw));
 }
 

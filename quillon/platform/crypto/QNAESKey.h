@@ -40,8 +40,8 @@ class QNAESKey final {
   static constexpr std::size_t kMinSealedSize = 44;
 
   // Making: QNAESKey.cpp
-  /// From key data, 64 or 256 bytes in this system. The same bytes give the same key. Absent or
-  /// empty data gives a key that opens and seals nothing.
+  /// From key data, 64 or 256 bytes in this system. The same bytes give the same key. A key that
+  /// opens and seals nothing from absent or empty data, or if OpenSSL fails.
   static QNAESKeyRef initWithKeyData(std::optional<ByteView> data);
   /// Argon2id over the NFKD form of the password. Null, before any work, for a password that isn't
   /// UTF-8, a count outside kMinIterations to kMaxIterations or a salt that isn't 16 bytes; null if

@@ -14,7 +14,7 @@ std::unique_ptr<QNEncryptedString> QNEncryptedString::encryptedStringWithString(
     std::string_view text) {
   std::unique_ptr<QNEncryptedString> string(new QNEncryptedString);
   string->_key.resize(kKeySize);
-  fillRandom(string->_key);
+  fillRandomKey(string->_key);
   string->_sealed.resize(kXAESNonceSize + text.size() + kGCMTagSize);
   const std::span<std::uint8_t, kXAESNonceSize> nonce(string->_sealed.data(), kXAESNonceSize);
   fillRandom(nonce);

@@ -12,9 +12,12 @@ namespace quillon {
 
 /// `count` cryptographically random bytes.
 Bytes mr_randomData(std::size_t count);
-/// Fills `out` with random bytes: what nonces and keys are drawn from. Small requests are served
-/// from a batch that each thread keeps; a forked child never sees its parent's batch.
+/// Fills `out` with random bytes, for nonces and identifiers. Small requests are served from a
+/// batch that each thread keeps in ordinary memory; a forked child never sees its parent's batch.
 void fillRandom(std::span<std::uint8_t> out);
+/// Fills `out` with the bytes of a key. They come straight from the system's generator for private
+/// values: no copy of them lies in a batch.
+void fillRandomKey(std::span<std::uint8_t> out);
 /// A random number below `bound`, without bias. `bound` is 1 or more.
 std::uint32_t randomBelow(std::uint32_t bound);
 

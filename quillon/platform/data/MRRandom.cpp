@@ -12,7 +12,8 @@ namespace quillon {
 namespace {
 
 // A draw from the system's generator costs about 0.4 µs whatever its size, and an item wants
-// several of 24 to 64 bytes: they are cut from a batch.
+// several nonces and identifiers of 16 to 24 bytes: they are cut from a batch. Keys never are: a
+// batch lies in memory that may be swapped out.
 constexpr std::size_t kBatchSize = 1024;
 
 // Counts the forks of this process, so that parent and child never use one batch.
@@ -25,9 +26,14 @@ struct Batch {
   ~Batch() { wipe(bytes.data(), bytes.size()); }
 };
 
+// Without randomness there is no security to fall back on, so a failure is the end.
 void drawFromSystem(std::span<std::uint8_t> out) {
-  // Without randomness there is no security to fall back on, so this is the end.
   if (!out.empty() && RAND_bytes(out.data(), static_cast<int>(out.size())) != 1) std::abort();
+}
+
+// Of a generator whose output nobody ever sees, unlike that of nonces.
+void drawPrivately(std::span<std::uint8_t> out) {
+  if (!out.empty() && RAND_priv_bytes(out.data(), static_cast<int>(out.size())) != 1) std::abort();
 }
 
 }  // namespace
@@ -45,8 +51,13 @@ void fillRandom(std::span<std::uint8_t> out) {
   }
   std::uint8_t* const from = batch.bytes.data() + batch.used;
   std::copy_n(from, out.size(), out.begin());
-  wipe(from, out.size());  // what was handed out may be a key
+  wipe(from, out.size());  // nothing comes twice, and nothing stays behind
   batch.used += out.size();
+}
+
+void fillRandomKey(std::span<std::uint8_t> out) {
+  if (const auto& source = scopedRandomSource()) return source(out);
+  drawPrivately(out);
 }
 
 Bytes mr_randomData(std::size_t count) {

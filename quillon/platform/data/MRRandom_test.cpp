@@ -78,6 +78,31 @@ TEST(mr_randomData, DiffersInAForkedChild) {
   close(ends[1]);
 }
 
+TEST(fillRandomKey, FillsTheWholeAndNeverComesTwice) {
+  std::set<std::string> seen;
+  std::array<bool, 64> changed{};
+
+  for (int i = 0; i < 1'000; ++i) {
+    std::array<std::uint8_t, 64> key{};
+    fillRandomKey(key);
+    seen.insert(hexText(key));
+    for (std::size_t at = 0; at < key.size(); ++at) changed[at] |= key[at] != 0;
+  }
+  fillRandomKey({});
+
+  EXPECT_EQ(seen.size(), 1'000u);
+  EXPECT_THAT(changed, testing::Each(true));
+}
+
+TEST(fillRandomKey, TakesItsBytesFromTheSourceThatIsSet) {
+  const QNScopedRandom ones(filling(0xff));
+  std::array<std::uint8_t, 3> key{};
+
+  fillRandomKey(key);
+
+  EXPECT_EQ(key, (std::array<std::uint8_t, 3>{0xff, 0xff, 0xff}));
+}
+
 TEST(randomBelow, StaysInRange) {
   for (const std::uint32_t bound : {1u, 2u, 3u, 58u, 0x80000001u, 0xffffffffu}) {
     for (int i = 0; i < 1'000; ++i) EXPECT_LT(randomBelow(bound), bound);

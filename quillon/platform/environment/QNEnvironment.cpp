@@ -16,6 +16,7 @@ struct Settings {
   std::function<double()> steadyClock;
   QNScopedRandom::Source random;
   std::string locale;
+  std::string hostName;
   std::string timeZone;
 };
 
@@ -60,6 +61,7 @@ std::string currentTimeZone() {
 }
 
 std::string localHostName() {
+  if (!settings().hostName.empty()) return settings().hostName;
   std::array<char, 256> name{};
   if (gethostname(name.data(), name.size() - 1) != 0 || name[0] == '\0') return "localhost";
   return name.data();
@@ -94,6 +96,12 @@ QNScopedLocale::QNScopedLocale(std::string tag)
     : _before(std::exchange(settings().locale, std::move(tag))) {}
 QNScopedLocale::~QNScopedLocale() {
   settings().locale = std::move(_before);
+}
+
+QNScopedHostName::QNScopedHostName(std::string name)
+    : _before(std::exchange(settings().hostName, std::move(name))) {}
+QNScopedHostName::~QNScopedHostName() {
+  settings().hostName = std::move(_before);
 }
 
 QNScopedTimeZone::QNScopedTimeZone(std::string name)

@@ -73,6 +73,17 @@ class QNScopedLocale final {
   std::string _before;
 };
 
+class QNScopedHostName final {
+ public:
+  explicit QNScopedHostName(std::string name);
+  ~QNScopedHostName();
+  QNScopedHostName(const QNScopedHostName&) = delete;
+  QNScopedHostName& operator=(const QNScopedHostName&) = delete;
+
+ private:
+  std::string _before;
+};
+
 class QNScopedTimeZone final {
  public:
   explicit QNScopedTimeZone(std::string name);

@@ -88,6 +88,17 @@ TEST(QNScopedLocale, SetsTheTagAndPutsTheEarlierOneBack) {
   EXPECT_EQ(currentLocale(), "ja-JP");
 }
 
+TEST(QNScopedHostName, SetsTheNameAndPutsTheMachinesBack) {
+  const std::string machine = localHostName();
+  {
+    const QNScopedHostName outer("kestrel");
+    { const QNScopedHostName inner("buzzard"); }
+    EXPECT_EQ(localHostName(), "kestrel");
+  }
+
+  EXPECT_EQ(localHostName(), machine);
+}
+
 TEST(QNScopedTimeZone, SetsTheZoneAndPutsTheSystemsBack) {
   {
     const QNScopedTimeZone zone("Europe/Berlin");

@@ -74,11 +74,14 @@ void* QNJsonBlock::do_allocate(std::size_t bytes, std::size_t align) {
   return reinterpret_cast<void*>(roundedUp(place, align));
 }
 
-// The last place given out can be given out again: a text that changes often takes no more.
+// The last place given out can be given out again: a text that changes often takes no more. Where
+// a wide alignment left a gap before or behind the place, its end doesn't tell whether it's the
+// last.
 void QNJsonBlock::do_deallocate(void* place, std::size_t size, std::size_t align) {
   wipe(place, size);
   const std::size_t freed = taken(size, align);
-  if (_latest->used >= freed && place == _latest->bytes() + _latest->used - freed) {
+  if (align <= kGrain && _latest->used >= freed &&
+      place == _latest->bytes() + _latest->used - freed) {
     _latest->used -= freed;
   }
 }

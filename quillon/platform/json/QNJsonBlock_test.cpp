@@ -54,6 +54,27 @@ TEST(QNJsonBlock, AMemberThatChangesAgainAndAgainTakesNoMore) {
   EXPECT_EQ(block.size(), size);
 }
 
+TEST(QNJsonBlock, APlaceOfWideAlignmentNeverCostsALaterOneItsOwn) {
+  QNJsonBlock block;
+  void* const wide = block.allocate(16, 16);
+  auto* const later = static_cast<unsigned char*>(block.allocate(8, 8));
+
+  block.deallocate(wide, 16, 16);
+  auto* const next = static_cast<unsigned char*>(block.allocate(24, 8));
+
+  EXPECT_TRUE(next + 24 <= later || later + 8 <= next);
+}
+
+TEST(QNJsonBlock, ThePlaceAtTheEndIsGivenOutAgain) {
+  QNJsonBlock block;
+  block.allocate(8, 8);
+  void* const last = block.allocate(24, 8);
+
+  block.deallocate(last, 24, 8);
+
+  EXPECT_EQ(block.allocate(16, 4), last);
+}
+
 TEST(QNJsonBlock, WipesWhatAChangeReplaces) {
   QNJsonBlock block;
   auto object = mr_compactObjectFromJSONDataWithError(bytesOf(kText), block);

@@ -54,7 +54,8 @@ struct MRLogText {
   const char* function;
 };
 
-/// Process-wide. Any thread may log; sinks are called on the logging thread, one at a time.
+/// Process-wide. Any thread may log; sinks are called on the logging thread, one at a time. The
+/// caller may hold an object's lock: a sink must not call into the library.
 class MRLogger final {
  public:
   using Sink = std::function<void(const MRLogRecord&)>;

@@ -11,6 +11,7 @@ namespace quillon {
 
 /// Calls observers by notification name, synchronously, on the posting thread, in the order in
 /// which they were added. An observer may add and remove observers, itself included.
+/// It must not throw: what posts is in the middle of a change.
 class MRNotificationCenter final {
  public:
   /// `object` is the address of what posts; it is valid during the call only.

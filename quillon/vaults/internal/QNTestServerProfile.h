@@ -26,7 +26,7 @@ class QNTestServerProfile final : public QNServerProfile,
   void setUuid(QNSharedString uuid) { _uuid = std::move(uuid); }
   /// To stand for a profile of another kind.
   void setProfileType(std::uint64_t type) { _profileType = type; }
-  /// "P": the vault refuses action 10.
+  /// "P": the vault refuses action 10. Any but "P", "T", "U" and "E": it isn't visible.
   void setVaultType(std::string type) { _vaultType = std::move(type); }
   void setLocked(bool locked) { _locked = locked; }
   /// While set, an unlocked vault fails to seal and to open, as with a damaged key.
@@ -98,7 +98,9 @@ class QNTestServerProfile final : public QNServerProfile,
   [[nodiscard]] QNSharedString uuid() const override { return _uuid; }
   [[nodiscard]] bool isPrimaryProfile() const override { return false; }
   [[nodiscard]] bool isDemoProfile() const override { return false; }
-  [[nodiscard]] bool isVisible() const override { return true; }
+  [[nodiscard]] bool isVisible() const override {
+    return _vaultType == "P" || _vaultType == "T" || _vaultType == "U" || _vaultType == "E";
+  }
   [[nodiscard]] bool includeUnknownItems() const override { return true; }
   [[nodiscard]] bool isAllVaultsVault() const override { return false; }
   [[nodiscard]] std::vector<std::shared_ptr<QNGenericProfile>> vaults() const override {
