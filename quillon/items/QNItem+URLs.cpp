@@ -62,11 +62,11 @@ std::shared_ptr<QNItemURL> QNItem::URLWithURLString(std::string_view url) {
 }
 
 std::optional<std::string> QNItem::URLString() {
+  const std::lock_guard lock(monitor());
   if (detailsLoaded()) {
     const auto first = URLAtIndex(0);
     return first == nullptr ? std::nullopt : first->URLString();
   }
-  const std::lock_guard lock(monitor());
   const auto url = overviewTextForKey(kOverviewURLString);
   return url ? std::optional<std::string>(*url) : std::nullopt;
 }
@@ -90,9 +90,14 @@ void QNItem::addURL(const std::shared_ptr<QNItemURL>& url) {
   if (url == nullptr || !URLsAreAvailable()) return;
   auto& urls = mutableURLs();
   if (std::find(urls.begin(), urls.end(), url) != urls.end()) return;
+  const auto self = weak_from_this().lock();
+  if (self == nullptr) {
+    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                       "An item with URLs is made with std::make_shared");
+  }
   markRowDirty();
   std::erase(openState().deletedURLs, url);  // a removal that is undone keeps its row
-  url->setItem(weak_from_this().lock());
+  url->setItem(self);
   url->setProfile(profile());
   if (url->displayOrder() == 0) {
     url->setDisplayOrder((urls.empty() ? 0 : urls.back()->displayOrder()) + kDisplayOrderStep);
@@ -163,6 +168,7 @@ std::optional<std::string> QNItem::nakedDomain() {
 }
 
 std::optional<std::string> QNItem::derivedDomain() {
+  const std::lock_guard lock(monitor());  // every save drops the cache
   auto& cached = openState().cachedDerivedDomain;
   if (cached) return cached;
   if (const auto url = URLString()) cached = QNURLTools::shared().extractHostFromURLString(*url);

@@ -196,7 +196,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void moveURL(const std::shared_ptr<QNItemURL>& url, std::size_t toIndex);
   /// Of equal addresses (exactly equal) the first stays.
   void removeDuplicateURLs();
-  /// Locked; derivedDomain() isn't.
+  /// Both are cached, under the lock.
   [[nodiscard]] std::optional<std::string> nakedDomain();
   /// The host of the address.
   [[nodiscard]] std::optional<std::string> derivedDomain();
