@@ -5,6 +5,9 @@
 //   pluralName    text
 //   listIconName  text
 //   detaiIconName text   the detail icon name. The missing l is stored data.
+//
+// An archive has "sName" and "pName" for the two names, and the numbers "displayOrder" and
+// "numberOfItems" beside them.
 
 #include "quillon/templates/QNCategory.h"
 
@@ -23,6 +26,10 @@ constexpr std::string_view kSingularName = "singularName";
 constexpr std::string_view kPluralName = "pluralName";
 constexpr std::string_view kListIconName = "listIconName";
 constexpr std::string_view kDetailIconName = "detaiIconName";
+constexpr std::string_view kArchivedSingularName = "sName";
+constexpr std::string_view kArchivedPluralName = "pName";
+constexpr std::string_view kDisplayOrder = "displayOrder";
+constexpr std::string_view kNumberOfItems = "numberOfItems";
 
 constexpr std::array<std::string_view, 5> kNamedByTheLibrary = {
     QNCategoryUUIDLogin, QNCategoryUUIDCreditCard, QNCategoryUUIDSecureNote, QNCategoryUUIDIdentity,
@@ -49,6 +56,27 @@ std::optional<std::string> restored(const JsonObject& attributes, std::string_vi
 }
 
 }  // namespace
+
+QNCategory::QNCategory(QNDecoder& coder)
+    : QNDatabaseObject(coder),
+      _uuid(coder.decodeString(kUUID)),
+      _singularName(coder.decodeString(kArchivedSingularName)),
+      _pluralName(coder.decodeString(kArchivedPluralName)),
+      _listIconName(coder.decodeString(kListIconName)),
+      _detailIconName(coder.decodeString(kDetailIconName)),
+      _numberOfItems(coder.decodeInt64(kNumberOfItems).value_or(0)),
+      _displayOrder(coder.decodeInt64(kDisplayOrder).value_or(0)) {}
+
+void QNCategory::encodeWithCoder(QNEncoder& coder) {
+  QNDatabaseObject::encodeWithCoder(coder);
+  if (_uuid) coder.encodeString(*_uuid, kUUID);
+  if (_singularName) coder.encodeString(*_singularName, kArchivedSingularName);
+  if (_pluralName) coder.encodeString(*_pluralName, kArchivedPluralName);
+  if (_listIconName) coder.encodeString(*_listIconName, kListIconName);
+  if (_detailIconName) coder.encodeString(*_detailIconName, kDetailIconName);
+  coder.encodeInt64(_displayOrder, kDisplayOrder);
+  coder.encodeInt64(_numberOfItems, kNumberOfItems);
+}
 
 std::string QNCategory::description() const {
   return formatted("<QNCategory: {}> '{}'", static_cast<const void*>(this),

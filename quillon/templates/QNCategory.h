@@ -13,6 +13,8 @@ class QNCategory final : public QNDatabaseObject,
  public:
   explicit QNCategory(QNNew) : QNDatabaseObject(initNew) {}
   explicit QNCategory(QNExisting existing) : QNDatabaseObject(existing) {}
+  explicit QNCategory(QNDecoder& coder);
+  void encodeWithCoder(QNEncoder& coder) override;
 
   [[nodiscard]] std::string_view className() const override { return "QNCategory"; }
   /// "<QNCategory: ADDRESS> 'PLURAL NAME'".

@@ -56,6 +56,7 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   static std::shared_ptr<QNProfile> initExistingWithID(std::uint64_t oid);
   QNProfile(Passkey, QNNew);
   QNProfile(Passkey, QNExisting existing);
+  QNProfile(Passkey, QNDecoder& coder);
 
   static std::string primaryProfileName() { return "default"; }
   static std::string demoProfileName() { return "demo"; }
@@ -178,6 +179,31 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::optional<std::string> profileColorText() const override;
   void setProfileColorText(std::optional<std::string> text) override;
 
+  // Stored forms: QNProfile+Blob.cpp
+  /// The JSON object in which a database layer may store the vault: its keys sealed, its name and
+  /// hint in clear. Nothing, with an error log, for a name or hint that isn't UTF-8.
+  std::optional<Bytes> blob();
+  /// Takes the fields over from a blob. DANGER: bytes that aren't one clear every field but the
+  /// sealed keys, with an error log; check them first.
+  void setBlob(ByteView blob);
+  /// The plain keys are in it: for the moment, never for a disk.
+  void saveAllAttributes(JsonObject& attributes) override;
+  void restoreAllAttributes(const JsonObject& attributes) override;
+
+  // Archive: QNProfile+Archive.cpp
+  /// With the keys in clear if the vault is unlocked. Never written to disk unsealed.
+  void encodeWithCoder(QNEncoder& coder) override;
+  /// Unlocked if and only if the encoded one was.
+  static std::shared_ptr<QNProfile> initWithCoder(QNDecoder& coder);
+  /// Seals this vault, keys and password included, under the primary vault's overview key into
+  /// attributesData(): the twin archive. False, with nothing changed, if it can't be made.
+  bool encryptAttributesWithPrimaryProfile(const std::shared_ptr<QNProfile>& primary,
+                                           QNError* error = nullptr);
+  /// Unlocks this vault with the keys and the password of its twin archive. False, with the vault
+  /// untouched, and error 103 of QNErrorDomain, whose message tells why.
+  bool decryptAttributesWithPrimaryProfile(const std::shared_ptr<QNProfile>& primary,
+                                           QNError* error = nullptr);
+
   // Tags, categories, items: QNProfile+Registries.cpp
   [[nodiscard]] std::optional<std::string> tagWithId(std::uint64_t id) const override;
   [[nodiscard]] std::uint64_t tagId(std::optional<std::string_view> tag) const override;
@@ -212,6 +238,9 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
  private:
   bool openKeys(std::string_view password, const MRLogText& withoutKey);
   bool sealKeys(std::string_view password);
+  void encodeRegistries(QNEncoder& coder);
+  static std::shared_ptr<QNProfile> twinInArchive(ByteView archive);
+  std::string takeKeysOfTwin(const QNProfile& twin);
   bool refusesWhileLocked(const MRLogText& text) const;
   QNAESKeyRef masterAESKey();
   std::optional<Bytes> encryptUnder(const QNAESKeyRef& key, ByteView clear,
