@@ -97,6 +97,11 @@ JsonObject QNFieldSection::dictionaryRepresentationExcludingFileFields(bool excl
   return dictionary;
 }
 
+bool QNFieldSection::isBlank() const {
+  const bool hasMembers = _stored.size() > (_stored.contains(kFieldSectionFields) ? 1u : 0u);
+  return !hasMembers && _fields.empty() && _foreign.empty();
+}
+
 // In place: a save costs the fields that changed, and the rest keeps its form to the byte.
 bool QNFieldSection::storeInto(Json& stored) const {
   if (!stored.is_object() || !hasEqualMembers(stored.get_object(), _stored) ||

@@ -90,6 +90,8 @@ class QNFieldSection final {
   }
   [[nodiscard]] JsonObject dictionaryRepresentationExcludingFileFields(bool exclude) const;
   void loadDictionary(const JsonObject& dictionary);
+  /// Is dictionaryRepresentation() an empty object?
+  [[nodiscard]] bool isBlank() const;
   /// Makes `stored` what dictionaryRepresentation() gives. What is equal already stays as it is
   /// written. True if something changed.
   bool storeInto(Json& stored) const;
