@@ -11,4 +11,5 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuillonConfigVersion.cmak
 install(FILES ${PROJECT_BINARY_DIR}/QuillonConfig.cmake ${PROJECT_BINARY_DIR}/QuillonConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Quillon)
 install(FILES cmake/QuillonDependencies.cmake DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Quillon)
-install(DIRECTORY resources/ DESTINATION ${CMAKE_INSTALL_DATADIR}/quillon)
+install(DIRECTORY resources/ DESTINATION ${CMAKE_INSTALL_DATADIR}/quillon
+  PATTERN README.md EXCLUDE PATTERN "*.py" EXCLUDE PATTERN icons.txt EXCLUDE)
