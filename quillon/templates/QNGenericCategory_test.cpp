@@ -91,7 +91,8 @@ TEST_P(CategoryTable, MakesItemsOfThatClass) {
 }
 
 TEST_P(CategoryTable, GivesTheTemplateItemOnlyWhereNoClassIsFixed) {
-  const QNScopedTemplates any{R"({"uuid":")" + std::string(GetParam().uuid) + R"(","contents":[]})"};
+  const QNScopedTemplates any{R"({"uuid":")" + std::string(GetParam().uuid) +
+                              R"(","contents":[]})"};
 
   const QNItemClass* const itemClass = QNGenericCategoryItemClassForCategoryUUID(GetParam().uuid);
 

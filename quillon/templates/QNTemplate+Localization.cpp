@@ -68,10 +68,11 @@ std::string QNTemplate::localizedStringForKey(std::string_view key) const {
   return found == _englishStrings->end() ? std::string(key) : found->second;
 }
 
-std::string QNTemplate::localizedName(std::string_view key,
-                                      std::optional<std::string> H9TemplateProperties::*name) const {
+std::string QNTemplate::localizedName(
+    std::string_view key, std::optional<std::string> H9TemplateProperties::*name) const {
   if (_localized) return localizedStringForKey(key);
-  const auto given = _h9TemplateProperties == nullptr ? std::nullopt : (*_h9TemplateProperties).*name;
+  const auto given =
+      _h9TemplateProperties == nullptr ? std::nullopt : (*_h9TemplateProperties).*name;
   return given.value_or(std::string(key));
 }
 

@@ -134,10 +134,10 @@ TEST_F(QNTemplateStrings, ThatAreMissingAreToldWhileStatusLogsAreAllowed) {
   MRLogger::sharedLogger().allowStatus(0);
   EXPECT_THAT(made->loadLocalizationTable("tlh"), IsEmpty());
 
-  EXPECT_THAT(sink.texts(MRLogKind::status),
-              ElementsAre("Failed to load localization table " +
-                          (folder.path() / "Locales/tlh.lproj").string() +
-                          " for localization tlh-Latn"));
+  EXPECT_THAT(
+      sink.texts(MRLogKind::status),
+      ElementsAre("Failed to load localization table " +
+                  (folder.path() / "Locales/tlh.lproj").string() + " for localization tlh-Latn"));
 }
 
 TEST_F(QNTemplateStrings, OfABrokenLineAreReportedAndTheRestIsRead) {
@@ -165,8 +165,10 @@ TEST_F(QNTemplateStrings, OfAFileThatIsTooLargeAreLeftOutAndReported) {
 TEST(QNTemplateInlineStrings, AreTheTableWhateverTheLanguage) {
   const auto made = templateOf(R"({"localizedStrings":{"a":"1","b":2,"__title__":"T"}})");
 
-  EXPECT_THAT(made->loadLocalizationTable("de"), ElementsAre(Pair("__title__", "T"), Pair("a", "1")));
-  EXPECT_THAT(made->loadLocalizationTable("en"), ElementsAre(Pair("__title__", "T"), Pair("a", "1")));
+  EXPECT_THAT(made->loadLocalizationTable("de"),
+              ElementsAre(Pair("__title__", "T"), Pair("a", "1")));
+  EXPECT_THAT(made->loadLocalizationTable("en"),
+              ElementsAre(Pair("__title__", "T"), Pair("a", "1")));
   EXPECT_EQ(made->localizedTitle(), "T");
 }
 

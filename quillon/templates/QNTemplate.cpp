@@ -57,8 +57,8 @@ QNTemplate::QNTemplate(const JsonObject* initWithDefinition) : _definition(jsonS
     return;
   }
   _definition = *initWithDefinition;
-  _localized = saysYes(_definition, "localized") ||
-               objectOf(_definition, "localizedStrings") != nullptr;
+  _localized =
+      saysYes(_definition, "localized") || objectOf(_definition, "localizedStrings") != nullptr;
   _deprecated = saysYes(_definition, "deprecated");
   _hidden = saysYes(_definition, "hidden");
   const JsonObject* const icons = objectOf(_definition, "icons");
