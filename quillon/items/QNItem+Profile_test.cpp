@@ -1,6 +1,6 @@
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/logins/QNItemURL.h"
-#include "quillon/templates/QNTemplateManager.h"
+#include "quillon/templates/internal/QNTestCategories.h"
 
 namespace quillon {
 namespace {
@@ -277,13 +277,11 @@ TEST(QNItemProfile, FindsItsCategoryInTheVault) {
 }
 
 TEST(QNItemProfile, MakesALegacyCategoryWhereTheVaultKnowsNone) {
-  auto& templates = QNTemplateManager::sharedManager();
-  templates.addTemplate(std::make_shared<QNTemplate>("x10"));
+  const QNScopedTemplates templates{R"({"uuid":"x10"})"};
   const auto item = newItem(localVault());
   item->setCategoryUUID("x10");
 
   const auto category = item->category();
-  templates.removeTemplateWithUUID("x10");
 
   ASSERT_NE(category, nullptr);
   EXPECT_EQ(category->uuid(), "x10");

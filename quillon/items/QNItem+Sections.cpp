@@ -55,6 +55,12 @@ QNItem::FieldSections QNItem::fieldSections() {
   return list == nullptr ? FieldSections() : *list;
 }
 
+void QNItem::_setFieldSections(std::optional<FieldSections> sections) {
+  const std::lock_guard lock(monitor());
+  FieldSections* const list = mutableFieldSections();
+  if (list != nullptr) *list = std::move(sections).value_or(FieldSections());
+}
+
 std::size_t QNItem::numberOfFieldSections() {
   return fieldSections().size();
 }

@@ -97,7 +97,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   // Strength: QNItem+Strength.cpp
   [[nodiscard]] std::optional<double> passwordBitsEntropy();
   [[nodiscard]] bool passwordGeneratedByRandomNumberGenerator();
-  [[nodiscard]] std::int16_t passwordStrength();
+  [[nodiscard]] virtual std::int16_t passwordStrength();
   [[nodiscard]] bool shouldShowPasswordStrength();
   void updatePassword(std::optional<std::string_view> password,
                       bool generatedByRandomNumberGenerator, double bitsEntropy);
@@ -380,6 +380,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
       const std::shared_ptr<QNDatabaseObject>& other) override;
 
  protected:
+  /// For a new item: the sections that it starts with, none for nothing.
+  void _setFieldSections(std::optional<FieldSections> sections);
   /// Runs after details were parsed, inside the lock.
   virtual void didParseDetails();
 

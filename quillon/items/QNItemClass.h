@@ -30,4 +30,16 @@ QNItemClass itemClassNamed(std::string_view name) {
           nullptr};
 }
 
+/// The descriptor of a class whose new items start from a template.
+template <class Item>
+QNItemClass itemClassOfTemplates(std::string_view name) {
+  return {name, nullptr,
+          [](std::uint64_t oid) {
+            return std::shared_ptr<QNItem>(std::make_shared<Item>(QNExisting{oid}));
+          },
+          [](const std::shared_ptr<QNTemplate>& from) {
+            return std::shared_ptr<QNItem>(Item::initNewWithTemplate(from));
+          }};
+}
+
 }  // namespace quillon

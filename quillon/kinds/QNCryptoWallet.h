@@ -4,12 +4,19 @@
 
 namespace quillon {
 
-/// The keys of a wallet, category "115".
+class QNTemplate;
+
+/// The keys of a wallet, category "115". A new one needs a template: there is no plain way.
 class QNCryptoWallet final : public QNItem {
  public:
-  explicit QNCryptoWallet(QNNew);
-  explicit QNCryptoWallet(QNExisting existing);
+  /// Always of category "115". Without a template it has no sections.
+  static std::shared_ptr<QNCryptoWallet> initNewWithTemplate(
+      const std::shared_ptr<QNTemplate>& from);
+  explicit QNCryptoWallet(QNExisting existing) : QNItem(existing) {}
   [[nodiscard]] std::string_view className() const override { return "QNCryptoWallet"; }
+
+ private:
+  explicit QNCryptoWallet(QNNew) : QNItem(initNew) {}
 };
 
 }  // namespace quillon

@@ -1,15 +1,28 @@
 #include "quillon/kinds/QNMedicalRecord.h"
 
+#include "quillon/fields/QNItemField.h"
+#include "quillon/platform/text/QNText.h"
 #include "quillon/templates/QNCategoryUUID.h"
+#include "quillon/templates/QNTemplate.h"
 
 namespace quillon {
 
-QNMedicalRecord::QNMedicalRecord(QNNew) : QNItem(initNew) {
-  setCategoryUUID(std::string(QNCategoryUUIDMedicalRecord));
+std::shared_ptr<QNMedicalRecord> QNMedicalRecord::initNewWithTemplate(
+    const std::shared_ptr<QNTemplate>& from) {
+  const std::shared_ptr<QNMedicalRecord> record(new QNMedicalRecord(initNew));
+  record->setCategoryUUID(std::string(QNCategoryUUIDMedicalRecord));
+  if (from != nullptr) record->_setFieldSections(from->instantiateFieldSections());
+  return record;
 }
 
-QNMedicalRecord::QNMedicalRecord(QNExisting existing) : QNItem(existing) {
-  setCategoryUUID(std::string(QNCategoryUUIDMedicalRecord));
+// Any other value in the field is passed over in silence.
+std::optional<std::string> QNMedicalRecord::_additionalInformation() {
+  const std::lock_guard lock(monitor());
+  const auto field = findFieldWithIdentifier("date");
+  const auto seconds = field == nullptr ? std::nullopt : field->rawValue().number();
+  const bool isTime = seconds && *seconds >= 0;
+  const QNSecret day = qn_formatDate(isTime ? *seconds : static_cast<std::int64_t>(createdAt()));
+  return std::string(day.reveal());
 }
 
 }  // namespace quillon

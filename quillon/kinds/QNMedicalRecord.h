@@ -4,12 +4,22 @@
 
 namespace quillon {
 
-/// A medical record, category "113".
+class QNTemplate;
+
+/// What was found and done at a visit, category "113". A new one needs a template: there is no
+/// plain way.
 class QNMedicalRecord final : public QNItem {
  public:
-  explicit QNMedicalRecord(QNNew);
-  explicit QNMedicalRecord(QNExisting existing);
+  /// Always of category "113". Without a template it has no sections.
+  static std::shared_ptr<QNMedicalRecord> initNewWithTemplate(
+      const std::shared_ptr<QNTemplate>& from);
+  explicit QNMedicalRecord(QNExisting existing) : QNItem(existing) {}
   [[nodiscard]] std::string_view className() const override { return "QNMedicalRecord"; }
+  /// The day in field "date", or of the item's creation.
+  [[nodiscard]] std::optional<std::string> _additionalInformation() override;
+
+ private:
+  explicit QNMedicalRecord(QNNew) : QNItem(initNew) {}
 };
 
 }  // namespace quillon

@@ -1,5 +1,8 @@
 #include "quillon/kinds/QNSecureNote.h"
 
+#include "quillon/fields/QNItemStringField.h"
+#include "quillon/platform/text/QNLocalization.h"
+#include "quillon/platform/text/QNText.h"
 #include "quillon/templates/QNCategoryUUID.h"
 
 namespace quillon {
@@ -10,6 +13,25 @@ QNSecureNote::QNSecureNote(QNNew) : QNItem(initNew) {
 
 QNSecureNote::QNSecureNote(QNExisting existing) : QNItem(existing) {
   setCategoryUUID(std::string(QNCategoryUUIDSecureNote));
+}
+
+std::optional<std::string> QNSecureNote::_additionalInformation() {
+  const auto notes = notesPlain();
+  return notes ? subtitleOfText(*notes) : QNItem::_additionalInformation();
+}
+
+std::optional<QNSecret> QNSecureNote::clipboardValue() {
+  const auto notes = notesPlain();
+  return notes ? std::optional<QNSecret>(*notes) : std::nullopt;
+}
+
+std::shared_ptr<QNItemField> QNSecureNote::itemFieldForNotes() {
+  const auto notes = notesPlain();
+  if (!notes || notes->empty()) return nullptr;
+  auto field = QNItemStringField::fieldWithIdentifier("notes");
+  field->setTitle(QNLocalizedString("notes"));
+  field->setValue(*notes);
+  return field;
 }
 
 }  // namespace quillon

@@ -4,12 +4,17 @@
 
 namespace quillon {
 
-/// A note, category "003".
+/// A note, category "003". It has no template: sections are what the user adds.
 class QNSecureNote final : public QNItem {
  public:
   explicit QNSecureNote(QNNew);
   explicit QNSecureNote(QNExisting existing);
   [[nodiscard]] std::string_view className() const override { return "QNSecureNote"; }
+  /// The first line of the notes, of at most 80 characters.
+  [[nodiscard]] std::optional<std::string> _additionalInformation() override;
+  [[nodiscard]] std::optional<QNSecret> clipboardValue() override;
+  /// The notes as a field of its own, which is no part of the item; null if there are none.
+  [[nodiscard]] std::shared_ptr<QNItemField> itemFieldForNotes();
 };
 
 }  // namespace quillon

@@ -38,7 +38,8 @@ TEST(QNCategory, RefreshesAllFourNamesAtALoad) {
 }
 
 TEST(QNCategory, PrefersTheDefaultNamesToThoseOfATemplateAtALoad) {
-  const QNScopedTemplate login("001", {"Other", "Others", "list", "detail", false});
+  const QNScopedTemplates login{
+      R"({"uuid":"001","localizedStrings":{"__title__":"Other","__pluralTitle__":"Others"}})"};
   QNCategory category(QNExisting{4});
   category.setUuid("001");
 
@@ -48,7 +49,9 @@ TEST(QNCategory, PrefersTheDefaultNamesToThoseOfATemplateAtALoad) {
 }
 
 TEST(QNCategory, TakesTheNamesOfItsTemplateAtALoad) {
-  const QNScopedTemplate bank("101", {"Bank Account", "Bank Accounts", "list", "detail", false});
+  const QNScopedTemplates bank{
+      R"({"uuid":"101","icons":{"list":"list","detail":"detail"},"localizedStrings":)"
+      R"({"__title__":"Bank Account","__pluralTitle__":"Bank Accounts"}})"};
   QNCategory category(QNExisting{4});
   category.setUuid("101");
   category.setSingularName("Stored");
@@ -62,6 +65,7 @@ TEST(QNCategory, TakesTheNamesOfItsTemplateAtALoad) {
 }
 
 TEST(QNCategory, KeepsTheStoredNamesAtALoadWithoutATemplate) {
+  const QNScopedTemplates none;
   QNCategory category(QNExisting{4});
   category.setUuid("109");  // the library knows its name, but doesn't force it
   category.setSingularName("Stored");
@@ -93,10 +97,7 @@ TEST(QNCategory, HidesTombstonesWithoutATemplate) {
 }
 
 TEST(QNCategory, HidesWhatItsTemplateSays) {
-  QNTemplatePresentation hidden;
-  hidden.hidden = true;
-  const QNScopedTemplate shownTombstones("099");
-  const QNScopedTemplate hiddenLogins("001", hidden);
+  const QNScopedTemplates templates{R"({"uuid":"099"})", R"({"uuid":"001","hidden":"yes"})"};
   QNCategory tombstones(initNew);
   tombstones.setUuid("099");
   QNCategory logins(initNew);

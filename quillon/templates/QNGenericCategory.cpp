@@ -36,27 +36,20 @@ const Classes& classesOfFixedCategories() {
   static const Classes classes = {
       {QNCategoryUUIDLogin, itemClassNamed<QNLogin>("QNLogin")},
       {QNCategoryUUIDSecureNote, itemClassNamed<QNSecureNote>("QNSecureNote")},
-      {QNCategoryUUIDCreditCard, itemClassNamed<QNCreditCard>("QNCreditCard")},
-      {QNCategoryUUIDIdentity, itemClassNamed<QNIdentity>("QNIdentity")},
+      {QNCategoryUUIDCreditCard, itemClassOfTemplates<QNCreditCard>("QNCreditCard")},
+      {QNCategoryUUIDIdentity, itemClassOfTemplates<QNIdentity>("QNIdentity")},
       {QNCategoryUUIDPassword, itemClassNamed<QNPassword>("QNPassword")},
       {QNCategoryUUIDDocument, itemClassNamed<H9Document>("H9Document")},
       {QNCategoryUUIDTombstone, itemClassNamed<QNTombstone>("QNTombstone")},
       {QNCategoryUUIDPrivacyComLogin, itemClassNamed<QNPrivacyComLogin>("QNPrivacyComLogin")},
-      {QNCategoryUUIDMedicalRecord, itemClassNamed<QNMedicalRecord>("QNMedicalRecord")},
-      {QNCategoryUUIDCryptoWallet, itemClassNamed<QNCryptoWallet>("QNCryptoWallet")},
+      {QNCategoryUUIDMedicalRecord, itemClassOfTemplates<QNMedicalRecord>("QNMedicalRecord")},
+      {QNCategoryUUIDCryptoWallet, itemClassOfTemplates<QNCryptoWallet>("QNCryptoWallet")},
   };
   return classes;
 }
 
 const QNItemClass& classOfTemplateItems() {
-  static const QNItemClass templateItem = {
-      "QNTemplateItem", nullptr,
-      [](std::uint64_t oid) -> std::shared_ptr<QNItem> {
-        return std::make_shared<QNTemplateItem>(QNExisting{oid});
-      },
-      [](const std::shared_ptr<QNTemplate>& from) -> std::shared_ptr<QNItem> {
-        return from == nullptr ? nullptr : std::make_shared<QNTemplateItem>(initNew, *from);
-      }};
+  static const QNItemClass templateItem = itemClassOfTemplates<QNTemplateItem>("QNTemplateItem");
   return templateItem;
 }
 

@@ -17,6 +17,8 @@ namespace {
 
 using testing::ElementsAre;
 
+constexpr std::string_view kBank = R"({"uuid":"101","contents":[]})";
+
 // One row of the table that stored vaults depend on.
 struct Row {
   std::string_view constant;
@@ -64,6 +66,7 @@ TEST_P(CategoryTable, GivesTheDisplayOrder) {
 }
 
 TEST_P(CategoryTable, GivesTheItemClass) {
+  const QNScopedTemplates none;
   const QNItemClass* const itemClass = QNGenericCategoryItemClassForCategoryUUID(GetParam().uuid);
 
   ASSERT_EQ(itemClass != nullptr, GetParam().itemClass != nullptr);
@@ -73,6 +76,7 @@ TEST_P(CategoryTable, GivesTheItemClass) {
 }
 
 TEST_P(CategoryTable, MakesItemsOfThatClass) {
+  const QNScopedTemplates none;
   const QNItemClass* const itemClass = QNGenericCategoryItemClassForCategoryUUID(GetParam().uuid);
   if (GetParam().itemClass == nullptr) {
     ASSERT_EQ(itemClass, nullptr);
@@ -80,7 +84,9 @@ TEST_P(CategoryTable, MakesItemsOfThatClass) {
   }
   ASSERT_NE(itemClass, nullptr);
 
-  const auto fresh = itemClass->initNew();
+  const auto fresh = itemClass->initNewWithTemplate == nullptr
+                         ? itemClass->initNew()
+                         : itemClass->initNewWithTemplate(templateOf(kBank));
   const auto existing = itemClass->initExistingWithID(12);
 
   EXPECT_EQ(fresh->className(), GetParam().itemClass);
@@ -89,7 +95,8 @@ TEST_P(CategoryTable, MakesItemsOfThatClass) {
 }
 
 TEST_P(CategoryTable, GivesTheTemplateItemOnlyWhereNoClassIsFixed) {
-  const QNScopedTemplate any{std::string(GetParam().uuid)};
+  const QNScopedTemplates any{R"({"uuid":")" + std::string(GetParam().uuid) +
+                              R"(","contents":[]})"};
 
   const QNItemClass* const itemClass = QNGenericCategoryItemClassForCategoryUUID(GetParam().uuid);
 
@@ -172,7 +179,7 @@ TEST(QNGenericCategoryItemClass, IsNullForAnUnknownIdentifierWithoutATemplate) {
 }
 
 TEST(QNGenericCategoryItemClass, IsTheTemplateItemWhereATemplateWasLoaded) {
-  const QNScopedTemplate bank("101");
+  const QNScopedTemplates bank{kBank};
 
   const QNItemClass* const itemClass = QNGenericCategoryItemClassForCategoryUUID("101");
 
@@ -182,17 +189,17 @@ TEST(QNGenericCategoryItemClass, IsTheTemplateItemWhereATemplateWasLoaded) {
 }
 
 TEST(QNGenericCategoryItemClass, IsTheFixedOneEvenWhereATemplateExists) {
-  const QNScopedTemplate login("001");
+  const QNScopedTemplates login{R"({"uuid":"001"})"};
 
   EXPECT_EQ(QNGenericCategoryItemClassForCategoryUUID("001")->name, "QNLogin");
 }
 
 TEST(QNGenericCategoryItemClass, OfTemplateItemsMakesNewOnesFromTheTemplateOnly) {
-  const QNScopedTemplate bank("101");
+  const QNScopedTemplates bank{kBank};
   const QNItemClass* const itemClass = QNGenericCategoryItemClassForCategoryUUID("101");
   ASSERT_NE(itemClass, nullptr);
 
-  const auto fresh = itemClass->initNewWithTemplate(bank.added());
+  const auto fresh = itemClass->initNewWithTemplate(templateOf(kBank));
 
   EXPECT_EQ(itemClass->initNew, nullptr);
   ASSERT_NE(fresh, nullptr);
@@ -202,7 +209,7 @@ TEST(QNGenericCategoryItemClass, OfTemplateItemsMakesNewOnesFromTheTemplateOnly)
 }
 
 TEST(QNGenericCategoryItemClass, OfTemplateItemsLeavesTheCategoryOfStoredOnesToTheirRow) {
-  const QNScopedTemplate bank("101");
+  const QNScopedTemplates bank{kBank};
 
   const auto existing = QNGenericCategoryItemClassForCategoryUUID("101")->initExistingWithID(3);
 

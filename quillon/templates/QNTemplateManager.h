@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -8,66 +9,55 @@
 #include <string_view>
 #include <vector>
 
+#include "quillon/templates/QNTemplate.h"
+
 namespace quillon {
 
-/// How a template presents its category. The names are in the user's language; the keys of its
-/// string table stand in for names that it doesn't have.
-struct QNTemplatePresentation {
-  std::string localizedTitle = "__title__";
-  std::string localizedPluralTitle = "__pluralTitle__";
-  std::optional<std::string> listIconName;
-  std::optional<std::string> detailIconName;
-  bool hidden = false;  // not offered for new items
-  /// Its other texts in the user's language.
-  std::map<std::string, std::string, std::less<>> localizedStrings = {};
-};
-
-/// What new items of a category are built from.
-class QNTemplate {
- public:
-  explicit QNTemplate(std::string uuid, QNTemplatePresentation presentation = {})
-      : _uuid(std::move(uuid)), _presentation(std::move(presentation)) {}
-  [[nodiscard]] const std::string& uuid() const { return _uuid; }
-  [[nodiscard]] const std::string& localizedTitle() const { return _presentation.localizedTitle; }
-  [[nodiscard]] const std::string& localizedPluralTitle() const {
-    return _presentation.localizedPluralTitle;
-  }
-  [[nodiscard]] const std::optional<std::string>& listIconName() const {
-    return _presentation.listIconName;
-  }
-  [[nodiscard]] const std::optional<std::string>& detailIconName() const {
-    return _presentation.detailIconName;
-  }
-  [[nodiscard]] bool hidden() const { return _presentation.hidden; }
-  /// The text for a key of its string table; the key itself if there is none.
-  [[nodiscard]] std::string localizedStringForKey(std::string_view key) const {
-    const auto found = _presentation.localizedStrings.find(key);
-    return found == _presentation.localizedStrings.end() ? std::string(key) : found->second;
-  }
-
- private:
-  std::string _uuid;
-  QNTemplatePresentation _presentation;
-};
-
-/// The templates of the process, by category identifier. Template files aren't read yet, so it
-/// holds what is added by hand.
+/// The templates of the process, one or more files "NAME.template.json" in the resource folder
+/// CategoryTemplates. They are read at the first look-up and stay: nothing watches the folder.
+/// Any thread may use it.
 class QNTemplateManager final {
  public:
   static QNTemplateManager& sharedManager();
+
+  /// Null for a category that has none. Reads the templates first if that wasn't done.
   [[nodiscard]] std::shared_ptr<QNTemplate> findTemplateWithUUID(
-      std::optional<std::string_view> uuid) const;
-  [[nodiscard]] std::shared_ptr<QNTemplate> templateWithUUID(
-      std::optional<std::string_view> uuid) const {
+      std::optional<std::string_view> uuid);
+  [[nodiscard]] std::shared_ptr<QNTemplate> templateWithUUID(std::optional<std::string_view> uuid) {
     return findTemplateWithUUID(uuid);
   }
+  /// By file name. Reads nothing: empty before the first look-up.
   [[nodiscard]] std::vector<std::shared_ptr<QNTemplate>> templates() const;
-  void addTemplate(const std::shared_ptr<QNTemplate>& added);
-  void removeTemplateWithUUID(std::string_view uuid);
+
+  /// Without the folder: an assertion log, and the next look-up tries again.
+  void loadFrameworkResources();
+  /// What doesn't load is logged and left out. A folder without a template changes nothing; of two
+  /// templates of one category the later is found.
+  void loadFromDirectory(const std::filesystem::path& path);
+  /// Null, with an assertion log, if it can't be read or is no template.
+  [[nodiscard]] static std::shared_ptr<QNTemplate> loadTemplateFromPath(
+      const std::filesystem::path& path);
+
+  /// A template with its strings in the user's language as one JSON text, for clients in another
+  /// process: the definition stands under "attrs". Nothing, with a log, if it can't be made.
+  [[nodiscard]] std::optional<std::string> findTemplateStringWithUUID(
+      std::optional<std::string_view> uuid);
+
+  /// What is loaded, as a value.
+  struct Registry {
+    std::vector<std::shared_ptr<QNTemplate>> templates;
+    std::map<std::string, std::shared_ptr<QNTemplate>, std::less<>> templatesByUUID;
+    void add(std::shared_ptr<QNTemplate> added);
+  };
+  /// For tests: puts another registry in place and gives back the earlier one. Null: not loaded.
+  std::shared_ptr<const Registry> exchangeRegistry(std::shared_ptr<const Registry> registry);
 
  private:
-  mutable std::mutex _mutex;
-  std::map<std::string, std::shared_ptr<QNTemplate>, std::less<>> _templates;
+  QNTemplateManager() = default;
+  [[nodiscard]] std::shared_ptr<const Registry> registry() const;
+
+  mutable std::mutex _mutex;  // guards the pointer; what it points to never changes
+  std::shared_ptr<const Registry> _registry;
 };
 
 }  // namespace quillon

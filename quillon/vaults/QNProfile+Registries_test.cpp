@@ -3,7 +3,7 @@
 #include "quillon/items/QNItem.h"
 #include "quillon/templates/QNCategory.h"
 #include "quillon/templates/QNCategoryHelper.h"
-#include "quillon/templates/QNTemplateManager.h"
+#include "quillon/templates/internal/QNTestCategories.h"
 #include "quillon/vaults/internal/QNTestServerProfile.h"
 #include "quillon/vaults/internal/QNVaultTesting.h"
 
@@ -161,30 +161,15 @@ TEST(QNProfileRegistries, MakesASystemCategoryFromTheDefaults) {
   EXPECT_TRUE(vault->allCategories().empty());
 }
 
-/// A template that is registered while this lives.
-class ScopedTemplate final {
- public:
-  explicit ScopedTemplate(const std::shared_ptr<QNTemplate>& added) : _uuid(added->uuid()) {
-    QNTemplateManager::sharedManager().addTemplate(added);
-  }
-  ~ScopedTemplate() { QNTemplateManager::sharedManager().removeTemplateWithUUID(_uuid); }
-  ScopedTemplate(const ScopedTemplate&) = delete;
-  ScopedTemplate& operator=(const ScopedTemplate&) = delete;
-
- private:
-  std::string _uuid;
-};
-
-std::shared_ptr<QNTemplate> serverTemplate() {
-  return std::make_shared<QNTemplate>(
-      "110", QNTemplatePresentation{"Machine", "Machines", "type-machine-list", std::nullopt, {}});
-}
+constexpr std::string_view kMachine =
+    R"({"uuid":"110","icons":{"list":"type-machine-list"},"contents":[],)"
+    R"("localizedStrings":{"__title__":"Machine","__pluralTitle__":"Machines"}})";
 
 TEST(QNProfileRegistries, MakesACategoryFromATemplate) {
   const auto vault = emptyVault();
 
   const auto made =
-      std::dynamic_pointer_cast<QNCategory>(vault->newCategoryFromTemplate(serverTemplate()));
+      std::dynamic_pointer_cast<QNCategory>(vault->newCategoryFromTemplate(templateOf(kMachine)));
 
   ASSERT_NE(made, nullptr);
   EXPECT_EQ(made->profile(), vault);
@@ -198,13 +183,15 @@ TEST(QNProfileRegistries, MakesACategoryFromATemplate) {
 }
 
 TEST(QNProfileRegistries, MakesNoCategoryFromAnAbsentTemplate) {
+  const QNScopedTemplates none;
+
   EXPECT_EQ(emptyVault()->newCategoryFromTemplate(nullptr), nullptr);
   EXPECT_EQ(emptyVault()->newLegacyCategoryWithUUID("110"), nullptr);
   EXPECT_EQ(emptyVault()->newLegacyCategoryWithUUID(std::nullopt), nullptr);
 }
 
 TEST(QNProfileRegistries, MakesALegacyCategoryFromTheSharedTemplate) {
-  const ScopedTemplate registered(serverTemplate());
+  const QNScopedTemplates registered{kMachine};
 
   const auto made = emptyVault()->newLegacyCategoryWithUUID("110");
 
@@ -295,7 +282,7 @@ TEST(QNProfileRegistries, AnItemOfAnUnknownCategoryKeepsIt) {
 }
 
 TEST(QNProfileRegistries, ACategoryWithATemplateHasTemplateItems) {
-  const ScopedTemplate registered(serverTemplate());
+  const QNScopedTemplates registered{kMachine};
 
   const auto made = emptyVault()->newItemForCategoryUUID("110");
   const auto existing = emptyVault()->existingItemWithID(42, "110");
@@ -308,12 +295,13 @@ TEST(QNProfileRegistries, ACategoryWithATemplateHasTemplateItems) {
 }
 
 TEST(QNProfileRegistries, TemplatesAreThoseOfTheProcess) {
-  const auto added = serverTemplate();
-  const ScopedTemplate registered(added);
+  const QNScopedTemplates registered{kMachine};
+  const auto shared = QNTemplateManager::sharedManager().templates();
+  ASSERT_EQ(shared.size(), 1u);
 
-  EXPECT_EQ(emptyVault()->templateForCategoryUUID("110"), added);
+  EXPECT_EQ(emptyVault()->templateForCategoryUUID("110"), shared.front());
   EXPECT_EQ(emptyVault()->templateForCategoryUUID("111"), nullptr);
-  EXPECT_EQ(emptyVault()->allTemplates(), std::vector<std::shared_ptr<QNTemplate>>{added});
+  EXPECT_EQ(emptyVault()->allTemplates(), shared);
 }
 
 }  // namespace

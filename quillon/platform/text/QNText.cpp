@@ -188,6 +188,20 @@ std::string trimmed(std::string_view text) {
   return trimmedRight(text.substr(startOfUnblank(text)));
 }
 
+std::string subtitleOfText(std::string_view text) {
+  constexpr std::size_t kMostCharacters = 80;
+  const std::string_view shown = text.substr(0, bytesOfCutToLength(text, kMostCharacters));
+  return std::string(shown.substr(0, shown.find('\n')));
+}
+
+std::string mr_NonRTLString(std::string_view text) {
+  constexpr std::string_view kIsolate = "\u2066";
+  constexpr std::string_view kEnd = "\u2069";
+  const icu::Locale locale = localeForTag(currentLocale());
+  if (!locale.isRightToLeft()) return std::string(text);
+  return std::string(kIsolate).append(text).append(kEnd);
+}
+
 bool isBlankText(std::string_view text) {
   return startOfUnblank(text) == text.size();
 }

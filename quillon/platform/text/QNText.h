@@ -24,6 +24,12 @@ std::size_t bytesOfCutToLength(std::string_view text, std::size_t length);
 /// White space and new lines at the end cut off, or at both ends.
 std::string trimmedRight(std::string_view text);
 std::string trimmed(std::string_view text);
+/// What a list shows below a title: the first line of the first 80 characters.
+std::string subtitleOfText(std::string_view text);
+/// A text whose parts must keep their order from left to right, such as a number in blocks: in a
+/// language that is written from right to left it is put between isolating marks (UAX 9, LRI and
+/// PDI); in any other it is given back as it is.
+std::string mr_NonRTLString(std::string_view text);
 /// Is it nothing but white space and new lines, or empty?
 bool isBlankText(std::string_view text);
 

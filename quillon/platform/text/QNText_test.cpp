@@ -154,5 +154,25 @@ TEST(QNText, ATextOfBlanksAloneIsBlank) {
   EXPECT_FALSE(isBlankText("\xFF"));
 }
 
+TEST(QNText, ASubtitleIsTheFirstLineOfEightyCharacters) {
+  const std::string eighty(80, 'a');
+
+  EXPECT_EQ(subtitleOfText(eighty), eighty);
+  EXPECT_EQ(subtitleOfText(eighty + "b"), eighty);
+  EXPECT_EQ(subtitleOfText("ab\ncd"), "ab");
+  EXPECT_EQ(subtitleOfText(eighty + "b\nc"), eighty);
+  EXPECT_EQ(subtitleOfText("\nb"), "");
+  EXPECT_EQ(subtitleOfText(""), "");
+}
+
+TEST(QNText, KeepsANumbersOrderInALanguageFromRightToLeft) {
+  {
+    const QNScopedLocale english("en-US");
+    EXPECT_EQ(mr_NonRTLString("1234 **** 9012"), "1234 **** 9012");
+  }
+  const QNScopedLocale arabic("ar-EG");
+  EXPECT_EQ(mr_NonRTLString("1234 **** 9012"), "\u20661234 **** 9012\u2069");
+}
+
 }  // namespace
 }  // namespace quillon

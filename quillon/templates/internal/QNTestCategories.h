@@ -1,11 +1,14 @@
 #pragma once
-// For tests of categories: the interface language, a category of a class without an order of its
-// own, and a template that leaves the shared manager when it goes.
+// For tests: the interface language, templates that take the shared registry's place, a folder of
+// template files, and a category of a class without an order of its own.
 
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <utility>
 
+#include "quillon/platform/data/MRData.h"
 #include "quillon/platform/text/QNLocalization.h"
 #include "quillon/templates/QNGenericCategory.h"
 #include "quillon/templates/QNTemplateManager.h"
@@ -43,19 +46,47 @@ struct QNTestCategory final : QNGenericCategory {
   [[nodiscard]] std::optional<std::uint64_t> ownDisplayOrder() const override { return itsOrder; }
 };
 
-class QNScopedTemplate final {
+/// A template of a definition given as JSON text.
+inline std::shared_ptr<QNTemplate> templateOf(std::string_view definition) {
+  const auto object = mr_objectFromJSONStringWithError(definition);
+  return std::make_shared<QNTemplate>(object ? &*object : nullptr);
+}
+
+/// What the shared manager holds while this lives: these and no other.
+class QNScopedTemplates final {
  public:
-  explicit QNScopedTemplate(std::string uuid, QNTemplatePresentation presentation = {})
-      : _added(std::make_shared<QNTemplate>(std::move(uuid), std::move(presentation))) {
-    QNTemplateManager::sharedManager().addTemplate(_added);
+  explicit QNScopedTemplates(std::initializer_list<std::string_view> definitions = {}) {
+    auto registry = std::make_shared<QNTemplateManager::Registry>();
+    for (const auto definition : definitions) registry->add(templateOf(definition));
+    _before = QNTemplateManager::sharedManager().exchangeRegistry(std::move(registry));
   }
-  ~QNScopedTemplate() { QNTemplateManager::sharedManager().removeTemplateWithUUID(_added->uuid()); }
-  QNScopedTemplate(const QNScopedTemplate&) = delete;
-  QNScopedTemplate& operator=(const QNScopedTemplate&) = delete;
-  [[nodiscard]] const std::shared_ptr<QNTemplate>& added() const { return _added; }
+  ~QNScopedTemplates() { QNTemplateManager::sharedManager().exchangeRegistry(std::move(_before)); }
+  QNScopedTemplates(const QNScopedTemplates&) = delete;
+  QNScopedTemplates& operator=(const QNScopedTemplates&) = delete;
 
  private:
-  std::shared_ptr<QNTemplate> _added;
+  std::shared_ptr<const QNTemplateManager::Registry> _before;
+};
+
+/// A folder of its own under the system's folder for temporary files, gone with this.
+class QNScratchFolder final {
+ public:
+  QNScratchFolder() : _path(std::filesystem::temp_directory_path() / ("quillon-" + mr_uuid())) {
+    std::filesystem::create_directories(_path);
+  }
+  ~QNScratchFolder() { std::filesystem::remove_all(_path); }
+  QNScratchFolder(const QNScratchFolder&) = delete;
+  QNScratchFolder& operator=(const QNScratchFolder&) = delete;
+  [[nodiscard]] const std::filesystem::path& path() const { return _path; }
+  std::filesystem::path write(std::string_view name, std::string_view content) const {
+    const auto file = _path / name;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << content;
+    return file;
+  }
+
+ private:
+  std::filesystem::path _path;
 };
 
 }  // namespace quillon
