@@ -23,6 +23,8 @@ std::size_t bytesOfCutToLength(std::string_view text, std::size_t length);
 /// White space and new lines at the end cut off, or at both ends.
 std::string trimmedRight(std::string_view text);
 std::string trimmed(std::string_view text);
+/// The same part of the text itself: for a secret, which mustn't be copied.
+std::string_view trimmedView(std::string_view text);
 /// Is it nothing but white space and new lines, or empty?
 bool isBlankText(std::string_view text);
 
