@@ -1,3 +1,4 @@
+#include "quillon/fields/QNFieldSection.h"
 #include "quillon/items/QNItem.h"
 #include "quillon/platform/log/MRLogger.h"
 
@@ -27,7 +28,14 @@ std::int32_t QNItem::numberOfAttachments() {
 }
 
 std::vector<std::shared_ptr<QNItemField>> QNItem::h9Attachments() {
-  return {};
+  const std::lock_guard lock(monitor());
+  std::vector<std::shared_ptr<QNItemField>> files;
+  for (const auto& section : fieldSections()) {
+    for (const auto& field : section->fields()) {
+      if (field->isFileField()) files.push_back(field);
+    }
+  }
+  return files;
 }
 
 }  // namespace quillon

@@ -1,3 +1,4 @@
+#include "quillon/fields/QNItemField.h"
 #include "quillon/items/internal/QNItemTesting.h"
 
 namespace quillon {
@@ -51,6 +52,21 @@ TEST(QNItemAttachments, AreCountedInTheRowOfALocalItemAndInTheFieldsOfAnAccountI
   EXPECT_EQ(local->numberOfAttachments(), 3);
   EXPECT_EQ(account->numberOfAttachments(), 0);
   EXPECT_TRUE(account->h9Attachments().empty());
+}
+
+TEST(QNItemAttachments, OfAnAccountItemAreItsFileFieldsInOrder) {
+  const auto item = newItem(accountVault());
+  item->setDetailsObject(jsonValue(R"([{"fields":[{"k":"file","n":"1"},{"k":"string","n":"2"}]},)"
+                                   R"({"fields":[{"k":"file","n":"3"}]}])"),
+                         kDetailsSections);
+
+  const auto files = item->h9Attachments();
+
+  ASSERT_EQ(files.size(), 2u);
+  EXPECT_EQ(files[0]->identifier(), "1");
+  EXPECT_EQ(files[1]->identifier(), "3");
+  EXPECT_EQ(item->numberOfAttachments(), 2);
+  EXPECT_TRUE(item->hasFileFields());
 }
 
 }  // namespace

@@ -145,7 +145,10 @@ void QNItem::setDetailsData(std::optional<Bytes> data) {
 }
 
 void QNItem::dropObjectsOfDetails() {
-  openState().previouslyUsedPasswords.reset();
+  OpenState& open = openState();
+  open.previouslyUsedPasswords.reset();
+  open.fieldSections.reset();
+  open.foreignSections.clear();
 }
 
 const std::optional<Bytes>& QNItem::detailsData() const {

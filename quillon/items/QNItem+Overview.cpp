@@ -1,3 +1,4 @@
+#include "quillon/fields/QNItemField.h"
 #include "quillon/items/internal/QNItemState.h"
 #include "quillon/platform/text/QNLocalization.h"
 #include "quillon/platform/text/QNText.h"
@@ -33,9 +34,13 @@ std::optional<std::string> QNItem::_additionalInformation() {
   return fastmailAlias().value_or("");
 }
 
-// The alias is a field of a section, and sections are not read as objects.
 std::optional<std::string> QNItem::fastmailAlias() {
-  return std::nullopt;
+  if (hasUsername()) return std::nullopt;
+  const std::lock_guard lock(monitor());
+  const auto field = findFastmailAliasField();
+  const auto alias = field == nullptr ? std::nullopt : field->stringValue();
+  // A mail address, shown in lists: it leaves for the overview.
+  return alias ? std::optional<std::string>(alias->reveal()) : std::nullopt;
 }
 
 std::set<std::string> QNItem::tags() {

@@ -215,5 +215,33 @@ TEST(QNItemOverview, ClearingTheTagsStoresAnEmptyList) {
   EXPECT_EQ(jsonText(item->overviewObjectForKey("tags")), "[]");
 }
 
+// Mail alias
+
+constexpr std::string_view kAlias =
+    R"([{"fields":[{"k":"email","n":"e","v":"me@example.com"},)"
+    R"({"k":"email","n":"a","v":"alias@example.com","a":{"provider":"f"}}]}])";
+
+TEST(QNItemOverview, WithoutAUsernameShowsTheMailAlias) {
+  const auto item = newItem(localVault());
+  item->setDetailsObject(jsonValue(kAlias), kDetailsSections);
+
+  EXPECT_EQ(item->fastmailAlias(), "alias@example.com");
+  EXPECT_EQ(item->_additionalInformation(), "alias@example.com");
+  item->name = "";
+  EXPECT_EQ(item->fastmailAlias(), "alias@example.com");
+  item->name = "ann";
+
+  EXPECT_EQ(item->fastmailAlias(), std::nullopt);
+  EXPECT_EQ(item->_additionalInformation(), "");
+}
+
+TEST(QNItemOverview, WithoutAFieldOfAnAliasHasNone) {
+  const auto item = newItem(localVault());
+  item->setDetailsObject(jsonValue(R"([{"fields":[{"k":"email","n":"a","v":"x"}]}])"),
+                         kDetailsSections);
+
+  EXPECT_EQ(item->fastmailAlias(), std::nullopt);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -15,6 +15,9 @@
 
 namespace quillon {
 
+class QNAddressValue;
+class QNFieldSection;
+class QNFieldValue;
 class QNGenericCategory;
 class QNItemAttachment;
 class QNItemField;
@@ -204,13 +207,59 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void removePreviouslyUsedPasswordAtIndex(std::size_t index);
   [[nodiscard]] bool containsPasswordValue(std::string_view value);
 
-  // Sections: QNItem+Sections.cpp. Until sections are built as objects they stay JSON, untouched;
-  // the look-ups then find nothing.
+  // Sections: QNItem+Sections.cpp. Objects of details "sections", built at the first use and
+  // written back by a save. A change to a section or a field dirties nothing, unless it says so.
+  using FieldSections = std::vector<std::shared_ptr<QNFieldSection>>;
+  /// What details hold as `sections`, empty objects left out.
+  static JsonArray jsonFromFieldSections(const FieldSections& sections,
+                                         bool excludingFileFields = false);
+  /// Elements that are no objects are skipped; null, or no list, gives none.
+  static FieldSections fieldSectionsFromJSON(const Json* sections);
+  /// The live list; null while the details can't be read.
+  FieldSections* mutableFieldSections();
+  [[nodiscard]] FieldSections fieldSections();
+  [[nodiscard]] std::size_t numberOfFieldSections();
+  /// Null if the index is out of range.
+  [[nodiscard]] std::shared_ptr<QNFieldSection> fieldSectionAtIndex(std::size_t index);
+  void addFieldSection(const std::shared_ptr<QNFieldSection>& section);
+  void removeFieldSection(const std::shared_ptr<QNFieldSection>& section);
+  void removeFieldSectionAtIndex(std::size_t index);
+  /// A section of a name that is there already gives its fields to that one.
+  void addFieldSections(const FieldSections& sections);
+  void saveFieldSections();
+  [[nodiscard]] std::shared_ptr<QNFieldSection> findSectionWithName(
+      std::optional<std::string_view> name);
+  [[nodiscard]] std::shared_ptr<QNFieldSection> findSectionWithTitle(
+      std::optional<std::string_view> title);
+  /// The section of that name, made with that title if there is none.
+  std::shared_ptr<QNFieldSection> fieldSectionWithName(std::string_view name,
+                                                       std::string_view title);
+  std::shared_ptr<QNFieldSection> sectionForConflictsCreatedIfNeeded();
+  std::shared_ptr<QNFieldSection> sectionForReferencesCreatedIfNeeded();
+  std::shared_ptr<QNFieldSection> sectionForFileCreatedIfNeeded();
+  [[nodiscard]] bool hasSectionForConflicts();
+
+  // Fields: QNItem+Fields.cpp. The first in order of sections and fields, or null.
+  [[nodiscard]] std::shared_ptr<QNItemField> findFieldWithIdentifier(
+      std::optional<std::string_view> identifier);
+  [[nodiscard]] std::shared_ptr<QNItemField> findFieldWithValue(const QNFieldValue& value);
+  [[nodiscard]] std::shared_ptr<QNItemField> findFieldEqualToField(const QNItemField& field);
   [[nodiscard]] std::shared_ptr<QNItemField> findNonEmptyPasswordField();
   [[nodiscard]] std::shared_ptr<QNItemField> findNonEmptyConcealedField();
   [[nodiscard]] std::shared_ptr<QNItemField> findFastmailAliasField();
+  [[nodiscard]] bool hasFieldWithIdentifierPrefix(std::string_view prefix);
+  [[nodiscard]] bool hasReferenceFields();
   [[nodiscard]] bool hasFileFields();
-  void saveFieldSections();
+  /// Nothing happens unless the field is there and of the string classes, or an address.
+  void setStringFieldValue(std::optional<std::string_view> value, std::string_view withIdentifier);
+  void setAddressFieldValue(const QNAddressValue& value, std::string_view withIdentifier);
+  /// Both mark the row dirty.
+  void moveField(const std::shared_ptr<QNItemField>& field,
+                 const std::shared_ptr<QNFieldSection>& fromSection,
+                 const std::shared_ptr<QNFieldSection>& toSection, std::size_t toIndex);
+  void stripReferenceFields();
+  /// The password as a field of its own, which is no part of the item; null if it is empty.
+  [[nodiscard]] std::shared_ptr<QNItemField> itemFieldForPassword();
 
   // Attachments: QNItem+Attachments.cpp. Attachments must be loaded or loading.
   [[nodiscard]] std::vector<std::shared_ptr<QNItemAttachment>> attachmentsIncludeTombstones(
@@ -346,6 +395,11 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void updateStrength(const std::optional<QNSecret>& present);
   void retireOriginalPassword(const std::optional<QNSecret>& present);
   void _savePreviouslyUsedPasswords();
+  void storeFieldSections(Json& stored);
+  template <class Find>
+  std::shared_ptr<QNItemField> firstField(const Find& find);
+  template <class Test>
+  bool anyField(const Test& test);
 
   [[nodiscard]] bool URLsAreAvailable() const;
   std::vector<std::shared_ptr<QNItemURL>>& mutableURLs();

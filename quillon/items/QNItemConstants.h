@@ -2,8 +2,9 @@
 // Keys of an item's two JSON objects and of its row. Stored data: they never change.
 
 #include <cstdint>
-#include <limits>
 #include <string_view>
+
+#include "quillon/platform/data/QNNotFound.h"
 
 namespace quillon {
 
@@ -35,8 +36,6 @@ inline constexpr std::string_view QNItemScopeBasicAuth = "BasicAuth";
 inline constexpr std::string_view QNItemScopeNever = "Never";
 inline constexpr std::string_view QNItemScopeRegular = "Regular";
 
-/// "Not found" for an index, and "never" for a number of days.
-inline constexpr std::int64_t kNotFound = std::numeric_limits<std::int64_t>::max();
 /// Favourite index of a new favourite, and the highest that setFaveIndex() stores.
 inline constexpr std::uint64_t kNewItemFaveIndex = 2147483647;
 

@@ -78,10 +78,11 @@ class JsonMaker final {
     for (std::uint32_t i = 0; i < elements; ++i) made.push_back(value(depth + 1));
     return made;
   }
-  // Sound ones: an account repairs others.
+  // Sound ones, as they are written: an account repairs others, and an empty list goes. Fields of
+  // no known kind, with members of any kind, survive as well.
   JsonArray sections() {
     JsonArray made(jsonStorage());
-    const auto count = below(4);
+    const auto count = 1 + below(3);
     for (std::uint32_t i = 0; i < count; ++i) {
       JsonObject section(jsonStorage());
       setJsonText(section, "name", text());
@@ -89,7 +90,13 @@ class JsonMaker final {
       JsonObject field(jsonStorage());
       setJsonText(field, "n", text());
       setJsonText(field, "v", text());
+      if (below(2) == 0) {
+        setJsonText(field, "k", "concealed");
+        setJsonText(field, "t", text());
+      }
+      field["future"] = value(3);
       fields.push_back(std::move(field));
+      fields.push_back(object(3));
       section["fields"] = std::move(fields);
       made.push_back(std::move(section));
     }

@@ -1,5 +1,7 @@
 #include "quillon/logins/QNLogin.h"
 
+#include "quillon/fields/QNFieldSection.h"
+#include "quillon/fields/QNItemStringField.h"
 #include "quillon/platform/text/QNLocalization.h"
 #include "quillon/templates/QNCategoryUUID.h"
 
@@ -112,6 +114,33 @@ void QNLogin::setPassword(std::optional<std::string_view> password) {
   } else {
     loginFields().addDesignatedPassword(value);
   }
+}
+
+std::shared_ptr<QNItemField> QNLogin::itemFieldForUsername() {
+  const auto name = username();
+  if (!name || name->empty()) return nullptr;
+  auto field = QNItemStringField::fieldWithIdentifier("username");
+  field->setTitle(QNLocalizedString("username"));
+  field->setValue(*name);
+  return field;
+}
+
+JsonObject QNLogin::fieldSectionsAsLoginFields(const FieldSections& sections) {
+  JsonObject byTitle(jsonStorage());
+  for (const auto& section : sections) {
+    for (const auto& field : section->fields()) {
+      const auto value = field->stringValue();
+      if (!value) continue;
+      JsonObject made(jsonStorage());
+      setJsonText(made, QNLoginFieldKeyValue, value->reveal());  // into the wiping resource
+      const bool concealed = field->type() == QNItemConcealedField::typeName();
+      setJsonText(made, QNLoginFieldKeyType,
+                  concealed ? QNLoginFieldTypePassword : QNLoginFieldTypeText);
+      setJsonText(made, QNLoginFieldKeyName, field->title());
+      byTitle[field->title()] = std::move(made);
+    }
+  }
+  return byTitle;
 }
 
 std::optional<std::string> QNLogin::htmlFormValueForKey(std::string_view key) {

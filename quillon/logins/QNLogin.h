@@ -24,6 +24,12 @@ class QNLogin : public QNItem {
   [[nodiscard]] std::optional<QNSecret> password() override;
   void setPassword(std::optional<std::string_view> password) override;
 
+  /// The user name as a field of its own, which is no part of the item; null if it is empty.
+  [[nodiscard]] std::shared_ptr<QNItemField> itemFieldForUsername();
+  /// The fields of sections as form fields, by title: "value", "type" ("P" for a concealed one,
+  /// else "T") and "name". Fields without a value are left out; of equal titles the last stays.
+  static JsonObject fieldSectionsAsLoginFields(const FieldSections& sections);
+
   // The web form it was saved from
   [[nodiscard]] std::optional<std::string> htmlFormValueForKey(std::string_view key);
   void setHtmlFormValue(std::optional<std::string_view> value, std::string_view forKey);

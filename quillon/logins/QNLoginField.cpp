@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cmath>
-#include <concepts>
 
+#include "quillon/platform/json/QNJsonReading.h"
 #include "quillon/platform/text/QNText.h"
 
 namespace quillon {
@@ -16,53 +14,9 @@ constexpr std::array<std::string_view, 7> kConflictingTypes = {
     QNLoginFieldTypeText,   QNLoginFieldTypePassword, QNLoginFieldTypeEmail,   QNLoginFieldTypeURL,
     QNLoginFieldTypeNumber, QNLoginFieldTypeRadio,    QNLoginFieldTypeTextArea};
 
-// Digits without an exponent as far as they stay short: a number in a form is a code or a phone
-// number to its reader. The shortest form of to_chars would read 100000.0 as 1e+05.
-std::to_chars_result writeDigits(char* begin, char* end, double number) {
-  const double size = std::abs(number);
-  const bool isPlain = size == 0 || (size >= 1e-6 && size < 1e21);
-  return std::to_chars(begin, end, number,
-                       isPlain ? std::chars_format::fixed : std::chars_format::scientific);
-}
-
-template <std::integral Number>
-std::to_chars_result writeDigits(char* begin, char* end, Number number) {
-  return std::to_chars(begin, end, number);
-}
-
-template <class Number>
-QNSecret textOfNumber(Number number) {
-  std::array<char, 64> digits;
-  const auto end = writeDigits(digits.data(), digits.data() + digits.size(), number).ptr;
-  QNSecret text(std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())));
-  wipe(digits.data(), digits.size());
-  return text;
-}
-
-std::optional<QNSecret> textOfContainer(const Json& value) {
-  const auto text = mr_JSONDataWithError(value);
-  return text ? std::optional<QNSecret>(textOf(*text)) : std::nullopt;
-}
-
 // The text that a stored value reads as: a form may have been saved with numbers as values.
 std::optional<QNSecret> descriptionOf(const Json* value) {
-  if (value == nullptr) return std::nullopt;
-  switch (value->kind()) {
-    case JsonKind::null:
-      return std::nullopt;
-    case JsonKind::string:
-      return QNSecret(value->get_string());
-    case JsonKind::int64:
-      return textOfNumber(value->get_int64());
-    case JsonKind::uint64:
-      return textOfNumber(value->get_uint64());
-    case JsonKind::double_:
-      return textOfNumber(value->get_double());
-    case JsonKind::bool_:
-      return QNSecret(value->get_bool() ? "true" : "false");
-    default:
-      return textOfContainer(*value);
-  }
+  return value == nullptr ? std::nullopt : descriptionOfJson(*value);
 }
 
 // For members that are no secret.

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <thread>
 
+#include "quillon/fields/QNItemField.h"
 #include "quillon/logins/internal/QNTestRows.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/text/QNLocalization.h"
@@ -539,6 +540,60 @@ TEST(QNPrivacyComLogin, TakesItsCategoryFromItsRowAsAShell) {
 
   EXPECT_EQ(login->categoryUUID(), "001");
   EXPECT_EQ(login->oid(), 5u);
+}
+
+// Sections
+
+constexpr std::string_view kSectionsWithAlias =
+    R"({"sections":[{"fields":[{"k":"email","n":"a","t":"mail","v":"alias@example.com",)"
+    R"("a":{"provider":"f"}},{"k":"concealed","n":"password","t":"pin","v":"1234"}]}]})";
+
+TEST_F(QNLoginTest, WithoutAUsernameShowsTheMailAliasAsSubtitle) {
+  const auto login = loginWithDetails(kSectionsWithAlias);
+  EXPECT_EQ(login->_additionalInformation(), "alias@example.com");
+
+  login->setUsername("ann");
+
+  EXPECT_EQ(login->_additionalInformation(), "ann");
+}
+
+TEST_F(QNLoginTest, APasswordInASectionIsNotThatOfTheForm) {
+  const auto login = loginWithDetails(kSectionsWithAlias);
+
+  EXPECT_EQ(login->password(), std::nullopt);
+  EXPECT_EQ(login->itemFieldForPassword(), nullptr);
+  EXPECT_TRUE(login->hasRevealableFields());
+}
+
+TEST_F(QNLoginTest, UsernameAndPasswordAreGivenAsFields) {
+  const auto login = loginWithFields(
+      R"([{"value":"ann","designation":"username"},{"value":"p","designation":"password"}])");
+
+  const auto username = login->itemFieldForUsername();
+  const auto password = login->itemFieldForPassword();
+
+  ASSERT_NE(username, nullptr);
+  EXPECT_EQ(username->className(), "QNItemStringField");
+  EXPECT_EQ(username->identifier(), "username");
+  EXPECT_EQ(username->title(), "username");
+  EXPECT_TRUE(username->isValueEqualTo("ann"));
+  EXPECT_EQ(password->className(), "QNItemConcealedField");
+  EXPECT_TRUE(password->isValueEqualTo("p"));
+  EXPECT_EQ(login->numberOfFieldSections(), 0u);
+  EXPECT_EQ(loginWithDetails("{}")->itemFieldForUsername(), nullptr);
+}
+
+TEST_F(QNLoginTest, SectionsReadAsFormFieldsByTitle) {
+  const Json sections = Json(*mr_valueFromJSONDataWithError(bytesOf(
+      R"([{"fields":[{"k":"string","n":"1","t":"a","v":"x"},{"k":"concealed","n":"2","t":"b",)"
+      R"("v":"y"},{"k":"string","n":"3","t":"none"}]},)"
+      R"({"fields":[{"k":"concealed","n":"TOTP_1","t":"a","v":"u"},{"k":"monthYear","n":"4",)"
+      R"("v":202407}]}])")));
+
+  EXPECT_EQ(mr_JSONStringWithError(
+                QNLogin::fieldSectionsAsLoginFields(QNItem::fieldSectionsFromJSON(&sections))),
+            R"({"a":{"value":"u","type":"P","name":"a"},"b":{"value":"y","type":"P","name":"b"},)"
+            R"("":{"value":"07/2024","type":"T","name":""}})");
 }
 
 }  // namespace

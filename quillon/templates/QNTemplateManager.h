@@ -18,6 +18,8 @@ struct QNTemplatePresentation {
   std::optional<std::string> listIconName;
   std::optional<std::string> detailIconName;
   bool hidden = false;  // not offered for new items
+  /// Its other texts in the user's language.
+  std::map<std::string, std::string, std::less<>> localizedStrings = {};
 };
 
 /// What new items of a category are built from.
@@ -37,6 +39,11 @@ class QNTemplate {
     return _presentation.detailIconName;
   }
   [[nodiscard]] bool hidden() const { return _presentation.hidden; }
+  /// The text for a key of its string table; the key itself if there is none.
+  [[nodiscard]] std::string localizedStringForKey(std::string_view key) const {
+    const auto found = _presentation.localizedStrings.find(key);
+    return found == _presentation.localizedStrings.end() ? std::string(key) : found->second;
+  }
 
  private:
   std::string _uuid;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "quillon/items/QNItem.h"
+#include "quillon/platform/json/QNForeignElements.h"
 
 namespace quillon {
 
@@ -27,6 +28,9 @@ struct QNItem::OpenState {
   std::vector<std::shared_ptr<QNItemURL>> deletedURLs;  // with a row that is to be deleted
   /// Built from details "passwordHistory" at the first use.
   std::optional<std::vector<QNPreviouslyUsedPassword>> previouslyUsedPasswords;
+  /// Built from details "sections" at the first use; what is no object there stays beside them.
+  std::optional<FieldSections> fieldSections;
+  QNForeignElements foreignSections;
   std::optional<std::string> cachedNakedDomain;
   std::optional<std::string> cachedDerivedDomain;
   std::shared_ptr<const QNItemSpecifier> cachedItemSpecifier;

@@ -2,11 +2,15 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
+#include <sstream>
 #include <utility>
+
+#include "quillon/platform/text/QNASCII.h"
 
 namespace quillon {
 namespace {
@@ -34,6 +38,10 @@ std::string tagOfPosixLocale(std::string name) {
   return name;
 }
 
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
 }  // namespace
 
 std::uint64_t secondsNow() {
@@ -53,6 +61,21 @@ std::string currentLocale() {
     if (value != nullptr && *value != '\0') return tagOfPosixLocale(value);
   }
   return "en-US";
+}
+
+// BCP 47: a language, up to three extensions of it of 3 letters, a script of 4 letters, then a
+// country of 2 letters or 3 digits. A single letter begins what has nothing to do with that.
+std::optional<std::string> currentCountryCode() {
+  std::istringstream subtags(currentLocale());
+  std::string subtag;
+  std::getline(subtags, subtag, '-');
+  while (std::getline(subtags, subtag, '-') && subtag.size() > 1) {
+    const bool isNumber = std::all_of(subtag.begin(), subtag.end(), isDigit);
+    if (subtag.size() != (isNumber ? 3u : 2u)) continue;
+    for (char& c : subtag) c = lowercaseASCII(c);
+    return subtag;
+  }
+  return std::nullopt;
 }
 
 std::string currentTimeZone() {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -15,6 +16,8 @@ std::uint64_t secondsNow();
 double steadySeconds();
 /// The user's locale as a BCP 47 tag, "en-US" by default; from LC_ALL, LC_MESSAGES or LANG.
 std::string currentLocale();
+/// The country of that locale in small letters: "us" for "en-US". Nothing if it names none.
+std::optional<std::string> currentCountryCode();
 /// An Olson name, or empty for the system's zone.
 std::string currentTimeZone();
 /// The machine's local host name; "localhost" if it has none.

@@ -107,8 +107,9 @@ void removeNulls(Json& value) {
 }  // namespace
 
 boost::json::storage_ptr jsonStorage() noexcept {
-  static WipingResource resource;
-  return &resource;
+  // Never destroyed: what other static objects hold is given back after the end of this file's.
+  static WipingResource* const resource = new WipingResource;
+  return resource;
 }
 
 std::optional<Bytes> mr_JSONDataWithError(const Json& value, QNError* error) {

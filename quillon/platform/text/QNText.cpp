@@ -148,6 +148,17 @@ std::string textCutToLength(std::string_view text, std::size_t length) {
   return std::string(text.substr(0, bytesOfCutToLength(text, length)));
 }
 
+// A character is kept or left out whole, never half of a surrogate pair.
+QNSecret charactersOfTextInSet(std::string_view text, std::string_view set) {
+  QNSecret kept;
+  for (std::size_t start = 0, next = 0; start < text.size(); start = next) {
+    if (nextCodePoint(text, next) < 0) continue;  // it would be found inside of characters
+    const std::string_view character = text.substr(start, next - start);
+    if (set.find(character) != std::string_view::npos) kept.append(character);
+  }
+  return kept;
+}
+
 std::string lowercaseText(std::string_view text) {
   return mapped(text, Case::lower);
 }

@@ -4,6 +4,7 @@
 // code units, as stored data counts them.
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,6 +36,14 @@ std::string uppercaseText(std::string_view text);
 std::string firstComposedCharacter(std::string_view text);
 /// Is every character a letter, or a mark that belongs to one? False for an empty text.
 bool isLettersOnly(std::string_view text);
+
+/// The characters of `text` that stand in `set`, in order.
+QNSecret charactersOfTextInSet(std::string_view text, std::string_view set);
+
+// Dates: QNText+Dates.cpp
+/// The day of that moment (seconds since 1970) in the user's locale and time zone: "Jul 4, 2024".
+/// Years beyond some millions are shown as the last that the calendar has.
+QNSecret qn_formatDate(std::int64_t seconds);
 
 // Folding: QNText+Folding.cpp
 /// Folded for search: NFD, marks dropped, case folded, and a small table for letters that carry

@@ -1,0 +1,66 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/text/QNText.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::int64_t kIndependenceDay = 1720051200;  // 4 July 2024, 00:00:00 UTC
+
+std::string formatted(std::int64_t seconds, const char* locale, const char* zone) {
+  const QNScopedLocale scopedLocale(locale);
+  const QNScopedTimeZone scopedZone(zone);
+  return std::string(qn_formatDate(seconds).reveal());
+}
+
+TEST(QNTextDates, AreWrittenInTheUsersLanguage) {
+  EXPECT_EQ(formatted(kIndependenceDay, "en-US", "UTC"), "Jul 4, 2024");
+  EXPECT_EQ(formatted(kIndependenceDay, "de-DE", "UTC"), "04.07.2024");
+  EXPECT_EQ(formatted(kIndependenceDay, "ja-JP", "UTC"), "2024/07/04");
+}
+
+TEST(QNTextDates, AreThoseOfTheUsersTimeZone) {
+  EXPECT_EQ(formatted(kIndependenceDay, "en-US", "America/Los_Angeles"), "Jul 3, 2024");
+  EXPECT_EQ(formatted(kIndependenceDay, "en-US", "Asia/Tokyo"), "Jul 4, 2024");
+  EXPECT_EQ(formatted(kIndependenceDay - 1, "en-US", "Asia/Tokyo"), "Jul 4, 2024");
+}
+
+TEST(QNTextDates, BeginBefore1970) {
+  EXPECT_EQ(formatted(0, "en-US", "UTC"), "Jan 1, 1970");
+  EXPECT_EQ(formatted(-86400, "en-US", "UTC"), "Dec 31, 1969");
+}
+
+TEST(QNTextDates, BeyondTheCalendarAreItsLast) {
+  EXPECT_FALSE(formatted(std::numeric_limits<std::int64_t>::max(), "en-US", "UTC").empty());
+  EXPECT_EQ(formatted(std::numeric_limits<std::int64_t>::max(), "en-US", "UTC"),
+            formatted(std::numeric_limits<std::int64_t>::max() / 2, "en-US", "UTC"));
+  EXPECT_EQ(formatted(std::numeric_limits<std::int64_t>::min(), "en-US", "UTC"),
+            formatted(std::numeric_limits<std::int64_t>::min() / 2, "en-US", "UTC"));
+}
+
+TEST(QNTextDates, OfTheSystemsZoneAreFoundToo) {
+  EXPECT_FALSE(formatted(kIndependenceDay, "en-US", "").empty());
+}
+
+std::string kept(std::string_view text, std::string_view set) {
+  return std::string(charactersOfTextInSet(text, set).reveal());
+}
+
+TEST(QNTextSets, KeepTheCharactersThatStandInThemInOrder) {
+  EXPECT_EQ(kept("DE12 3456", "0123456789"), "123456");
+  EXPECT_EQ(kept("abc", ""), "");
+  EXPECT_EQ(kept("", "abc"), "");
+}
+
+TEST(QNTextSets, KeepWholeCharactersOnly) {
+  EXPECT_EQ(kept("\u00E9\u00EA\U0001F511x", "\u00E9\U0001F511"), "\u00E9\U0001F511");
+  // These two share their first code unit of UTF-16 and three bytes of UTF-8.
+  EXPECT_EQ(kept("\U0001F511", "\U0001F512"), "");
+  EXPECT_EQ(kept("a\x9F\x94z\xF0", "\U0001F511az"), "az");
+}
+
+}  // namespace
+}  // namespace quillon
