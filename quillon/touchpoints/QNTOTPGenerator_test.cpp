@@ -7,8 +7,12 @@
 #include <limits>
 #include <string>
 
+#include "quillon/fields/QNFieldSection.h"
+#include "quillon/fields/QNItemStringField.h"
+#include "quillon/items/QNItem.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/log/MRLogger.h"
+#include "quillon/vaults/internal/QNTestServerProfile.h"
 
 namespace quillon {
 namespace {
@@ -146,6 +150,18 @@ TEST(QNTOTPGeneratorDeathTest, EndsTheProcessForADateThatNoClockHas) {
     EXPECT_DEATH(static_cast<void>(QNTOTPGenerator::generate(kURL, date(seconds))),
                  "a date that no clock has");
   }
+}
+
+TEST(QNTOTPGenerator, GivesTheCodeOfAnItemsField) {
+  const auto item = std::make_shared<QNItem>(initNew);
+  item->setProfile(std::make_shared<QNTestServerProfile>());
+  const auto field = std::make_shared<QNItemTOTPField>();
+  field->setValue(kURL);
+  item->fieldSectionWithName("s", "")->addField(field);
+
+  const auto result = QNTOTPGenerator::generate(item->firstTOTPString()->reveal(), date(59));
+
+  EXPECT_EQ(codeOf(result), kCodeAt59);
 }
 
 TEST(QNTOTPGenerator, LooksAtTheTextBeforeTheDate) {
