@@ -70,5 +70,6 @@ void benchSave(std::size_t count);
 void benchImport(std::size_t count);
 void benchMemory(std::size_t count);
 void benchUnlock();
+void benchOTP();
 
 }  // namespace quillon::bench

@@ -1,4 +1,4 @@
-// quillon_bench [list|save|import|memory|unlock|all] [ITEMS...]
+// quillon_bench [list|save|import|memory|unlock|otp|all] [ITEMS...]
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -25,6 +25,10 @@ bool runNamed(std::string_view name, std::size_t count) {
     known = true;
     benchUnlock();
   }
+  if (all || name == "otp") {
+    known = true;
+    benchOTP();
+  }
   return known;
 }
 
@@ -38,7 +42,7 @@ int main(int argc, char** argv) {
   for (const std::size_t count : counts) {
     if (count == 0 || !runNamed(name, count)) {
       std::fprintf(stderr,
-                   "usage: quillon_bench [list|save|import|memory|unlock|all] [ITEMS...]\n");
+                   "usage: quillon_bench [list|save|import|memory|unlock|otp|all] [ITEMS...]\n");
       return 2;
     }
   }

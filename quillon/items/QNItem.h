@@ -273,6 +273,13 @@ class QNItem : public QNDatabaseObjectWithOverview,
   /// The password as a field of its own, which is no part of the item; null if it is empty.
   [[nodiscard]] std::shared_ptr<QNItemField> itemFieldForPassword();
 
+  // One-time passwords: QNItem+TOTP.cpp. Of the first such field that has a value, in order of
+  // sections and fields: is there one, its value, its section, itself. Nothing or null without.
+  [[nodiscard]] bool hasTOTP();
+  [[nodiscard]] std::optional<QNSecret> firstTOTPString();
+  [[nodiscard]] std::shared_ptr<QNFieldSection> firstTOTPSection();
+  [[nodiscard]] std::shared_ptr<QNItemField> firstTOTPField();
+
   // Attachments: QNItem+Attachments.cpp. Attachments must be loaded or loading.
   [[nodiscard]] std::vector<std::shared_ptr<QNItemAttachment>> attachmentsIncludeTombstones(
       bool include);

@@ -44,6 +44,17 @@ std::size_t startOfUnblank(std::string_view text) noexcept {
   return start;
 }
 
+std::string_view withoutBlankEnd(std::string_view text) {
+  std::size_t end = text.size();
+  while (end > 0) {
+    const std::size_t start = startOfCodePoint(text, end);
+    std::size_t next = start;
+    if (!isBlank(nextCodePoint(text, next)) || next != end) break;
+    end = start;
+  }
+  return text.substr(0, end);
+}
+
 std::size_t unitsOf(UChar32 c) noexcept {
   return c > 0xFFFF ? 2 : 1;
 }
@@ -174,18 +185,15 @@ bool isLettersOnly(std::string_view text) {
 }
 
 std::string trimmedRight(std::string_view text) {
-  std::size_t end = text.size();
-  while (end > 0) {
-    const std::size_t start = startOfCodePoint(text, end);
-    std::size_t next = start;
-    if (!isBlank(nextCodePoint(text, next)) || next != end) break;
-    end = start;
-  }
-  return std::string(text.substr(0, end));
+  return std::string(withoutBlankEnd(text));
 }
 
 std::string trimmed(std::string_view text) {
-  return trimmedRight(text.substr(startOfUnblank(text)));
+  return std::string(trimmedView(text));
+}
+
+std::string_view trimmedView(std::string_view text) {
+  return withoutBlankEnd(text.substr(startOfUnblank(text)));
 }
 
 std::string subtitleOfText(std::string_view text) {

@@ -145,6 +145,10 @@ TEST(QNText, TrimsWhiteSpaceOfEveryKindAtTheEndsOnly) {
   EXPECT_EQ(trimmed(" \u3000two words\u0085 "), "two words");
   EXPECT_EQ(trimmed("\xFF x \xC3"), "\xFF x \xC3");
   EXPECT_EQ(trimmed(""), "");
+  const std::string_view text = " \u3000two words\u0085 ";
+  EXPECT_EQ(trimmedView(text), "two words");
+  EXPECT_EQ(trimmedView(text).data(), text.data() + 4);
+  EXPECT_EQ(trimmedView(" \n"), "");
 }
 
 TEST(QNText, ATextOfBlanksAloneIsBlank) {
