@@ -2,7 +2,7 @@
 
 #include "quillon/fields/internal/QNFieldTesting.h"
 #include "quillon/platform/environment/QNEnvironment.h"
-#include "quillon/templates/QNTemplateManager.h"
+#include "quillon/templates/internal/QNTestCategories.h"
 
 namespace quillon {
 namespace {
@@ -15,14 +15,15 @@ using testing::SizeIs;
 class IdentityTemplate final : public testing::Environment {
  public:
   void SetUp() override {
-    QNTemplatePresentation presentation;
-    presentation.localizedStrings = {{"menu.country.de", "Germany"},
-                                     {"menu.country.us", "United States"},
-                                     {"menu.country.jp", "\u00C1lfheim"},
-                                     {"menu.country.at", "austria"}};
-    QNTemplateManager::sharedManager().addTemplate(
-        std::make_shared<QNTemplate>("004", presentation));
+    _templates = std::make_unique<QNScopedTemplates>(std::initializer_list<std::string_view>{
+        R"({"uuid":"004","localizedStrings":{"menu.country.de":"Germany",)"
+        R"("menu.country.us":"United States","menu.country.jp":"\u00C1lfheim",)"
+        R"("menu.country.at":"austria"}})"});
   }
+  void TearDown() override { _templates = nullptr; }
+
+ private:
+  std::unique_ptr<QNScopedTemplates> _templates;
 };
 [[maybe_unused]] testing::Environment* const kIdentityTemplate =
     testing::AddGlobalTestEnvironment(new IdentityTemplate);

@@ -1,9 +1,6 @@
 #pragma once
 // For tests: fields and sections from JSON text, and back.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/fields/QNItemAddressField.h"
 #include "quillon/fields/QNItemDateField.h"
