@@ -1,4 +1,4 @@
-// quillon_bench [list|save|import|memory|unlock|all] [ITEMS...]
+// quillon_bench [list|save|import|memory|sections|unlock|all] [ITEMS...]
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -21,10 +21,13 @@ bool runNamed(std::string_view name, std::size_t count) {
   run("list", benchList);
   run("save", benchSave);
   run("memory", benchMemory);
-  if (all || name == "unlock") {
+  const auto runOnce = [&](std::string_view one, void (*bench)()) {
+    if (!all && name != one) return;
     known = true;
-    benchUnlock();
-  }
+    bench();
+  };
+  runOnce("sections", benchSections);
+  runOnce("unlock", benchUnlock);
   return known;
 }
 
@@ -37,8 +40,9 @@ int main(int argc, char** argv) {
   if (counts.empty()) counts.push_back(100'000);
   for (const std::size_t count : counts) {
     if (count == 0 || !runNamed(name, count)) {
-      std::fprintf(stderr,
-                   "usage: quillon_bench [list|save|import|memory|unlock|all] [ITEMS...]\n");
+      std::fprintf(
+          stderr,
+          "usage: quillon_bench [list|save|import|memory|sections|unlock|all] [ITEMS...]\n");
       return 2;
     }
   }
