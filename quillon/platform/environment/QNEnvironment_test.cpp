@@ -123,5 +123,18 @@ INSTANTIATE_TEST_SUITE_P(
                     LocaleCase{{{"LC_ALL", ""}, {"LANG", "ja_JP.UTF-8"}}, "ja-JP"},
                     LocaleCase{{{"LC_ALL", "C"}, {"LANG", "ja_JP.UTF-8"}}, "en-US"}));
 
+TEST(QNEnvironment, TellsTheCountryOfTheLocale) {
+  const std::pair<std::string, std::optional<std::string>> cases[] = {
+      {"en-US", "us"},           {"zh-Hant-TW", "tw"},
+      {"zh-cmn-CN", "cn"},       {"es-419", "419"},
+      {"sl-IT-nedis", "it"},     {"de", std::nullopt},
+      {"sr-Latn", std::nullopt}, {"de-1996", std::nullopt},
+      {"de-x-at", std::nullopt}, {"en-u-rg-gbzzzz", std::nullopt}};
+  for (const auto& [locale, country] : cases) {
+    const QNScopedLocale scoped(locale);
+    EXPECT_EQ(currentCountryCode(), country) << locale;
+  }
+}
+
 }  // namespace
 }  // namespace quillon
