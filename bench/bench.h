@@ -69,6 +69,7 @@ void benchList(std::size_t count);
 void benchSave(std::size_t count);
 void benchImport(std::size_t count);
 void benchMemory(std::size_t count);
+void benchSections();
 void benchUnlock();
 void benchOTP();
 

@@ -1,4 +1,4 @@
-// quillon_bench [list|save|import|memory|unlock|otp|all] [ITEMS...]
+// quillon_bench [list|save|import|memory|otp|sections|unlock|all] [ITEMS...]
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -21,14 +21,14 @@ bool runNamed(std::string_view name, std::size_t count) {
   run("list", benchList);
   run("save", benchSave);
   run("memory", benchMemory);
-  if (all || name == "unlock") {
+  const auto runOnce = [&](std::string_view one, void (*bench)()) {
+    if (!all && name != one) return;
     known = true;
-    benchUnlock();
-  }
-  if (all || name == "otp") {
-    known = true;
-    benchOTP();
-  }
+    bench();
+  };
+  runOnce("otp", benchOTP);
+  runOnce("sections", benchSections);
+  runOnce("unlock", benchUnlock);
   return known;
 }
 
@@ -41,8 +41,9 @@ int main(int argc, char** argv) {
   if (counts.empty()) counts.push_back(100'000);
   for (const std::size_t count : counts) {
     if (count == 0 || !runNamed(name, count)) {
-      std::fprintf(stderr,
-                   "usage: quillon_bench [list|save|import|memory|unlock|otp|all] [ITEMS...]\n");
+      std::fprintf(
+          stderr,
+          "usage: quillon_bench [list|save|import|memory|otp|sections|unlock|all] [ITEMS...]\n");
       return 2;
     }
   }

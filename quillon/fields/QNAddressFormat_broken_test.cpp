@@ -1,5 +1,8 @@
 // A resource folder with a file that breaks off, and without the other.
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 
 #include "quillon/fields/QNAddressFormat.h"

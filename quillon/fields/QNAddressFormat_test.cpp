@@ -1,5 +1,8 @@
 #include "quillon/fields/QNAddressFormat.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "quillon/fields/internal/QNFieldTesting.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/templates/internal/QNTestCategories.h"

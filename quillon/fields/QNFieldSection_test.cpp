@@ -1,3 +1,6 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "quillon/fields/internal/QNFieldTesting.h"
 #include "quillon/platform/data/QNNotFound.h"
 

@@ -1,5 +1,8 @@
 // What the value of a field leaves in memory that nobody owns any more: nothing.
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "quillon/fields/internal/QNFieldTesting.h"
 #include "quillon/platform/internal/QNMemoryWatch.h"
 

@@ -109,7 +109,9 @@ void QNItem::saveFieldSections() {
   JsonObject* const live = open.fieldSections ? mutableDetails() : nullptr;
   if (live == nullptr) return;
   Json* const stored = live->if_contains(kDetailsSections);
-  if (open.fieldSections->empty() && open.foreignSections.empty()) {
+  const auto isBlank = [](const auto& section) { return section->isBlank(); };
+  if (open.foreignSections.empty() &&
+      std::all_of(open.fieldSections->begin(), open.fieldSections->end(), isBlank)) {
     const bool isList = stored != nullptr && stored->is_array();
     return isList ? setDetailsObject(std::nullopt, kDetailsSections) : void();
   }

@@ -176,6 +176,15 @@ TEST(QNItemSections, LeaveFilesOutWhenAsked) {
   EXPECT_EQ(jsonText(&written), R"([{"fields":[{"k":"string","n":"2","t":""}]}])");
 }
 
+TEST(QNItemSections, OfEmptyObjectsAloneAreRemoved) {
+  const auto item = itemWith(R"([{},{"name":5,"fields":"x"}])");
+  ASSERT_EQ(item->numberOfFieldSections(), 2u);
+
+  item->saveFieldSections();
+
+  EXPECT_EQ(item->detailsObjectForKey(kDetailsSections), nullptr);
+}
+
 // When they are built and dropped
 
 TEST(QNItemSections, AreBuiltOnce) {

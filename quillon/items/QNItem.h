@@ -220,7 +220,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool containsPasswordValue(std::string_view value);
 
   // Sections: QNItem+Sections.cpp. Objects of details "sections", built at the first use and
-  // written back by a save. A change to a section or a field dirties nothing, unless it says so.
+  // written back by a save, over what the details hold by then: once they are built, change them
+  // and not the JSON. A change to a section or a field dirties nothing, unless it says so.
   using FieldSections = std::vector<std::shared_ptr<QNFieldSection>>;
   /// What details hold as `sections`, empty objects left out.
   static JsonArray jsonFromFieldSections(const FieldSections& sections,

@@ -77,5 +77,25 @@ TEST(QNItemThreads, TwoThreadsMayNeedTheKeyAtOnce) {
   EXPECT_EQ(first->rawKeyData(), second->rawKeyData());
 }
 
+TEST(QNItemThreads, TwoThreadsMayNeedTheSectionsAtOnceBesideASave) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->setDetailsObject(jsonValue(R"([{"name":"a","fields":[{"n":"1","k":"string","t":""}]}])"),
+                        kDetailsSections);
+  save(*row);
+  const auto item = opened(*row, vault);
+  std::shared_ptr<QNFieldSection> first;
+  std::shared_ptr<QNFieldSection> second;
+
+  std::thread one([&] { first = item->findSectionWithName("a"); });
+  std::thread two([&] { second = item->fieldSectionAtIndex(0); });
+  for (int i = 0; i < 20; ++i) item->willSave();
+  one.join();
+  two.join();
+
+  EXPECT_NE(first, nullptr);
+  EXPECT_EQ(first, second);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -12,14 +12,10 @@
 namespace quillon {
 
 inline JsonObject jsonObject(std::string_view text) {
-  auto object = mr_objectFromJSONStringWithError(text);
-  EXPECT_TRUE(object) << text;
-  return object ? std::move(*object) : JsonObject(jsonStorage());
+  return *mr_objectFromJSONStringWithError(text);
 }
 inline Json jsonValue(std::string_view text) {
-  auto value = mr_valueFromJSONDataWithError(bytesOf(text));
-  EXPECT_TRUE(value) << text;
-  return value ? std::move(*value) : Json();
+  return *mr_valueFromJSONDataWithError(bytesOf(text));
 }
 inline std::string jsonText(const JsonObject& object) {
   return mr_JSONStringWithError(object).value_or("(no form)");

@@ -146,5 +146,18 @@ TEST(QNEnvironment, ATestSaysHowLongSomethingTook) {
   EXPECT_NE(steadySeconds(), 7.5);
 }
 
+TEST(QNEnvironment, TellsTheCountryOfTheLocale) {
+  const std::pair<std::string, std::optional<std::string>> cases[] = {
+      {"en-US", "us"},           {"zh-Hant-TW", "tw"},
+      {"zh-cmn-CN", "cn"},       {"es-419", "419"},
+      {"sl-IT-nedis", "it"},     {"de", std::nullopt},
+      {"sr-Latn", std::nullopt}, {"de-1996", std::nullopt},
+      {"de-x-at", std::nullopt}, {"en-u-rg-gbzzzz", std::nullopt}};
+  for (const auto& [locale, country] : cases) {
+    const QNScopedLocale scoped(locale);
+    EXPECT_EQ(currentCountryCode(), country) << locale;
+  }
+}
+
 }  // namespace
 }  // namespace quillon
