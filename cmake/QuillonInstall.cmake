@@ -4,6 +4,10 @@ install(TARGETS quillon quillon_store EXPORT QuillonTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# The image stack is loaded by its name, so whatever links the installed library must know where.
+install(TARGETS quillon_images LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/quillon)
+target_link_options(quillon INTERFACE
+  "$<INSTALL_INTERFACE:-Wl,-rpath,$<INSTALL_PREFIX>/${CMAKE_INSTALL_LIBDIR}/quillon>")
 install(EXPORT QuillonTargets NAMESPACE Quillon:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Quillon)
 configure_package_config_file(cmake/QuillonConfig.cmake.in ${PROJECT_BINARY_DIR}/QuillonConfig.cmake
   INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Quillon)

@@ -257,18 +257,9 @@ TEST(QNItemProfile, AMoveWhoseDetailsDontOpenKeepsThem) {
                                      "MRErrorDomain 114"));
 }
 
-class Category final : public QNGenericCategory {
- public:
-  std::optional<std::string> uuid() const override { return "001"; }
-  std::optional<std::string> singularName() const override { return "Login"; }
-  std::optional<std::string> pluralName() const override { return "Logins"; }
-  std::uint64_t numberOfItems() const override { return 0; }
-  std::optional<std::uint64_t> ownDisplayOrder() const override { return std::nullopt; }
-};
-
 TEST(QNItemProfile, FindsItsCategoryInTheVault) {
   const auto vault = accountVault();
-  const auto category = std::make_shared<Category>();
+  const auto category = std::make_shared<QNTestCategory>("001", "Login");
   vault->addCategory(category);
   const auto item = newItem(vault);
   item->setCategoryUUID("001");

@@ -99,10 +99,6 @@ bool QNCategory::isModifiedCopyOf(const QNGenericCategory& other) const {
          _pluralName != other.pluralName();
 }
 
-std::size_t QNCategory::hash() const {
-  return _uuid ? std::hash<std::string>{}(*_uuid) : 0;
-}
-
 void QNCategory::setProfile(const std::shared_ptr<QNGenericProfile>& profile) {
   // What the base keeps owns nothing, and nobody reads it: profile() answers from the weak one.
   QNDatabaseObject::setProfile({std::shared_ptr<void>(), profile.get()});

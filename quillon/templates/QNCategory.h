@@ -7,9 +7,7 @@ namespace quillon {
 
 /// One category of a local vault: a stored row with its place in the order. Names and icon names
 /// are refreshed at each load, so that a change of language rewrites no rows.
-class QNCategory final : public QNDatabaseObject,
-                         public QNGenericCategory,
-                         public QNDisplayOrderable {
+class QNCategory : public QNDatabaseObject, public QNGenericCategory, public QNDisplayOrderable {
  public:
   explicit QNCategory(QNNew) : QNDatabaseObject(initNew) {}
   explicit QNCategory(QNExisting existing) : QNDatabaseObject(existing) {}
@@ -34,15 +32,17 @@ class QNCategory final : public QNDatabaseObject,
   [[nodiscard]] std::uint64_t numberOfItems() const override { return _numberOfItems; }
   void setNumberOfItems(std::uint64_t count) { _numberOfItems = count; }
 
-  // The names that a load left are in the user's language already
-  [[nodiscard]] std::optional<std::string> localizedSingularName() const { return _singularName; }
-  [[nodiscard]] std::optional<std::string> localizedPluralName() const { return _pluralName; }
-  [[nodiscard]] std::optional<std::string> newItemTitle() const { return localizedSingularName(); }
-
-  [[nodiscard]] bool isSystemCategory() const { return QNGenericCategoryIsSystemCategory(_uuid); }
   /// What its template says; without one, true for the tombstone category alone.
-  [[nodiscard]] bool isHidden() const;
-  [[nodiscard]] bool isAdHoc() const { return false; }
+  [[nodiscard]] bool isHidden() const override;
+  [[nodiscard]] bool isAdHoc() const override { return false; }
+
+  // Icons: QNCategory+Icons.cpp. Without an identifier the list icon is that of all items.
+  [[nodiscard]] QNImageRef listIcon() const override;
+  [[nodiscard]] QNImageRef detailIcon() const override;
+  [[nodiscard]] QNImageRef menuIcon() const override;
+  [[nodiscard]] QNImageRef touchBarIcon() const override;
+  /// Marked as a template, but for the list icon that stands in for a missing one.
+  [[nodiscard]] QNImageRef sourceIconForBackgroundStyle(int style) const override;
 
   [[nodiscard]] std::uint64_t displayOrder() const override { return _displayOrder; }
   [[nodiscard]] std::optional<std::uint64_t> ownDisplayOrder() const override {
@@ -52,12 +52,7 @@ class QNCategory final : public QNDatabaseObject,
   void setDisplayOrder(std::uint64_t order) override;
 
   /// Do the number of items or a name differ? For redrawing a list.
-  [[nodiscard]] bool isModifiedCopyOf(const QNGenericCategory& other) const;
-  [[nodiscard]] bool isEqual(const QNGenericCategory& other) const { return _uuid == other.uuid(); }
-  [[nodiscard]] std::size_t hash() const;
-  [[nodiscard]] std::strong_ordering compare(const QNGenericCategory& other) const {
-    return QNGenericCategoryCompare(*this, other);
-  }
+  [[nodiscard]] bool isModifiedCopyOf(const QNGenericCategory& other) const override;
 
   /// Held weakly, unlike by other objects: a vault holds its categories, and the two would keep
   /// each other, and the vault's keys, for ever.
@@ -68,8 +63,10 @@ class QNCategory final : public QNDatabaseObject,
   void restoreAllAttributes(const JsonObject& attributes) override;
 
  private:
-  std::weak_ptr<QNGenericProfile> _vault;
   void takeDefaultNames();
+  [[nodiscard]] std::optional<std::string> usedListIconName() const;
+
+  std::weak_ptr<QNGenericProfile> _vault;
 
   std::optional<std::string> _uuid;
   std::optional<std::string> _singularName;

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include "quillon/platform/archive/QNKeyedArchiver.h"
+#include "quillon/templates/QNPlaceholderCategory.h"
 #include "quillon/templates/internal/QNTestCategories.h"
 
 namespace quillon {
@@ -276,6 +278,103 @@ TEST(QNCategory, ReadsAMemberOfAnotherKindAsAbsent) {
   EXPECT_EQ(category.singularName(), std::nullopt);
   EXPECT_EQ(category.pluralName(), std::nullopt);
   EXPECT_EQ(category.detailIconName(), std::nullopt);
+}
+
+TEST(QNCategory, AnArchiveHasOtherKeysForTheNamesThanARow) {
+  QNCategory category(QNExisting{4});
+  category.setUuid("110");
+  category.setSingularName("Server");
+  category.setPluralName("Servers");
+  category.setListIconName("list");
+  category.setDetailIconName("detail");
+  category.setDisplayOrder(7);
+  category.setNumberOfItems(12);
+  const auto archive = QNKeyedArchiver::archivedDataWithRootObject(category);
+  ASSERT_TRUE(archive.ok());
+  const QNDecodableClass known[] = {
+      {"QNCategory", [](QNDecoder& coder) -> std::shared_ptr<QNCoding> {
+         return std::make_shared<QNCategory>(coder);
+       }}};
+
+  const auto read = QNKeyedUnarchiver::unarchivedObjectOfClasses(known, archive.value());
+
+  ASSERT_TRUE(read.ok());
+  const auto decoded = std::dynamic_pointer_cast<QNCategory>(read.value());
+  ASSERT_NE(decoded, nullptr);
+  EXPECT_EQ(decoded->oid(), 4u);
+  EXPECT_EQ(decoded->uuid(), "110");
+  EXPECT_EQ(decoded->singularName(), "Server");
+  EXPECT_EQ(decoded->pluralName(), "Servers");
+  EXPECT_EQ(decoded->listIconName(), "list");
+  EXPECT_EQ(decoded->detailIconName(), "detail");
+  EXPECT_EQ(decoded->displayOrder(), 7u);
+  EXPECT_EQ(decoded->numberOfItems(), 12u);
+  const std::string_view text = textOf(archive.value());
+  for (const std::string_view key : {"sName", "pName", "detaiIconName", "listIconName"}) {
+    EXPECT_NE(text.find(key), std::string_view::npos) << key;
+  }
+  EXPECT_EQ(text.find("singularName"), std::string_view::npos);
+  EXPECT_EQ(text.find("detailIconName"), std::string_view::npos);
+}
+
+TEST(QNCategory, IsNeverAModifiedCopyByItsClassAlone) {
+  QNCategory category(initNew);
+  category.setSingularName("Server");
+  category.setPluralName("Servers");
+  QNTestCategory other("110", "Server");
+  other.itsPluralName = "Servers";
+
+  EXPECT_FALSE(category.isModifiedCopyOf(other));
+  other.itsNumberOfItems = 1;
+
+  EXPECT_TRUE(category.isModifiedCopyOf(other));
+}
+
+// Placeholders
+
+TEST(QNPlaceholderCategory, StandsBehindAllStoredCategories) {
+  const auto row = QNPlaceholderCategory::placeholderCategoryWithName(
+      "Row", QNPlaceholderCategory::Type::allItems);
+
+  EXPECT_EQ(row->uuid(), "0??");
+  EXPECT_EQ(row->singularName(), "Row");
+  EXPECT_EQ(row->pluralName(), "Row");
+  EXPECT_EQ(row->listIconName(), "");
+  EXPECT_EQ(row->detailIconName(), "");
+  EXPECT_EQ(row->displayOrder(), 2147483647u);
+  EXPECT_EQ(row->listIcon(), nullptr);
+}
+
+struct PlaceholderRow {
+  std::shared_ptr<QNPlaceholderCategory> (*make)();
+  int type;
+  std::string_view name, listIconName;
+};
+
+TEST(QNPlaceholderCategory, HasFourKinds) {
+  const QNScopedLanguage language("en");
+  const PlaceholderRow rows[] = {
+      {&QNPlaceholderCategory::hintRowCategory, 0, "hint row", ""},
+      {&QNPlaceholderCategory::allItemsCategory, 1, "All Items", "type-allitems-list"},
+      {&QNPlaceholderCategory::trashCategory, 2, "Archive", "type-archive-list"},
+      {&QNPlaceholderCategory::compromisedWebsitesCategory, 3, "Compromised Websites",
+       "type-compromisedsites-list"},
+  };
+  for (const auto& row : rows) {
+    const auto made = row.make();
+
+    EXPECT_EQ(static_cast<int>(made->placeholderType()), row.type);
+    EXPECT_EQ(made->pluralName(), row.name);
+    EXPECT_EQ(made->listIconName(), row.listIconName);
+    EXPECT_EQ(made->uuid(), "0??");
+  }
+}
+
+TEST(QNPlaceholderCategory, IsNamedInTheUsersLanguage) {
+  const QNScopedLanguage language("de");
+
+  EXPECT_EQ(QNPlaceholderCategory::trashCategory()->pluralName(), "Archiv");
+  EXPECT_EQ(QNPlaceholderCategory::hintRowCategory()->pluralName(), "hint row");
 }
 
 }  // namespace

@@ -106,6 +106,19 @@ std::uint64_t QNGenericCategoryDisplayOrder(const QNGenericCategory& category) {
   return category.ownDisplayOrder().value_or(defaultOrderOf(category));
 }
 
+bool QNGenericCategory::isSystemCategory() const {
+  return QNGenericCategoryIsSystemCategory(uuid());
+}
+
+std::size_t QNGenericCategory::hash() const {
+  const auto identifier = uuid();
+  return identifier ? std::hash<std::string>{}(*identifier) : 0;
+}
+
+std::strong_ordering QNGenericCategory::compare(const QNGenericCategory& other) const {
+  return QNGenericCategoryCompare(*this, other);
+}
+
 std::strong_ordering QNGenericCategoryCompare(const QNGenericCategory& a,
                                               const QNGenericCategory& b) {
   const std::uint64_t orderOfA = QNGenericCategoryDisplayOrder(a);

@@ -2,6 +2,7 @@
 
 #include <compare>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -13,20 +14,49 @@
 
 namespace quillon {
 
-/// What a vault stores, or a list shows, for one category.
+class QNImage;
+
+/// An absent identifier is a legal argument everywhere below.
+using QNOptionalUUID = std::optional<std::string_view>;
+using QNImageRef = std::shared_ptr<const QNImage>;
+
+/// What a vault stores, or a list shows, for one category. Pictures are those of the resource
+/// folder; null where there is none.
 class QNGenericCategory {
  public:
   virtual ~QNGenericCategory() = default;
   [[nodiscard]] virtual std::optional<std::string> uuid() const = 0;
+  /// In the user's language, as it stood when they were taken.
   [[nodiscard]] virtual std::optional<std::string> singularName() const = 0;
   [[nodiscard]] virtual std::optional<std::string> pluralName() const = 0;
   [[nodiscard]] virtual std::uint64_t numberOfItems() const = 0;
   /// Nothing for a class that keeps no order of its own.
   [[nodiscard]] virtual std::optional<std::uint64_t> ownDisplayOrder() const = 0;
-};
+  /// Not offered for new items.
+  [[nodiscard]] virtual bool isHidden() const = 0;
+  /// Made for lack of a template.
+  [[nodiscard]] virtual bool isAdHoc() const = 0;
+  /// Does what a list shows of it differ?
+  [[nodiscard]] virtual bool isModifiedCopyOf(const QNGenericCategory& other) const = 0;
 
-/// An absent identifier is a legal argument everywhere below.
-using QNOptionalUUID = std::optional<std::string_view>;
+  [[nodiscard]] virtual QNImageRef listIcon() const = 0;
+  [[nodiscard]] virtual QNImageRef detailIcon() const = 0;
+  [[nodiscard]] virtual QNImageRef menuIcon() const = 0;
+  [[nodiscard]] virtual QNImageRef touchBarIcon() const = 0;
+  /// `style` 0 is a light background.
+  [[nodiscard]] virtual QNImageRef sourceIconForBackgroundStyle(int style) const = 0;
+
+  [[nodiscard]] std::optional<std::string> localizedSingularName() const { return singularName(); }
+  [[nodiscard]] std::optional<std::string> localizedPluralName() const { return pluralName(); }
+  [[nodiscard]] std::optional<std::string> newItemTitle() const { return singularName(); }
+  [[nodiscard]] bool isSystemCategory() const;
+  /// Two of the same identifier, or both without one.
+  [[nodiscard]] bool isEqual(const QNGenericCategory& other) const {
+    return uuid() == other.uuid();
+  }
+  [[nodiscard]] std::size_t hash() const;
+  [[nodiscard]] std::strong_ordering compare(const QNGenericCategory& other) const;
+};
 
 /// Exactly three characters that begin with "00".
 bool QNGenericCategoryIsSystemCategory(QNOptionalUUID uuid);

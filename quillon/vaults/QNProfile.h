@@ -19,6 +19,8 @@ struct QNItemClass;
 /// Bytes of a local vault's master key and overview key.
 inline constexpr std::int32_t MASTER_KEY_SIZE = 256;
 inline constexpr std::int32_t OVERVIEW_KEY_SIZE = 64;
+/// Longest encoded icon of an item in a local vault, in bytes. A vault's own icon may be longer.
+inline constexpr std::int32_t kMaxCustomQN4IconSize = 32768;
 
 /// Posted by a vault, itself the object, unless it was opened for import. The address is that of
 /// the whole object: from a QNGenericProfile, dynamic_cast<const void*> gives it.
@@ -171,7 +173,13 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
 
   // Icon and colour: QNProfile+Appearance.cpp
   [[nodiscard]] std::shared_ptr<const QNImage> customIcon() const override;
+  /// Kept as PNG within 300 by 300 pixels, as JPEG where that is too long (error logs say so). A
+  /// square icon that is smaller isn't blown up. An absent icon clears. An icon that can't be drawn
+  /// or stays too long changes nothing, and the row stays as it was.
   void setCustomIcon(const std::shared_ptr<const QNImage>& icon) override;
+  /// The icon itself unless it is wider or taller than 300 points. Null if it can't be drawn.
+  static std::shared_ptr<const QNImage> downscaleCustomIcon(
+      const std::shared_ptr<const QNImage>& icon);
   [[nodiscard]] std::optional<Bytes> iconData() const override { return _iconData; }
   void setIconData(std::optional<Bytes> data) override { _iconData = std::move(data); }
   [[nodiscard]] std::optional<QNColor> profileColor() const override { return _profileColor; }
@@ -241,6 +249,9 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   void encodeRegistries(QNEncoder& coder);
   static std::shared_ptr<QNProfile> twinInArchive(ByteView archive);
   std::string takeKeysOfTwin(const QNProfile& twin);
+  [[nodiscard]] std::optional<Bytes> encodedIcon(std::shared_ptr<const QNImage> icon) const;
+  [[nodiscard]] std::optional<Bytes> encodedIconAsJPEG(const std::shared_ptr<const QNImage>& icon,
+                                                       std::size_t pngBytes) const;
   bool refusesWhileLocked(const MRLogText& text) const;
   QNAESKeyRef masterAESKey();
   std::optional<Bytes> encryptUnder(const QNAESKeyRef& key, ByteView clear,

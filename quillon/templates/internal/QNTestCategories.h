@@ -44,6 +44,18 @@ struct QNTestCategory final : QNGenericCategory {
   [[nodiscard]] std::optional<std::string> pluralName() const override { return itsPluralName; }
   [[nodiscard]] std::uint64_t numberOfItems() const override { return itsNumberOfItems; }
   [[nodiscard]] std::optional<std::uint64_t> ownDisplayOrder() const override { return itsOrder; }
+  [[nodiscard]] bool isHidden() const override { return false; }
+  [[nodiscard]] bool isAdHoc() const override { return false; }
+  [[nodiscard]] bool isModifiedCopyOf(const QNGenericCategory& /*other*/) const override {
+    return false;
+  }
+  [[nodiscard]] QNImageRef listIcon() const override { return nullptr; }
+  [[nodiscard]] QNImageRef detailIcon() const override { return nullptr; }
+  [[nodiscard]] QNImageRef menuIcon() const override { return nullptr; }
+  [[nodiscard]] QNImageRef touchBarIcon() const override { return nullptr; }
+  [[nodiscard]] QNImageRef sourceIconForBackgroundStyle(int /*style*/) const override {
+    return nullptr;
+  }
 };
 
 /// A template of a definition given as JSON text.
