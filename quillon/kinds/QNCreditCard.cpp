@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "quillon/fields/QNItemField.h"
+#include "quillon/platform/images/QNImage.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/text/QNText.h"
 #include "quillon/templates/QNCategoryHelper.h"
@@ -137,21 +138,27 @@ std::optional<std::string> QNCreditCard::imageNameWithFormatString(std::string_v
   return name;
 }
 
-std::string QNCreditCard::detailIconName() {
-  const auto brand = imageNameWithFormatString("type-%@-details");
-  return brand ? *brand : QNCategoryHelper::defaultDetailIconNameFor(categoryUUID());
+std::shared_ptr<const QNImage> QNCreditCard::_bundleImageNamed(std::string_view name) {
+  return mr_imageNamed(name);
 }
 
-std::string QNCreditCard::listIconName() {
-  const auto brand = imageNameWithFormatString("type-%@-list");
-  return brand ? *brand : QNCategoryHelper::defaultListIconNameFor(categoryUUID());
+std::shared_ptr<const QNImage> QNCreditCard::brandIcon(std::string_view format,
+                                                       std::string_view withoutBrand) {
+  const auto brand = imageNameWithFormatString(format);
+  return _bundleImageNamed(brand ? std::string_view(*brand) : withoutBrand);
 }
 
-std::string QNCreditCard::miniIconName() {
-  const auto brand = imageNameWithFormatString("type-%@-source");
-  if (brand) return *brand;
-  return QNCategoryHelper::menuIconNameWith(
-      QNCategoryHelper::defaultListIconNameFor(categoryUUID()));
+std::shared_ptr<const QNImage> QNCreditCard::detailIcon() {
+  return brandIcon("type-%@-details", QNCategoryHelper::defaultDetailIconNameFor(categoryUUID()));
+}
+
+std::shared_ptr<const QNImage> QNCreditCard::listIcon() {
+  return brandIcon("type-%@-list", QNCategoryHelper::defaultListIconNameFor(categoryUUID()));
+}
+
+std::shared_ptr<const QNImage> QNCreditCard::miniIcon() {
+  const std::string list = QNCategoryHelper::defaultListIconNameFor(categoryUUID());
+  return brandIcon("type-%@-source", QNCategoryHelper::menuIconNameWith(list));
 }
 
 }  // namespace quillon

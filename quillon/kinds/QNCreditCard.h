@@ -58,11 +58,15 @@ class QNCreditCard final : public QNItem {
   static std::optional<std::string_view> creditCardMap(std::string_view type);
   /// The name with the brand's word for its "%@"; nothing without loaded details or a known brand.
   [[nodiscard]] std::optional<std::string> imageNameWithFormatString(std::string_view format);
-  [[nodiscard]] std::string detailIconName();
-  [[nodiscard]] std::string listIconName();
-  [[nodiscard]] std::string miniIconName();
+  [[nodiscard]] std::shared_ptr<const QNImage> detailIcon();
+  [[nodiscard]] std::shared_ptr<const QNImage> listIcon();
+  [[nodiscard]] std::shared_ptr<const QNImage> miniIcon();
+  /// A picture of the library's resources; null if there is none of that name.
+  static std::shared_ptr<const QNImage> _bundleImageNamed(std::string_view name);
 
  private:
+  [[nodiscard]] std::shared_ptr<const QNImage> brandIcon(std::string_view format,
+                                                         std::string_view withoutBrand);
   [[nodiscard]] std::optional<QNSecret> valueOf(std::string_view identifier);
 };
 
