@@ -38,7 +38,7 @@ Cache& cache() {
 }
 
 std::optional<JsonObject> objectInResource(std::string_view name, QNError* error) {
-  const auto text = fileContent(resourceFolder() / name, kLargestFile);
+  const auto text = fileContent(resourcePath(name), kLargestFile);
   return mr_objectFromJSONStringWithError(text.value_or(""), error);
 }
 

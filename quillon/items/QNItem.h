@@ -298,6 +298,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool hasPassword();
   [[nodiscard]] bool hasUsernameOrPassword() { return hasUsername() || hasPassword(); }
   [[nodiscard]] bool hasRevealableFields();
+  /// Is the frame of the library's icons laid over a custom one?
+  [[nodiscard]] virtual bool useOverlayInCustomIcon() const { return true; }
   [[nodiscard]] virtual bool hasLoginFields() { return false; }
   [[nodiscard]] virtual bool isCreatedByBrowserExtension() { return false; }
   [[nodiscard]] virtual std::optional<QNSecret> clipboardValue() { return std::nullopt; }

@@ -20,7 +20,7 @@ class QNTemplateItem final : public QNItem {
   [[nodiscard]] std::optional<std::string> _additionalInformation() override;
   [[nodiscard]] bool isSoftwareLicense() const;
   /// A license shows the icon of its program as it is.
-  [[nodiscard]] bool useOverlayInCustomIcon() const { return !isSoftwareLicense(); }
+  [[nodiscard]] bool useOverlayInCustomIcon() const override { return !isSoftwareLicense(); }
 
  private:
   explicit QNTemplateItem(QNNew) : QNItem(initNew) {}

@@ -80,13 +80,25 @@ TEST(QNTemplateItem, OfAnAccountAsksItsVaultFirstAndThenTheSharedTemplates) {
   EXPECT_EQ(item->_additionalInformation(), "First Bank");
 }
 
+TEST(QNTemplateItem, OfAnAccountGoesByTheTemplateOfItsVault) {
+  const QNScopedTemplates templates{kBank};
+  const auto vault = accountVault();
+  vault->setTemplate(templateOf(R"({"uuid":"101","subtitle":"owner"})"));
+  const auto item = QNTemplateItem::initNewWithTemplate(templateOf(kBank));
+  item->setProfile(vault);
+  item->setStringFieldValue("First Bank", "bank");
+  item->setStringFieldValue("Ann", "owner");
+
+  EXPECT_EQ(item->_additionalInformation(), "Ann");
+}
+
 TEST(QNTemplateItem, OnlyALicenseShowsItsIconWithoutAnOverlay) {
   const auto license =
       QNTemplateItem::initNewWithTemplate(templateOf(R"({"uuid":"100","contents":[]})"));
   const auto bank = QNTemplateItem::initNewWithTemplate(templateOf(kBank));
 
   EXPECT_TRUE(license->isSoftwareLicense());
-  EXPECT_FALSE(license->useOverlayInCustomIcon());
+  EXPECT_FALSE(static_cast<const QNItem&>(*license).useOverlayInCustomIcon());
   EXPECT_FALSE(bank->isSoftwareLicense());
   EXPECT_TRUE(bank->useOverlayInCustomIcon());
 }

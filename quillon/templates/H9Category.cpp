@@ -65,7 +65,9 @@ H9Category::H9Category(QNDecoder& coder)
       _numberOfItems(coder.decodeInt64("numberOfItems").value_or(0)),
       _accountId(coder.decodeInt64("accountId").value_or(0)) {
   const Json* const json = coder.decodeJson("json");
-  if (json != nullptr && json->is_object()) _jsonDictionary = json->get_object();
+  if (json != nullptr && json->is_object()) {
+    _template = std::make_shared<const QNTemplate>(&json->get_object());
+  }
 }
 
 void H9Category::encodeWithCoder(QNEncoder& coder) {
@@ -76,7 +78,7 @@ void H9Category::encodeWithCoder(QNEncoder& coder) {
   encodeText(coder, _sourceIconName, "sourceIconName");
   encodeText(coder, _detailIconName, "detaiIconName");
   coder.encodeInt64(_numberOfItems, "numberOfItems");
-  if (_jsonDictionary) coder.encodeJson(Json(*_jsonDictionary), "json");
+  if (const auto* const json = jsonDictionary()) coder.encodeJson(Json(*json), "json");
   coder.encodeInt64(_accountId, "accountId");
   coder.encodeBool(_adHoc, "adHoc");
 }
@@ -88,7 +90,8 @@ std::string H9Category::description() const {
 }
 
 bool H9Category::isHidden() const {
-  if (_jsonDictionary && !_jsonDictionary->empty()) return QNTemplate(&*_jsonDictionary).hidden();
+  const JsonObject* const json = jsonDictionary();
+  if (json != nullptr && !json->empty()) return _template->hidden();
   return _uuid == QNCategoryUUIDTombstone;
 }
 
@@ -99,15 +102,12 @@ bool H9Category::isModifiedCopyOf(const QNGenericCategory& other) const {
 }
 
 void H9Category::setJsonDictionary(const JsonObject* dictionary) {
-  _jsonDictionary.reset();
-  if (dictionary == nullptr) return;
-  _jsonDictionary.emplace(*dictionary);
-  if (_jsonDictionary->empty()) return;
-  const QNTemplate made(&*_jsonDictionary);
-  _singularName = made.localizedTitle();
-  _pluralName = made.localizedPluralTitle();
-  _detailIconName = made.detailIconName();
-  _sourceIconName = made.sourceIconName();
+  _template = dictionary == nullptr ? nullptr : std::make_shared<const QNTemplate>(dictionary);
+  if (dictionary == nullptr || dictionary->empty()) return;
+  _singularName = _template->localizedTitle();
+  _pluralName = _template->localizedPluralTitle();
+  _detailIconName = _template->detailIconName();
+  _sourceIconName = _template->sourceIconName();
 }
 
 // Icons

@@ -44,7 +44,7 @@ class H9Category final : public H9DatabaseObject, public QNGenericCategory {
 
   /// The definition of the template; null for none.
   [[nodiscard]] const JsonObject* jsonDictionary() const {
-    return _jsonDictionary ? &*_jsonDictionary : nullptr;
+    return _template == nullptr ? nullptr : &_template->definition();
   }
   /// One with members also gives the names and icon names.
   void setJsonDictionary(const JsonObject* dictionary);
@@ -68,7 +68,7 @@ class H9Category final : public H9DatabaseObject, public QNGenericCategory {
   std::optional<std::string> _detailIconName;
   std::optional<std::string> _sourceIconName;
   std::uint64_t _numberOfItems = 0;
-  std::optional<JsonObject> _jsonDictionary;
+  std::shared_ptr<const QNTemplate> _template;  // of the definition
   std::uint64_t _accountId = 0;
 };
 

@@ -4,15 +4,10 @@
 
 namespace quillon {
 
-// A category with an identifier and no name of a list icon gets none here: the question is the
-// identifier.
-std::optional<std::string> QNCategory::usedListIconName() const {
-  return _uuid ? _listIconName : QNCategoryHelper::defaultListIconNameFor(std::nullopt);
-}
-
+// The question is the identifier: a category that has one, and no name of a list icon, gets none.
 QNImageRef QNCategory::listIcon() const {
-  const auto name = usedListIconName();
-  return name ? mr_imageNamed(*name) : nullptr;
+  if (!_uuid) _listIconName = QNCategoryHelper::defaultListIconNameFor(std::nullopt);
+  return _listIconName ? mr_imageNamed(*_listIconName) : nullptr;
 }
 
 QNImageRef QNCategory::detailIcon() const {

@@ -80,7 +80,7 @@ void QNCategory::encodeWithCoder(QNEncoder& coder) {
 
 std::string QNCategory::description() const {
   return formatted("<QNCategory: {}> '{}'", static_cast<const void*>(this),
-                   _pluralName.value_or(""));
+                   _pluralName.value_or("(null)"));
 }
 
 bool QNCategory::isHidden() const {

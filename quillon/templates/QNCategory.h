@@ -36,7 +36,8 @@ class QNCategory : public QNDatabaseObject, public QNGenericCategory, public QND
   [[nodiscard]] bool isHidden() const override;
   [[nodiscard]] bool isAdHoc() const override { return false; }
 
-  // Icons: QNCategory+Icons.cpp. Without an identifier the list icon is that of all items.
+  // Icons: QNCategory+Icons.cpp. Without an identifier listIcon() first names the icon of all
+  // items, and keeps that name.
   [[nodiscard]] QNImageRef listIcon() const override;
   [[nodiscard]] QNImageRef detailIcon() const override;
   [[nodiscard]] QNImageRef menuIcon() const override;
@@ -64,14 +65,12 @@ class QNCategory : public QNDatabaseObject, public QNGenericCategory, public QND
 
  private:
   void takeDefaultNames();
-  [[nodiscard]] std::optional<std::string> usedListIconName() const;
-
   std::weak_ptr<QNGenericProfile> _vault;
 
   std::optional<std::string> _uuid;
   std::optional<std::string> _singularName;
   std::optional<std::string> _pluralName;
-  std::optional<std::string> _listIconName;
+  mutable std::optional<std::string> _listIconName;  // set by listIcon() without an identifier
   std::optional<std::string> _detailIconName;
   std::uint64_t _numberOfItems = 0;
   std::uint64_t _displayOrder = 0;

@@ -5,7 +5,7 @@
 namespace quillon {
 
 /// A row of a list of categories that stands for no category: all items, the archive and so on.
-/// It lives in memory alone.
+/// It lives in memory alone: never archive one, nothing reads it back.
 class QNPlaceholderCategory final : public QNCategory {
  public:
   enum class Type { hintRow = 0, allItems = 1, trash = 2, compromisedWebsites = 3 };

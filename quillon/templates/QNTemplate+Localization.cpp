@@ -54,18 +54,32 @@ std::string menuKey(std::string_view identifier, std::string_view menuValue) {
 
 }  // namespace
 
+// Read without the lock: a report of a broken line may come back here.
+std::shared_ptr<const QNLocalization::Table> QNTemplate::keptTable(
+    std::shared_ptr<const QNLocalization::Table>& kept, std::string_view language,
+    bool emptyIsKept) const {
+  const auto isGood = [emptyIsKept](const TableRef& table) {
+    return table != nullptr && (emptyIsKept || !table->empty());
+  };
+  {
+    const std::lock_guard lock(_mutex);
+    if (isGood(kept)) return kept;
+  }
+  auto loaded = std::make_shared<const QNLocalization::Table>(loadLocalizationTable(language));
+  const std::lock_guard lock(_mutex);
+  if (!isGood(kept)) kept = std::move(loaded);
+  return kept;
+}
+
 std::string QNTemplate::localizedStringForKey(std::string_view key) const {
   if (key.empty()) return "";
   const std::string language = QNLocalization::sharedLocalization().language();
-  const std::lock_guard lock(_mutex);
-  if (_localizedStrings.empty()) _localizedStrings = loadLocalizationTable(language);
-  if (const auto found = _localizedStrings.find(key); found != _localizedStrings.end()) {
-    return found->second;
-  }
+  const auto strings = keptTable(_localizedStrings, language, false);
+  if (const auto found = strings->find(key); found != strings->end()) return found->second;
   if (language == kEnglish) return std::string(key);
-  if (!_englishStrings) _englishStrings = loadLocalizationTable(kEnglish);
-  const auto found = _englishStrings->find(key);
-  return found == _englishStrings->end() ? std::string(key) : found->second;
+  const auto english = keptTable(_englishStrings, kEnglish, true);
+  const auto found = english->find(key);
+  return found == english->end() ? std::string(key) : found->second;
 }
 
 std::string QNTemplate::localizedName(
@@ -99,6 +113,12 @@ std::vector<std::string> QNTemplate::localizedMenuLabelsForFieldIdentifier(
   return labels;
 }
 
+void QNTemplate::reportMissingTable(const fs::path& folder, std::string_view language) const {
+  MRLogger::sharedLogger().status(DEBUG_DATABASE, description(),
+                                  "Failed to load localization table {} for localization {}",
+                                  folder.string(), language);
+}
+
 QNLocalization::Table QNTemplate::loadLocalizationTable(std::string_view language) const {
   if (language.empty()) {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, description(),
@@ -114,8 +134,11 @@ QNLocalization::Table QNTemplate::loadLocalizationTable(std::string_view languag
     }
     return table;
   }
-  if (!_templateURL || !isLanguageTag(language)) return {};
-  return tableInFolder(_templateURL->parent_path() / "Locales", language);
+  if (!_templateURL) return {};
+  const fs::path locales = _templateURL->parent_path() / "Locales";
+  if (isLanguageTag(language)) return tableInFolder(locales, language);
+  reportMissingTable(locales, language);
+  return {};
 }
 
 QNLocalization::Table QNTemplate::tableInFolder(const fs::path& locales,
@@ -139,11 +162,7 @@ QNLocalization::Table QNTemplate::tableInFolder(const fs::path& locales,
       table.insert_or_assign(key, std::move(value));
     }
   }
-  if (table.empty()) {
-    MRLogger::sharedLogger().status(DEBUG_DATABASE, description(),
-                                    "Failed to load localization table {} for localization {}",
-                                    folder.string(), language);
-  }
+  if (table.empty()) reportMissingTable(folder, language);
   return table;
 }
 

@@ -197,5 +197,47 @@ TEST_F(QNTemplateStrings, LabelAMenuValue) {
   EXPECT_THAT(made->localizedMenuLabelsForFieldIdentifier("other"), IsEmpty());
 }
 
+TEST_F(QNTemplateStrings, AnEmptyEnglishTableIsKept) {
+  const QNScopedLanguage language("de");
+  strings("de.lproj/bank.strings", R"("a" = "ah";)");
+  const auto made = bank();
+  ASSERT_EQ(made->localizedStringForKey("b"), "b");
+
+  strings("en.lproj/bank.strings", R"("b" = "bee";)");
+
+  EXPECT_EQ(made->localizedStringForKey("b"), "b");
+}
+
+TEST_F(QNTemplateStrings, MayBeAskedForByWhoHearsOfABrokenLine) {
+  const QNScopedLanguage language("en");
+  strings("en.lproj/bank.strings", "\"a\" = \"1\";\n\"b = 2\n");
+  const auto made = bank();
+  std::string heard;
+  auto before = MRLogger::sharedLogger().setSink([&](const MRLogRecord&) {
+    if (heard.empty()) {
+      heard = "asked";
+      heard = made->localizedStringForKey("a");
+    }
+  });
+
+  EXPECT_EQ(made->localizedStringForKey("a"), "1");
+  MRLogger::sharedLogger().setSink(std::move(before));
+
+  EXPECT_EQ(heard, "1");
+}
+
+TEST_F(QNTemplateStrings, OfWhatIsNoLanguageAreToldToBeMissing) {
+  const auto made = bank();
+  const MRCapturingSink sink;
+  MRLogger::sharedLogger().allowStatus(DEBUG_DATABASE);
+
+  EXPECT_THAT(made->loadLocalizationTable("pt_BR"), IsEmpty());
+  MRLogger::sharedLogger().allowStatus(0);
+
+  EXPECT_THAT(sink.texts(MRLogKind::status),
+              ElementsAre("Failed to load localization table " +
+                          (folder.path() / "Locales").string() + " for localization pt_BR"));
+}
+
 }  // namespace
 }  // namespace quillon

@@ -50,13 +50,14 @@ void forEachObject(const JsonObject& in, std::string_view key, const Visit& visi
 
 }  // namespace
 
-QNTemplate::QNTemplate(const JsonObject* initWithDefinition) : _definition(jsonStorage()) {
+// A definition is no secret, and lies in ordinary memory.
+QNTemplate::QNTemplate(const JsonObject* initWithDefinition) {
   if (initWithDefinition == nullptr) {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, "QNTemplate",
                                        "Template definition should not be nil");
     return;
   }
-  _definition = *initWithDefinition;
+  _definition = JsonObject(*initWithDefinition, boost::json::storage_ptr());
   _localized =
       saysYes(_definition, "localized") || objectOf(_definition, "localizedStrings") != nullptr;
   _deprecated = saysYes(_definition, "deprecated");

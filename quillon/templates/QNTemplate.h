@@ -45,6 +45,7 @@ class QNTemplate final {
   [[nodiscard]] const std::optional<std::filesystem::path>& templateURL() const {
     return _templateURL;
   }
+  /// Before anybody else knows the template: it isn't locked.
   void setTemplateURL(std::optional<std::filesystem::path> url) { _templateURL = std::move(url); }
   /// The identifier of the field that an item's subtitle comes from.
   [[nodiscard]] const std::optional<std::string>& subtitleFieldName() const {
@@ -68,6 +69,7 @@ class QNTemplate final {
   /// New sections with new, empty fields. Nothing, with an error log, without "contents".
   [[nodiscard]] std::optional<std::vector<std::shared_ptr<QNFieldSection>>>
   instantiateFieldSections() const;
+  /// A type that isn't known makes an unknown field, which keeps it.
   [[nodiscard]] std::shared_ptr<QNItemField> instantiateFieldForDefinition(
       const JsonObject& definition) const;
   /// The last definition of that name; null for none. Valid as long as the template.
@@ -98,6 +100,10 @@ class QNTemplate final {
       const JsonObject& definition) const;
   [[nodiscard]] std::string localizedName(std::string_view key,
                                           std::optional<std::string> H9TemplateProperties::*) const;
+  [[nodiscard]] std::shared_ptr<const QNLocalization::Table> keptTable(
+      std::shared_ptr<const QNLocalization::Table>& kept, std::string_view language,
+      bool emptyIsKept) const;
+  void reportMissingTable(const std::filesystem::path& folder, std::string_view language) const;
   [[nodiscard]] QNLocalization::Table tableInFolder(const std::filesystem::path& locales,
                                                     std::string_view language) const;
 
@@ -112,9 +118,10 @@ class QNTemplate final {
   std::optional<std::string> _sourceIconName;
   std::shared_ptr<const H9TemplateProperties> _h9TemplateProperties;
 
-  mutable std::mutex _mutex;  // guards what is made at the first need
-  mutable QNLocalization::Table _localizedStrings;
-  mutable std::optional<QNLocalization::Table> _englishStrings;
+  using TableRef = std::shared_ptr<const QNLocalization::Table>;
+  mutable std::mutex _mutex;  // guards what is made at the first need; nothing is read under it
+  mutable TableRef _localizedStrings;
+  mutable TableRef _englishStrings;
   mutable std::optional<Definitions> _fieldsByName;  // the keys lie in the definition
 };
 

@@ -13,7 +13,7 @@
 
 namespace quillon {
 
-/// The templates of the process, one or more files "NAME.template.json" in the resource folder
+/// The templates of the process, each a file "NAME.template.json" in the resource folder
 /// CategoryTemplates. They are read at the first look-up and stay: nothing watches the folder.
 /// Any thread may use it.
 class QNTemplateManager final {
@@ -55,6 +55,8 @@ class QNTemplateManager final {
  private:
   QNTemplateManager() = default;
   [[nodiscard]] std::shared_ptr<const Registry> registry() const;
+  static std::shared_ptr<const Registry> frameworkRegistry();
+  static std::shared_ptr<const Registry> registryOfDirectory(const std::filesystem::path& path);
 
   mutable std::mutex _mutex;  // guards the pointer; what it points to never changes
   std::shared_ptr<const Registry> _registry;

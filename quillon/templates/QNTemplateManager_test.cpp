@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <thread>
+
 #include "quillon/platform/files/QNResources.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/templates/internal/QNTestCategories.h"
@@ -218,6 +220,29 @@ TEST_F(QNTemplateManagerTest, ReadsTheFileAfreshForTheText) {
                       "' with bytes '{': MRErrorDomain 114",
                   "Failed to load template '" + path.string() + "': No such file or directory"));
   EXPECT_THAT(sink.texts(MRLogKind::error), ElementsAre("Failed to get data for templateAttrs"));
+}
+
+TEST_F(QNTemplateManagerTest, IsOneForAllThreads) {
+  constexpr int kThreads = 4;
+  std::vector<std::shared_ptr<QNTemplate>> found(kThreads);
+  std::vector<std::string> titles(kThreads);
+  std::vector<const JsonObject*> definitions(kThreads);
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) {
+    threads.emplace_back([&, i] {
+      found[i] = manager.findTemplateWithUUID("101");
+      titles[i] = found[i]->localizedStringForKey("bankName");
+      definitions[i] = found[i]->definitionForFieldIdentifier("bankName");
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+
+  for (int i = 0; i < kThreads; ++i) {
+    EXPECT_EQ(found[i], manager.findTemplateWithUUID("101"));
+    EXPECT_EQ(titles[i], titles[0]);
+    EXPECT_EQ(definitions[i], definitions[0]);
+  }
+  EXPECT_NE(definitions[0], nullptr);
 }
 
 }  // namespace

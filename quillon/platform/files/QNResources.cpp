@@ -29,6 +29,11 @@ const std::filesystem::path& resourceFolder() {
   return folder;
 }
 
+std::filesystem::path resourcePath(std::string_view name) {
+  // A relative path would be one in the folder that the process happens to stand in.
+  return resourceFolder().empty() ? std::filesystem::path() : resourceFolder() / name;
+}
+
 std::optional<std::string> fileContent(const std::filesystem::path& path, std::size_t limit) {
   std::error_code failed;
   const auto size = std::filesystem::file_size(path, failed);

@@ -25,7 +25,7 @@ bool isFileName(std::string_view name) {
 }
 
 std::shared_ptr<const QNImage> imageOfFile(std::string_view name) {
-  const auto path = resourceFolder() / "Icons" / (std::string(name) + ".svg");
+  const auto path = resourcePath("Icons/" + std::string(name) + ".svg");
   const auto content = fileContent(path, kMaxSVGBytes);
   return content ? QNImage::imageWithData(bytesOf(*content)) : nullptr;
 }

@@ -44,7 +44,7 @@ const QNLocalization::Table* QNLocalization::knownTable(const std::string& langu
 
 QNLocalization::Strings QNLocalization::stringsOfLanguage(const std::string& language) {
   if (!isLanguageTag(language)) return {};
-  const auto path = resourceFolder() / "Locales" / (language + ".lproj") / "Localizable.strings";
+  const auto path = resourcePath("Locales/" + language + ".lproj/Localizable.strings");
   const auto text = fileContent(path, kMaxTableBytes);
   return text ? readStrings(*text) : Strings();
 }

@@ -33,6 +33,8 @@ class QNTestServerProfile final : public QNServerProfile,
   void setFails(bool fails) { _fails = fails; }
   void setPermissions(std::uint64_t mask) { _permissions = mask; }
   void setFeatures(std::set<std::uint32_t> features) { _features = std::move(features); }
+  /// For every category.
+  void setTemplate(std::shared_ptr<QNTemplate> known) { _template = std::move(known); }
   void setSuspended(bool suspended) { _suspended = suspended; }
   /// Successful calls so far, by any way.
   [[nodiscard]] std::uint64_t numberOfSealings() const { return _sealings; }
@@ -201,7 +203,7 @@ class QNTestServerProfile final : public QNServerProfile,
   }
   [[nodiscard]] std::shared_ptr<QNTemplate> templateForCategoryUUID(
       std::optional<std::string_view> /*uuid*/) const override {
-    return nullptr;
+    return _template;
   }
   [[nodiscard]] std::vector<std::shared_ptr<QNTemplate>> allTemplates() const override {
     return {};
@@ -216,6 +218,7 @@ class QNTestServerProfile final : public QNServerProfile,
   }
 
   QNAESKeyRef _key = QNAESKey::initWithRandomKey();
+  std::shared_ptr<QNTemplate> _template;
   std::uint64_t _oid;
   std::uint64_t _profileType = kProfileTypeAccountVault;
   std::string _vaultType = "U";
