@@ -1128,6 +1128,13 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
         self.assertEqual(self.complete("quillon", "import", "exp"), ["export.csv"])
         self.assertEqual(self.complete("quillon", "completion", "f"), ["fish"])
 
+    def test_pictures_cost_nothing_at_start(self):
+        self.environment["LD_DEBUG"] = "files"
+        loaded = self.run_raw("--version").err
+        self.assertIn("libsodium", loaded)  # so the list is one
+        for name in ("quillon_images", "cairo", "rsvg", "jpeg"):
+            self.assertNotIn(name, loaded)
+
     def test_help_and_version_need_no_store(self):
         self.assertRegex(self.run_raw("--version").out, r"^quillon \d+\.\d+\.\d+\n$")
         for command in COMMANDS:

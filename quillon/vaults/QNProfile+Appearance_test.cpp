@@ -1,57 +1,241 @@
+#include <fmt/format.h>
+
+#include "quillon/platform/images/QNImageOperations.h"
+#include "quillon/platform/images/internal/QNTestPictures.h"
 #include "quillon/vaults/internal/QNVaultTesting.h"
 
 namespace quillon {
 namespace {
 
-Bytes pngOfSize(std::size_t size) {
-  Bytes bytes{0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
-  bytes.resize(size, 0);
-  return bytes;
-}
-
 std::shared_ptr<QNProfile> cleanVault() {
   return QNProfile::initExistingWithID(5);
 }
 
-// Icon
+// Icon. Pictures of noise stay as large as they must be.
 
-TEST(QNProfileAppearance, KeepsAnIconAsItIsEncoded) {
-  const auto vault = cleanVault();
+constexpr std::size_t kLimit = 49152;
+constexpr std::uint32_t kRed = 0xffff0000;
 
-  vault->setCustomIcon(QNImage::imageWithData(pngOfSize(49152)));
-
-  EXPECT_EQ(vault->iconData(), pngOfSize(49152));
-  EXPECT_EQ(toBytes(vault->customIcon()->data()), pngOfSize(49152));
-  EXPECT_TRUE(vault->dirtyRow());
+std::shared_ptr<const QNImage> picture(std::uint32_t width, std::uint32_t height,
+                                       const QNTestColor& color = harshNoise()) {
+  return QNImage::imageWithData(pngOf(width, height, color));
 }
 
-TEST(QNProfileAppearance, RefusesAnIconThatIsTooLarge) {
+std::shared_ptr<const QNImage> plainPicture(std::uint32_t width, std::uint32_t height) {
+  return QNImage::imageWithData(pngOf(width, height, kRed));
+}
+
+/// What a vault makes of a picture, and reports meanwhile.
+struct Outcome {
+  std::optional<Bytes> data;
+  std::vector<std::string> errors;
+  bool dirty;
+};
+
+const Bytes kOldIcon = pngOf(1, 1, kRed);
+
+/// Of a vault that has kOldIcon before.
+Outcome outcomeOf(const std::shared_ptr<const QNImage>& icon) {
   const auto vault = cleanVault();
-  vault->setIconData(pngOfSize(100));
+  vault->setIconData(kOldIcon);
   const MRCapturingSink sink;
+  vault->setCustomIcon(icon);
+  return {vault->iconData(), sink.texts(MRLogKind::error), vault->dirtyRow()};
+}
 
-  vault->setCustomIcon(QNImage::imageWithData(pngOfSize(49153)));
+QNSize pixelsOf(const std::optional<Bytes>& data) {
+  const auto image = data ? QNImage::imageWithData(*data) : nullptr;
+  if (image == nullptr) return {};
+  return {static_cast<double>(image->pixelWidth()), static_cast<double>(image->pixelHeight())};
+}
 
-  EXPECT_EQ(sink.texts(MRLogKind::error),
-            std::vector<std::string>{
-                "Failed to set custom icon, JPEG data is too large: 49153 bytes. Giving up"});
-  EXPECT_EQ(vault->iconData(), pngOfSize(100));
-  EXPECT_FALSE(vault->dirtyRow());
+QNImageFormat formatOf(const std::optional<Bytes>& data) {
+  const auto image = data ? QNImage::imageWithData(*data) : nullptr;
+  return image != nullptr ? image->source().format : QNImageFormat::svg;
+}
+
+std::string text(const char* format, std::size_t bytes, std::size_t more = 0) {
+  return fmt::format(fmt::runtime(format), bytes, more);
+}
+constexpr const char* kTriesJPEG =
+    "Failed to set custom vault icon as PNG, data is too large: {} bytes. Trying JPEG: {} bytes.";
+constexpr const char* kTriesAgain =
+    "Failed to set custom icon, JPEG data is too large: {} bytes. Will try again with less quality";
+constexpr const char* kGivesUp =
+    "Failed to set custom icon, JPEG data is too large: {} bytes. Giving up";
+
+/// Lengths that the steps go through, for a square picture of up to 300 by 300.
+struct Lengths {
+  explicit Lengths(const std::shared_ptr<const QNImage>& icon)
+      : png(QNImagePNGRepresentation(icon).value().size()),
+        jpeg(QNImageJPGRepresentation(icon, 0.4f).value().size()),
+        lesserJPEG(QNImageJPGRepresentation(icon, 0.32f).value().size()) {}
+  std::size_t png, jpeg, lesserJPEG;
+};
+
+TEST(QNProfileAppearance, TheLimitForIconsOfItemsIsAnother) {
+  EXPECT_EQ(kMaxCustomQN4IconSize, 32768);
+}
+
+TEST(QNProfileAppearance, AnIconIsKeptAsPNG) {
+  const auto outcome = outcomeOf(picture(40, 30));
+
+  EXPECT_EQ(formatOf(outcome.data), QNImageFormat::png);
+  EXPECT_EQ(pixelsOf(outcome.data), (QNSize{40, 30}));
+  EXPECT_TRUE(outcome.errors.empty());
+  EXPECT_TRUE(outcome.dirty);
+}
+
+TEST(QNProfileAppearance, AnIconIsReadAsAnImage) {
+  const auto vault = cleanVault();
+
+  vault->setCustomIcon(plainPicture(40, 30));
+
+  ASSERT_NE(vault->customIcon(), nullptr);
+  EXPECT_EQ(toBytes(vault->customIcon()->data()), vault->iconData());
+  EXPECT_EQ(vault->customIcon()->size(), (QNSize{40, 30}));
+}
+
+TEST(QNProfileAppearance, ASmallSquareIconIsntBlownUp) {
+  EXPECT_EQ(pixelsOf(outcomeOf(plainPicture(64, 64)).data), (QNSize{64, 64}));
+  EXPECT_EQ(pixelsOf(outcomeOf(plainPicture(299, 299)).data), (QNSize{299, 299}));
+}
+
+TEST(QNProfileAppearance, ALargeSquareIconIsBroughtTo300) {
+  EXPECT_EQ(pixelsOf(outcomeOf(plainPicture(301, 301)).data), (QNSize{300, 300}));
+  EXPECT_EQ(pixelsOf(outcomeOf(plainPicture(1200, 1200)).data), (QNSize{300, 300}));
+}
+
+TEST(QNProfileAppearance, ASquareIsToldByPointsAndNotByPixels) {
+  // 600 by 300 pixels, shown as a square of 20 points: its size becomes 300 by 300.
+  const auto icon = plainPicture(600, 300)->imageWithSize({20, 20});
+
+  EXPECT_EQ(pixelsOf(outcomeOf(icon).data), (QNSize{300, 150}));
+}
+
+TEST(QNProfileAppearance, ALargeIconOfAnotherShapeKeepsIt) {
+  EXPECT_EQ(pixelsOf(outcomeOf(plainPicture(600, 400)).data), (QNSize{300, 200}));
+  EXPECT_EQ(pixelsOf(outcomeOf(plainPicture(400, 600)).data), (QNSize{200, 300}));
+  EXPECT_EQ(pixelsOf(outcomeOf(plainPicture(301, 10)).data), (QNSize{300, 10}));
+}
+
+TEST(QNProfileAppearance, AnIconOf300OrLessIsntScaled) {
+  for (const auto& icon : {picture(300, 200), picture(10, 300), plainPicture(300, 300)}) {
+    EXPECT_EQ(QNProfile::downscaleCustomIcon(icon), icon);
+  }
+  EXPECT_EQ(QNProfile::downscaleCustomIcon(nullptr), nullptr);
+}
+
+TEST(QNProfileAppearance, AnIconOfMoreThan300IsScaled) {
+  const auto wide = QNProfile::downscaleCustomIcon(plainPicture(301, 10));
+  ASSERT_NE(wide, nullptr);
+  EXPECT_EQ(wide->size(), (QNSize{300, 10}));
+
+  const auto high = QNProfile::downscaleCustomIcon(plainPicture(10, 301));
+  ASSERT_NE(high, nullptr);
+  EXPECT_EQ(high->size(), (QNSize{10, 300}));
+}
+
+TEST(QNProfileAppearance, AnSVGIconIsDrawn) {
+  const auto icon = QNImage::imageWithData(
+      bytesOf("<svg xmlns='http://www.w3.org/2000/svg' width='16' height='16'/>"));
+  ASSERT_NE(icon, nullptr);
+
+  const auto outcome = outcomeOf(icon);
+
+  EXPECT_EQ(formatOf(outcome.data), QNImageFormat::png);
+  EXPECT_EQ(pixelsOf(outcome.data), (QNSize{300, 300}));
+}
+
+TEST(QNProfileAppearance, AnIconThatIsTooLongAsPNGBecomesAJPEG) {
+  const auto icon = picture(300, 300, noise(0x7f7f7f));
+  const Lengths lengths(icon);
+  ASSERT_GT(lengths.png, kLimit);
+  ASSERT_LE(lengths.jpeg, kLimit);
+
+  const auto outcome = outcomeOf(icon);
+
+  EXPECT_EQ(outcome.errors, std::vector<std::string>{text(kTriesJPEG, lengths.png, lengths.jpeg)});
+  EXPECT_EQ(outcome.data, QNImageJPGRepresentation(icon, 0.4f));
+  EXPECT_TRUE(outcome.dirty);
+}
+
+TEST(QNProfileAppearance, AJPEGThatIsTooLongLosesMore) {
+  const auto icon = picture(300, 300, noise());
+  const Lengths lengths(icon);
+  ASSERT_GT(lengths.png, kLimit);
+  ASSERT_GT(lengths.jpeg, kLimit);
+  ASSERT_LE(lengths.lesserJPEG, kLimit);
+
+  const auto outcome = outcomeOf(icon);
+
+  EXPECT_EQ(outcome.errors, (std::vector<std::string>{text(kTriesJPEG, lengths.png, lengths.jpeg),
+                                                      text(kTriesAgain, lengths.jpeg)}));
+  EXPECT_EQ(outcome.data, QNImageJPGRepresentation(icon, 0.32f));
+  EXPECT_TRUE(outcome.dirty);
+}
+
+TEST(QNProfileAppearance, AnIconThatStaysTooLongChangesNothing) {
+  const auto icon = picture(300, 300);
+  const Lengths lengths(icon);
+  ASSERT_GT(lengths.png, kLimit);
+  ASSERT_GT(lengths.lesserJPEG, kLimit);
+
+  const auto outcome = outcomeOf(icon);
+
+  EXPECT_EQ(outcome.errors, (std::vector<std::string>{text(kTriesJPEG, lengths.png, lengths.jpeg),
+                                                      text(kTriesAgain, lengths.jpeg),
+                                                      text(kGivesUp, lengths.lesserJPEG)}));
+  EXPECT_EQ(outcome.data, kOldIcon);
+  EXPECT_FALSE(outcome.dirty);
+}
+
+TEST(QNProfileAppearance, ThePNGIsPreferredUpToTheLimit) {
+  // The largest square of noise that still fits: the next one is tried as JPEG.
+  std::uint32_t side = 200, tooLarge = 300;
+  while (tooLarge - side > 1) {
+    const std::uint32_t middle = (side + tooLarge) / 2;
+    const auto png = QNImagePNGRepresentation(picture(middle, middle));
+    (png.value().size() <= kLimit ? side : tooLarge) = middle;
+  }
+  ASSERT_GT(side, 200u);
+
+  const auto fits = outcomeOf(picture(side, side));
+  EXPECT_EQ(formatOf(fits.data), QNImageFormat::png);
+  EXPECT_TRUE(fits.errors.empty());
+
+  const auto icon = picture(side + 1, side + 1);
+  const Lengths lengths(icon);
+  const auto errors = outcomeOf(icon).errors;
+  ASSERT_FALSE(errors.empty());
+  EXPECT_EQ(errors[0], text(kTriesJPEG, lengths.png, lengths.jpeg));
 }
 
 TEST(QNProfileAppearance, AnAbsentIconClearsAndDirties) {
-  const auto vault = cleanVault();
-  vault->setIconData(pngOfSize(100));
+  const auto outcome = outcomeOf(nullptr);
 
-  vault->setCustomIcon(nullptr);
+  EXPECT_EQ(outcome.data, std::nullopt);
+  EXPECT_TRUE(outcome.dirty);
+}
 
-  EXPECT_EQ(vault->iconData(), std::nullopt);
-  EXPECT_EQ(vault->customIcon(), nullptr);
-  EXPECT_TRUE(vault->dirtyRow());
+TEST(QNProfileAppearance, AnIconThatCantBeDrawnChangesNothing) {
+  const Bytes whole = pngOf(64, 64, harshNoise());
+  for (const auto& icon : {QNImage::imageWithData(ByteView(whole).first(whole.size() / 2)),
+                           QNImage::imageWithData(pngBeginning(100'000, 100'000)),
+                           QNImage::imageWithData(pngBeginning(100'000, 90'000))}) {
+    ASSERT_NE(icon, nullptr);
+
+    const auto outcome = outcomeOf(icon);
+
+    EXPECT_EQ(outcome.errors.size(), 1u);
+    EXPECT_EQ(outcome.data, kOldIcon);
+    EXPECT_FALSE(outcome.dirty);
+  }
 }
 
 TEST(QNProfileAppearance, MakesNoIconOfForeignData) {
   const auto vault = cleanVault();
+  EXPECT_EQ(vault->customIcon(), nullptr);
 
   vault->setIconData(Bytes{1, 2, 3});
 

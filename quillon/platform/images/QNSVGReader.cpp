@@ -1,12 +1,11 @@
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
-#include <limits>
 #include <string>
+#include <vector>
 
 #include "quillon/platform/images/internal/QNImageHeader.h"
-#include "quillon/platform/text/QNASCII.h"
+#include "quillon/platform/images/internal/QNSVGNumbers.h"
 
 // Reads an SVG from end to end for its size, and refuses it unless it is plain shapes: the drawing
 // library would follow references, apply filters and repeat elements for as long as a file asks it
@@ -20,6 +19,8 @@
 namespace quillon {
 namespace {
 
+using namespace svg;
+
 /// Elements within elements; a translucent group costs a layer of all pixels.
 constexpr std::size_t kMaxDepth = 16;
 /// Colours of all gradients together.
@@ -27,7 +28,6 @@ constexpr std::size_t kMaxStops = 256;
 /// Longest side that a file may claim, in pixels.
 constexpr double kMaxClaimedSide = 1e9;
 
-constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kSVGNamespace = "http://www.w3.org/2000/svg";
 
 constexpr std::array<std::string_view, 16> kElements{
@@ -49,64 +49,6 @@ bool isOneOf(std::string_view word, const std::array<std::string_view, N>& words
   return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-std::string lowercase(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(), lowercaseASCII);
-  return lower;
-}
-
-/// The number at the beginning of a text, which then begins behind it.
-std::optional<double> takeNumber(std::string_view& text) {
-  if (text.starts_with('+')) text.remove_prefix(1);
-  double number = 0;
-  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (read.ec != std::errc() || !std::isfinite(number)) return std::nullopt;
-  text.remove_prefix(static_cast<std::size_t>(read.ptr - text.data()));
-  return number;
-}
-
-/// Pixels of a length with an absolute unit or none, at 96 to the inch; nothing for others.
-std::optional<double> pixelsOf(std::string_view length) {
-  struct Unit {
-    std::string_view name;
-    double pixels;
-  };
-  constexpr std::array<Unit, 8> units{{{"", 1},
-                                       {"px", 1},
-                                       {"pt", 96.0 / 72},
-                                       {"pc", 16},
-                                       {"in", 96},
-                                       {"cm", 96 / 2.54},
-                                       {"mm", 96 / 25.4},
-                                       {"Q", 96 / 101.6}}};
-  length = trimmed(length);
-  const auto number = takeNumber(length);
-  if (!number) return std::nullopt;
-  for (const Unit& unit : units) {
-    if (length == unit.name) return *number * unit.pixels;
-  }
-  return std::nullopt;
-}
-
-/// Width and height of a view box, both above zero.
-std::optional<QNSize> sizeOfViewBox(std::string_view text) {
-  std::array<double, 4> numbers{};
-  for (double& number : numbers) {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n,"), text.size()));
-    const auto read = takeNumber(text);
-    if (!read) return std::nullopt;
-    number = *read;
-  }
-  if (!trimmed(text).empty() || !(numbers[2] > 0) || !(numbers[3] > 0)) return std::nullopt;
-  return QNSize{numbers[2], numbers[3]};
-}
-
 /// May a value be drawn with? It may refer to what has a name in the same file, and mustn't be
 /// written so that we read another value than the drawing library does.
 bool isPlainValue(std::string_view value) {
@@ -123,57 +65,19 @@ bool isPlainValue(std::string_view value) {
   return true;
 }
 
-/// How many numbers a text holds, and the largest without its sign: infinity for one that can't be
-/// told. Whatever its unit, it is no more than an inch.
-struct Measures {
-  double count = 0, largest = 0;
-  void read(std::string_view text, bool withUnits);
-};
-
-void Measures::read(std::string_view text, bool withUnits) {
-  while (true) {
-    text.remove_prefix(std::min(text.find_first_of("0123456789."), text.size()));
-    if (text.empty()) return;
-    const auto number = takeNumber(text);
-    if (!number) {
-      largest = std::numeric_limits<double>::infinity();
-      return;
-    }
-    const bool inUnits = withUnits && !text.empty() && text[0] != '%' && !text.starts_with("px");
-    ++count;
-    largest = std::max(largest, inUnits ? *number * 96 : *number);
-  }
-}
-
-/// By how much a transformation may enlarge; infinity where that can't be told.
-double growthOf(std::string_view transform) {
-  double growth = 1;
-  while (true) {
-    const std::size_t opening = transform.find('(');
-    if (opening == std::string_view::npos) return growth;
-    const std::string name = lowercase(transform.substr(0, opening));
-    const std::size_t closing = std::min(transform.find(')', opening), transform.size());
-    std::string_view rest = transform.substr(opening, closing - opening);
-    transform.remove_prefix(closing);
-    double squares = 0;
-    // The first four numbers of a matrix; the others only move.
-    for (int i = 0; i < 4; ++i) {
-      rest.remove_prefix(std::min(rest.find_first_of("0123456789.-"), rest.size()));
-      if (rest.empty()) break;
-      const auto number = takeNumber(rest);
-      if (!number) return std::numeric_limits<double>::infinity();
-      squares += *number * *number;
-    }
-    if (name.find("skew") != std::string::npos) return std::numeric_limits<double>::infinity();
-    if (name.find("translate") == std::string::npos && name.find("rotate") == std::string::npos) {
-      growth *= std::sqrt(squares);
-    }
-  }
-}
-
 struct Attribute {
   std::string_view name, value;
 };
+
+struct Name {
+  std::string_view prefix, local;
+};
+
+Name partsOf(std::string_view name) {
+  const std::size_t colon = name.find(':');
+  if (colon == std::string_view::npos) return {{}, name};
+  return {name.substr(0, colon), name.substr(colon + 1)};
+}
 
 /// One pass over the text. The first thing to refuse ends it.
 class SVGReader final {
@@ -195,6 +99,7 @@ class SVGReader final {
   bool checkNamespace(const Attribute& attribute);
   bool checkStyle(std::string_view style);
   bool checkProperty(std::string_view name, std::string_view value);
+  [[nodiscard]] bool isInert(std::string_view prefix) const;
   void noteSize(const Attribute& attribute);
   bool skipBehind(std::string_view end);
   std::string_view takeName();
@@ -205,9 +110,10 @@ class SVGReader final {
   QNResult<QNImageHeader> header() const;
 
   std::string_view _rest;
+  std::vector<std::string_view> _prefixes;  // of others' namespaces, by the outermost element
   const char* _fault = nullptr;
   std::size_t _depth = 0, _elements = 0, _stops = 0;
-  Measures _element;                               // of the element that is being read
+  QNSVGMeasures _element;                          // of the element that is being read
   std::optional<double> _transform;                // by how much its own one enlarges
   std::array<double, kMaxDepth + 1> _growth{{1}};  // of all transformations, by depth
   double _numbers = 0, _reach = 0;                 // of all elements; the largest, transformed
@@ -293,16 +199,14 @@ bool SVGReader::checkElement(std::string_view element) {
   if (element.empty()) return refuse("an SVG of broken tags");
   const bool outermost = _elements++ == 0;
   if (!outermost && _depth == 0) return refuse("an SVG with something behind it");
-  const std::size_t colon = element.find(':');
-  // Elements of other namespaces aren't drawn. checkNamespace() keeps SVG's own from hiding there.
-  if (!outermost && colon != std::string_view::npos && element.substr(0, colon) != "svg")
-    return true;
-  if (element.starts_with("svg:")) element.remove_prefix(4);
-  if (outermost != (element == "svg")) {
+  const auto [prefix, local] = partsOf(element);
+  if (!outermost && isInert(prefix)) return true;
+  if (outermost && !prefix.empty() && prefix != "svg") return refuse("its text is no SVG");
+  if (outermost != (local == "svg")) {
     return refuse(outermost ? "its text is no SVG" : "an SVG within an SVG");
   }
-  if (!isOneOf(element, kElements)) return refuse("an SVG that is more than plain shapes");
-  if (element == "stop" && ++_stops > kMaxStops) return refuse("an SVG of too many colours");
+  if (!isOneOf(local, kElements)) return refuse("an SVG that is more than plain shapes");
+  if (local == "stop" && ++_stops > kMaxStops) return refuse("an SVG of too many colours");
   return true;
 }
 
@@ -338,15 +242,13 @@ bool SVGReader::readAttribute(Attribute& attribute) {
 
 bool SVGReader::checkAttribute(const Attribute& attribute) {
   const auto& [full, value] = attribute;
-  if (full.starts_with("xmlns")) return checkNamespace(attribute);
-  const std::size_t colon = full.find(':');
-  const bool foreign = colon != std::string_view::npos;
-  const std::string_view name = foreign ? full.substr(colon + 1) : full;
+  if (full == "xmlns" || full.starts_with("xmlns:")) return checkNamespace(attribute);
+  const auto [prefix, name] = partsOf(full);
   // Whatever their prefix means: a reference, and what references are relative to.
   if (name == "base" || (name == "href" && !value.starts_with('#'))) {
     return refuse("an SVG that refers to other files");
   }
-  if (foreign) return true;
+  if (isInert(prefix)) return true;
   if (name.starts_with("on")) return refuse("an SVG with a script");
   if (!isPlainValue(value)) return refuse("an SVG with values that aren't plain");
   return name == "style" ? checkStyle(value) : checkProperty(name, value);
@@ -380,10 +282,18 @@ bool SVGReader::checkProperty(std::string_view name, std::string_view value) {
 bool SVGReader::checkNamespace(const Attribute& attribute) {
   const auto& [name, value] = attribute;
   const bool own = value == kSVGNamespace;
-  const bool plain = value.find('&') == std::string_view::npos;
+  const bool plain = !value.empty() && value.find('&') == std::string_view::npos;
   const bool mayBeOwn = name == "xmlns" || name == "xmlns:svg";
-  if (plain && own == mayBeOwn) return true;
-  return refuse("an SVG with namespaces that aren't plain");
+  if (!plain || own != mayBeOwn) return refuse("an SVG with namespaces that aren't plain");
+  if (_elements == 1 && !mayBeOwn) _prefixes.push_back(partsOf(name).local);
+  return true;
+}
+
+// What another namespace has isn't drawn. But the drawing library takes a prefix that isn't
+// declared for SVG's own; so only those count that the outermost element has declared by then.
+bool SVGReader::isInert(std::string_view prefix) const {
+  return prefix == "xml" ||
+         std::find(_prefixes.begin(), _prefixes.end(), prefix) != _prefixes.end();
 }
 
 void SVGReader::noteSize(const Attribute& attribute) {

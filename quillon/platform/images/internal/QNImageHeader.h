@@ -8,7 +8,7 @@
 namespace quillon {
 
 /// What an encoded picture tells without being decoded. Foreign bytes: everything is checked, in
-/// one pass and without memory of its own.
+/// one pass.
 struct QNImageHeader {
   QNSize size;  // in pixels, both above zero
   double fillsPerPixel = 1, edges = 0;

@@ -1,6 +1,7 @@
 #pragma once
 // For tests: pictures made byte by byte, so that they don't depend on what is tested.
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -16,11 +17,18 @@ inline void appendBigEndian(Bytes& bytes, std::uint32_t number) {
 }
 
 inline std::uint32_t crc32Of(ByteView bytes) {
+  static const auto table = [] {
+    std::array<std::uint32_t, 256> sums{};
+    for (std::uint32_t i = 0; i < 256; ++i) {
+      sums[i] = i;
+      for (int bit = 0; bit < 8; ++bit) {
+        sums[i] = (sums[i] >> 1) ^ ((sums[i] & 1) != 0 ? 0xedb88320u : 0u);
+      }
+    }
+    return sums;
+  }();
   std::uint32_t crc = 0xffffffffu;
-  for (const std::uint8_t byte : bytes) {
-    crc ^= byte;
-    for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1) ^ ((crc & 1) != 0 ? 0xedb88320u : 0u);
-  }
+  for (const std::uint8_t byte : bytes) crc = table[(crc ^ byte) & 255] ^ (crc >> 8);
   return ~crc;
 }
 
@@ -61,8 +69,8 @@ inline Bytes pngBeginning(std::uint32_t width, std::uint32_t height) {
   Bytes header;
   appendBigEndian(header, width);
   appendBigEndian(header, height);
-  for (const std::uint8_t byte : {8, 6, 0, 0, 0})
-    header.push_back(byte);  // red, green, blue, alpha
+  const Bytes form{8, 6, 0, 0, 0};  // red, green, blue, alpha, of 8 bits each
+  header.insert(header.end(), form.begin(), form.end());
   appendChunk(png, "IHDR", header);
   return png;
 }
