@@ -124,20 +124,22 @@ void QNItem::copyOidFrom(const std::shared_ptr<QNDatabaseObject>& other) {
   if (other == nullptr || oid() == other->oid()) return;
   _setOid(other->oid());
   markRowDirty();
-  // Details that are still sealed open under the present key alone.
-  if (detailsLoaded()) mutableDetails();
   const auto item = std::dynamic_pointer_cast<QNItem>(other);
   if (item == nullptr || item->isTombstone()) return;
   if (profileType() != kProfileTypeLocalVault && item->profileType() != kProfileTypeLocalVault) {
     return;
   }
-  if (auto theirs = item->key()) {
-    setKey(std::move(theirs));
-  } else {
+  auto theirs = item->key();
+  if (theirs == nullptr) {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
                                        "Unexpected encryption key for item <{}>.",
                                        uuidForLogging(item->uuid()));
+    return;
   }
+  // Details that are still sealed open under the present key alone: without them it must stay.
+  const bool isSealed = profileType() == kProfileTypeLocalVault && detailsLoaded() && detailsData();
+  if (isSealed && mutableDetails() == nullptr) return;
+  setKey(std::move(theirs));
 }
 
 }  // namespace quillon

@@ -585,5 +585,43 @@ TEST(QNItemEncryption, ASaveOfAnAccountItemWithoutLoadedDetailsKeepsTheirStoredF
   EXPECT_EQ(opened(*item, vault)->notesPlain(), "the notes");
 }
 
+TEST(QNItemEncryption, CopyingARowKeepsTheKeyOfDetailsThatDontOpen) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->setNotesPlain("the notes");
+  save(*row);
+  const auto item = opened(*row, vault);
+  const auto other = newItem(vault);
+  other->_setOid(12);
+  const Bytes master(vault->masterKey()->begin(), vault->masterKey()->end());
+  vault->lock();
+
+  item->copyOidFrom(other);
+
+  EXPECT_EQ(item->oid(), 12u);
+  vault->setMasterKey(master);
+  EXPECT_EQ(item->notesPlain(), "the notes");
+}
+
+TEST(QNItemEncryption, CopyingARowWithoutAKeyOpensNothing) {
+  const auto vault = accountVault();
+  const auto row = newItem(vault);
+  row->setNotesPlain("the notes");
+  save(*row);
+  const auto item = opened(*row, vault);
+  const auto other = newItem(vault);
+  other->_setOid(12);
+  item->didSave();
+  item->markLoadingDetails();
+  item->markDetailsLoaded();
+  vault->setLocked(true);
+  const auto before = vault->numberOfOpenings();
+
+  item->copyOidFrom(other);
+
+  EXPECT_EQ(item->oid(), 12u);
+  EXPECT_EQ(vault->numberOfOpenings(), before);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -89,8 +89,12 @@ void QNItem::setURLString(std::optional<std::string_view> url) {
 void QNItem::addURL(const std::shared_ptr<QNItemURL>& url) {
   if (url == nullptr || !URLsAreAvailable()) return;
   auto& urls = mutableURLs();
-  if (std::find(urls.begin(), urls.end(), url) != urls.end()) return;
   const auto self = weak_from_this().lock();
+  if (std::find(urls.begin(), urls.end(), url) != urls.end()) {
+    url->setItem(self);
+    url->setProfile(profile());
+    return;
+  }
   if (self == nullptr) {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
                                        "An item with URLs is made with std::make_shared");

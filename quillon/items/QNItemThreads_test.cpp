@@ -36,6 +36,8 @@ void readBesideSaves(const std::shared_ptr<QNGenericProfile>& vault) {
       wrong += item->nakedDomain() != "a.example";
       wrong += item->passwordStrength() < 0;
       wrong += item->lastPasswordChange() == 0;
+      wrong += item->derivedDomain() != "www.a.example";
+      wrong += item->URLString() != "https://www.a.example";
       wrong += item->containsPasswordValue("no such password");
     }
   };

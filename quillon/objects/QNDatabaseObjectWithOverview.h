@@ -29,7 +29,8 @@ class QNDatabaseObjectWithOverview : public QNDatabaseObject {
   std::optional<std::string_view> overviewTextForKey(std::string_view key);
 
   /// The object's recursive lock. For whoever looks at what an object hands out by pointer while
-  /// another thread may change it; nothing that takes another object's lock belongs inside.
+  /// another thread may change it. Order: an item before its URLs, and nothing else inside; a
+  /// URL's own monitor must not be held when it is asked about its item.
   std::recursive_mutex& monitor() const { return _monitor; }
 
   // Writing

@@ -53,8 +53,13 @@ TEST(QNCategoryIcons, FallBackOnTheListIconUnmarked) {
 }
 
 TEST(QNCategoryIcons, WithoutAnIdentifierAreThoseOfAllItems) {
-  EXPECT_TRUE(
-      isPictureNamed(category(std::nullopt, std::nullopt)->listIcon(), "type-allitems-list"));
+  const auto all = category(std::nullopt, std::nullopt);
+  EXPECT_TRUE(isPictureNamed(all->menuIcon(), "type-generic-source"));
+
+  EXPECT_TRUE(isPictureNamed(all->listIcon(), "type-allitems-list"));
+
+  EXPECT_EQ(all->listIconName(), "type-allitems-list");
+  EXPECT_TRUE(isPictureNamed(all->menuIcon(), "type-allitems-source"));
 }
 
 TEST(QNCategoryIcons, WithAnIdentifierAndNoNameAreNone) {
@@ -99,6 +104,33 @@ TEST(H9CategoryIcons, AreTemplatesAlsoWhereTheListIconStandsIn) {
   EXPECT_TRUE(sidebar->isTemplate());
   EXPECT_TRUE(card->menuIcon()->isTemplate());
   EXPECT_FALSE(card->listIcon()->isTemplate());
+}
+
+TEST(QNCategoryIcons, OfAMenuFallBackOnTheListIconToo) {
+  const auto odd = category("001", "sidebar-login");  // it derives its own name
+
+  EXPECT_TRUE(isPictureNamed(odd->menuIcon(), "sidebar-login"));
+  const auto none = category("001", std::nullopt);
+  EXPECT_TRUE(isPictureNamed(none->menuIcon(), "type-generic-source"));
+  EXPECT_TRUE(isPictureNamed(none->touchBarIcon(), "type-allitems-dark-color"));
+  EXPECT_FALSE(none->touchBarIcon()->isTemplate());
+}
+
+TEST(H9CategoryIcons, OfDetailsFallBackOnTheListIcon) {
+  const QNScopedTemplates templates{
+      R"({"uuid":"101","icons":{"list":"type-server-list","detail":"no-such-picture"}})"};
+
+  EXPECT_TRUE(
+      isPictureNamed(H9Category::initAdHocWithUUID("101")->detailIcon(), "type-server-list"));
+}
+
+TEST(H9CategoryIcons, OfATouchBarAreTemplates) {
+  const QNScopedTemplates templates{R"({"uuid":"002","icons":{"list":"type-visa-list"}})"};
+
+  EXPECT_TRUE(H9Category::initAdHocWithUUID("001")->touchBarIcon()->isTemplate());
+  const auto fallback = H9Category::initAdHocWithUUID("002")->touchBarIcon();
+  EXPECT_TRUE(isPictureNamed(fallback, "type-visa-list"));
+  EXPECT_TRUE(fallback->isTemplate());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "quillon/platform/archive/QNKeyedArchiver.h"
+#include "quillon/templates/H9Category.h"
 #include "quillon/templates/QNPlaceholderCategory.h"
 #include "quillon/templates/internal/QNTestCategories.h"
 
@@ -318,16 +319,25 @@ TEST(QNCategory, AnArchiveHasOtherKeysForTheNamesThanARow) {
 }
 
 TEST(QNCategory, IsNeverAModifiedCopyByItsClassAlone) {
+  const auto account = H9Category::initAdHocWithUUID("110");
   QNCategory category(initNew);
-  category.setSingularName("Server");
-  category.setPluralName("Servers");
-  QNTestCategory other("110", "Server");
-  other.itsPluralName = "Servers";
+  category.setSingularName(account->singularName());
+  category.setPluralName(account->pluralName());
 
-  EXPECT_FALSE(category.isModifiedCopyOf(other));
-  other.itsNumberOfItems = 1;
+  EXPECT_FALSE(category.isModifiedCopyOf(*account));
+  account->setNumberOfItems(1);
 
-  EXPECT_TRUE(category.isModifiedCopyOf(other));
+  EXPECT_TRUE(category.isModifiedCopyOf(*account));
+}
+
+TEST(QNCategory, WithAnIdentifierDiffersFromOneWithout) {
+  QNCategory login(initNew);
+  login.setUuid("001");
+  const QNCategory nameless(initNew);
+
+  EXPECT_FALSE(login.isEqual(nameless));
+  EXPECT_FALSE(nameless.isEqual(login));
+  EXPECT_TRUE(nameless.description().ends_with("'(null)'"));
 }
 
 // Placeholders

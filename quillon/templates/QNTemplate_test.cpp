@@ -360,5 +360,12 @@ TEST(QNTemplate, TakesItsNamesFromTheServerUnlessItIsLocalized) {
   EXPECT_EQ(QNTemplate(&localized, &server).localizedPluralTitle(), "Ts");
 }
 
+TEST(QNTemplate, NamesItsInputTraitsForApplications) {
+  EXPECT_EQ(QNTemplateFieldInputTraitsPropertyKey, "inputTraits");
+  EXPECT_EQ(QNTemplateFieldKeyboardTypeInputTraitKey, "keyboard");
+  EXPECT_EQ(QNTemplateFieldAutocapitalizationTypeInputTraitKey, "autocapitalization");
+  EXPECT_EQ(QNTemplateFieldAutocorrectionTypeInputTraitKey, "autocorrection");
+}
+
 }  // namespace
 }  // namespace quillon

@@ -55,7 +55,7 @@ struct MRLogText {
 };
 
 /// Process-wide. Any thread may log; sinks are called on the logging thread, one at a time. The
-/// caller may hold an object's lock: a sink must not call into the library.
+/// caller may hold an object's lock: a sink may log, and must call nothing that takes such a lock.
 class MRLogger final {
  public:
   using Sink = std::function<void(const MRLogRecord&)>;
