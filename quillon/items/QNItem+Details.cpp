@@ -221,18 +221,21 @@ void QNItem::didParseDetails() {
 }
 
 std::optional<std::string> QNItem::notesPlain() {
+  const auto notes = notesSecret();
+  return notes ? std::optional<std::string>(notes->reveal()) : std::nullopt;
+}
+
+std::optional<QNSecret> QNItem::notesSecret() {
   const std::lock_guard lock(monitor());
   const JsonObject* const live = details();
   if (live == nullptr) return std::nullopt;
   const auto notes = mr_validStringValueForKey(*live, kDetailsNotesPlain);
-  return notes ? std::optional<std::string>(trimmedRight(*notes)) : std::nullopt;
+  return notes ? std::optional<QNSecret>(trimmedRightView(*notes)) : std::nullopt;
 }
 
 void QNItem::setNotesPlain(std::optional<std::string_view> notes) {
-  if (!notes) return setDetailsText(std::nullopt, kDetailsNotesPlain);
-  std::string cut = trimmedRight(*notes);
-  setDetailsText(notes->substr(0, cut.size()), kDetailsNotesPlain);
-  wipe(cut.data(), cut.size());
+  setDetailsText(notes ? std::optional(trimmedRightView(*notes)) : std::nullopt,
+                 kDetailsNotesPlain);
 }
 
 void QNItem::cleanseDetailsFieldsFromDetails(JsonObject& details) {

@@ -118,7 +118,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   /// The live bytes: hold monitor() while they are read, unless the item is one thread's.
   [[nodiscard]] const std::optional<Bytes>& detailsData() const;
   void decryptDetailsDataIfNeeded();
-  /// Without trailing white space. The copy is yours to wipe.
+  /// Without trailing white space. The copy is yours to wipe: notesSecret() wipes its own.
   [[nodiscard]] std::optional<std::string> notesPlain();
   void setNotesPlain(std::optional<std::string_view> notes);
   /// Takes care of JSON nulls and wrong types in details of an account vault.
@@ -390,6 +390,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
       const std::shared_ptr<QNDatabaseObject>& other) override;
 
  protected:
+  /// What notesPlain() gives.
+  [[nodiscard]] std::optional<QNSecret> notesSecret();
   /// For a new item: the sections that it starts with, none for nothing.
   void _setFieldSections(std::optional<FieldSections> sections);
   /// Runs after details were parsed, inside the lock.

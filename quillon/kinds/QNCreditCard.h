@@ -39,7 +39,8 @@ class QNCreditCard final : public QNItem {
   /// The label of the brand in the user's language; "" without one.
   [[nodiscard]] std::string localizedCreditCardType();
   /// The first and last four characters of a number of 11 characters or more, with stars between;
-  /// a shorter one whole. Reads from left to right in any language.
+  /// a shorter one whole, by design. Reads from left to right in any language. DANGER: it may be
+  /// the whole number, and it is the subtitle: the overview keeps it, which every list opens.
   [[nodiscard]] std::optional<std::string> maskedCreditCardNumber();
   /// The last four characters of a number of 11 or more.
   [[nodiscard]] std::optional<std::string> creditCardSuffixNumber();

@@ -123,6 +123,14 @@ TEST(QNCreditCard, NamesItsBrandInTheUsersLanguage) {
   EXPECT_EQ(made->localizedCreditCardType(), "unheard of");
 }
 
+TEST(QNCreditCard, WithoutTheSharedTemplateNamesItsBrandAsItIsStored) {
+  const auto made = card();
+  made->setStringFieldValue("mc", "type");
+  const QNScopedTemplates none;
+
+  EXPECT_EQ(made->localizedCreditCardType(), "mc");
+}
+
 TEST(QNCreditCard, FourBrandsHaveIcons) {
   const std::pair<std::string_view, std::string_view> brands[] = {
       {"visa", "visa"}, {"amex", "amex"}, {"mc", "mastercard"}, {"discover", "discover"}};
@@ -161,7 +169,9 @@ TEST(QNCreditCard, WithoutLoadedDetailsShowsTheIconsOfTheCategoryAndOpensNothing
   const auto before = vault->numberOfItemKeysUnwrapped();
   const MRCapturingSink sink;
 
+  EXPECT_TRUE(isPictureNamed(item->detailIcon(), "type-credit-card-details"));
   EXPECT_TRUE(isPictureNamed(item->listIcon(), "type-credit-card-list"));
+  EXPECT_TRUE(isPictureNamed(item->miniIcon(), "type-credit-card-source"));
 
   EXPECT_EQ(vault->numberOfItemKeysUnwrapped(), before);
   EXPECT_TRUE(sink.records().empty());

@@ -1,6 +1,6 @@
 #include "quillon/kinds/QNMedicalRecord.h"
 
-#include "quillon/fields/QNItemField.h"
+#include "quillon/fields/QNItemDateField.h"
 #include "quillon/platform/text/QNText.h"
 #include "quillon/templates/QNCategoryUUID.h"
 #include "quillon/templates/QNTemplate.h"
@@ -15,10 +15,11 @@ std::shared_ptr<QNMedicalRecord> QNMedicalRecord::initNewWithTemplate(
   return record;
 }
 
-// Any other value in the field is passed over in silence.
+// Any other value in the field is passed over in silence: a number of another kind, such as a month
+// of a year, isn't a time.
 std::optional<std::string> QNMedicalRecord::_additionalInformation() {
   const std::lock_guard lock(monitor());
-  const auto field = findFieldWithIdentifier("date");
+  const auto field = std::dynamic_pointer_cast<QNItemDateField>(findFieldWithIdentifier("date"));
   const auto seconds = field == nullptr ? std::nullopt : field->rawValue().number();
   const bool isTime = seconds && *seconds >= 0;
   const QNSecret day = qn_formatDate(isTime ? *seconds : static_cast<std::int64_t>(createdAt()));

@@ -15,7 +15,8 @@ class QNMedicalRecord final : public QNItem {
       const std::shared_ptr<QNTemplate>& from);
   explicit QNMedicalRecord(QNExisting existing) : QNItem(existing) {}
   [[nodiscard]] std::string_view className() const override { return "QNMedicalRecord"; }
-  /// The day in field "date", or of the item's creation.
+  /// The day in field "date", or of the item's creation: that too where the field's day lies before
+  /// 1970, or the field is of another kind.
   [[nodiscard]] std::optional<std::string> _additionalInformation() override;
 
  private:

@@ -16,21 +16,20 @@ QNSecureNote::QNSecureNote(QNExisting existing) : QNItem(existing) {
 }
 
 std::optional<std::string> QNSecureNote::_additionalInformation() {
-  const auto notes = notesPlain();
-  return notes ? subtitleOfText(*notes) : QNItem::_additionalInformation();
+  const auto notes = notesSecret();
+  return notes ? subtitleOfText(notes->reveal()) : QNItem::_additionalInformation();
 }
 
 std::optional<QNSecret> QNSecureNote::clipboardValue() {
-  const auto notes = notesPlain();
-  return notes ? std::optional<QNSecret>(*notes) : std::nullopt;
+  return notesSecret();
 }
 
 std::shared_ptr<QNItemField> QNSecureNote::itemFieldForNotes() {
-  const auto notes = notesPlain();
+  const auto notes = notesSecret();
   if (!notes || notes->empty()) return nullptr;
   auto field = QNItemStringField::fieldWithIdentifier("notes");
   field->setTitle(QNLocalizedString("notes"));
-  field->setValue(*notes);
+  field->setValue(notes->reveal());
   return field;
 }
 

@@ -10,7 +10,8 @@ class QNSecureNote final : public QNItem {
   explicit QNSecureNote(QNNew);
   explicit QNSecureNote(QNExisting existing);
   [[nodiscard]] std::string_view className() const override { return "QNSecureNote"; }
-  /// The first line of the notes, of at most 80 characters.
+  /// The first line of the notes, of at most 80 characters. Lists keep it in the overview: of a
+  /// short note it is the whole text.
   [[nodiscard]] std::optional<std::string> _additionalInformation() override;
   [[nodiscard]] std::optional<QNSecret> clipboardValue() override;
   /// The notes as a field of its own, which is no part of the item; null if there are none.

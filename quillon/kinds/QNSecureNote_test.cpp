@@ -6,6 +6,7 @@
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/kinds/QNMedicalRecord.h"
 #include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/internal/QNMemoryWatch.h"
 #include "quillon/templates/internal/QNTestCategories.h"
 
 namespace quillon {
@@ -68,6 +69,45 @@ TEST(QNSecureNote, WithoutNotesGivesNoField) {
   EXPECT_EQ(noteOf("")->itemFieldForNotes(), nullptr);
 }
 
+// Of a length that lies inside a JSON value, and of one that lies outside; behind the first line,
+// which lists show.
+class QNSecureNoteSecrets : public testing::TestWithParam<std::string_view> {};
+
+void useNote(const std::shared_ptr<QNSecureNote>& note, std::string_view secret) {
+  ASSERT_TRUE(note->clipboardValue()->reveal().ends_with(secret));
+  ASSERT_TRUE(note->itemFieldForNotes()->stringValue()->reveal().ends_with(secret));
+  ASSERT_EQ(note->_additionalInformation(), "a");
+}
+
+TEST_P(QNSecureNoteSecrets, TheWatchSeesNotesThatAreCopiedPlainly) {
+  const auto note = noteOf("a\n" + std::string(40, 'x') + std::string(GetParam()));
+  const QNFreedBlockWatch watch(GetParam());
+
+  { const auto plain = note->notesPlain(); }
+
+  EXPECT_EQ(watch.found(), 1u);
+}
+
+TEST_P(QNSecureNoteSecrets, NoFreedBlockHoldsTheNotes) {
+  const auto note = noteOf("a\n" + std::string(GetParam()));
+  const QNFreedBlockWatch watch(GetParam());
+
+  useNote(note, GetParam());
+
+  EXPECT_EQ(watch.found(), 0u);
+}
+
+TEST_P(QNSecureNoteSecrets, NoStackKeepsTheNotes) {
+  const auto note = noteOf("a\n" + std::string(GetParam()));
+  const std::string_view secret = GetParam();
+
+  EXPECT_EQ(remainsOnStack(secret, [&note, secret] { useNote(note, secret); }), 0u);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ShortAndLong, QNSecureNoteSecrets,
+    testing::Values("qZ7!xK", "a long secret #481516 that no value holds inside itself"));
+
 // Medical records
 
 constexpr std::string_view kRecord =
@@ -113,6 +153,30 @@ TEST(QNMedicalRecord, ShowsItsCreationWhereTheFieldHoldsAnotherKindOfValue) {
 
   EXPECT_EQ(record->_additionalInformation(), "Nov 14, 2023");
   EXPECT_TRUE(sink.records().empty());
+}
+
+TEST(QNMedicalRecord, ShowsItsCreationForADayBefore1970) {
+  const QNScopedLocale locale("en-US");
+  const QNScopedTimeZone zone("UTC");
+  const auto record = recordOf(kRecord);
+  const Json day(-1);
+
+  record->findFieldWithIdentifier("date")->setJsonValue(&day);
+
+  EXPECT_EQ(record->findFieldWithIdentifier("date")->rawValue().number(), -1);
+  EXPECT_EQ(record->_additionalInformation(), "Nov 14, 2023");
+}
+
+TEST(QNMedicalRecord, ShowsItsCreationForAMonthInPlaceOfADay) {
+  const QNScopedLocale locale("en-US");
+  const QNScopedTimeZone zone("UTC");
+  const auto record =
+      recordOf(R"({"contents":[{"set":"","fields":[{"type":"monthYear","name":"date"}]}]})");
+  const Json month(202'009);
+
+  record->findFieldWithIdentifier("date")->setJsonValue(&month);
+
+  EXPECT_EQ(record->_additionalInformation(), "Nov 14, 2023");
 }
 
 }  // namespace

@@ -17,6 +17,10 @@ double leadingNumber(std::string_view text) {
   return number;
 }
 
+float storableComponent(double component) {
+  return std::isfinite(component) ? static_cast<float>(std::clamp(component, 0.0, 1.0)) : 0;
+}
+
 // A colour's component may have been stored as a number or as a text that is one.
 float componentForKey(const JsonObject& color, std::string_view key) {
   double component = 0;
@@ -24,10 +28,15 @@ float componentForKey(const JsonObject& color, std::string_view key) {
     if (found->is_number()) component = found->to_number<double>();
     if (found->is_string()) component = leadingNumber(found->get_string());
   }
-  return std::isfinite(component) ? static_cast<float>(std::clamp(component, 0.0, 1.0)) : 0;
+  return storableComponent(component);
 }
 
 }  // namespace
+
+QNColor storableColor(const QNColor& color) {
+  return {storableComponent(color.hue), storableComponent(color.saturation),
+          storableComponent(color.brightness), storableComponent(color.alpha)};
+}
 
 JsonObject jsonOfColor(const QNColor& color) {
   JsonObject object(jsonStorage());

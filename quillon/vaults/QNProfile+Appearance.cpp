@@ -72,6 +72,10 @@ std::optional<Bytes> QNProfile::encodedIconAsJPEG(const std::shared_ptr<const QN
   return std::nullopt;
 }
 
+void QNProfile::setProfileColor(std::optional<QNColor> color) {
+  _profileColor = color ? std::optional(storableColor(*color)) : std::nullopt;
+}
+
 std::optional<std::string> QNProfile::profileColorText() const {
   if (!_profileColor) return std::nullopt;
   return mr_JSONStringWithError(jsonOfColor(*_profileColor));

@@ -1,5 +1,8 @@
 #include <fmt/format.h>
 
+#include <limits>
+
+#include "quillon/platform/archive/QNKeyedArchiver.h"
 #include "quillon/platform/images/QNImageOperations.h"
 #include "quillon/platform/images/internal/QNTestPictures.h"
 #include "quillon/vaults/internal/QNVaultTesting.h"
@@ -299,6 +302,22 @@ INSTANTIATE_TEST_SUITE_P(
         ColorCase{R"({"h":"","s":" ","b":"inf","a":"-"})", QNColor{0, 0, 0, 0}},
         ColorCase{"[0.5]", std::nullopt}, ColorCase{"red", std::nullopt},
         ColorCase{"", std::nullopt}, ColorCase{std::nullopt, std::nullopt}));
+
+TEST(QNProfileAppearance, KeepsAColourThatCanBeStored) {
+  const float infinite = std::numeric_limits<float>::infinity();
+  const float none = std::numeric_limits<float>::quiet_NaN();
+  const auto vault = cleanVault();
+
+  vault->setProfileColor(QNColor{none, infinite, -0.5F, 1.5F});
+
+  EXPECT_EQ(vault->profileColor(), (QNColor{0, 0, 0, 1}));
+  EXPECT_TRUE(vault->blob());
+  EXPECT_TRUE(QNKeyedArchiver::archivedDataWithRootObject(*vault).ok());
+  vault->setProfileColor(QNColor{-infinite, 0.5F, 1, none});
+  EXPECT_EQ(vault->profileColor(), (QNColor{0, 0.5F, 1, 0}));
+  vault->setProfileColor(std::nullopt);
+  EXPECT_EQ(vault->profileColor(), std::nullopt);
+}
 
 }  // namespace
 }  // namespace quillon

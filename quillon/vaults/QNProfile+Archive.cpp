@@ -41,6 +41,10 @@ std::optional<std::uint64_t> numberFromText(std::string_view text) {
   return isWhole ? std::optional(number) : std::nullopt;
 }
 
+bool isOfSize(const std::optional<QNKeyBytes>& key, std::int32_t size) {
+  return key && key->size() == static_cast<std::size_t>(size);
+}
+
 std::optional<QNColor> decodedColor(QNDecoder& coder) {
   if (!coder.decodeBool("hasColor").value_or(false)) return std::nullopt;
   return QNColor{coder.decodeFloat("cH").value_or(0), coder.decodeFloat("cS").value_or(0),
@@ -60,7 +64,7 @@ QNProfile::QNProfile(Passkey, QNDecoder& coder) : QNDatabaseObjectWithOverview(c
   _iterations = static_cast<std::uint32_t>(coder.decodeInt32("iterations").value_or(0));
   _passwordHint = coder.decodeString("passwordHint");
   _iconData = coder.decodeBytes("iconData");
-  _profileColor = decodedColor(coder);
+  setProfileColor(decodedColor(coder));
   _lastUpdatedBy = coder.decodeString("lastUpdatedBy");
   if (auto scrambled = coder.decodeString("pp")) {
     const auto password = persistentDeobfuscatedString(*scrambled);
@@ -140,7 +144,13 @@ bool QNProfile::encryptAttributesWithPrimaryProfile(const std::shared_ptr<QNProf
     return false;
   }
   const auto archive = QNKeyedArchiver::archivedDataWithRootObject(*this);
-  auto sealed = archive.ok() ? primary->encryptOverview(archive.value()) : std::nullopt;
+  if (!archive.ok()) {
+    MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(),
+                                   "Failed to archive profile: {}",
+                                   archive.error().domainCodeString());
+    return false;
+  }
+  auto sealed = primary->encryptOverview(archive.value());
   if (!sealed) return false;
   setAttributesData(std::move(sealed));
   return true;
@@ -180,7 +190,7 @@ bool QNProfile::decryptAttributesWithPrimaryProfile(const std::shared_ptr<QNProf
     return failed("Failed to decrypt profile attributes with primary profile");
   }
   const auto twin = twinInArchive(*archive);
-  if (twin == nullptr) {
+  if (twin == nullptr || !hasUUIDOf(*twin)) {
     logger.error(DEBUG_DATABASE, descriptionForLogging(), "Failed to unarchive twin profile");
     return failed("Failed to unarchive twin profile");
   }
@@ -188,7 +198,15 @@ bool QNProfile::decryptAttributesWithPrimaryProfile(const std::shared_ptr<QNProf
   return missing.empty() || failed(missing);
 }
 
-// Gives what is missing; the vault is then untouched.
+// Another vault's keys would open nothing here, and a later password change would seal them in the
+// place of this vault's own: its data would be lost.
+bool QNProfile::hasUUIDOf(const QNProfile& twin) const {
+  if (_uuid == nullptr || twin._uuid == nullptr) return _uuid == twin._uuid;
+  return *_uuid == *twin._uuid;
+}
+
+// Gives what is missing; the vault is then untouched. A key of another size counts as missing, as
+// it does where a password opens it.
 std::string QNProfile::takeKeysOfTwin(const QNProfile& twin) {
   auto password = twin.profilePassword();
   if (!password) {
@@ -198,8 +216,8 @@ std::string QNProfile::takeKeysOfTwin(const QNProfile& twin) {
     password = QNSPG::generateCharactersPassword();
   }
   std::string missing;
-  if (!twin.overviewKey()) missing += "overviewKey is nil. ";
-  if (!twin.masterKey()) missing += "masterKey is nil. ";
+  if (!isOfSize(twin.overviewKey(), OVERVIEW_KEY_SIZE)) missing += "overviewKey is nil. ";
+  if (!isOfSize(twin.masterKey(), MASTER_KEY_SIZE)) missing += "masterKey is nil. ";
   if (password->empty()) missing += "profilePassword is nil.";
   if (!missing.empty()) return missing;
   const auto self = shared_from_this();  // an observer may drop the vault

@@ -91,13 +91,31 @@ struct StatusCase {
   std::uint32_t status;
 };
 
-TEST(QNProfileBlob, ReadsTheStatusOfOlderProgramsToo) {
-  constexpr StatusCase cases[] = {{"2", 2},     {"1", 1},   {"0", 0},     {"3", 0},
-                                  {"-1", 0},    {"1.0", 1}, {"\"Y\"", 1}, {"\"D\"", 2},
-                                  {"\"N\"", 0}, {"\"\"", 0}};
+TEST(QNProfileBlob, OfADeletedVaultSaysNothingOfIt) {
+  const auto vault = QNProfile::initExistingWithID(5);
+  vault->markDeleted();
+
+  EXPECT_EQ(textOf(*vault->blob()), R"({"createdAt":0,"updatedAt":0,"iterations":0})");
+}
+
+std::shared_ptr<QNProfile> vaultOfStatus(std::uint32_t status) {
+  auto vault = filledVault();
+  if (status == 1) vault->setTrashed(true);
+  if (status == 2) vault->markDeleted();
+  return vault;
+}
+
+// From each status that a vault may have before.
+class QNProfileBlobStatus : public testing::TestWithParam<std::uint32_t> {};
+
+TEST_P(QNProfileBlobStatus, IsReadAsOlderProgramsWroteItToo) {
+  constexpr StatusCase cases[] = {{"2", 2},     {"1", 1},     {"0", 0},     {"3", 0},
+                                  {"-1", 0},    {"1.0", 1},   {"2.0", 2},   {"1.5", 0},
+                                  {"\"Y\"", 1}, {"\"D\"", 2}, {"\"N\"", 0}, {"\"\"", 0},
+                                  {"\"y\"", 0}, {"\"1\"", 0}};
   for (const auto& each : cases) {
-    const auto vault = QNProfile::initExistingWithID(6);
-    vault->setTrashed(true);
+    const auto vault = vaultOfStatus(GetParam());
+    ASSERT_EQ(vault->status(), GetParam());
 
     vault->setBlob(bytesOf(R"({"trashed":)" + std::string(each.stored) + "}"));
 
@@ -105,16 +123,33 @@ TEST(QNProfileBlob, ReadsTheStatusOfOlderProgramsToo) {
   }
 }
 
-TEST(QNProfileBlob, WithoutAStatusOrOfAnotherTypeLeavesItAsItWas) {
-  for (const std::string_view blob :
-       {"{}", R"({"trashed":true})", R"({"trashed":null})", R"({"trashed":[1]})"}) {
-    const auto vault = QNProfile::initExistingWithID(6);
-    vault->setTrashed(true);
+TEST_P(QNProfileBlobStatus, StaysWhereNoneIsStoredOrOneOfAnotherType) {
+  for (const std::string_view blob : {"{}", R"({"trashed":true})", R"({"trashed":null})",
+                                      R"({"trashed":[1]})", R"({"trashed":{"Y":1}})"}) {
+    const auto vault = vaultOfStatus(GetParam());
 
     vault->setBlob(bytesOf(blob));
 
-    EXPECT_TRUE(vault->trashed()) << blob;
+    EXPECT_EQ(vault->status(), GetParam()) << blob;
   }
+}
+
+INSTANTIATE_TEST_SUITE_P(Before, QNProfileBlobStatus, testing::Values(0u, 1u, 2u));
+
+// What no member gives: all but the sealed keys.
+void expectCleared(const QNProfile& vault) {
+  EXPECT_EQ(vault.uuid(), nullptr);
+  EXPECT_EQ(vault.profileName(), std::nullopt);
+  EXPECT_EQ(vault.createdAt(), 0u);
+  EXPECT_EQ(vault.updatedAt(), 0u);
+  EXPECT_EQ(vault.encryptedMasterKey(), (Bytes{1, 2, 3}));
+  EXPECT_EQ(vault.encryptedOverviewKey(), (Bytes{4, 5, 6}));
+  EXPECT_EQ(vault.passwordHint(), std::nullopt);
+  EXPECT_EQ(vault.iterations(), 0u);
+  EXPECT_EQ(vault.iconData(), std::nullopt);
+  EXPECT_EQ(vault.profileColor(), std::nullopt);
+  EXPECT_EQ(vault.lastUpdatedBy(), std::nullopt);
+  EXPECT_EQ(vault.salt(), std::nullopt);
 }
 
 TEST(QNProfileBlob, AValueOfAnotherTypeCountsAsAbsent) {
@@ -124,44 +159,38 @@ TEST(QNProfileBlob, AValueOfAnotherTypeCountsAsAbsent) {
                          R"("overview":{},"hint":5,"iterations":"6","icon":7,"color":"8",)"
                          R"("lastUpdatedBy":9,"salt":10})"));
 
-  EXPECT_EQ(vault->uuid(), nullptr);
-  EXPECT_EQ(vault->profileName(), std::nullopt);
-  EXPECT_EQ(vault->createdAt(), 0u);
-  EXPECT_EQ(vault->updatedAt(), 0u);
-  EXPECT_EQ(vault->encryptedMasterKey(), (Bytes{1, 2, 3}));
-  EXPECT_EQ(vault->encryptedOverviewKey(), (Bytes{4, 5, 6}));
-  EXPECT_EQ(vault->passwordHint(), std::nullopt);
-  EXPECT_EQ(vault->iterations(), 0u);
-  EXPECT_EQ(vault->iconData(), std::nullopt);
-  EXPECT_EQ(vault->profileColor(), std::nullopt);
-  EXPECT_EQ(vault->lastUpdatedBy(), std::nullopt);
-  EXPECT_EQ(vault->salt(), std::nullopt);
+  expectCleared(*vault);
 }
 
-TEST(QNProfileBlob, ThatIsNoJsonIsReportedAndClearsAllButTheSealedKeys) {
-  const auto vault = filledVault();
-  const MRCapturingSink sink;
+TEST(QNProfileBlob, ThatIsNoJsonObjectIsReportedAndClearsAllButTheSealedKeys) {
+  for (const std::string_view blob : {"not JSON", "[]", "7", "", "null", "{", "{} {}"}) {
+    const auto vault = vaultOfStatus(1);
+    const MRCapturingSink sink;
 
-  vault->setBlob(bytesOf("not JSON"));
+    vault->setBlob(bytesOf(blob));
 
-  EXPECT_THAT(sink.texts(MRLogKind::error), ElementsAre("Unable to parse JSON: MRErrorDomain 114"));
-  EXPECT_EQ(vault->uuid(), nullptr);
-  EXPECT_EQ(vault->profileName(), std::nullopt);
-  EXPECT_EQ(vault->iterations(), 0u);
-  EXPECT_EQ(vault->salt(), std::nullopt);
-  EXPECT_EQ(vault->encryptedMasterKey(), (Bytes{1, 2, 3}));
-  EXPECT_EQ(vault->encryptedOverviewKey(), (Bytes{4, 5, 6}));
+    EXPECT_THAT(sink.texts(MRLogKind::error),
+                ElementsAre("Unable to parse JSON: MRErrorDomain 114"))
+        << blob;
+    expectCleared(*vault);
+    EXPECT_EQ(vault->status(), 1u) << blob;
+  }
 }
 
-TEST(QNProfileBlob, OfANameThatHasNoJsonFormIsNothingAndReported) {
-  const auto vault = filledVault();
-  vault->setProfileName("\xff");
-  const MRCapturingSink sink;
+TEST(QNProfileBlob, OfATextThatHasNoJsonFormIsNothingAndReported) {
+  void (*const spoil[])(QNProfile&) = {[](QNProfile& vault) { vault.setProfileName("\xff"); },
+                                       [](QNProfile& vault) { vault.setPasswordHint("\xff"); },
+                                       [](QNProfile& vault) { vault.setLastUpdatedBy("\xff"); }};
+  for (const auto each : spoil) {
+    const auto vault = filledVault();
+    each(*vault);
+    const MRCapturingSink sink;
 
-  EXPECT_EQ(vault->blob(), std::nullopt);
+    EXPECT_EQ(vault->blob(), std::nullopt);
 
-  EXPECT_THAT(sink.texts(MRLogKind::error),
-              ElementsAre("Error serializing profile: MRErrorDomain 114"));
+    EXPECT_THAT(sink.texts(MRLogKind::error),
+                ElementsAre("Error serializing profile: MRErrorDomain 114"));
+  }
 }
 
 TEST(QNProfileBlob, ACountThatDoesntFitMakesNoKey) {
@@ -224,6 +253,41 @@ TEST(QNProfileSnapshot, IsRestoredWithTheKeysUsable) {
   EXPECT_EQ(copy->encryptedMasterKey(), Bytes{1});
   EXPECT_EQ(copy->attributesData(), Bytes{2});
   EXPECT_FALSE(copy->profilePassword());
+}
+
+TEST(QNProfileSnapshot, IsRestoredWithEveryField) {
+  const auto vault = filledVault();
+  vault->setOverviewKey(Bytes(OVERVIEW_KEY_SIZE, 1));
+  vault->setMasterKey(Bytes(MASTER_KEY_SIZE, 2));
+  const auto copy = QNProfile::initExistingWithID(9);
+  copy->setEncryptedMasterKey(Bytes{1, 2, 3});
+  copy->setEncryptedOverviewKey(Bytes{4, 5, 6});
+
+  copy->setAllAttributes(vault->allAttributes());
+
+  expectFilled(*copy);
+  EXPECT_EQ(toBytes(*copy->overviewKey()), Bytes(OVERVIEW_KEY_SIZE, 1));
+  EXPECT_EQ(toBytes(*copy->masterKey()), Bytes(MASTER_KEY_SIZE, 2));
+  EXPECT_TRUE(copy->isUnlocked());
+}
+
+TEST(QNProfileSnapshot, OfAnEmptyVaultClearsAFilledOne) {
+  const auto vault = filledVault();
+  vault->setOverviewKey(Bytes(OVERVIEW_KEY_SIZE, 1));
+  vault->setMasterKey(Bytes(MASTER_KEY_SIZE, 2));
+  vault->setProfilePassword("its own");
+  vault->setAttributesData(Bytes{13});
+  const auto sealed = vault->encryptOverview(Bytes{1});
+  ASSERT_TRUE(sealed);
+
+  vault->setAllAttributes(QNProfile::initExistingWithID(9)->allAttributes());
+
+  expectCleared(*vault);
+  EXPECT_FALSE(vault->overviewKey());
+  EXPECT_FALSE(vault->masterKey());
+  EXPECT_EQ(vault->decryptOverview(*sealed), std::nullopt);
+  EXPECT_TRUE(vault->profilePassword()->equals("its own"));
+  EXPECT_EQ(vault->attributesData(), Bytes{13});
 }
 
 }  // namespace

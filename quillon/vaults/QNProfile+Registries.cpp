@@ -41,6 +41,8 @@ std::optional<std::string> QNProfile::tagWithId(std::uint64_t id) const {
   return found == _tagsById.end() ? std::nullopt : std::optional(found->second);
 }
 
+// For a tag that is present the lock is taken: a reader without it could run into an addTag() that
+// is rebuilding the map.
 std::uint64_t QNProfile::tagId(std::optional<std::string_view> tag) const {
   if (!tag) return 0;
   const std::lock_guard lock(_tagsLock);

@@ -1,6 +1,8 @@
+#include <atomic>
 #include <thread>
 
 #include "quillon/items/QNItem.h"
+#include "quillon/platform/archive/QNKeyedArchiver.h"
 #include "quillon/templates/QNCategory.h"
 #include "quillon/templates/QNCategoryHelper.h"
 #include "quillon/templates/internal/QNTestCategories.h"
@@ -220,6 +222,39 @@ INSTANTIATE_TEST_SUITE_P(Identifiers, QNProfileCategorySupport,
                                          std::pair{"112", false}, std::pair{"0??", false},
                                          std::pair{"", false}, std::pair{std::nullopt, false}));
 
+TEST(QNProfileRegistries, MayBeFilledAndEmptiedWhileAnotherThreadListsAndArchives) {
+  const auto vault = emptyVault();
+  vault->addTag("kept", 1);
+  vault->addCategory(categoryNamed("kept", 1));
+  std::atomic<bool> done{false};
+  std::thread other([&vault, &done] {
+    for (std::uint64_t round = 0; round < 300; ++round) {
+      const std::string name = std::to_string(round % 7);
+      vault->addTag(name, 100 + round);
+      vault->addCategory(categoryNamed(name, round));
+      vault->removeTag(name);
+      if (round % 10 == 0) vault->removeAllCategories();
+      vault->addCategory(categoryNamed("kept", 1));
+    }
+    done = true;
+  });
+
+  std::size_t rounds = 0;
+  do {
+    ++rounds;
+    EXPECT_EQ(vault->tagId("kept"), 1u);
+    EXPECT_EQ(vault->allTags().count("kept"), 1u);
+    for (const auto& category : vault->allDisplayedCategories()) EXPECT_NE(category, nullptr);
+    EXPECT_TRUE(QNKeyedArchiver::archivedDataWithRootObject(*vault).ok());
+  } while (!done);
+  other.join();
+
+  EXPECT_GT(rounds, 0u);
+  EXPECT_EQ(vault->tagWithId(1), "kept");
+  EXPECT_EQ(vault->allTags(), std::set<std::string>{"kept"});
+  EXPECT_NE(vault->categoryWithUUID("kept"), nullptr);
+}
+
 // Items
 
 struct ItemCase {
@@ -279,6 +314,34 @@ TEST(QNProfileRegistries, AnItemOfAnUnknownCategoryKeepsIt) {
   const std::string report =
       "Failed to find subclass for categoryUUID 'zzz', will use QNUnknownItem";
   EXPECT_EQ(sink.texts(MRLogKind::error), (std::vector<std::string>{report, report}));
+}
+
+TEST(QNProfileRegistries, CardsAndIdentitiesAreNotMadeWithoutATemplateThoughExistingOnesAre) {
+  const QNScopedTemplates none;
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(emptyVault()->newItemForCategoryUUID("002"), nullptr);
+  EXPECT_EQ(emptyVault()->newItemForCategoryUUID("004"), nullptr);
+
+  EXPECT_EQ(sink.texts(MRLogKind::assertion),
+            (std::vector<std::string>{"Failed to obtain Credit Card template",
+                                      "Failed to obtain Identity template"}));
+  EXPECT_NE(emptyVault()->existingItemWithID(42, "002"), nullptr);
+  EXPECT_NE(emptyVault()->existingItemWithID(42, "004"), nullptr);
+}
+
+TEST(QNProfileRegistries, RecordsAndWalletsWithoutATemplateHaveNoSections) {
+  const QNScopedTemplates none;
+  for (const std::string_view uuid : {"113", "115"}) {
+    const MRCapturingSink sink;
+
+    const auto made = emptyVault()->newItemForCategoryUUID(uuid);
+
+    ASSERT_NE(made, nullptr) << uuid;
+    EXPECT_EQ(made->categoryUUID(), uuid);
+    EXPECT_EQ(made->numberOfFieldSections(), 0u);
+    EXPECT_TRUE(sink.records().empty());
+  }
 }
 
 TEST(QNProfileRegistries, ACategoryWithATemplateHasTemplateItems) {

@@ -183,13 +183,14 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::optional<Bytes> iconData() const override { return _iconData; }
   void setIconData(std::optional<Bytes> data) override { _iconData = std::move(data); }
   [[nodiscard]] std::optional<QNColor> profileColor() const override { return _profileColor; }
-  void setProfileColor(std::optional<QNColor> color) override { _profileColor = color; }
+  /// Components are kept within 0 to 1, one that isn't finite as 0.
+  void setProfileColor(std::optional<QNColor> color) override;
   [[nodiscard]] std::optional<std::string> profileColorText() const override;
   void setProfileColorText(std::optional<std::string> text) override;
 
   // Stored forms: QNProfile+Blob.cpp
   /// The JSON object in which a database layer may store the vault: its keys sealed, its name and
-  /// hint in clear. Nothing, with an error log, for a name or hint that isn't UTF-8.
+  /// hint in clear. Nothing, with an error log, where any text in it isn't UTF-8.
   std::optional<Bytes> blob();
   /// Takes the fields over from a blob. DANGER: bytes that aren't one clear every field but the
   /// sealed keys, with an error log; check them first.
@@ -204,13 +205,17 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   /// Unlocked if and only if the encoded one was.
   static std::shared_ptr<QNProfile> initWithCoder(QNDecoder& coder);
   /// Seals this vault, keys and password included, under the primary vault's overview key into
-  /// attributesData(): the twin archive. False, with nothing changed, if it can't be made.
-  bool encryptAttributesWithPrimaryProfile(const std::shared_ptr<QNProfile>& primary,
-                                           QNError* error = nullptr);
+  /// attributesData(): the twin archive. False, with nothing changed, if it can't be made; the
+  /// error slot isn't written, the log says why. It holds the password of this moment: make it
+  /// anew after each change.
+  [[nodiscard]] bool encryptAttributesWithPrimaryProfile(const std::shared_ptr<QNProfile>& primary,
+                                                         QNError* error = nullptr);
   /// Unlocks this vault with the keys and the password of its twin archive. False, with the vault
-  /// untouched, and error 103 of QNErrorDomain, whose message tells why.
-  bool decryptAttributesWithPrimaryProfile(const std::shared_ptr<QNProfile>& primary,
-                                           QNError* error = nullptr);
+  /// untouched, and error 103 of QNErrorDomain, whose message tells why. The archive of a vault
+  /// with another uuid is refused as one that can't be read, and a key that isn't of its size is
+  /// missing.
+  [[nodiscard]] bool decryptAttributesWithPrimaryProfile(const std::shared_ptr<QNProfile>& primary,
+                                                         QNError* error = nullptr);
 
   // Tags, categories, items: QNProfile+Registries.cpp
   [[nodiscard]] std::optional<std::string> tagWithId(std::uint64_t id) const override;
@@ -236,7 +241,10 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   /// Null for an absent identifier. QNUnknownItem, with an error log, where no class serves.
   [[nodiscard]] const QNItemClass* itemClassForCategoryUUID(
       std::optional<std::string_view> uuid) const;
+  /// Null for an absent identifier, and for a category whose class needs a template where there is
+  /// none ("002", "004", and those of QNTemplateItem).
   std::shared_ptr<QNItem> newItemForCategoryUUID(std::optional<std::string_view> uuid) override;
+  /// Null for an absent identifier only.
   std::shared_ptr<QNItem> existingItemWithID(
       std::uint64_t oid, std::optional<std::string_view> forCategoryUUID) override;
   [[nodiscard]] std::shared_ptr<QNTemplate> templateForCategoryUUID(
@@ -248,6 +256,7 @@ class QNProfile final : public QNDatabaseObjectWithOverview,
   bool sealKeys(std::string_view password);
   void encodeRegistries(QNEncoder& coder);
   static std::shared_ptr<QNProfile> twinInArchive(ByteView archive);
+  [[nodiscard]] bool hasUUIDOf(const QNProfile& twin) const;
   std::string takeKeysOfTwin(const QNProfile& twin);
   [[nodiscard]] std::optional<Bytes> encodedIcon(std::shared_ptr<const QNImage> icon) const;
   [[nodiscard]] std::optional<Bytes> encodedIconAsJPEG(const std::shared_ptr<const QNImage>& icon,

@@ -185,7 +185,11 @@ bool isLettersOnly(std::string_view text) {
 }
 
 std::string trimmedRight(std::string_view text) {
-  return std::string(withoutBlankEnd(text));
+  return std::string(trimmedRightView(text));
+}
+
+std::string_view trimmedRightView(std::string_view text) {
+  return withoutBlankEnd(text);
 }
 
 std::string trimmed(std::string_view text) {

@@ -30,7 +30,8 @@ std::string subtitleOfText(std::string_view text);
 /// language that is written from right to left it is put between isolating marks (UAX 9, LRI and
 /// PDI); in any other it is given back as it is.
 std::string mr_NonRTLString(std::string_view text);
-/// The same part of the text itself: for a secret, which mustn't be copied.
+/// The same parts of the text itself: for a secret, which mustn't be copied.
+std::string_view trimmedRightView(std::string_view text);
 std::string_view trimmedView(std::string_view text);
 /// Is it nothing but white space and new lines, or empty?
 bool isBlankText(std::string_view text);

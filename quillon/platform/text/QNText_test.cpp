@@ -149,6 +149,9 @@ TEST(QNText, TrimsWhiteSpaceOfEveryKindAtTheEndsOnly) {
   EXPECT_EQ(trimmedView(text), "two words");
   EXPECT_EQ(trimmedView(text).data(), text.data() + 4);
   EXPECT_EQ(trimmedView(" \n"), "");
+  EXPECT_EQ(trimmedRightView(text), " \u3000two words");
+  EXPECT_EQ(trimmedRightView(text).data(), text.data());
+  EXPECT_EQ(trimmedRightView(" \n"), "");
 }
 
 TEST(QNText, ATextOfBlanksAloneIsBlank) {

@@ -7,6 +7,9 @@
 
 namespace quillon {
 
+/// Each component brought to 0 to 1; one that is no number or infinite to 0. No stored form has a
+/// place for such a one.
+QNColor storableColor(const QNColor& color);
 /// A colour as a JSON object of four numbers, 0 to 1: part of stored vaults.
 ///
 ///   "h" hue   "s" saturation   "b" brightness   "a" alpha
