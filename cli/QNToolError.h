@@ -13,7 +13,7 @@ enum class QNExit : int {
   failed = 1,
   wrongUsage = 2,
   wrongPassword = 3,
-  notFound = 4,   // no such item, or it has no such field
+  notFound = 4,   // no such item or vault, or the item has no such field
   ambiguous = 5,  // several items have that title
   damaged = 6,    // the store is damaged, of another program, or too new
   fileError = 7,  // a file can't be read or written

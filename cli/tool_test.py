@@ -4,7 +4,10 @@
 Every vault here has the demonstration password or a derived one of the least cost, in a folder of
 its own; nothing is read from the home folder.
 """
+import hashlib
+import hmac
 import json
+import math
 import os
 import pty
 import re
@@ -13,22 +16,26 @@ import shutil
 import signal
 import sqlite3
 import stat
+import struct
 import subprocess
 import sys
 import tempfile
 import termios
 import time
 import unittest
+import zlib
 
 SOURCE = os.path.dirname(os.path.abspath(__file__))
 DATA = os.path.join(SOURCE, "testdata")
+RESOURCES = os.path.join(os.path.dirname(SOURCE), "resources")
 TOOL = ""
 PASSWORD = "try quillon"
 OTHER = "a sentence of mine, with ümläuts"
 UUID = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}$")
 DOTS = "••••••••••"
 COMMANDS = ["init", "import", "list", "find", "show", "add", "edit", "trash", "restore", "delete",
-            "passwd", "info", "check", "backup", "generate", "completion"]
+            "passwd", "info", "check", "backup", "vault", "otp", "generate", "completion"]
+NESTED = {"add": ["login"], "vault": ["list", "add", "icon", "color"]}
 
 
 class Result:
@@ -168,7 +175,7 @@ class Json(ToolTest):
         self.assertRegex(made["vault"], UUID)
         report = self.value("import", os.path.join(DATA, "safari.csv"))
         self.assertEqual(report, {"format": "safari", "dryRun": False, "added": 2,
-                                  "alreadyThere": 0, "skipped": 0, "keptInNotes": {"OTPAuth": 1}})
+                                  "alreadyThere": 0, "skipped": 0, "keptInNotes": {}})
         uuid = self.value("add", "login", "--title", "New")["uuid"]
         self.assertRegex(uuid, UUID)
         edited = self.value("edit", uuid, "--set", "title=Newer")
@@ -183,7 +190,7 @@ class Json(ToolTest):
         self.assertEqual(self.value("backup", copy), {"backup": copy})
         made = self.value("generate", "--count", "2")
         self.assertEqual([len(one["password"]) for one in made], [20, 20])
-        self.assertGreater(made[0]["bitsEntropy"], 100)
+        self.assertGreater(made[0]["bits"], 100)
         self.assertIn("complete", self.value("completion", "bash")["script"])
         self.assertEqual(self.value("passwd", "--new-password-stdin", stdin=PASSWORD + "\n"),
                          {"changed": True})
@@ -662,8 +669,9 @@ class Import(ToolTest):
     def test_safari(self):
         self.import_data("safari.csv")
         items = self.items()
-        self.assertEqual(items["Bank (jo)"]["notes"],
-                         "Branch: 12\nOTPAuth: otpauth://totp/bank?secret=JBSWY3DPEHPK3PXP")
+        self.assertEqual(items["Bank (jo)"]["notes"], "Branch: 12")
+        self.assertEqual(self.run_tool("otp", "Bank (jo)", "--at", "59").out, "996554\n")
+        self.run_tool("otp", "Café", code=4)
         self.assertEqual(items["Café"]["password"], "pa55-safari-2")
 
     def test_bitwarden(self):
@@ -672,8 +680,8 @@ class Import(ToolTest):
         self.assertEqual(items["Intranet"]["urls"],
                          ["https://intranet.example", "https://sso.intranet.example/a,b?x=1,2"])
         self.assertTrue(items["Intranet"]["favorite"])
-        self.assertEqual(items["Intranet"]["notes"], "folder: Work\nfields: Room: 12\nDesk: b\n"
-                                                     "login_totp: JBSWY3DPEHPK3PXP")
+        self.assertEqual(items["Intranet"]["notes"], "folder: Work\nfields: Room: 12\nDesk: b")
+        self.assertEqual(self.run_tool("otp", "Intranet", "--at", "59").out, "996554\n")
         self.assertEqual(items["Bare"]["urls"], ["one.example", "two.example"])
         self.assertEqual((items["Alarm"]["category"], items["Alarm"]["notes"]),
                          ("003", "Code 0000"))
@@ -723,6 +731,19 @@ class Import(ToolTest):
                                "--json").json
         self.assertEqual((report["added"], report["alreadyThere"]), (5, 1))
 
+    def test_rows_that_differ_in_the_one_time_password_alone_are_different(self):
+        header = "title,username,password,totp\n"
+        rows = ["Bank,jo,pa55,JBSWY3DPEHPK3PXP", "Bank,jo,pa55,GEZDGNBVGY3TQOJQ", "Bank,jo,pa55,"]
+        self.run_tool("import", self.write("one.csv", header + rows[0]))
+        file = self.write("all.csv", header + "\n".join(rows))
+        report = self.run_tool("import", file, "--json").json
+        self.assertEqual((report["added"], report["alreadyThere"]), (2, 1))
+        self.assertIn("already there: 3", self.run_tool("import", file).out)
+        for item in self.run_tool("list", "--json").json:
+            shown = self.run_tool("show", item["uuid"]).out
+            self.assertNotIn("JBSWY3DPEHPK3PXP", shown)
+            self.assertNotIn("GEZDGNBVGY3TQOJQ", shown)
+
     def test_a_changed_item_is_not_the_one_of_the_file_and_a_trashed_one_does_not_count(self):
         self.import_data("chromium.csv")
         self.run_tool("edit", "android", "--set", "notes=changed")
@@ -732,7 +753,7 @@ class Import(ToolTest):
     def test_a_dry_run_tells_and_changes_nothing(self):
         before = self.read("vault.qn")
         self.assertEqual(self.import_data("safari.csv", "--dry-run").out,
-                         "would add: 2\nkept in the notes: OTPAuth, rows: 1\n")
+                         "would add: 2\n")
         self.assertTrue(self.import_data("safari.csv", "--dry-run", "--json").json["dryRun"])
         self.assertEqual(self.read("vault.qn"), before)
         self.import_data("safari.csv")
@@ -840,7 +861,7 @@ class Generate(ToolTest):
         lines = result.out.splitlines()
         self.assertEqual([len(line) for line in lines], [32, 32, 32])
         self.assertEqual(len(set(lines)), 3)
-        self.assertRegex(result.err, r"^quillon: \d+\.\d bits of entropy\n$")
+        self.assertRegex(result.err, r"^quillon: \d+\.\d bits of entropy, strength 100 of 100\n$")
 
     def test_leaves_out_what_it_is_told_to(self):
         letters = self.run_raw("generate", "--length", "200", "--no-symbols", "--no-digits").out
@@ -848,8 +869,47 @@ class Generate(ToolTest):
         plain = self.run_raw("generate", "--length", "256", "--avoid-ambiguous", "--count",
                              "20").out
         self.assertFalse(set("0O1lI|") & set(plain))
-        shorter = self.run_raw("generate", "--no-symbols", "--json").json[0]["bitsEntropy"]
-        self.assertLess(shorter, self.run_raw("generate", "--json").json[0]["bitsEntropy"])
+        shorter = self.run_raw("generate", "--no-symbols", "--json").json[0]["bits"]
+        self.assertLess(shorter, self.run_raw("generate", "--json").json[0]["bits"])
+
+    def test_words_come_from_the_list_with_separators_between(self):
+        with open(os.path.join(RESOURCES, "words.txt")) as file:
+            words = set(file.read().split())
+        result = self.run_raw("generate", "--words", "5", "--count", "20")
+        lines = result.out.splitlines()
+        self.assertEqual(len(set(lines)), 20)
+        for line in lines:
+            self.assertEqual(len(line.split("-")), 5)
+            self.assertLessEqual(set(line.split("-")), words)
+        self.assertEqual(result.err, "quillon: 64.6 bits of entropy, strength 50 of 100\n")
+        spaced = self.run_raw("generate", "--words", "3", "--separator", " ü ").out.strip()
+        self.assertLessEqual(set(spaced.split(" ü ")), words)
+        self.assertTrue(self.run_raw("generate", "--words", "3", "--separator", "")
+                        .out.strip().isalpha())
+
+    def test_words_and_pins_state_their_entropy_in_json(self):
+        made = self.run_raw("generate", "--words", "6", "--json").json[0]
+        self.assertEqual(list(made), ["password", "bits", "strength"])
+        self.assertAlmostEqual(made["bits"], 6 * math.log2(7776), 9)
+        self.assertEqual(made["strength"], 60)
+        made = self.run_raw("generate", "--pin", "8", "--json", "--count", "2").json
+        self.assertTrue(all(re.fullmatch("[0-9]{8}", one["password"]) for one in made))
+        self.assertAlmostEqual(made[0]["bits"], 8 * math.log2(10), 9)
+        self.assertEqual(made[0]["strength"], 20)
+        self.assertEqual(self.run_raw("generate", "--pin", "64", "--json").json[0]["strength"], 100)
+
+    def test_words_without_their_list_are_7_and_print_nothing(self):
+        self.environment["QUILLON_RESOURCES"] = self.folder
+        result = self.run_raw("generate", "--words", "4")
+        self.assertEqual((result.code, result.out), (7, ""))
+        self.assertIn("words.txt", result.err)
+        self.write("words.txt", "apple\napple\n")
+        self.assertEqual(self.run_raw("generate", "--words", "4").code, 7)
+        self.write("words.txt", "apple\nberry\n")
+        result = self.run_raw("generate", "--words", "4")
+        self.assertRegex(result.out, "^((apple|berry)-){3}(apple|berry)\n$")
+        self.assertIn("4.0 bits", result.err)
+        self.assertEqual(self.run_raw("generate").code, 0)
 
 
 class Terminal:
@@ -1067,6 +1127,382 @@ class Prompts(ToolTest):
         self.assertEqual(terminal.end(), 0)
 
 
+def modules_of(drawing):
+    """The dark modules of a QR code of half blocks, as a set of (x, y); and its width."""
+    lines = drawing.splitlines()
+    blocks = {" ": (), "▀": (0,), "▄": (1,), "█": (0, 1)}
+    dark = {(x, 2 * y + half) for y, line in enumerate(lines) for x, block in enumerate(line)
+            for half in blocks[block]}
+    return dark, len(lines[0])
+
+
+def text_of_qr_code(drawing):
+    """What a scanner reads: of a code with one block of error correction, and without errors."""
+    dark, width = modules_of(drawing)
+    size = width - 8
+    assert min(x for x, _ in dark) == min(y for _, y in dark) == 4, "no border of four modules"
+    dark = {(x - 4, y - 4) for x, y in dark}
+    version = (size - 17) // 4
+    assert 2 <= version <= 5, version
+    mark = 4 * version + 10  # centre of the alignment pattern
+
+    def is_function(x, y):
+        in_corner = (x < 9 and y < 9) or (x < 9 and y >= size - 8) or (x >= size - 8 and y < 9)
+        return in_corner or x == 6 or y == 6 or (abs(x - mark) <= 2 and abs(y - mark) <= 2)
+
+    for corner_x, corner_y in ((0, 0), (size - 7, 0), (0, size - 7)):  # finder patterns
+        for i in range(7):
+            for j in range(7):
+                ring = max(abs(i - 3), abs(j - 3))
+                assert ((corner_x + i, corner_y + j) in dark) == (ring != 2)
+    form = 0
+    for x, y in [(0, 8), (1, 8), (2, 8), (3, 8), (4, 8)]:
+        form = form << 1 | ((x, y) in dark)
+    form ^= 0b10101
+    assert form >> 3 == 1, "not the least correction of errors"
+    masks = [lambda x, y: (x + y) % 2, lambda x, y: y % 2, lambda x, y: x % 3,
+             lambda x, y: (x + y) % 3, lambda x, y: (y // 2 + x // 3) % 2,
+             lambda x, y: x * y % 2 + x * y % 3, lambda x, y: (x * y % 2 + x * y % 3) % 2,
+             lambda x, y: ((x + y) % 2 + x * y % 3) % 2]
+    is_masked = masks[form & 7]
+    bits = []
+    columns = [x for x in range(size - 1, 0, -2) if x > 6] + [5, 3, 1]
+    for i, right in enumerate(columns):
+        rows = range(size) if i % 2 else range(size - 1, -1, -1)
+        for y in rows:
+            for x in (right, right - 1):
+                if not is_function(x, y):
+                    bits.append(((x, y) in dark) ^ (is_masked(x, y) == 0))
+    number = lambda start, count: int("".join(str(int(bit)) for bit in bits[start:start + count]), 2)
+    assert number(0, 4) == 4, "not bytes"
+    length = number(4, 8)
+    return bytes(number(12 + 8 * i, 8) for i in range(length)).decode()
+
+
+def code_at(seconds, seed=b"12345678901234567890", digits=6, period=30):
+    """RFC 6238 with SHA-1."""
+    digest = hmac.new(seed, struct.pack(">q", seconds // period), hashlib.sha1).digest()
+    start = digest[-1] & 15
+    number = struct.unpack(">I", digest[start:start + 4])[0] & 0x7fffffff
+    return str(number % 10 ** digits).zfill(digits)
+
+
+class OneTimePasswords(ToolTest):
+    SEED = "GEZDGNBVGY3TQOJQGEZDGNBVGY3TQOJQ"  # of RFC 6238: "12345678901234567890"
+    URL = f"otpauth://totp/Bank:jo?secret={SEED}&issuer=Bank"
+
+    def add_seeds(self, *rows):
+        self.make_store()
+        lines = "".join(f"{title},pa55,{text}\n" for title, text in rows)
+        self.run_tool("import", self.write("seeds.csv", "title,password,totp\n" + lines))
+
+    def test_codes_are_those_of_the_standard(self):
+        for moment, code in ((59, "94287082"), (1111111109, "07081804"), (1234567890, "89005924"),
+                             (20000000000, "65353130")):
+            result = self.run_raw("otp", "--url", self.URL + "&digits=8", "--at", str(moment))
+            self.assertEqual((result.code, result.out, result.err), (0, code + "\n", ""))
+        sha512 = ("otpauth://totp/x?algorithm=SHA512&digits=8&secret=GEZDGNBVGY3TQOJQGEZDGNBVGY3TQOJQ"
+                  "GEZDGNBVGY3TQOJQGEZDGNBVGY3TQOJQGEZDGNBVGY3TQOJQGEZDGNBVGY3TQOJQGEZDGNA")
+        self.assertEqual(self.run_raw("otp", "--url", sha512, "--at", "59").out, "90693936\n")
+
+    def test_a_url_needs_no_store_and_comes_from_argument_input_or_file(self):
+        file = self.write("url", self.URL + "\n")
+        for arguments, stdin in ((["--url", self.URL], ""), (["--url", "-"], self.URL + "\n"),
+                                 (["--url-file", file], ""), (["--url", self.SEED], ""),
+                                 (["--url", "-"], " gezd gnbv gy3t qojq gezd gnbv gy3t qojq ")):
+            result = self.run_raw("otp", *arguments, "--at", "59", stdin=stdin)
+            self.assertEqual((result.code, result.out), (0, "287082\n"), result.err)
+        self.assertFalse(os.path.exists(self.store))
+        self.assertEqual(self.run_raw("otp", "--url-file", self.path("none")).code, 7)
+
+    def test_without_a_moment_the_code_is_that_of_now(self):
+        before = int(time.time())
+        code = self.run_raw("otp", "--url", self.URL).out.strip()
+        now = range(before, int(time.time()) + 1)
+        self.assertIn(code, {code_at(seconds) for seconds in now})
+
+    def test_an_item_gives_the_code_of_its_first_usable_field(self):
+        self.add_seeds(("Bank", self.URL), ("Bare", self.SEED.lower()),
+                       ("Steam", "steam://" + self.SEED))
+        for item in ("Bank", "Bare"):
+            self.assertEqual(self.run_tool("otp", item, "--at", "59").out, "287082\n")
+        self.assertRegex(self.run_tool("otp", "Steam").out, r"^[2-9BCDFGHJKMNPQRTVWXY]{5}\n$")
+
+    def test_json_tells_how_long_the_code_holds(self):
+        self.add_seeds(("Bank", self.URL + "&period=60&digits=7"))
+        result = self.run_tool("otp", "Bank", "--at", "59", "--json")
+        self.assertEqual(result.json, {"code": code_at(59, digits=7, period=60), "remaining": 1,
+                                       "period": 60, "digits": 7})
+        self.assertEqual(self.run_tool("otp", "Bank", "--at", "60", "--json").json["remaining"], 60)
+        self.assertEqual(self.run_raw("otp", "--url", self.SEED, "--json", "--at", "-1").json,
+                         {"code": code_at(-1), "remaining": 1, "period": 30, "digits": 6})
+
+    def test_a_terminal_is_shown_how_long_the_code_holds(self):
+        terminal = Terminal(self, "otp", "--url", self.URL, "--at", "47")
+        self.assertEqual(terminal.end(), 0)
+        self.assertEqual(terminal.output.decode(), f"{code_at(47)}  13 s left\r\n")
+
+    def test_each_text_that_has_no_code_is_told_its_own_reason(self):
+        reasons = {}
+        for text, reason in (
+                ("", "no text"), (" ", "no text"),
+                ("otpauth://totp/x?digits=5&secret=" + self.SEED, "digits isn't 6 to 10"),
+                ("otpauth://hotp/x?secret=" + self.SEED, "by the clock"),
+                ("otpauth://totp/x?period=0&secret=" + self.SEED, "1 to 300 seconds"),
+                ("otpauth://totp/x?algorithm=MD5&secret=" + self.SEED, "SHA1, SHA256 or SHA512"),
+                ("https://bank.example/", "otpauth://"),
+                ("otpauth://totp/x", "no seed"),
+                ("GEZDGNA", "too short"),
+                ("GEZDGNB1", "letters and the digits 2 to 7"),
+                ("GEZDGNBVG", "isn't whole")):
+            result = self.run_raw("otp", "--url", text)
+            self.assertEqual((result.code, result.out), (1, ""), text)
+            self.assertIn(reason, result.err)
+            self.assertNotIn("GEZDG", result.err)
+            reasons.setdefault(result.err, text)
+        self.assertEqual(len(reasons), 10)  # two of the texts are empty
+        self.add_seeds(("Bad", "otpauth://hotp/x?secret=" + self.SEED))
+        self.assertIn("by the clock", self.run_tool("otp", "Bad", code=1).err)
+
+    def test_an_item_without_one_is_4(self):
+        self.make_store()
+        self.add("Bank")
+        for item in ("Bank", "Nobody", ""):
+            self.assertEqual(self.run_tool("otp", item, code=4).out, "")
+        self.run_tool("otp", "Bank", password="wrong", code=3)
+
+    def test_wrong_usage_is_2(self):
+        for arguments in ([], ["x", "--url", "y"], ["--url", "x", "--url-file", "y"],
+                          ["x", "--at", "soon"], ["x", "--at", "9223372036854775807"],
+                          ["--url", self.SEED, "--qr", "--json"], ["--url", self.SEED, "--qr",
+                                                                  "--at", "59"]):
+            result = self.run_raw("otp", *arguments)
+            self.assertEqual((result.code, result.out), (2, ""), arguments)
+
+    def test_a_qr_code_holds_the_url_and_says_so(self):
+        result = self.run_raw("otp", "--url", self.URL, "--qr")
+        self.assertEqual(result.code, 0)
+        self.assertEqual(text_of_qr_code(result.out), self.URL)
+        self.assertIn("shows the seed", result.err)
+        self.assertNotIn("\x1b", result.out)
+        self.assertEqual(text_of_qr_code(self.run_raw("otp", "--url", "steam://" + self.SEED,
+                                                      "--qr").out), "steam://" + self.SEED)
+
+    def test_a_qr_code_of_a_bare_seed_is_one_that_applications_scan(self):
+        self.add_seeds(("Bank & Söhne", "gezd gnbv gy3t qojq-gezd gnbv gy3t qojq"))
+        drawn = self.run_tool("otp", "Bank & Söhne", "--qr")
+        url = text_of_qr_code(drawn.out)
+        self.assertEqual(url, "otpauth://totp/Bank%20%26%20S%C3%B6hne?secret=" + self.SEED.lower())
+        self.assertEqual(self.run_raw("otp", "--url", url, "--at", "59").out, "287082\n")
+
+    def test_a_qr_code_is_black_on_white_on_a_terminal(self):
+        terminal = Terminal(self, "otp", "--url", self.URL, "--qr")
+        self.assertEqual(terminal.end(), 0)
+        drawn, said = terminal.output.decode().split("quillon: ")
+        self.assertIn("seed", said)
+        lines = drawn.splitlines()
+        for line in lines:
+            self.assertTrue(line.startswith("\x1b[38;5;16m\x1b[48;5;231m"))
+            self.assertTrue(line.endswith("\x1b[0m"))
+        plain = re.sub("\x1b\\[[0-9;]*m", "", "\n".join(lines))
+        self.assertEqual(text_of_qr_code(plain), self.URL)
+
+    def test_no_qr_code_is_drawn_of_what_has_no_code_or_is_too_long(self):
+        result = self.run_raw("otp", "--url", "otpauth://hotp/x?secret=" + self.SEED, "--qr")
+        self.assertEqual((result.code, result.out), (1, ""))
+        long = "otpauth://totp/" + "x" * 3000 + "?secret=" + self.SEED
+        result = self.run_raw("otp", "--url", long, "--qr")
+        self.assertEqual((result.code, result.out), (1, ""))
+        self.assertIn("too long", result.err)
+
+
+def png(width, height):
+    """A picture of one colour."""
+    def chunk(name, content):
+        checked = name + content
+        return struct.pack(">I", len(content)) + checked + struct.pack(">I", zlib.crc32(checked))
+    rows = b"".join(b"\0" + b"\x40\x80\xc0" * width for _ in range(height))
+    return (b"\x89PNG\r\n\x1a\n" +
+            chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0)) +
+            chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+
+
+class Vaults(ToolTest):
+    def setUp(self):
+        super().setUp()
+        self.make_store()
+
+    def column(self, name, vault="default"):
+        with sqlite3.connect(self.store) as database:
+            (value,) = database.execute(f"SELECT {name} FROM vaults WHERE name = ?",
+                                        (vault,)).fetchone()
+        database.close()
+        return value
+
+    def test_a_vault_is_opened_by_the_password_of_the_first_one(self):
+        made = self.run_tool("vault", "add", "work", "--json").json
+        self.assertEqual((made["vault"], made["ownPassword"]), ("work", False))
+        self.assertRegex(made["uuid"], UUID)
+        self.add("Wiki", "--vault", "work", "--password=-", stdin="pa55")
+        self.add("Bank")
+        self.assertEqual(self.titles("--vault", "work"), ["Wiki"])
+        self.assertEqual(self.titles(), ["Bank"])
+        self.assertEqual(self.titles("--vault", "default"), ["Bank"])
+        self.assertEqual(self.run_tool("show", "Wiki", "--vault", "work", "--field",
+                                       "password").out, "pa55\n")
+        self.run_tool("show", "Wiki", code=4)
+        self.run_tool("list", "--vault", "work", password="wrong", code=3)
+        for vault in ("default", "work"):
+            self.assertTrue(self.run_tool("check", "--vault", vault, "--json").json["clean"])
+
+    def test_the_variable_chooses_the_vault_and_the_option_wins(self):
+        self.run_tool("vault", "add", "work")
+        self.environment["QUILLON_VAULT"] = "work"
+        self.add("Wiki")
+        self.assertEqual(self.titles(), ["Wiki"])
+        self.assertEqual(self.titles("--vault", "default"), [])
+        self.assertEqual(json.loads(self.run_raw("info", "--json").out)["vault"], "work")
+        self.run_tool("vault", "add", "club")  # is the first one's affair all the same
+        self.environment["QUILLON_STORE"] = self.path("other.qn")
+        self.make_store()  # makes the first one
+
+    def test_every_command_takes_the_chosen_vault(self):
+        self.run_tool("vault", "add", "work")
+        self.import_data("chromium.csv", "--vault", "work")
+        self.assertEqual(self.titles(), [])
+        self.assertEqual(len(self.titles("--vault", "work")), 3)
+        self.run_tool("edit", "android", "--set", "title=Phone", "--vault", "work")
+        self.run_tool("trash", "Phone", "--vault", "work")
+        self.run_tool("delete", "Phone", "--vault", "work")
+        self.assertIn("forum", self.run_tool("find", "--url", "https://forum.example", "--vault",
+                                             "work").out)
+        self.assertIn("Items:       2", self.run_raw("info", "--vault", "work").out)
+        self.assertIn("Items:       0", self.run_raw("info").out)
+
+    def test_a_vault_may_have_a_password_of_its_own(self):
+        self.run_tool("vault", "add", "club", "--own-password-stdin", "--hint", "the \x1b[31mtree",
+                      stdin=OTHER + "\n")
+        self.add("Key", "--vault", "club")
+        self.assertEqual(self.titles("--vault", "club"), ["Key"])
+        own = self.run_tool("list", "--vault", "club", password=OTHER)
+        self.assertIn("Key", own.out)
+        self.run_tool("list", password=OTHER, code=3)  # opens no other
+        refused = self.run_tool("list", "--vault", "club", password="wrong", code=3)
+        self.assertIn("the hint is: the \\x1b[31mtree", refused.err)
+
+    def test_own_passwords_are_asked_for_twice(self):
+        terminal = Terminal(self, "vault", "add", "club", "--own-password")
+        terminal.answer("Password: ", PASSWORD)
+        terminal.answer("New password for the vault: ", OTHER)
+        terminal.answer("Once more: ", OTHER)
+        self.assertEqual(terminal.end(), 0)
+        self.assertNotIn(OTHER.encode(), terminal.output)
+        self.run_tool("list", "--vault", "club", password=OTHER)
+
+    def test_passwords_change_independently(self):
+        self.run_tool("vault", "add", "work")
+        self.run_tool("passwd", "--vault", "work", "--new-password-stdin", stdin=OTHER + "\n")
+        self.add("Wiki", "--vault", "work")
+        self.run_tool("list", "--vault", "work", password=OTHER)
+        self.run_tool("passwd", "--vault", "work", "--new-password-stdin", stdin="third one\n",
+                      password=OTHER)  # without the first vault
+        self.run_tool("list", "--vault", "work", password=OTHER, code=3)
+        self.run_tool("passwd", "--new-password-stdin", stdin="first one\n")
+        for password in ("third one", "first one"):
+            self.assertIn("Wiki", self.run_tool("list", "--vault", "work", password=password).out)
+        self.run_tool("list", "--vault", "work", code=3)
+
+    def test_a_vault_that_is_not_there_is_4(self):
+        for command in (["list"], ["info"], ["add", "login", "--title", "T"], ["vault", "color"]):
+            result = self.run_tool(*command, "--vault", "no\x1b[31mne", code=4)
+            self.assertEqual(result.out, "")
+            self.assertIn('no vault "no\\x1b[31mne"', result.err)
+
+    def test_a_name_is_taken_once_and_not_empty(self):
+        self.run_tool("vault", "add", "work")
+        before = self.run_raw("vault", "list").out
+        for name, code in (("work", 1), ("default", 1), ("", 2), (" ", 2)):
+            self.run_tool("vault", "add", name, code=code)
+        self.assertEqual(self.run_raw("vault", "list").out, before)
+        for name in ("日本", "a b", "x" * 300, "red\x1b[31m"):
+            self.run_tool("vault", "add", name)
+            self.add("T", "--vault", name)
+        self.assertNotIn("\x1b", self.run_raw("vault", "list").out)
+        self.assertIn("red\x1b[31m", [one["name"] for one in self.run_raw(
+            "vault", "list", "--json").json])
+
+    def test_a_list_needs_no_password(self):
+        self.run_tool("vault", "add", "work")
+        self.add("Wiki", "--vault", "work")
+        self.run_tool("vault", "color", "#1e90FF", "--vault", "work")
+        listed = self.run_raw("vault", "list", "--json").json
+        self.assertEqual([list(one) for one in listed],
+                         [["name", "uuid", "primary", "items", "trashed", "color", "icon"]] * 2)
+        self.assertEqual([(one["name"], one["primary"], one["items"], one["color"], one["icon"])
+                          for one in listed],
+                         [("default", True, 0, None, False), ("work", False, 1, "#1E90FF", False)])
+        self.assertRegex(self.run_raw("vault", "list").out,
+                         r"(?m)^work +items: 1, in trash: 0, #1E90FF$")
+
+    def test_a_color_is_set_told_and_taken_away(self):
+        self.assertEqual(self.run_tool("vault", "color").out, "no colour\n")
+        self.assertEqual(self.run_tool("vault", "color", "1e90ff").out, "")
+        self.assertEqual(self.run_tool("vault", "color").out, "#1E90FF\n")
+        self.assertEqual(self.run_tool("vault", "color", "#ABCDEF", "--json").json,
+                         {"vault": "default", "color": "#ABCDEF"})
+        for color in ("", "blue", "#12345", "#1234567", "#12345g"):
+            self.run_tool("vault", "color", color, code=2)
+        self.assertEqual(self.run_tool("vault", "color").out, "#ABCDEF\n")
+        self.run_tool("vault", "color", "--clear")
+        self.assertEqual(self.run_tool("vault", "color", "--json").json["color"], None)
+        self.run_tool("check")
+
+    def test_an_icon_is_set_saved_and_taken_away(self):
+        self.assertEqual(self.run_tool("vault", "icon").out, "no icon\n")
+        self.run_tool("vault", "icon", "--save", self.path("none.png"), code=4)
+        self.assertFalse(os.path.exists(self.path("none.png")))
+        self.run_tool("vault", "icon", "--set", self.write("a.png", png(16, 16)))
+        icon = self.column("icon")
+        self.assertTrue(icon.startswith((b"\x89PNG\r\n", b"\xff\xd8\xff")))
+        self.assertEqual(self.run_tool("vault", "icon").out, f"{len(icon)} bytes\n")
+        self.assertEqual(self.run_tool("vault", "icon", "--json").json,
+                         {"vault": "default", "bytes": len(icon)})
+        self.run_tool("vault", "icon", "--save", self.path("b.png"))
+        self.assertEqual(self.read("b.png"), icon)
+        self.assertEqual(stat.S_IMODE(os.stat(self.path("b.png")).st_mode), 0o600)
+        self.run_tool("vault", "icon", "--save", self.path("b.png"), code=1)
+        self.assertEqual(self.read("b.png"), icon)
+        self.assertTrue(self.run_raw("vault", "list", "--json").json[0]["icon"])
+        self.run_tool("vault", "icon", "--clear")
+        self.assertIsNone(self.column("icon"))
+        self.run_tool("check")
+
+    def test_what_is_no_picture_leaves_the_icon_alone(self):
+        self.run_tool("vault", "icon", "--set", self.write("a.png", png(16, 16)))
+        before = self.column("icon")
+        for content in (b"", b"GIF89a", b"Dear Sir"):
+            result = self.run_tool("vault", "icon", "--set", self.write("x", content), code=1)
+            self.assertIn("no picture", result.err)
+        self.run_tool("vault", "icon", "--set", self.path("none.png"), code=7)
+        self.run_tool("vault", "icon", "--set", self.path("a.png"), "--vault", "none", code=4)
+        self.run_tool("vault", "icon", "--save", "/proc/none/b.png", code=7)
+        self.assertEqual(self.column("icon"), before)
+
+    def test_the_keys_of_another_vault_in_its_place_are_noticed(self):
+        for name in ("work", "club"):
+            self.run_tool("vault", "add", name)
+        with sqlite3.connect(self.store) as database:
+            database.execute("UPDATE vaults SET attributes = (SELECT attributes FROM vaults WHERE "
+                             "name = 'club') WHERE name = 'work'")
+        database.close()
+        self.assertEqual(self.run_tool("list", "--vault", "work", code=6).out, "")
+        self.run_tool("list", "--vault", "club")
+        with sqlite3.connect(self.store) as database:
+            database.execute("UPDATE vaults SET attributes = x'00' WHERE name = 'work'")
+        database.close()
+        self.assertEqual(self.run_tool("list", "--vault", "work", code=6).out, "")
+
+
 class Documentation(ToolTest):
     """The parser, the man page and the completions name the same commands and options."""
 
@@ -1078,9 +1514,9 @@ class Documentation(ToolTest):
     def every_option(self):
         options = self.options_of()
         for command in COMMANDS:
-            if command != "add":
-                options |= self.options_of(command)
-        return options | self.options_of("add", "login")
+            for nested in NESTED.get(command, [None]):
+                options |= self.options_of(*filter(None, (command, nested)))
+        return options
 
     def test_help_lists_every_command(self):
         listed = re.findall(r"^  ([a-z]+) ", self.run_raw("--help").out.split("Subcommands:")[1],
@@ -1120,12 +1556,22 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
         self.assertEqual(self.complete("quillon", "tr"), ["trash"])
         self.assertEqual(self.complete("quillon", "--store", "x", "re"), ["restore"])
         self.assertEqual(self.complete("quillon", "add", ""), ["login"])
+        self.assertEqual(self.complete("quillon", "vault", ""), ["list", "add", "icon", "color"])
+        self.assertEqual(self.complete("quillon", "vault", "add", "--ow"),
+                         ["--own-password", "--own-password-file", "--own-password-fd",
+                          "--own-password-stdin"])
+        self.assertEqual(self.complete("quillon", "vault", "icon", "--s"),
+                         ["--set", "--save", "--store"])
+        self.assertEqual(self.complete("quillon", "--vault", "add", "ot"), ["otp"])
+        self.assertEqual(self.complete("quillon", "list", "--so"), ["--sort"])
+        self.assertEqual(self.complete("quillon", "edit", "--set", "ti"), ["title="])
         self.assertEqual(self.complete("quillon", "add", "login", "--ti"), ["--title"])
         self.assertEqual(self.complete("quillon", "show", "--field", "u"), ["username", "url"])
         self.assertEqual(self.complete("quillon", "list", "--sort", ""),
                          ["title", "updated", "created"])
         self.write("export.csv", "")
         self.assertEqual(self.complete("quillon", "import", "exp"), ["export.csv"])
+        self.assertEqual(self.complete("quillon", "vault", "icon", "--set", "exp"), ["export.csv"])
         self.assertEqual(self.complete("quillon", "completion", "f"), ["fish"])
 
     def test_pictures_cost_nothing_at_start(self):
@@ -1138,8 +1584,9 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
     def test_help_and_version_need_no_store(self):
         self.assertRegex(self.run_raw("--version").out, r"^quillon \d+\.\d+\.\d+\n$")
         for command in COMMANDS:
-            result = self.run_raw(command, "--help")
-            self.assertEqual((result.code, result.err), (0, ""), command)
+            for nested in [None, *NESTED.get(command, [])]:
+                result = self.run_raw(*filter(None, (command, nested)), "--help")
+                self.assertEqual((result.code, result.err), (0, ""), command)
         self.assertFalse(os.path.exists(self.store))
 
 

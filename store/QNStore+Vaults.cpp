@@ -257,7 +257,24 @@ QNResult<std::shared_ptr<QNProfile>> QNStore::vaultNamed(std::string_view name) 
 
 QNResult<bool> QNStore::unlock(QNProfile& vault, std::string_view password) {
   if (!vault._unlockWithPassword(password)) return false;
-  auto genuine = _database->read([this, &vault] { return _database->isGenuine(vault); });
+  return _database->lockUnlessGenuine(vault);
+}
+
+QNResult<bool> QNStore::unlockWithPrimary(QNProfile& vault,
+                                          const std::shared_ptr<QNProfile>& primary) {
+  if (primary == nullptr || primary->isLocked()) {
+    return storeError(QNStoreErrorCode::locked, "the primary vault is locked");
+  }
+  if (!vault.attributesData()) return false;
+  if (!vault.decryptAttributesWithPrimaryProfile(primary)) {
+    return storeError(QNStoreErrorCode::damaged, "the vault's twin archive doesn't open");
+  }
+  // The archive may be another vault's: then the keys don't fit the seals of this one.
+  return _database->lockUnlessGenuine(vault);
+}
+
+QNResult<bool> QNStore::Database::lockUnlessGenuine(QNProfile& vault) {
+  auto genuine = read([this, &vault] { return isGenuine(vault); });
   if (!genuine.ok()) vault.lock();
   return genuine;
 }

@@ -252,5 +252,109 @@ TEST(QNStoreVaults, RegistersNoCategoryOfASaveThatFailed) {
   EXPECT_EQ(session.vault->allCategories().size(), 1u);
 }
 
+// Twins: a vault that its store's primary vault opens
+
+class QNStoreTwins : public ::testing::Test {
+ protected:
+  QNStoreTwins() {
+    const Session made = makeSession(file);
+    for (const char* const name : {"work", "club"}) {
+      const auto vault = addVault(*made.store, name);
+      EXPECT_TRUE(vault->encryptAttributesWithPrimaryProfile(made.vault));
+      EXPECT_TRUE(made.store->saveVault(*vault).ok());
+      EXPECT_TRUE(made.store->save(makeLogin(vault, std::string("in ") + name)).ok());
+    }
+    session = openSession(file);
+  }
+  static std::shared_ptr<QNProfile> addVault(QNStore& store, std::string_view name) {
+    auto vault = QNProfile::profileWithName(name, DEMO_PASSWORD, std::nullopt);
+    EXPECT_TRUE(store.saveVault(*vault).ok());
+    return vault;
+  }
+  std::shared_ptr<QNProfile> locked(std::string_view name) const {
+    return std::move(session.store->vaultNamed(name)).value();
+  }
+
+  const TemporaryFolder folder;
+  const std::filesystem::path file = folder / "a.quillon";
+  Session session;
+};
+
+TEST_F(QNStoreTwins, AreOpenedByThePrimaryVaultWithAllTheirItems) {
+  Session work{std::move(session.store), nullptr};
+  work.vault = std::move(work.store->vaultNamed("work")).value();
+
+  const auto unlocked = work.store->unlockWithPrimary(*work.vault, session.vault);
+
+  ASSERT_TRUE(unlocked.ok()) << unlocked.error().message;
+  EXPECT_TRUE(unlocked.value());
+  EXPECT_EQ(titlesIn(work), std::vector<std::string>{"in work"});
+  EXPECT_EQ(problemsIn(work), std::vector<std::string>());
+}
+
+TEST_F(QNStoreTwins, StayOpenToThePrimaryVaultWhenEitherPasswordChanges) {
+  ASSERT_TRUE(session.vault->changePasswordTo("a better one"));
+  ASSERT_TRUE(session.store->saveVault(*session.vault).ok());
+  const auto work = locked("work");
+  ASSERT_TRUE(session.store->unlock(*work, DEMO_PASSWORD).value());
+  ASSERT_TRUE(work->changePasswordTo("another one"));
+  ASSERT_TRUE(session.store->saveVault(*work).ok());
+
+  const auto again = locked("work");
+
+  EXPECT_TRUE(session.store->unlockWithPrimary(*again, session.vault).value());
+}
+
+TEST_F(QNStoreTwins, WithoutAnArchiveStayLocked) {
+  const auto plain = addVault(*session.store, "plain");
+  plain->lock();
+
+  const auto unlocked = session.store->unlockWithPrimary(*plain, session.vault);
+
+  ASSERT_TRUE(unlocked.ok());
+  EXPECT_FALSE(unlocked.value());
+  EXPECT_TRUE(plain->isLocked());
+}
+
+TEST_F(QNStoreTwins, NeedAnUnlockedPrimaryVault) {
+  const auto work = locked("work");
+  session.vault->lock();
+
+  EXPECT_EQ(errorOf(session.store->unlockWithPrimary(*work, session.vault)),
+            codeText(QNStoreErrorCode::locked));
+  EXPECT_EQ(errorOf(session.store->unlockWithPrimary(*work, nullptr)),
+            codeText(QNStoreErrorCode::locked));
+}
+
+TEST_F(QNStoreTwins, AreRefusedWithTheArchiveOfAnotherVault) {
+  const auto work = locked("work");
+  work->setAttributesData(locked("club")->attributesData());
+
+  EXPECT_EQ(errorOf(session.store->unlockWithPrimary(*work, session.vault)),
+            codeText(QNStoreErrorCode::damaged));
+  EXPECT_TRUE(work->isLocked());
+}
+
+TEST_F(QNStoreTwins, AreRefusedWithABrokenArchive) {
+  const MRCapturingSink silence;
+  const auto work = locked("work");
+  Bytes broken = *work->attributesData();
+  broken[broken.size() / 2] ^= 1;
+  work->setAttributesData(std::move(broken));
+
+  EXPECT_EQ(errorOf(session.store->unlockWithPrimary(*work, session.vault)),
+            codeText(QNStoreErrorCode::damaged));
+  EXPECT_TRUE(work->isLocked());
+}
+
+TEST_F(QNStoreTwins, AreRefusedByTheVaultOfAnotherStore) {
+  const MRCapturingSink silence;
+  const Session other = makeSession(folder / "b.quillon");
+  const auto work = locked("work");
+
+  EXPECT_EQ(errorOf(session.store->unlockWithPrimary(*work, other.vault)),
+            codeText(QNStoreErrorCode::damaged));
+}
+
 }  // namespace
 }  // namespace quillon

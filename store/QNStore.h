@@ -75,6 +75,11 @@ class QNStore final {
   /// False for a wrong password. Error: damaged, if the row or its ledger was altered or is older
   /// than the other. The vault is unlocked if the value is true, and locked otherwise.
   QNResult<bool> unlock(QNProfile& vault, std::string_view password);
+  /// Unlocks a vault with the twin archive in its row, which the unlocked primary vault opens;
+  /// QNProfile::encryptAttributesWithPrimaryProfile() makes it before saveVault(). False, and the
+  /// vault locked, if it has none. Errors: locked, if the primary vault is; damaged, if the archive
+  /// doesn't open, or the row or its ledger was altered.
+  QNResult<bool> unlockWithPrimary(QNProfile& vault, const std::shared_ptr<QNProfile>& primary);
 
   // Saving: QNStore+Save.cpp
   /// Saves a dirty item with its URLs: sets updatedAt and txTimestamp, willSave, write, didSave.

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "cli/QNToolError.h"
+#include "quillon/platform/text/QNText.h"
 
 namespace quillon {
 namespace {
@@ -39,6 +40,9 @@ QNError wrongUsage(std::string_view message) {
 constexpr const char* kNoPasswordArguments =
     "a password isn't taken from an argument, which every user of the machine could read: leave "
     "it out to be asked, or give \"-\" to have it read from standard input";
+
+// Beyond it a second isn't a number of its own for a clock.
+constexpr std::int64_t kFarthestMoment = std::int64_t{1} << 53;
 
 void addPasswordSource(CLI::App& app, const std::string& prefix, const std::string& what,
                        QNPasswordSource& source) {
@@ -216,18 +220,116 @@ void defineCare(CLI::App& app, QNArguments& out) {
   backup.command->add_option("FILE", backup.given->file, "A file that isn't there yet")->required();
 }
 
+// Text that goes into a password, and into JSON.
+std::string separatorOrRefuse(const std::string& separator) {
+  if (!isUTF8(separator)) refuse("the separator isn't UTF-8 text");
+  return separator;
+}
+
 void defineGenerate(CLI::App& app, QNArguments& out) {
   auto [command, given] =
       define<QNGenerateArguments>(app, out, "generate", "Print random passwords");
-  command->add_option("--length", given->recipe.length, "Characters of each, 20 by default")
-      ->check(CLI::Range(4, 256));
-  command->add_flag_callback(
+  auto* const length =
+      command->add_option("--length", given->recipe.length, "Characters of each, 20 by default")
+          ->check(CLI::Range(4, 256));
+  auto* const noSymbols = command->add_flag_callback(
       "--no-symbols", [given = given] { given->recipe.symbols = false; }, "Without symbols");
-  command->add_flag_callback(
+  auto* const noDigits = command->add_flag_callback(
       "--no-digits", [given = given] { given->recipe.digits = false; }, "Without digits");
-  command->add_flag("--avoid-ambiguous", given->recipe.withoutAmbiguous,
-                    "Without 0 O 1 l I |, which look alike");
+  auto* const noAmbiguous = command->add_flag("--avoid-ambiguous", given->recipe.withoutAmbiguous,
+                                              "Without 0 O 1 l I |, which look alike");
+  auto* const words = command
+                          ->add_option_function<std::uint32_t>(
+                              "--words",
+                              [given = given](std::uint32_t count) {
+                                if (!given->words) given->words.emplace();
+                                given->words->count = count;
+                              },
+                              "English words instead of characters, this many")
+                          ->check(CLI::Range(2, 64));
+  command
+      ->add_option_function<std::string>(
+          "--separator",
+          [given = given](const std::string& separator) {
+            if (!given->words) given->words.emplace();
+            given->words->separator = separatorOrRefuse(separator);
+          },
+          "What stands between the words, a dash by default; may be empty")
+      ->needs(words);
+  auto* const pin = command->add_option("--pin", given->pinDigits, "A PIN of this many digits")
+                        ->check(CLI::Range(QNSPG::kMinDigits, QNSPG::kMaxDigits));
+  for (auto* const other : {words, pin}) {
+    other->excludes(length)->excludes(noSymbols)->excludes(noDigits)->excludes(noAmbiguous);
+  }
+  words->excludes(pin);
   command->add_option("--count", given->count, "How many")->check(CLI::Range(1, 10000));
+}
+
+void defineOTP(CLI::App& app, QNArguments& out) {
+  auto [command, given] =
+      define<QNOTPArguments>(app, out, "otp", "Print the one-time password of an item or a URL");
+  auto* const item =
+      command->add_option("ITEM", given->item, "Its uuid, or its title if no other has it");
+  auto* const url =
+      command
+          ->add_option("--url", given->url,
+                       "Of this URL; \"-\" reads it from standard input. Arguments are seen by "
+                       "every user of the machine")
+          ->type_name("URL")
+          ->excludes(item);
+  command->add_option("--url-file", given->urlFile, "Of the URL in this file")
+      ->type_name("FILE")
+      ->excludes(item)
+      ->excludes(url);
+  auto* const at =
+      command->add_option("--at", given->at, "At this moment instead of now, in seconds since 1970")
+          ->type_name("SECONDS")
+          ->check(CLI::Range(-kFarthestMoment, kFarthestMoment));
+  command
+      ->add_flag("--qr", given->drawsQRCode, "Draw the URL as a QR code instead; it shows the seed")
+      ->excludes(at);
+  command->parse_complete_callback([given = given] {
+    if (!given->item && !given->url && given->urlFile.empty()) {
+      refuse("otp needs an item, --url or --url-file");
+    }
+  });
+}
+
+void defineVaultAdd(CLI::App& vault, QNArguments& out) {
+  auto [command, given] =
+      define<QNVaultAddArguments>(vault, out, "add", "Add a vault that the first one opens");
+  command->add_option("NAME", given->name, "Its name")->required();
+  command->add_option("--hint", given->hint,
+                      "What reminds you of its own password; readable without it");
+  command->add_flag("--own-password", given->hasOwnPassword,
+                    "Ask for a password that opens it, too");
+  addPasswordSource(*command, "own-password", "Its own password", given->ownPassword);
+  command->parse_complete_callback([given = given] {
+    if (given->ownPassword.kind != QNPasswordSource::Kind::terminal) given->hasOwnPassword = true;
+    if (given->hint && !given->hasOwnPassword) {
+      refuse("a hint is for a password of its own: --own-password");
+    }
+  });
+}
+
+void defineVault(CLI::App& app, QNArguments& out) {
+  auto* const vault = app.add_subcommand("vault", "The vaults of the store");
+  vault->require_subcommand(1);
+  define<QNVaultListArguments>(*vault, out, "list", "List them; needs no password");
+  defineVaultAdd(*vault, out);
+  auto icon = define<QNVaultIconArguments>(*vault, out, "icon", "Tell of the vault's picture");
+  auto* const set = icon.command->add_option("--set", icon.given->set, "Take this PNG or JPEG")
+                        ->type_name("FILE");
+  auto* const save =
+      icon.command->add_option("--save", icon.given->save, "Copy it to a file that isn't there yet")
+          ->type_name("FILE")
+          ->excludes(set);
+  icon.command->add_flag("--clear", icon.given->clear, "Take it away")
+      ->excludes(set)
+      ->excludes(save);
+  auto color = define<QNVaultColorArguments>(*vault, out, "color", "Tell of the vault's colour");
+  auto* const value = color.command->add_option("COLOR", color.given->set, "The new one, #RRGGBB");
+  color.command->add_flag("--clear", color.given->clear, "Take it away")->excludes(value);
 }
 
 void defineCompletion(CLI::App& app, QNArguments& out) {
@@ -252,6 +354,8 @@ void defineCommands(CLI::App& app, QNArguments& out) {
       defineForItem<QNDeleteArguments>(app, out, "delete", "Delete one trashed item for good");
   remove.command->add_flag("--force", remove.given->force, "Even if it isn't in the trash");
   defineCare(app, out);
+  defineVault(app, out);
+  defineOTP(app, out);
   defineGenerate(app, out);
   defineCompletion(app, out);
 }
@@ -309,6 +413,9 @@ QNResult<QNArguments> parseArguments(const std::vector<std::string>& arguments) 
   app.add_option("--store", out.global.store,
                  "The store file; by default QUILLON_STORE, then quillon/vault.qn in your data "
                  "folder");
+  app.add_option("--vault", out.global.vault,
+                 "The vault of the store; by default QUILLON_VAULT, then the first one")
+      ->type_name("NAME");
   app.add_flag("--json", out.global.json, "Print one JSON value");
   addPasswordSource(app, "password", "The vault's password", out.global.password);
   defineCommands(app, out);
@@ -325,6 +432,11 @@ QNResult<QNArguments> parseArguments(const std::vector<std::string>& arguments) 
     return usageErrorFrom(app, error);
   }
   if (out.global.store.empty()) out.global.store = defaultStore();
+  if (out.global.vault.empty()) {
+    out.global.vault = environmentVariable("QUILLON_VAULT");
+  } else if (std::holds_alternative<QNInitArguments>(out.command)) {
+    return wrongUsage("init makes the first vault; quillon vault add makes another one");
+  }
   return out;
 }
 

@@ -238,5 +238,99 @@ TEST(QNArgumentParser, HelpAndVersionAreTexts) {
   EXPECT_TRUE(parsed({"--version", "--json"}).value().global.json);
 }
 
+TEST(QNArgumentParser, LooksForTheVaultInOptionAndVariable) {
+  const ScopedVariable none("QUILLON_VAULT", nullptr);
+  EXPECT_EQ(parsed({"list"}).value().global.vault, "");
+  EXPECT_EQ(parsed({"vault", "icon", "--vault", "work"}).value().global.vault, "work");
+
+  const ScopedVariable vault("QUILLON_VAULT", "club");
+  EXPECT_EQ(parsed({"list"}).value().global.vault, "club");
+  EXPECT_EQ(parsed({"--vault", "work", "list"}).value().global.vault, "work");
+}
+
+TEST(QNArgumentParser, InitMakesNoOtherVaultThanTheFirst) {
+  EXPECT_THAT(refusal({"init", "--vault", "work"}), HasSubstr("vault add"));
+  const ScopedVariable vault("QUILLON_VAULT", "work");
+  EXPECT_TRUE(parsed({"init"}).ok());
+}
+
+TEST(QNArgumentParser, ReadsWhereAOneTimePasswordComesFrom) {
+  EXPECT_EQ(parsedAs<QNOTPArguments>({"otp", "Bank"}).item, "Bank");
+  EXPECT_EQ(parsedAs<QNOTPArguments>({"otp", "--url", "-"}).url, "-");
+  EXPECT_EQ(parsedAs<QNOTPArguments>({"otp", "--url-file", "u"}).urlFile, "u");
+  EXPECT_EQ(parsedAs<QNOTPArguments>({"otp", "x", "--at", "59"}).at, 59);
+  EXPECT_EQ(parsedAs<QNOTPArguments>({"otp", "x", "--at", "-1"}).at, -1);
+  EXPECT_EQ(parsedAs<QNOTPArguments>({"otp", "x"}).at, std::nullopt);
+  EXPECT_TRUE(parsedAs<QNOTPArguments>({"otp", "x", "--qr"}).drawsQRCode);
+}
+
+TEST(QNArgumentParser, RefusesAOneTimePasswordOfNothingOrOfTwoThings) {
+  EXPECT_THAT(refusal({"otp"}), HasSubstr("needs"));
+  refusal({"otp", "Bank", "--url", "u"});
+  refusal({"otp", "Bank", "--url-file", "u"});
+  refusal({"otp", "--url", "u", "--url-file", "f"});
+  refusal({"otp", "Bank", "--qr", "--at", "59"});
+}
+
+TEST(QNArgumentParser, RefusesAMomentThatNoClockHas) {
+  refusal({"otp", "x", "--at", "soon"});
+  refusal({"otp", "x", "--at", "9007199254740993"});
+  refusal({"otp", "x", "--at", "9223372036854775807"});
+  refusal({"otp", "x", "--at", "99999999999999999999"});
+  EXPECT_EQ(parsedAs<QNOTPArguments>({"otp", "x", "--at", "9007199254740992"}).at,
+            9007199254740992);
+}
+
+TEST(QNArgumentParser, ReadsWordsAndPINsToGenerate) {
+  EXPECT_EQ(parsedAs<QNGenerateArguments>({"generate"}).words.has_value(), false);
+  const auto words = parsedAs<QNGenerateArguments>({"generate", "--words", "5"}).words;
+  EXPECT_EQ(words->count, 5u);
+  EXPECT_EQ(words->separator, "-");
+  EXPECT_EQ(parsedAs<QNGenerateArguments>({"generate", "--separator", "", "--words", "5"})
+                .words->separator,
+            "");
+  EXPECT_EQ(parsedAs<QNGenerateArguments>({"generate", "--pin", "6"}).pinDigits, 6u);
+}
+
+TEST(QNArgumentParser, RefusesWhatDoesNotGoTogetherInAPassword) {
+  for (const char* const number : {"1", "65", "0", "-2", "many"}) {
+    refusal({"generate", "--words", number});
+  }
+  for (const char* const number : {"2", "65", "0", "-3"}) refusal({"generate", "--pin", number});
+  refusal({"generate", "--words", "5", "--pin", "6"});
+  refusal({"generate", "--words", "5", "--length", "20"});
+  refusal({"generate", "--pin", "5", "--no-symbols"});
+  EXPECT_THAT(refusal({"generate", "--separator", "x"}), HasSubstr("--words"));
+  EXPECT_THAT(refusal({"generate", "--words", "5", "--separator", "\xff"}), HasSubstr("UTF-8"));
+}
+
+TEST(QNArgumentParser, ReadsTheCommandsForVaults) {
+  parsedAs<QNVaultListArguments>({"vault", "list"});
+  const auto add = parsedAs<QNVaultAddArguments>({"vault", "add", "work"});
+  EXPECT_EQ(add.name, "work");
+  EXPECT_FALSE(add.hasOwnPassword);
+  EXPECT_TRUE(
+      parsedAs<QNVaultAddArguments>({"vault", "add", "w", "--own-password"}).hasOwnPassword);
+  const auto own =
+      parsedAs<QNVaultAddArguments>({"vault", "add", "w", "--own-password-file", "p.txt"});
+  EXPECT_TRUE(own.hasOwnPassword);
+  EXPECT_EQ(own.ownPassword.file, "p.txt");
+  EXPECT_EQ(parsedAs<QNVaultIconArguments>({"vault", "icon", "--set", "a.png"}).set, "a.png");
+  EXPECT_EQ(parsedAs<QNVaultIconArguments>({"vault", "icon", "--save", "b.png"}).save, "b.png");
+  EXPECT_TRUE(parsedAs<QNVaultIconArguments>({"vault", "icon", "--clear"}).clear);
+  EXPECT_EQ(parsedAs<QNVaultColorArguments>({"vault", "color", "#123abc"}).set, "#123abc");
+  EXPECT_TRUE(parsedAs<QNVaultColorArguments>({"vault", "color", "--clear"}).clear);
+}
+
+TEST(QNArgumentParser, RefusesCommandsForVaultsThatContradictThemselves) {
+  refusal({"vault"});
+  refusal({"vault", "add"});
+  EXPECT_THAT(refusal({"vault", "add", "w", "--hint", "h"}), HasSubstr("--own-password"));
+  refusal({"vault", "add", "w", "--own-password-stdin", "--own-password-file", "f"});
+  refusal({"vault", "icon", "--set", "a", "--clear"});
+  refusal({"vault", "icon", "--set", "a", "--save", "b"});
+  refusal({"vault", "color", "#123abc", "--clear"});
+}
+
 }  // namespace
 }  // namespace quillon

@@ -22,6 +22,7 @@ struct QNPasswordSource {
 
 struct QNGlobalArguments {
   std::filesystem::path store;
+  std::string vault;  // by name; empty for the first one, which every store has
   bool json = false;
   QNPasswordSource password;
 };
@@ -93,9 +94,37 @@ struct QNCheckArguments {};
 struct QNBackupArguments {
   std::filesystem::path file;
 };
+/// Characters, unless words or the digits of a PIN are asked for.
 struct QNGenerateArguments {
   QNSPG::Characters recipe;
+  std::optional<QNSPG::Words> words;
+  std::optional<std::uint32_t> pinDigits;
   std::uint32_t count = 1;
+};
+/// Of an item, or of a URL that comes from an argument, standard input ("-") or a file.
+struct QNOTPArguments {
+  std::optional<std::string> item;
+  std::optional<std::string> url;
+  std::filesystem::path urlFile;
+  bool drawsQRCode = false;
+  std::optional<std::int64_t> at;  // seconds since 1970; now if there is none
+};
+struct QNVaultListArguments {};
+struct QNVaultAddArguments {
+  std::string name;
+  std::optional<std::string> hint;
+  bool hasOwnPassword = false;
+  QNPasswordSource ownPassword;
+};
+/// Tells of the icon if neither is asked.
+struct QNVaultIconArguments {
+  std::filesystem::path set;
+  std::filesystem::path save;
+  bool clear = false;
+};
+struct QNVaultColorArguments {
+  std::optional<std::string> set;  // "#RRGGBB", or without the "#"
+  bool clear = false;
 };
 struct QNCompletionArguments {
   std::string shell;
@@ -111,8 +140,9 @@ struct QNArguments {
   std::variant<QNTextArguments, QNInitArguments, QNImportArguments, QNListArguments,
                QNFindArguments, QNShowArguments, QNAddLoginArguments, QNEditArguments,
                QNTrashArguments, QNRestoreArguments, QNDeleteArguments, QNPasswdArguments,
-               QNInfoArguments, QNCheckArguments, QNBackupArguments, QNGenerateArguments,
-               QNCompletionArguments>
+               QNInfoArguments, QNCheckArguments, QNBackupArguments, QNOTPArguments,
+               QNVaultListArguments, QNVaultAddArguments, QNVaultIconArguments,
+               QNVaultColorArguments, QNGenerateArguments, QNCompletionArguments>
       command;
 };
 

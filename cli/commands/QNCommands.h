@@ -23,6 +23,11 @@ QNCommandResult runCommand(Global global, const QNPasswdArguments& arguments);
 QNCommandResult runCommand(Global global, const QNInfoArguments& arguments);
 QNCommandResult runCommand(Global global, const QNCheckArguments& arguments);
 QNCommandResult runCommand(Global global, const QNBackupArguments& arguments);
+QNCommandResult runCommand(Global global, const QNOTPArguments& arguments);
+QNCommandResult runCommand(Global global, const QNVaultListArguments& arguments);
+QNCommandResult runCommand(Global global, const QNVaultAddArguments& arguments);
+QNCommandResult runCommand(Global global, const QNVaultIconArguments& arguments);
+QNCommandResult runCommand(Global global, const QNVaultColorArguments& arguments);
 QNCommandResult runCommand(Global global, const QNGenerateArguments& arguments);
 QNCommandResult runCommand(Global global, const QNCompletionArguments& arguments);
 

@@ -16,6 +16,7 @@ struct Category {
 };
 
 struct Info {
+  std::string vault;
   std::uint64_t items = 0;
   std::uint64_t trashed = 0;
   std::vector<Category> categories;
@@ -30,14 +31,15 @@ std::string nameOfCategory(const std::string& uuid) {
   return QNCategoryHelper::defaultPluralNameFor(uuid).value_or(uuid);
 }
 
-QNResult<Info> infoOf(QNStore& store) {
-  const auto vault = lockedVault(store);
+QNResult<Info> infoOf(QNStore& store, const QNGlobalArguments& global) {
+  const auto vault = lockedVault(store, global);
   if (!vault) return vault.error();
   const auto counts = store.vaults();
   if (!counts) return counts.error();
   const auto categories = store.categories(*vault.value());
   if (!categories) return categories.error();
   Info info;
+  info.vault = vault.value()->profileName().value_or("");
   for (const QNStoredVaultInfo& counted : counts.value()) {
     if (counted.oid != vault.value()->oid()) continue;
     info.items = counted.items;
@@ -58,7 +60,8 @@ JsonObject jsonOf(const Info& info) {
     categories.push_back(
         {{"uuid", category.uuid}, {"name", category.name}, {"items", category.items}});
   }
-  return {{"items", info.items},
+  return {{"vault", info.vault},
+          {"items", info.items},
           {"trashed", info.trashed},
           {"categories", std::move(categories)},
           {"kdf", {{"name", "argon2id"}, {"memoryKiB", info.memoryKiB}, {"passes", kPasses}}},
@@ -68,6 +71,7 @@ JsonObject jsonOf(const Info& info) {
 void print(QNOutput& out, const QNGlobalArguments& global, const Info& info) {
   out.line(fmt::format("Store:       {}", shownText(global.store.string())));
   out.line(fmt::format("Schema:      {}", info.schema));
+  out.line(fmt::format("Vault:       {}", shownText(info.vault)));
   out.line(fmt::format("Items:       {}", info.items));
   for (const Category& category : info.categories) {
     out.line(fmt::format("  {} {}", padded(shownText(category.name) + ":", 20), category.items));
@@ -82,7 +86,7 @@ void print(QNOutput& out, const QNGlobalArguments& global, const Info& info) {
 QNCommandResult runCommand(Global global, const QNInfoArguments&) {
   const auto store = openStore(global, QNStore::Access::readOnly);
   if (!store) return store.error();
-  const auto info = infoOf(*store.value());
+  const auto info = infoOf(*store.value(), global);
   if (!info) return info.error();
   if (global.json) return printJson(jsonOf(info.value()));
   QNOutput out;

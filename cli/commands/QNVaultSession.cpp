@@ -17,6 +17,28 @@ QNError wrongPassword(const QNProfile& vault) {
                    fmt::format("wrong password; the hint is: {}", shownText(*hint)));
 }
 
+QNResult<std::shared_ptr<QNProfile>> lockedPrimary(QNStore& store) {
+  auto vault = store.vaultNamed(QNProfile::primaryProfileName());
+  if (!vault.ok() && isStoreError(vault.error(), QNStoreErrorCode::notFound)) {
+    return toolError(QNExit::damaged, "the store has no vault");
+  }
+  return vault;
+}
+
+// Does the password open the vault, be it the primary one's or its own? The primary vault is left
+// unlocked if it is the primary one's.
+QNResult<bool> unlockOther(QNStore& store, QNProfile& vault,
+                           const std::shared_ptr<QNProfile>& primary, std::string_view password) {
+  const auto opensPrimary = store.unlock(*primary, password);
+  if (!opensPrimary) return opensPrimary.error();
+  if (opensPrimary.value()) {
+    const auto opened = store.unlockWithPrimary(vault, primary);
+    if (!opened || opened.value()) return opened;
+    primary->lock();
+  }
+  return store.unlock(vault, password);
+}
+
 }  // namespace
 
 QNResult<std::unique_ptr<QNStore>> openStore(const QNGlobalArguments& global,
@@ -38,31 +60,46 @@ QNResult<std::unique_ptr<QNStore>> openStore(const QNGlobalArguments& global,
   return store.error().within(where);
 }
 
-QNResult<std::shared_ptr<QNProfile>> lockedVault(QNStore& store) {
-  auto vault = store.vaultNamed(QNProfile::primaryProfileName());
-  if (!vault.ok() && isStoreError(vault.error(), QNStoreErrorCode::notFound)) {
-    return toolError(QNExit::damaged, "the store has no vault");
+QNResult<std::shared_ptr<QNProfile>> lockedVault(QNStore& store, const QNGlobalArguments& global) {
+  if (global.vault.empty() || global.vault == QNProfile::primaryProfileName()) {
+    return lockedPrimary(store);
   }
-  return vault;
+  auto vault = store.vaultNamed(global.vault);
+  if (vault.ok() || !isStoreError(vault.error(), QNStoreErrorCode::notFound)) return vault;
+  return toolError(QNExit::notFound,
+                   fmt::format("the store has no vault \"{}\"; quillon vault list "
+                               "names those it has",
+                               shownText(global.vault)));
 }
 
 QNResult<QNVaultSession> QNVaultSession::open(const QNGlobalArguments& global,
                                               QNStore::Access access) {
   auto store = openStore(global, access);
   if (!store) return store.error();
-  auto vault = lockedVault(*store.value());
+  auto vault = lockedVault(*store.value(), global);
   if (!vault) return vault.error();
+  auto primary = vault.value()->isPrimaryProfile() ? vault : lockedPrimary(*store.value());
+  if (!primary) return primary.error();
   const auto password = readPassword(global.password, "Password: ");
   if (!password) return password.error();
   // The key is derived from it, and the vault keeps it sealed while it is open.
-  const auto unlocked = store.value()->unlock(*vault.value(), password.value().reveal());
+  const std::string_view text = password.value().reveal();
+  const auto unlocked = vault.value() == primary.value()
+                            ? store.value()->unlock(*vault.value(), text)
+                            : unlockOther(*store.value(), *vault.value(), primary.value(), text);
+  const bool isPrimaryOpen = primary.value()->isUnlocked();
+  QNVaultSession session(std::move(store).value(), vault.value(),
+                         isPrimaryOpen ? primary.value() : nullptr);
   if (!unlocked) return unlocked.error();
-  if (!unlocked.value()) return wrongPassword(*vault.value());
-  return QNVaultSession(std::move(store).value(), std::move(vault).value());
+  if (!unlocked.value()) {
+    return wrongPassword(vault.value()->passwordHint() ? *vault.value() : *primary.value());
+  }
+  return session;
 }
 
 QNVaultSession::~QNVaultSession() {
   if (_vault != nullptr) _vault->lock();
+  if (_primary != nullptr && _primary != _vault) _primary->lock();
 }
 
 QNExit warnOfDamage(const QNListReport& report) {

@@ -6,11 +6,12 @@
 
 namespace quillon {
 
-/// The store and its vault, open. The vault is locked again when this goes.
+/// The store and the vault that the user chose, open: by the password of the primary vault, which
+/// opens the others, or by one of its own. What was unlocked is locked again when this goes.
 class QNVaultSession final {
  public:
   /// Opens the file, asks for the password, and unlocks. Errors: exit code 3 for a wrong password,
-  /// 6 for a damaged store, 7 for a file that isn't there.
+  /// 4 for a vault that isn't there, 6 for a damaged store, 7 for a file that isn't there.
   static QNResult<QNVaultSession> open(const QNGlobalArguments& global, QNStore::Access access);
   ~QNVaultSession();
   QNVaultSession(QNVaultSession&&) noexcept = default;
@@ -18,19 +19,23 @@ class QNVaultSession final {
 
   [[nodiscard]] QNStore& store() const { return *_store; }
   [[nodiscard]] const std::shared_ptr<QNProfile>& vault() const { return _vault; }
+  /// Null if the vault was opened by a password of its own.
+  [[nodiscard]] const std::shared_ptr<QNProfile>& primaryVault() const { return _primary; }
 
  private:
-  QNVaultSession(std::unique_ptr<QNStore> store, std::shared_ptr<QNProfile> vault)
-      : _store(std::move(store)), _vault(std::move(vault)) {}
+  QNVaultSession(std::unique_ptr<QNStore> store, std::shared_ptr<QNProfile> vault,
+                 std::shared_ptr<QNProfile> primary)
+      : _store(std::move(store)), _vault(std::move(vault)), _primary(std::move(primary)) {}
   std::unique_ptr<QNStore> _store;
   std::shared_ptr<QNProfile> _vault;
+  std::shared_ptr<QNProfile> _primary;
 };
 
 /// The store file, opened; a missing one is an error with exit code 7.
 QNResult<std::unique_ptr<QNStore>> openStore(const QNGlobalArguments& global,
                                              QNStore::Access access);
-/// The one vault of the store, locked.
-QNResult<std::shared_ptr<QNProfile>> lockedVault(QNStore& store);
+/// The chosen vault of the store, locked; exit code 4 if there is none of that name.
+QNResult<std::shared_ptr<QNProfile>> lockedVault(QNStore& store, const QNGlobalArguments& global);
 
 /// Tells the user of rows that a list left out. `done` if there are none, else `damaged`.
 QNExit warnOfDamage(const QNListReport& report);

@@ -1,6 +1,6 @@
 # Completions of quillon for bash. Titles aren't completed: that would need the password.
 
-_quillon_global='--store --password-file --password-fd --password-stdin --json --help'
+_quillon_global='--store --vault --password-file --password-fd --password-stdin --json --help'
 
 # The options of one command, its own first.
 _quillon_options() {
@@ -19,23 +19,38 @@ _quillon_options() {
       echo "--new-password-file --new-password-fd --new-password-stdin $_quillon_global"
       ;;
     generate)
-      echo "--length --no-symbols --no-digits --avoid-ambiguous --count $_quillon_global"
+      echo "--length --no-symbols --no-digits --avoid-ambiguous --words --separator --pin --count \
+$_quillon_global"
       ;;
+    otp) echo "--qr --at --url --url-file $_quillon_global" ;;
+    vault-add)
+      echo "--own-password --own-password-file --own-password-fd --own-password-stdin --hint \
+$_quillon_global"
+      ;;
+    vault-icon) echo "--set --save --clear $_quillon_global" ;;
+    vault-color) echo "--clear $_quillon_global" ;;
     '') echo "--version $_quillon_global" ;;
     *) echo "$_quillon_global" ;;
   esac
 }
 
-# The command on the line so far: "login" for "add login", nothing if there is none yet.
+# The command on the line so far: "login" for "add login", "vault-icon" for "vault icon", nothing if
+# there is none yet.
 _quillon_command() {
   local i word command=
   for ((i = 1; i < COMP_CWORD; i++)); do
     word=${COMP_WORDS[i]}
     case $word in
-      --store | --password-file | --password-fd) ((i++)) ;;
+      --store | --vault | --password-file | --password-fd) ((i++)) ;;
       -*) ;;
       login)
         [[ $command == add ]] && command=login
+        ;;
+      list | add | icon | color)
+        case $command in
+          vault) command=vault-$word ;;
+          '') command=$word ;;
+        esac
         ;;
       *) [[ -z $command ]] && command=$word ;;
     esac
@@ -48,15 +63,25 @@ _quillon() {
   command=$(_quillon_command)
   COMPREPLY=()
   case $before in
-    --store | --password-file | --new-password-file)
+    --store | --password-file | --new-password-file | --own-password-file | --url-file | --save)
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return
       ;;
+    --set)
+      if [[ $command == vault-icon ]]; then
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        return
+      fi
+      words='title= username= url= notes= password password=-'
+      ;;
     --sort) words='title updated created' ;;
     --field) words='title username password url notes' ;;
-    --set) words='title= username= url= notes= password password=-' ;;
-    --hint | --title | --username | --url | --notes | --length | --count | *-fd) return ;;
+    --hint | --title | --username | --url | --notes | --length | --count | --vault | --words | \
+      --separator | --pin | --at | *-fd)
+      return
+      ;;
     *)
       case $current in
         -*) words=$(_quillon_options "$command") ;;
@@ -64,9 +89,10 @@ _quillon() {
           case $command in
             '')
               words='init import list find show add edit trash restore delete passwd info check
-                backup generate completion'
+                backup vault otp generate completion'
               ;;
             add) words=login ;;
+            vault) words='list add icon color' ;;
             completion) words='bash zsh fish' ;;
             import | backup)
               compopt -o filenames 2>/dev/null

@@ -1,9 +1,10 @@
 # Completions of quillon for fish. Titles aren't completed: that would need the password.
 
-set -l commands init import list find show add edit trash restore delete passwd info check backup generate completion
+set -l commands init import list find show add edit trash restore delete passwd info check backup vault otp generate completion
 
 complete -c quillon -f
 complete -c quillon -l store -r -F -d 'The store file'
+complete -c quillon -l vault -x -d 'The vault of the store'
 complete -c quillon -l password-file -r -F -d 'Read the password from a file'
 complete -c quillon -l password-fd -x -d 'Read the password from a descriptor'
 complete -c quillon -l password-stdin -d 'Read the password from standard input'
@@ -25,6 +26,8 @@ complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a passwd -d 
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a info -d 'Tell what the store holds'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a check -d 'Test every row of the store'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a backup -d 'Copy the store'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a vault -d 'The vaults of the store'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a otp -d 'Print a one-time password'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a generate -d 'Print random passwords'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a completion -d 'Print the completions of a shell'
 
@@ -37,7 +40,7 @@ complete -c quillon -n '__fish_seen_subcommand_from list find' -l long -d 'Show 
 complete -c quillon -n '__fish_seen_subcommand_from find add' -l url -x -d Address
 complete -c quillon -n '__fish_seen_subcommand_from show' -l reveal -d 'Show secrets'
 complete -c quillon -n '__fish_seen_subcommand_from show' -l field -x -a 'title username password url notes' -d 'Print one field alone'
-complete -c quillon -n '__fish_seen_subcommand_from add; and not __fish_seen_subcommand_from login' -a login -d 'Add a login'
+complete -c quillon -n '__fish_seen_subcommand_from add; and not __fish_seen_subcommand_from login vault' -a login -d 'Add a login'
 complete -c quillon -n '__fish_seen_subcommand_from add' -l title -x -d Title
 complete -c quillon -n '__fish_seen_subcommand_from add' -l username -x -d 'User name'
 complete -c quillon -n '__fish_seen_subcommand_from add' -l notes -x -d Notes
@@ -53,5 +56,24 @@ complete -c quillon -n '__fish_seen_subcommand_from generate' -l length -x -d Ch
 complete -c quillon -n '__fish_seen_subcommand_from generate' -l no-symbols -d 'Without symbols'
 complete -c quillon -n '__fish_seen_subcommand_from generate' -l no-digits -d 'Without digits'
 complete -c quillon -n '__fish_seen_subcommand_from generate' -l avoid-ambiguous -d 'Without characters that look alike'
+complete -c quillon -n '__fish_seen_subcommand_from generate' -l words -x -d 'English words instead'
+complete -c quillon -n '__fish_seen_subcommand_from generate' -l separator -x -d 'Between the words'
+complete -c quillon -n '__fish_seen_subcommand_from generate' -l pin -x -d 'Digits of a PIN instead'
 complete -c quillon -n '__fish_seen_subcommand_from generate' -l count -x -d 'How many'
+complete -c quillon -n '__fish_seen_subcommand_from otp' -l qr -d 'Draw the URL as a QR code'
+complete -c quillon -n '__fish_seen_subcommand_from otp' -l at -x -d 'Seconds since 1970'
+complete -c quillon -n '__fish_seen_subcommand_from otp' -l url -x -d 'Of this URL; - reads standard input'
+complete -c quillon -n '__fish_seen_subcommand_from otp' -l url-file -r -F -d 'Of the URL in a file'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and not __fish_seen_subcommand_from list add icon color' -a list -d 'List the vaults'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and not __fish_seen_subcommand_from list add icon color' -a add -d 'Add a vault'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and not __fish_seen_subcommand_from list add icon color' -a icon -d 'The icon of the vault'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and not __fish_seen_subcommand_from list add icon color' -a color -d 'The colour of the vault'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from add' -l own-password -d 'Ask for a password of its own'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from add' -l own-password-file -r -F -d 'Read its own password from a file'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from add' -l own-password-fd -x -d 'Read its own password from a descriptor'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from add' -l own-password-stdin -d 'Read its own password from standard input'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from add' -l hint -x -d 'What reminds you of its own password'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from icon' -l set -r -F -d 'Take this PNG or JPEG'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from icon' -l save -r -F -d 'Copy it to a new file'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from icon color' -l clear -d 'Take it away'
 complete -c quillon -n '__fish_seen_subcommand_from completion' -a 'bash zsh fish'

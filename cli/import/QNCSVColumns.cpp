@@ -131,6 +131,22 @@ constexpr auto kAliases = std::to_array<Alias>({
     {"备注", Place::notes},
     {"description", Place::notes},
     {"extra", Place::notes},
+
+    {"otpauth", Place::oneTimePassword},
+    {"otpurl", Place::oneTimePassword},
+    {"otp", Place::oneTimePassword},
+    {"otpsecret", Place::oneTimePassword},
+    {"totp", Place::oneTimePassword},
+    {"totpsecret", Place::oneTimePassword},
+    {"totpurl", Place::oneTimePassword},
+    {"totpuri", Place::oneTimePassword},
+    {"logintotp", Place::oneTimePassword},
+    {"onetimepassword", Place::oneTimePassword},
+    {"2fa", Place::oneTimePassword},
+    {"einmalpasswort", Place::oneTimePassword},
+    {"einmalkennwort", Place::oneTimePassword},
+    {"motdepasseausageunique", Place::oneTimePassword},
+    {"contrasenadeunsolouso", Place::oneTimePassword},
 });
 
 // What only these formats have.

@@ -20,6 +20,7 @@ enum class QNCSVPlace : std::uint8_t {
   username,
   password,
   notes,
+  oneTimePassword,       // a URL or a bare seed; kept as it is, usable or not
   favorite,              // "1" for a favorite
   kind,                  // "note" for a secure note
   createdMilliseconds,   // since 1970

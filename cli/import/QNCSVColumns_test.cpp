@@ -51,12 +51,12 @@ TEST(QNCSVColumns, PlacesTheColumnsOfEachFormat) {
                     Place::changedMilliseconds}));
   EXPECT_EQ(placesOf({"Title", "URL", "Username", "Password", "Notes", "OTPAuth"}),
             (Places{Place::title, Place::url, Place::username, Place::password, Place::notes,
-                    Place::none}));
+                    Place::oneTimePassword}));
   EXPECT_EQ(
       placesOf({"folder", "favorite", "type", "name", "notes", "fields", "reprompt", "login_uri",
                 "login_username", "login_password", "login_totp"}),
       (Places{Place::none, Place::favorite, Place::kind, Place::title, Place::notes, Place::none,
-              Place::mark, Place::url, Place::username, Place::password, Place::none}));
+              Place::mark, Place::url, Place::username, Place::password, Place::oneTimePassword}));
 }
 
 TEST(QNCSVColumns, ReadsObviousNamesOfSeveralLanguages) {

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "quillon/fields/QNFieldSection.h"
+#include "quillon/fields/QNItemStringField.h"
 #include "quillon/logins/QNLogin.h"
 #include "quillon/platform/text/QNText.h"
 #include "quillon/platform/urls/QNURLTools.h"
@@ -49,6 +51,17 @@ bool hasPath(std::string_view address) {
   const std::size_t scheme = address.find("://");
   const std::size_t start = scheme == std::string_view::npos ? 0 : scheme + 3;
   return address.find_first_of("/?#", start) != std::string_view::npos;
+}
+
+// In a section of its own, as a person would add it.
+void addOneTimePassword(QNItem& item, std::string_view text) {
+  const auto field = std::make_shared<QNItemTOTPField>();
+  field->setTitle("one-time password");
+  field->setValue(text);
+  const auto section = std::make_shared<QNFieldSection>();
+  section->setName(QNFieldSection::uniqueSectionName());
+  section->addField(field);
+  item.addFieldSection(section);
 }
 
 }  // namespace
@@ -97,6 +110,9 @@ void QNCSVRow::take(std::size_t column, std::string_view value) {
     case Place::notes:
       _notes = value;
       return;
+    case Place::oneTimePassword:
+      _oneTimePassword = value;
+      return;
     case Place::formAction:
       _formAction = value;
       return;
@@ -135,18 +151,19 @@ void QNCSVRow::takeAddresses(std::string_view value) {
   }
 }
 
-// A secure note has no user name, password or address.
+// A secure note has no user name, password, one-time password or address.
 void QNCSVRow::keepWhatANoteHasNot(QNCSVReader::Fields fields) {
   for (std::size_t i = 0; i < fields.size(); ++i) {
     const Place place = placeOf(i);
-    const bool lost = place == Place::url || place == Place::username || place == Place::password;
+    const bool lost = place == Place::url || place == Place::username || place == Place::password ||
+                      place == Place::oneTimePassword;
     if (lost && !isNothing(fields[i], place)) _kept.push_back({i, fields[i]});
   }
 }
 
 bool QNCSVRow::isEmpty() const {
   return _title.empty() && _username.empty() && _password.empty() && _notes.empty() &&
-         _urls.empty() && _kept.empty();
+         _oneTimePassword.empty() && _urls.empty() && _kept.empty();
 }
 
 std::string QNCSVRow::nameOfColumn(const QNCSVColumns& header, std::size_t column) {
@@ -189,6 +206,7 @@ std::shared_ptr<QNItem> QNCSVRow::makeItem(const std::shared_ptr<QNProfile>& vau
   for (const std::string_view address : _urls) item->addURLString(address);
   if (!_username.empty()) item->setUsername(_username);
   if (!_password.empty()) item->setPassword(_password);
+  if (!_oneTimePassword.empty()) addOneTimePassword(*item, _oneTimePassword);
   if (auto* const login = dynamic_cast<QNLogin*>(item.get());
       login != nullptr && !_formAction.empty()) {
     login->setHtmlAction(_formAction);

@@ -46,7 +46,7 @@ class QNCSVRow final {
   [[nodiscard]] QNSecret allNotes() const;
 
   const QNCSVColumns& _header;
-  std::string_view _title, _username, _password, _notes, _formAction;
+  std::string_view _title, _username, _password, _notes, _formAction, _oneTimePassword;
   std::vector<std::string_view> _urls;
   std::optional<std::uint64_t> _created, _lastUsed;  // seconds
   bool _isFavorite = false;

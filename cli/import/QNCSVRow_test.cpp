@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "quillon/fields/QNItemField.h"
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/logins/QNLogin.h"
 #include "quillon/platform/crypto/QNAESKey.h"
@@ -72,6 +73,57 @@ TEST(QNCSVRow, KeepsValuesWithoutAPlaceInTheNotes) {
   EXPECT_EQ(row.item()->notesPlain(), "first\nBranch: 12");
   EXPECT_EQ(RowOf("title,password,Branch\nBank,p,12,extra,,more\n").item()->notesPlain(),
             "Branch: 12\nColumn 4: extra\nColumn 6: more");
+}
+
+std::string oneTimePasswordOf(QNItem& item) {
+  const auto text = item.firstTOTPString();
+  return text ? std::string(text->reveal()) : "none";
+}
+
+TEST(QNCSVRow, PutsAOneTimePasswordIntoAFieldOfItsOwn) {
+  const RowOf row(
+      "Title,URL,Username,Password,Notes,OTPAuth\n"
+      "Bank,https://bank.example,jo,p,N,otpauth://totp/bank?secret=JBSWY3DPEHPK3PXP\n");
+  const auto item = row.item();
+
+  EXPECT_EQ(oneTimePasswordOf(*item), "otpauth://totp/bank?secret=JBSWY3DPEHPK3PXP");
+  EXPECT_EQ(item->notesPlain(), "N");
+  EXPECT_THAT(row->kept(), IsEmpty());
+  const auto field = item->firstTOTPField();
+  EXPECT_EQ(field->type(), "concealed");
+  EXPECT_EQ(field->identifier()->substr(0, 5), "TOTP_");
+  EXPECT_EQ(field->title(), "one-time password");
+}
+
+TEST(QNCSVRow, KnowsTheColumnsOfOneTimePasswordsOfOthers) {
+  for (const char* const name : {"OTPAuth", "totp", "TOTP", "OTP", "otp_secret", "2FA",
+                                 "Einmal-Passwort", "login_totp", "OTP URL"}) {
+    const RowOf row(std::string("title,password,") + name + "\nBank,p,jbsw y3dp ehpk 3pxp\n");
+    EXPECT_EQ(oneTimePasswordOf(*row.item()), "jbsw y3dp ehpk 3pxp") << name;
+  }
+}
+
+TEST(QNCSVRow, KeepsAOneTimePasswordThatGivesNoCode) {
+  const RowOf row("title,password,totp\nBank,p,otpauth://hotp/bank?secret=JBSWY3DPEHPK3PXP\n");
+
+  EXPECT_EQ(oneTimePasswordOf(*row.item()), "otpauth://hotp/bank?secret=JBSWY3DPEHPK3PXP");
+  EXPECT_FALSE(RowOf("title,password,totp\n,,JBSWY3DPEHPK3PXP\n")->isEmpty());
+}
+
+TEST(QNCSVRow, WithoutAOneTimePasswordHasNoSection) {
+  const RowOf row("title,password,totp\nBank,p, \n");
+
+  EXPECT_EQ(oneTimePasswordOf(*row.item()), "none");
+  EXPECT_EQ(row.item()->numberOfFieldSections(), 0u);
+}
+
+TEST(QNCSVRow, ANoteKeepsAOneTimePasswordInItsNotes) {
+  const RowOf note(
+      "folder,favorite,type,name,notes,fields,reprompt,login_uri,login_username,login_password,"
+      "login_totp\n,,note,Alarm,0000,,0,,,,JBSWY3DPEHPK3PXP\n");
+
+  EXPECT_EQ(note.item()->notesPlain(), "0000\nlogin_totp: JBSWY3DPEHPK3PXP");
+  EXPECT_EQ(oneTimePasswordOf(*note.item()), "none");
 }
 
 TEST(QNCSVRow, ReadsTheTimesOfFirefox) {

@@ -56,6 +56,8 @@ QNKnownItems::Digest QNKnownItems::fingerprintOf(QNItem& item) const {
   const auto password = item.password();
   texts.add(password ? password->reveal() : "");  // into bytes that wipe themselves
   texts.add(item.notesPlain().value_or(""));
+  const auto oneTimePassword = item.firstTOTPString();
+  texts.add(oneTimePassword ? oneTimePassword->reveal() : "");  // into the same bytes
   for (const auto& url : item.URLs()) texts.add(url->URLString().value_or(""));
   return hmacSHA256(_key, texts.bytes());
 }

@@ -13,9 +13,9 @@
 namespace quillon {
 
 /// Tells whether an item of a vault is there already: one of the same kind, with the same title,
-/// addresses, user name, password and notes. Such a likeness is kept as a fingerprint, under a
-/// random key that dies with this object. Overviews are looked at for every item; only those
-/// whose title and first address are asked for are opened.
+/// addresses, user name, password, notes and one-time password. Such a likeness is kept as a
+/// fingerprint, under a random key that dies with this object. Overviews are looked at for every
+/// item; only those whose title and first address are asked for are opened.
 class QNKnownItems final {
  public:
   /// The items of the vault that aren't in the trash.

@@ -39,6 +39,7 @@ struct QNStore::Database {
   QNResult<QNLedger*> openLedger(const std::shared_ptr<QNProfile>& vault);
   /// Is the vault's row what was saved last? Error: damaged, if it isn't.
   QNResult<bool> isGenuine(QNProfile& vault);
+  QNResult<bool> lockUnlessGenuine(QNProfile& vault);
   QNResult<QNDone> insertVault(const std::shared_ptr<QNProfile>& vault);
   QNResult<QNDone> updateVault(const std::shared_ptr<QNProfile>& vault);
   void readCategories(const std::shared_ptr<QNProfile>& vault);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "quillon/platform/data/MRData.h"
+#include "quillon/platform/passwords/QNWordList.h"
 #include "quillon/platform/text/QNText.h"
 
 namespace quillon {
@@ -15,6 +16,8 @@ namespace {
 
 constexpr std::uint32_t kMinLength = 4;
 constexpr std::uint32_t kMaxLength = 256;
+constexpr std::uint32_t kMinWords = 2;
+constexpr std::uint32_t kMaxWords = 64;
 constexpr double kBitsOfFullStrength = 128;
 constexpr std::string_view kAmbiguous = "0O1lI|";
 // Quotes, backslash and blank are left out: forms and shells mangle them.
@@ -85,6 +88,29 @@ QNSPG::Generated QNSPG::generateCharacters(const Characters& recipe) {
   } while (!hasEachClass({password.data(), password.size()}, classes));
   Generated generated{QNSecret({password.data(), password.size()}), bitsOfChoice(classes, length)};
   wipe(place.data(), place.size());
+  return generated;
+}
+
+QNSPG::Generated QNSPG::generateWords(const QNWordList& list, const Words& recipe) {
+  const std::uint32_t count = std::clamp(recipe.count, kMinWords, kMaxWords);
+  const auto& words = list.words();
+  Generated generated;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    if (i > 0) generated.password.append(recipe.separator);
+    generated.password.append(words[randomBelow(static_cast<std::uint32_t>(words.size()))]);
+  }
+  generated.bitsEntropy = count * list.bitsOfWord();
+  return generated;
+}
+
+QNSPG::Generated QNSPG::generatePIN(std::uint32_t digits) {
+  constexpr std::string_view kDigits = "0123456789";
+  const std::uint32_t length = std::clamp(digits, kMinDigits, kMaxDigits);
+  Generated generated;
+  for (std::uint32_t i = 0; i < length; ++i) {
+    generated.password.append(kDigits.substr(randomBelow(10), 1));
+  }
+  generated.bitsEntropy = length * std::log2(10);
   return generated;
 }
 

@@ -3,12 +3,15 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "quillon/platform/errors/QNError.h"
 #include "quillon/platform/memory/QNSecret.h"
 
 namespace quillon {
+
+class QNWordList;
 
 /// The password generator and the scale of strengths.
 class QNSPG final {
@@ -20,6 +23,13 @@ class QNSPG final {
     /// Leaves out characters that are easily mistaken for another: 0 O 1 l I |
     bool withoutAmbiguous = false;
   };
+  struct Words {
+    std::uint32_t count = 6;  // 2 to 64; what lies outside is drawn to the nearer end
+    std::string separator = "-";
+  };
+  /// Digits of a PIN: what lies outside is drawn to the nearer end.
+  static constexpr std::uint32_t kMinDigits = 3;
+  static constexpr std::uint32_t kMaxDigits = 64;
   /// A generated password and the bits of entropy of the way it was made.
   struct Generated {
     QNSecret password;
@@ -29,7 +39,12 @@ class QNSPG final {
   /// Random letters, digits and symbols; a small letter, a capital, and one of each asked class
   /// at least. The stated entropy is that of a choice among all such passwords.
   static Generated generateCharacters(const Characters& recipe);
-  /// The default recipe.
+  /// Random words of the list with the separator between them; a word may come twice. The entropy
+  /// is that of the words alone.
+  static Generated generateWords(const QNWordList& list, const Words& recipe);
+  /// Random digits, each as likely as any other: 0000 is a PIN like every one.
+  static Generated generatePIN(std::uint32_t digits);
+  /// The default recipe of characters.
   static QNSecret generateCharactersPassword();
 
   /// Bits of entropy on the scale of strengths: 0 for 0 bits, 100 from 128 bits on, rising.

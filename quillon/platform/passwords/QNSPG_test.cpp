@@ -4,14 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/internal/QNMemoryWatch.h"
+#include "quillon/platform/passwords/QNWordList.h"
 
 namespace quillon {
 namespace {
@@ -27,15 +30,26 @@ QNSPG::Characters recipeOf(std::uint32_t length, bool digits, bool symbols, bool
   return {length, digits, symbols, withoutAmbiguous};
 }
 
-// The same at each call.
-QNSecret knownPassword() {
-  const QNScopedRandom source([next = std::uint32_t{1}](std::span<std::uint8_t> out) mutable {
+// Random bytes that are the same in each test.
+class KnownRandom {
+ private:
+  QNScopedRandom _source{[next = std::uint32_t{1}](std::span<std::uint8_t> out) mutable {
     for (std::uint8_t& byte : out) {
       next = next * 1'103'515'245 + 12'345;
       byte = static_cast<std::uint8_t>(next >> 16);
     }
-  });
+  }};
+};
+
+// The same at each call.
+QNSecret knownPassword() {
+  const KnownRandom random;
   return QNSPG::generateCharactersPassword();
+}
+
+const QNWordList& english() {
+  static const QNWordList list = std::move(QNWordList::english()).value();
+  return list;
 }
 
 TEST(QNSPG, GeneratesAtLeastOneOfEachAskedClass) {
@@ -171,6 +185,148 @@ TEST(QNSPG, AGeneratedPasswordLeavesNoCopyBehind) {
   EXPECT_TRUE(isSame);
   EXPECT_EQ(onStack, 0u);
   EXPECT_EQ(watch.found(), 0u);
+}
+
+// The words between separators.
+std::vector<std::string> partedAt(std::string_view text, char separator) {
+  std::vector<std::string> parts(1);
+  for (const char c : text) {
+    if (c == separator) {
+      parts.emplace_back();
+    } else {
+      parts.back() += c;
+    }
+  }
+  return parts;
+}
+
+TEST(QNSPGWords, AreWordsOfTheListWithTheSeparatorBetween) {
+  const auto& words = english().words();
+
+  const auto made = QNSPG::generateWords(english(), {7, "+"});
+
+  const auto parts = partedAt(made.password.reveal(), '+');
+  EXPECT_EQ(parts.size(), 7u);
+  for (const std::string& word : parts) {
+    EXPECT_TRUE(std::binary_search(words.begin(), words.end(), word)) << word;
+  }
+}
+
+TEST(QNSPGWords, AreSixWithDashesUnlessToldOtherwise) {
+  EXPECT_EQ(partedAt(QNSPG::generateWords(english(), {}).password.reveal(), '-').size(), 6u);
+}
+
+TEST(QNSPGWords, MayStandTogetherOrBeSeparatedByAText) {
+  const auto list = std::move(QNWordList::fromText("a\nb\n")).value();
+
+  EXPECT_EQ(QNSPG::generateWords(list, {9, ""}).password.size(), 9u);
+  EXPECT_EQ(QNSPG::generateWords(list, {9, "··"}).password.size(), 9u + 8 * 4);
+}
+
+TEST(QNSPGWords, CountsAreDrawnToTheNearerEnd) {
+  const auto list = std::move(QNWordList::fromText("a\nb\n")).value();
+
+  EXPECT_EQ(QNSPG::generateWords(list, {0, ""}).password.size(), 2u);
+  EXPECT_EQ(QNSPG::generateWords(list, {4'000'000'000, ""}).password.size(), 64u);
+}
+
+// 7,776 is 6^5: a word is five throws of a die. 5 * log2(6) = 12.924812503605781.
+TEST(QNSPGWords, StateTheEntropyOfTheWordsAlone) {
+  EXPECT_THAT(QNSPG::generateWords(english(), {6, "-"}).bitsEntropy,
+              DoubleNear(77.548875021634687, 1e-9));
+  EXPECT_THAT(QNSPG::generateWords(english(), {2, "12345"}).bitsEntropy,
+              DoubleNear(25.849625007211562, 1e-9));
+  const auto four = std::move(QNWordList::fromText("a\nb\nc\nd\n")).value();
+  EXPECT_EQ(QNSPG::generateWords(four, {5, "-"}).bitsEntropy, 10);
+  EXPECT_EQ(QNSPG::generateWords(four, {1, "-"}).bitsEntropy, 4);
+}
+
+TEST(QNSPGWords, NoWordIsPreferred) {
+  const auto list = std::move(QNWordList::fromText("a\nb\nc\nd\ne\nf\ng\n")).value();
+  std::map<char, int> counts;
+  constexpr int rounds = 1000;
+  for (int i = 0; i < rounds; ++i) {
+    const auto made = QNSPG::generateWords(list, {64, ""});
+    for (const char c : made.password.reveal()) ++counts[c];
+  }
+
+  const double expected = rounds * 64 / 7.0;
+  EXPECT_EQ(counts.size(), 7u);
+  for (const auto& [c, count] : counts) {
+    EXPECT_THAT(static_cast<double>(count), DoubleNear(expected, 6 * std::sqrt(expected))) << c;
+  }
+}
+
+TEST(QNSPGWords, ReachEveryWordOfTheList) {
+  std::set<std::string> seen;
+  // 100 draws a word: one run in 10^39 misses one.
+  for (int i = 0; i < 7776 * 100 / 64; ++i) {
+    const auto made = QNSPG::generateWords(english(), {64, "-"});
+    for (const std::string& word : partedAt(made.password.reveal(), '-')) seen.insert(word);
+  }
+
+  EXPECT_EQ(seen.size(), 7776u);
+}
+
+TEST(QNSPGWords, AreDrawnFromTheRandomSourceOfTheEnvironment) {
+  const KnownRandom random;
+
+  EXPECT_EQ(QNSPG::generateWords(english(), {4, "-"}).password.reveal(),
+            "skill-configure-tepid-explode");
+}
+
+TEST(QNSPGWords, LeaveNoCopyBehind) {
+  const auto made = [] {
+    const KnownRandom random;
+    return QNSPG::generateWords(english(), {8, "-"}).password;
+  };
+  const QNSecret known = made();
+  const QNFreedBlockWatch watch(known.reveal());
+  bool isSame = false;
+
+  const std::size_t onStack =
+      remainsOnStack(known.reveal(), [&] { isSame = made().equals(known); });
+
+  EXPECT_TRUE(isSame);
+  EXPECT_EQ(onStack, 0u);
+  EXPECT_EQ(watch.found(), 0u);
+}
+
+TEST(QNSPGPIN, HasAsManyDigitsAsAskedWithinItsLimits) {
+  const auto made = QNSPG::generatePIN(12);
+
+  EXPECT_EQ(made.password.size(), 12u);
+  EXPECT_EQ(made.password.reveal().find_first_not_of("0123456789"), std::string_view::npos);
+  EXPECT_EQ(QNSPG::generatePIN(0).password.size(), 3u);
+  EXPECT_EQ(QNSPG::generatePIN(4'000'000'000).password.size(), 64u);
+}
+
+// log2(10) = 3.321928094887362 a digit.
+TEST(QNSPGPIN, StatesItsEntropy) {
+  EXPECT_THAT(QNSPG::generatePIN(4).bitsEntropy, DoubleNear(13.287712379549449, 1e-9));
+  EXPECT_THAT(QNSPG::generatePIN(2).bitsEntropy, DoubleNear(9.965784284662087, 1e-9));
+}
+
+TEST(QNSPGPIN, NoDigitIsPreferredAtAnyPlace) {
+  std::array<std::map<char, int>, 4> counts;
+  constexpr int rounds = 20'000;
+  for (int i = 0; i < rounds; ++i) {
+    const auto made = QNSPG::generatePIN(4);
+    for (std::size_t place = 0; place < 4; ++place) ++counts[place][made.password.reveal()[place]];
+  }
+
+  for (const auto& place : counts) {
+    EXPECT_EQ(place.size(), 10u);
+    for (const auto& [c, count] : place) {
+      EXPECT_THAT(static_cast<double>(count), DoubleNear(2000, 6 * std::sqrt(2000))) << c;
+    }
+  }
+}
+
+TEST(QNSPGPIN, IsDrawnFromTheRandomSourceOfTheEnvironment) {
+  const KnownRandom random;
+
+  EXPECT_EQ(QNSPG::generatePIN(8).password.reveal(), "53778195");
 }
 
 }  // namespace

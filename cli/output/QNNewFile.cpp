@@ -1,0 +1,40 @@
+#include "cli/output/QNNewFile.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "cli/output/QNShownText.h"
+
+namespace quillon {
+namespace {
+
+// The errno of the first failure, 0 if everything was written.
+int writeAll(int descriptor, ByteView bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+    if (count < 0 && errno != EINTR) return errno;
+    if (count > 0) bytes = bytes.subspan(static_cast<std::size_t>(count));
+  }
+  return 0;
+}
+
+}  // namespace
+
+QNResult<QNDone> writeNewFile(const std::filesystem::path& file, ByteView content) {
+  const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (descriptor < 0 && errno == EEXIST) {
+    return toolError(QNExit::failed, fmt::format("{}: is there already, and stays as it is",
+                                                 shownText(file.string())));
+  }
+  if (descriptor < 0) return fileError(file, errno);
+  int errorNumber = writeAll(descriptor, content);
+  if (::close(descriptor) != 0 && errorNumber == 0) errorNumber = errno;
+  if (errorNumber == 0) return QNDone{};
+  ::unlink(file.c_str());
+  return fileError(file, errorNumber);
+}
+
+}  // namespace quillon
