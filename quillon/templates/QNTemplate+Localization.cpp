@@ -68,6 +68,30 @@ std::string QNTemplate::localizedStringForKey(std::string_view key) const {
   return found == _englishStrings->end() ? std::string(key) : found->second;
 }
 
+bool QNTemplate::isLocalizedString(std::string_view text, std::string_view forKey) const {
+  const std::lock_guard lock(_mutex);
+  if (!_stringsOfAllLanguages) _stringsOfAllLanguages = tablesOfAllLanguages();
+  return std::any_of(_stringsOfAllLanguages->begin(), _stringsOfAllLanguages->end(),
+                     [&](const QNLocalization::Table& table) {
+                       const auto found = table.find(forKey);
+                       return found != table.end() && found->second == text;
+                     });
+}
+
+std::vector<QNLocalization::Table> QNTemplate::tablesOfAllLanguages() const {
+  std::vector<QNLocalization::Table> tables;
+  if (_definition.contains("localizedStrings")) {
+    tables.push_back(loadLocalizationTable(kEnglish));  // one table serves every language
+  } else if (_templateURL) {
+    for (const fs::path& folder : filesIn(_templateURL->parent_path() / "Locales")) {
+      if (folder.extension() == ".lproj") {
+        tables.push_back(loadLocalizationTable(folder.stem().string()));
+      }
+    }
+  }
+  return tables;
+}
+
 std::string QNTemplate::localizedName(
     std::string_view key, std::optional<std::string> H9TemplateProperties::*name) const {
   if (_localized) return localizedStringForKey(key);

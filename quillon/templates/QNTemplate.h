@@ -84,6 +84,9 @@ class QNTemplate final {
   [[nodiscard]] std::string localizedPluralTitle() const;
   /// The user's language, then English, then the key itself.
   [[nodiscard]] std::string localizedStringForKey(std::string_view key) const;
+  /// Is it the text of that key in any language that the template speaks? Tells a title that the
+  /// template gave from one that a person chose.
+  [[nodiscard]] bool isLocalizedString(std::string_view text, std::string_view forKey) const;
   /// The label of a menu value; the value itself where it has none.
   [[nodiscard]] std::string localizedValueForFieldIdentifier(
       std::string_view identifier, std::optional<std::string_view> menuValue) const;
@@ -98,6 +101,7 @@ class QNTemplate final {
       const JsonObject& definition) const;
   [[nodiscard]] std::string localizedName(std::string_view key,
                                           std::optional<std::string> H9TemplateProperties::*) const;
+  [[nodiscard]] std::vector<QNLocalization::Table> tablesOfAllLanguages() const;
   [[nodiscard]] QNLocalization::Table tableInFolder(const std::filesystem::path& locales,
                                                     std::string_view language) const;
 
@@ -115,6 +119,7 @@ class QNTemplate final {
   mutable std::mutex _mutex;  // guards what is made at the first need
   mutable QNLocalization::Table _localizedStrings;
   mutable std::optional<QNLocalization::Table> _englishStrings;
+  mutable std::optional<std::vector<QNLocalization::Table>> _stringsOfAllLanguages;
   mutable std::optional<Definitions> _fieldsByName;  // the keys lie in the definition
 };
 
