@@ -28,7 +28,7 @@ OTHER = "a sentence of mine, with ümläuts"
 UUID = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}$")
 DOTS = "••••••••••"
 COMMANDS = ["init", "import", "list", "find", "show", "add", "edit", "trash", "restore", "delete",
-            "passwd", "info", "check", "backup", "generate", "completion"]
+            "categories", "template", "passwd", "info", "check", "backup", "generate", "completion"]
 
 
 class Result:
@@ -111,7 +111,7 @@ class FirstSession(ToolTest):
                          ["android", "example.com", "forum.example"])
         self.assertIn("jo@example.org", listed)
         self.assertEqual(self.run_tool("find", "forum").out.split(),
-                         ["forum.example", "jo@example.org"])
+                         ["forum.example", "Login", "jo@example.org"])
         shown = self.run_tool("show", "forum.example").out
         self.assertIn(DOTS, shown)
         self.assertNotIn("pa55", shown)
@@ -197,8 +197,9 @@ class Json(ToolTest):
         for value in (self.value("list"), self.value("find", "bank")):
             self.assertEqual(len(value), 1)
             item = value[0]
-            self.assertEqual(list(item), ["uuid", "title", "subtitle", "category", "urls",
-                                          "favorite", "trashed", "createdAt", "updatedAt"])
+            self.assertEqual(list(item), ["uuid", "title", "subtitle", "category",
+                                          "categoryTitle", "urls", "favorite", "trashed",
+                                          "createdAt", "updatedAt"])
             self.assertEqual(item["uuid"], uuid)
             self.assertEqual((item["title"], item["subtitle"], item["category"]),
                              ("Bank", "jo", "001"))
@@ -246,7 +247,8 @@ class ExitCodes(ToolTest):
     def test_wrong_usage_is_2(self):
         for arguments in ([], ["nonsense"], ["show"], ["add"], ["add", "login"], ["find"],
                           ["edit", "x"], ["list", "--sort", "color"], ["generate", "--length", "2"],
-                          ["show", "x", "--field", "color"]):
+                          ["add", "nonsense", "--title", "T"], ["list", "--lang", "?"],
+                          ["list", "--category", "nonsense"], ["template", "nonsense"]):
             result = self.run_raw(*arguments)
             self.assertEqual((result.code, result.out), (2, ""), arguments)
             self.assertNotEqual(result.err, "")
@@ -297,7 +299,7 @@ class ExitCodes(ToolTest):
             database.execute("UPDATE items SET overview = ? WHERE oid = 1", (spoiled,))
         database.close()
         listed = self.run_tool("list", code=6)
-        self.assertEqual(listed.out.split(), ["Forum", "—"])
+        self.assertEqual(listed.out.split(), ["Forum", "Login", "—"])
         self.assertIn("damaged items left out: 1", listed.err)
         self.assertEqual(len(json.loads(self.run_tool("list", "--json", code=6).out)), 1)
         checked = self.run_tool("check", "--json", code=6).json
@@ -389,7 +391,7 @@ class Output(ToolTest):
         self.run_tool("import", self.write("many.csv", "title,username,password\n" + rows))
         line = f"'{TOOL}' list --password-file '{self.write('pw', PASSWORD)}' | head -n 1"
         process = subprocess.run(["bash", "-c", line], env=self.environment, capture_output=True)
-        self.assertEqual(process.stdout.split(), [b"Item", b"0", b"jo"])
+        self.assertEqual(process.stdout.split(), [b"Item", b"0", b"Login", b"jo"])
         self.assertEqual(process.stderr, b"")
 
     def test_control_characters_are_escaped_everywhere(self):
@@ -430,9 +432,9 @@ class Output(ToolTest):
     def test_a_list_shows_subtitles_in_a_column_and_uuids_when_asked(self):
         self.make_store()
         uuid = self.add("日本", "--username", "jo")
-        self.assertEqual(self.run_tool("list").out, "日本" + " " * 36 + "  jo\n")
+        self.assertEqual(self.run_tool("list").out, "日本" + " " * 36 + "  Login             jo\n")
         self.assertEqual(self.run_tool("list", "--long").out,
-                         uuid + "  日本" + " " * 36 + "  jo\n")
+                         uuid + "  日本" + " " * 36 + "  Login             jo\n")
 
     def test_find_ranks_beginnings_before_insides(self):
         self.make_store()
@@ -460,11 +462,11 @@ class Output(ToolTest):
                         "https://b.example", "--notes", "first\nsecond", "--favorite",
                         "--password=-", stdin="correct zebra battery")
         lines = self.run_tool("show", uuid).out.splitlines()
-        self.assertEqual(lines[:7], [
-            "Title:      Bank", "Username:   jo", "Password:   " + DOTS,
+        self.assertEqual(lines[:8], [
+            "Title:      Bank", "Type:       Login", "Username:   jo", "Password:   " + DOTS,
             "URL:        https://a.example", "URL:        https://b.example",
             "Notes:      first", "            second"])
-        self.assertRegex(lines[7], r"^Strength:   \d+ of 100$")
+        self.assertRegex(lines[8], r"^Strength:   \d+ of 100$")
         self.assertEqual(lines[-2:], ["Favorite:   yes", "UUID:       " + uuid])
         self.assertIn("Password:   correct zebra battery",
                       self.run_tool("show", uuid, "--reveal").out)
@@ -1078,8 +1080,7 @@ class Documentation(ToolTest):
     def every_option(self):
         options = self.options_of()
         for command in COMMANDS:
-            if command != "add":
-                options |= self.options_of(command)
+            options |= self.options_of(command)
         return options | self.options_of("add", "login")
 
     def test_help_lists_every_command(self):
@@ -1119,7 +1120,10 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
     def test_bash_completes_what_fits(self):
         self.assertEqual(self.complete("quillon", "tr"), ["trash"])
         self.assertEqual(self.complete("quillon", "--store", "x", "re"), ["restore"])
-        self.assertEqual(self.complete("quillon", "add", ""), ["login"])
+        self.assertEqual(self.complete("quillon", "add", "log"), ["login"])
+        self.assertEqual(self.complete("quillon", "add", "ba"), ["bank-account"])
+        self.assertEqual(self.complete("quillon", "template", "ssh"), ["ssh-key"])
+        self.assertEqual(self.complete("quillon", "add", "router", "--ta"), ["--tag"])
         self.assertEqual(self.complete("quillon", "add", "login", "--ti"), ["--title"])
         self.assertEqual(self.complete("quillon", "show", "--field", "u"), ["username", "url"])
         self.assertEqual(self.complete("quillon", "list", "--sort", ""),

@@ -30,13 +30,19 @@ QNSecret nameOfCountry(const QNSecret& code) {
   return name.starts_with(kNamelessCountry) ? code.clone() : QNSecret(name);
 }
 
-// A format leaves empty lines, and blanks around parts that aren't there.
+// Blanks and commas at both ends: a format leaves them around parts that aren't there.
+std::string_view withoutSeparators(std::string_view line) {
+  const auto first = line.find_first_not_of(" ,\t\r");
+  if (first == std::string_view::npos) return {};
+  return line.substr(first, line.find_last_not_of(" ,\t\r") + 1 - first);
+}
+
 QNSecret linesOf(const QNAddressValue& address) {
   const QNSecret written = address.stringValue();
   std::string_view rest = written.reveal();  // into another secret
   QNSecret lines;
   while (!rest.empty()) {
-    const std::string_view line = trimmedView(rest.substr(0, rest.find('\n')));
+    const std::string_view line = withoutSeparators(rest.substr(0, rest.find('\n')));
     if (!line.empty() && !lines.empty()) lines.append("\n");
     lines.append(line);
     rest.remove_prefix(std::min(rest.find('\n'), rest.size() - 1) + 1);
