@@ -218,6 +218,15 @@ class EveryCategory(CategoryTest):
         self.run_tool("add", "099", "--title", "T", code=2)
         self.assertEqual(self.titles(), [])
 
+    def test_is_known_to_the_completions(self):
+        names = [one["name"] for one in self.run_tool("categories", "--json").json]
+        names += [self.template(uuid)["name"] for uuid in REFUSED]
+        self.assertEqual(len(names), 22)
+        for shell in ("bash", "zsh", "fish"):
+            script = self.run_raw("completion", shell).out
+            for name in names:
+                self.assertRegex(script, rf"[ '\n]{name}[ '\n]", shell)
+
     def test_has_a_subtitle_of_its_template(self):
         self.create("bank-account", "--set", "bankName=Bank & Co")
         self.create("credit-card", "--set", "ccnum=4111 1111 1111 1111")
