@@ -34,8 +34,9 @@ OTHER = "a sentence of mine, with ümläuts"
 UUID = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}$")
 DOTS = "••••••••••"
 COMMANDS = ["init", "import", "list", "find", "show", "add", "edit", "trash", "restore", "delete",
-            "passwd", "info", "check", "backup", "vault", "otp", "generate", "completion"]
-NESTED = {"add": ["login"], "vault": ["list", "add", "icon", "color"]}
+             "categories", "template", "passwd", "info", "check", "backup", "vault", "otp",
+             "generate", "completion"]
+NESTED = {"add": [None, "login"], "vault": ["list", "add", "icon", "color"]}
 
 
 class Result:
@@ -118,7 +119,7 @@ class FirstSession(ToolTest):
                          ["android", "example.com", "forum.example"])
         self.assertIn("jo@example.org", listed)
         self.assertEqual(self.run_tool("find", "forum").out.split(),
-                         ["forum.example", "jo@example.org"])
+                         ["forum.example", "Login", "jo@example.org"])
         shown = self.run_tool("show", "forum.example").out
         self.assertIn(DOTS, shown)
         self.assertNotIn("pa55", shown)
@@ -204,8 +205,9 @@ class Json(ToolTest):
         for value in (self.value("list"), self.value("find", "bank")):
             self.assertEqual(len(value), 1)
             item = value[0]
-            self.assertEqual(list(item), ["uuid", "title", "subtitle", "category", "urls",
-                                          "favorite", "trashed", "createdAt", "updatedAt"])
+            self.assertEqual(list(item), ["uuid", "title", "subtitle", "category",
+                                          "categoryTitle", "urls", "favorite", "trashed",
+                                          "createdAt", "updatedAt"])
             self.assertEqual(item["uuid"], uuid)
             self.assertEqual((item["title"], item["subtitle"], item["category"]),
                              ("Bank", "jo", "001"))
@@ -253,7 +255,8 @@ class ExitCodes(ToolTest):
     def test_wrong_usage_is_2(self):
         for arguments in ([], ["nonsense"], ["show"], ["add"], ["add", "login"], ["find"],
                           ["edit", "x"], ["list", "--sort", "color"], ["generate", "--length", "2"],
-                          ["show", "x", "--field", "color"]):
+                          ["add", "nonsense", "--title", "T"], ["list", "--lang", "?"],
+                          ["list", "--category", "nonsense"], ["template", "nonsense"]):
             result = self.run_raw(*arguments)
             self.assertEqual((result.code, result.out), (2, ""), arguments)
             self.assertNotEqual(result.err, "")
@@ -304,7 +307,7 @@ class ExitCodes(ToolTest):
             database.execute("UPDATE items SET overview = ? WHERE oid = 1", (spoiled,))
         database.close()
         listed = self.run_tool("list", code=6)
-        self.assertEqual(listed.out.split(), ["Forum", "—"])
+        self.assertEqual(listed.out.split(), ["Forum", "Login", "—"])
         self.assertIn("damaged items left out: 1", listed.err)
         self.assertEqual(len(json.loads(self.run_tool("list", "--json", code=6).out)), 1)
         checked = self.run_tool("check", "--json", code=6).json
@@ -396,7 +399,7 @@ class Output(ToolTest):
         self.run_tool("import", self.write("many.csv", "title,username,password\n" + rows))
         line = f"'{TOOL}' list --password-file '{self.write('pw', PASSWORD)}' | head -n 1"
         process = subprocess.run(["bash", "-c", line], env=self.environment, capture_output=True)
-        self.assertEqual(process.stdout.split(), [b"Item", b"0", b"jo"])
+        self.assertEqual(process.stdout.split(), [b"Item", b"0", b"Login", b"jo"])
         self.assertEqual(process.stderr, b"")
 
     def test_control_characters_are_escaped_everywhere(self):
@@ -437,9 +440,9 @@ class Output(ToolTest):
     def test_a_list_shows_subtitles_in_a_column_and_uuids_when_asked(self):
         self.make_store()
         uuid = self.add("日本", "--username", "jo")
-        self.assertEqual(self.run_tool("list").out, "日本" + " " * 36 + "  jo\n")
+        self.assertEqual(self.run_tool("list").out, "日本" + " " * 36 + "  Login             jo\n")
         self.assertEqual(self.run_tool("list", "--long").out,
-                         uuid + "  日本" + " " * 36 + "  jo\n")
+                         uuid + "  日本" + " " * 36 + "  Login             jo\n")
 
     def test_find_ranks_beginnings_before_insides(self):
         self.make_store()
@@ -467,11 +470,11 @@ class Output(ToolTest):
                         "https://b.example", "--notes", "first\nsecond", "--favorite",
                         "--password=-", stdin="correct zebra battery")
         lines = self.run_tool("show", uuid).out.splitlines()
-        self.assertEqual(lines[:7], [
-            "Title:      Bank", "Username:   jo", "Password:   " + DOTS,
+        self.assertEqual(lines[:8], [
+            "Title:      Bank", "Type:       Login", "Username:   jo", "Password:   " + DOTS,
             "URL:        https://a.example", "URL:        https://b.example",
             "Notes:      first", "            second"])
-        self.assertRegex(lines[7], r"^Strength:   \d+ of 100$")
+        self.assertRegex(lines[8], r"^Strength:   \d+ of 100$")
         self.assertEqual(lines[-2:], ["Favorite:   yes", "UUID:       " + uuid])
         self.assertIn("Password:   correct zebra battery",
                       self.run_tool("show", uuid, "--reveal").out)
@@ -1555,7 +1558,6 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
     def test_bash_completes_what_fits(self):
         self.assertEqual(self.complete("quillon", "tr"), ["trash"])
         self.assertEqual(self.complete("quillon", "--store", "x", "re"), ["restore"])
-        self.assertEqual(self.complete("quillon", "add", ""), ["login"])
         self.assertEqual(self.complete("quillon", "vault", ""), ["list", "add", "icon", "color"])
         self.assertEqual(self.complete("quillon", "vault", "add", "--ow"),
                          ["--own-password", "--own-password-file", "--own-password-fd",
@@ -1565,6 +1567,10 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
         self.assertEqual(self.complete("quillon", "--vault", "add", "ot"), ["otp"])
         self.assertEqual(self.complete("quillon", "list", "--so"), ["--sort"])
         self.assertEqual(self.complete("quillon", "edit", "--set", "ti"), ["title="])
+        self.assertEqual(self.complete("quillon", "add", "log"), ["login"])
+        self.assertEqual(self.complete("quillon", "add", "ba"), ["bank-account"])
+        self.assertEqual(self.complete("quillon", "template", "ssh"), ["ssh-key"])
+        self.assertEqual(self.complete("quillon", "add", "router", "--ta"), ["--tag"])
         self.assertEqual(self.complete("quillon", "add", "login", "--ti"), ["--title"])
         self.assertEqual(self.complete("quillon", "show", "--field", "u"), ["username", "url"])
         self.assertEqual(self.complete("quillon", "list", "--sort", ""),

@@ -1,9 +1,12 @@
 #include "cli/arguments/QNArgumentParser.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <cstdlib>
 #include <memory>
 
@@ -36,10 +39,6 @@ QNError wrongUsage(std::string_view message) {
 [[noreturn]] void refuse(const std::string& message) {
   throw CLI::ValidationError(message, CLI::ExitCodes::ValidationError);
 }
-
-constexpr const char* kNoPasswordArguments =
-    "a password isn't taken from an argument, which every user of the machine could read: leave "
-    "it out to be asked, or give \"-\" to have it read from standard input";
 
 // Beyond it a second isn't a number of its own for a clock.
 constexpr std::int64_t kFarthestMoment = std::int64_t{1} << 53;
@@ -87,10 +86,18 @@ void defineImport(CLI::App& app, QNArguments& out) {
   command->add_flag("--dry-run", given->dryRun, "Tell what would be added, and add nothing");
 }
 
+constexpr const char* kCategoryNames =
+    "Its name as quillon categories tells it, its title in your language, or its uuid";
+
+void addCategoryFilter(CLI::App& command, std::optional<std::string>& category) {
+  command.add_option("--category", category, "Only the items of this category");
+}
+
 void defineList(CLI::App& app, QNArguments& out) {
   auto [command, given] = define<QNListArguments>(app, out, "list", "List titles and subtitles");
   command->add_flag("--trashed", given->trashed, "List what is in the trash instead");
   command->add_flag("--long", given->withUUIDs, "Show the uuid of each item, too");
+  addCategoryFilter(*command, given->category);
   command
       ->add_option_function<std::string>(
           "--sort",
@@ -109,30 +116,25 @@ void defineFind(CLI::App& app, QNArguments& out) {
       command->add_option("WORDS", given->words, "All of them must occur in the title");
   command->add_option("--url", given->url, "Find the items of this web page")->excludes(words);
   command->add_flag("--long", given->withUUIDs, "Show the uuid of each item, too");
+  addCategoryFilter(*command, given->category);
   command->parse_complete_callback([given = given] {
     if (given->words.empty() && !given->url) refuse("find needs words or --url");
   });
-}
-
-QNFieldName fieldOrRefuse(const std::string& name) {
-  const auto field = fieldNamed(name);
-  if (!field) refuse("a field is one of title, username, password, url, notes");
-  return *field;
 }
 
 void defineShow(CLI::App& app, QNArguments& out) {
   auto [command, given] = define<QNShowArguments>(app, out, "show", "Show one item");
   command->add_option("ITEM", given->item, "Its uuid, or its title if no other has it")->required();
   command->add_flag("--reveal", given->reveal, "Show secrets in clear");
-  command->add_option_function<std::string>(
-      "--field", [given = given](const std::string& name) { given->field = fieldOrRefuse(name); },
-      "Print this field alone: title, username, password, url or notes");
+  command->add_option("--field", given->field,
+                      "Print this field alone: title, username, password, url, notes, or a field "
+                      "by its identifier or title, as FIELD or SECTION.FIELD");
 }
 
 // "--password" asks, "--password=-" reads standard input, and anything else is refused.
 QNItemPassword itemPasswordFrom(const std::string& value) {
   if (value.empty()) return QNItemPassword::prompt;
-  if (value != "-") refuse(kNoPasswordArguments);
+  if (value != "-") refuse(kNoSecretArguments);
   return QNItemPassword::standardInput;
 }
 
@@ -146,10 +148,107 @@ void addGenerate(CLI::App& command, QNItemPassword& password) {
       "Make a random password");
 }
 
-void defineAdd(CLI::App& app, QNArguments& out) {
-  auto* const add = app.add_subcommand("add", "Add one item");
-  add->require_subcommand(1);
-  auto [command, given] = define<QNAddLoginArguments>(*add, out, "login", "Add a login");
+// Reads one --set. Its value is never repeated in a message.
+QNFieldSetting settingFrom(const std::string& text) {
+  const std::size_t equals = text.find('=');
+  QNFieldSetting setting{text.substr(0, equals), {}};
+  if (setting.field.empty()) refuse("--set takes FIELD=VALUE");
+  if (equals == std::string::npos) {
+    setting.value.from = QNGivenValue::From::prompt;
+  } else {
+    setting.value.text = text.substr(equals + 1);
+  }
+  const bool isPassword = setting.field == nameOfField(QNFieldName::password);
+  if (isPassword && !setting.value.text.empty() && setting.value.text != "-") {
+    refuse(kNoSecretArguments);
+  }
+  return setting;
+}
+
+QNFieldSetting fileSettingFrom(const std::string& text) {
+  const std::size_t equals = text.find('=');
+  if (equals == 0 || equals == std::string::npos || equals + 1 == text.size()) {
+    refuse("--set-file takes FIELD=FILE");
+  }
+  return {text.substr(0, equals), {QNGivenValue::From::file, "", text.substr(equals + 1)}};
+}
+
+constexpr std::array<std::string_view, 9> kAddableKinds = {
+    "string", "concealed", "date", "monthYear", "URL", "email", "phone", "address", "totp"};
+
+// Reads one --add-field, SECTION.TITLE:KIND=VALUE. Its value is never repeated in a message.
+QNFieldAddition additionFrom(const std::string& text) {
+  const std::size_t equals = text.find('=');
+  const std::string name = text.substr(0, equals);
+  const std::size_t colon = name.rfind(':');
+  const std::size_t dot = name.find('.');
+  QNFieldAddition addition;
+  if (colon != std::string::npos) {
+    const bool hasSection = dot < colon;
+    if (hasSection) addition.section = name.substr(0, dot);
+    const std::size_t start = hasSection ? dot + 1 : 0;
+    addition.title = name.substr(start, colon - start);
+    addition.kind = name.substr(colon + 1);
+  }
+  if (addition.title.empty()) refuse("--add-field takes SECTION.TITLE:KIND=VALUE");
+  if (std::find(kAddableKinds.begin(), kAddableKinds.end(), addition.kind) == kAddableKinds.end()) {
+    refuse(fmt::format("the kind of a new field is one of {}", fmt::join(kAddableKinds, ", ")));
+  }
+  if (equals == std::string::npos) {
+    addition.value.from = QNGivenValue::From::prompt;
+  } else {
+    addition.value.text = text.substr(equals + 1);
+  }
+  const bool isSecret = addition.kind == "concealed" || addition.kind == "totp";
+  if (isSecret && !addition.value.text.empty() && addition.value.text != "-") {
+    refuse(kNoSecretArguments);
+  }
+  return addition;
+}
+
+// An option that may be given several times, one value each.
+template <class Read>
+void addRepeated(CLI::App& command, const std::string& name, const std::string& form,
+                 const std::string& description, const Read& read) {
+  command
+      .add_option_function<std::vector<std::string>>(
+          name,
+          [read](const std::vector<std::string>& values) {
+            for (const std::string& value : values) read(value);
+          },
+          description + ". May be given several times")
+      ->type_name(form)
+      ->allow_extra_args(false);
+}
+
+// `edits` lives as long as the application.
+void addSettings(CLI::App& command, QNItemEdits& edits) {
+  addRepeated(command, "--set", "FIELD=VALUE",
+              "Set title, username, url, notes, or a field by its identifier or title, as FIELD or "
+              "SECTION.FIELD, and FIELD.street and so on for parts of an address; an empty value "
+              "takes it away. A secret is asked for with FIELD alone, and read from standard "
+              "input with FIELD=-",
+              [&edits](const std::string& text) { edits.settings.push_back(settingFrom(text)); });
+  addRepeated(
+      command, "--set-file", "FIELD=FILE", "Set a field to the content of this file",
+      [&edits](const std::string& text) { edits.settings.push_back(fileSettingFrom(text)); });
+  addRepeated(command, "--add-field", "SECTION.TITLE:KIND=VALUE",
+              fmt::format("Make a field, and its section if there is none, of one of these kinds: "
+                          "{}",
+                          fmt::join(kAddableKinds, ", ")),
+              [&edits](const std::string& text) { edits.additions.push_back(additionFrom(text)); });
+  command.add_flag_callback(
+      "--generate", [&edits] { edits.generate = true; }, "Make a random password");
+  command.parse_complete_callback([&edits] {
+    const bool setsPassword = std::any_of(
+        edits.settings.begin(), edits.settings.end(),
+        [](const auto& setting) { return setting.field == nameOfField(QNFieldName::password); });
+    if (edits.generate && setsPassword) refuse("a password is given or generated, not both");
+  });
+}
+
+void defineAddLogin(CLI::App& add, QNArguments& out) {
+  auto [command, given] = define<QNAddLoginArguments>(add, out, "login", "Add a login");
   command->add_option("--title", given->title, "Its title")->required();
   command->add_option("--username", given->username, "Its user name");
   command->add_option("--url", given->urls, "An address; may be given several times")
@@ -166,40 +265,54 @@ void defineAdd(CLI::App& app, QNArguments& out) {
   command->add_flag("--favorite", given->favorite, "Mark it as a favorite");
 }
 
-// Reads one --set. Its value is never repeated in a message.
-void takeSetting(QNEditArguments& given, const std::string& setting) {
-  const std::size_t equals = setting.find('=');
-  const QNFieldName field = fieldOrRefuse(setting.substr(0, equals));
-  const std::string value = equals == std::string::npos ? "" : setting.substr(equals + 1);
-  if (field == QNFieldName::password) {
-    if (given.password != QNItemPassword::none) refuse("a password is set once");
-    if (equals != std::string::npos && value.empty()) refuse(kNoPasswordArguments);
-    given.password = itemPasswordFrom(value);
-    return;
+// What stands behind "login" and isn't an option of it reaches the options of "add".
+void refuseOptionsOfAdd(const CLI::App& add) {
+  for (const CLI::Option* const option : add.get_options()) {
+    if (option->count() == 0 || option->check_name("--help")) continue;
+    if (option->get_positional()) refuse("there are more arguments than this command takes");
+    refuse("there is no option " + option->get_name() + " for add login");
   }
-  if (equals == std::string::npos) refuse("--set takes FIELD=VALUE");
-  given.edits.push_back({field, value});
+}
+
+void defineAdd(CLI::App& app, QNArguments& out) {
+  auto* const add = app.add_subcommand("add", "Add one item");
+  const auto given = std::make_shared<QNAddArguments>();
+  add->add_option("CATEGORY", given->category, kCategoryNames);
+  add->add_option("--title", given->title, "Its title");
+  add->add_option("--notes", given->notes, "Its notes");
+  addRepeated(*add, "--tag", "TEXT", "A tag",
+              [given](const std::string& tag) { given->tags.push_back(tag); });
+  add->add_flag("--favorite", given->favorite, "Mark it as a favorite");
+  addSettings(*add, given->edits);
+  defineAddLogin(*add, out);
+  add->footer("quillon template CATEGORY tells the fields of a category.");
+  add->final_callback([add, given, &out] {
+    if (!add->get_subcommands().empty()) return refuseOptionsOfAdd(*add);
+    if (given->category.empty()) refuse("add needs a category; quillon categories lists them");
+    if (given->title.empty()) refuse("--title is required");
+    out.command = *given;
+  });
 }
 
 void defineEdit(CLI::App& app, QNArguments& out) {
   auto [command, given] = define<QNEditArguments>(app, out, "edit", "Change one item");
   command->add_option("ITEM", given->item, "Its uuid, or its title if no other has it")->required();
-  command
-      ->add_option_function<std::vector<std::string>>(
-          "--set",
-          [given = given](const std::vector<std::string>& settings) {
-            for (const std::string& setting : settings) takeSetting(*given, setting);
-          },
-          "Set title, username, url or notes; an empty value takes it away. \"password\" alone "
-          "asks for one, \"password=-\" reads it from standard input. May be given several times")
-      ->type_name("FIELD=VALUE")
-      ->allow_extra_args(false);
-  addGenerate(*command, given->password);
-  command->parse_complete_callback([given = given] {
-    if (given->edits.empty() && given->password == QNItemPassword::none) {
-      refuse("edit needs --set or --generate");
-    }
+  addSettings(*command, given->edits);
+  addRepeated(*command, "--unset", "FIELD", "Take a field away",
+              [given = given](const std::string& name) { given->edits.removals.push_back(name); });
+  command->final_callback([given = given, &out] {
+    if (given->edits.empty()) refuse("edit needs --set, --unset, --add-field or --generate");
+    out.command = *given;
   });
+}
+
+void defineTemplates(CLI::App& app, QNArguments& out) {
+  define<QNCategoriesArguments>(app, out, "categories",
+                                "List the categories and their numbers of items; needs no "
+                                "password");
+  auto [command, given] = define<QNTemplateArguments>(
+      app, out, "template", "Tell the fields of a category; needs no store");
+  command->add_option("CATEGORY", given->category, kCategoryNames)->required();
 }
 
 template <class Arguments>
@@ -353,11 +466,22 @@ void defineCommands(CLI::App& app, QNArguments& out) {
   auto remove =
       defineForItem<QNDeleteArguments>(app, out, "delete", "Delete one trashed item for good");
   remove.command->add_flag("--force", remove.given->force, "Even if it isn't in the trash");
+  defineTemplates(app, out);
   defineCare(app, out);
   defineVault(app, out);
   defineOTP(app, out);
   defineGenerate(app, out);
   defineCompletion(app, out);
+}
+
+// "de_DE" is what people know from elsewhere.
+std::string languageTagFrom(std::string tag) {
+  std::replace(tag.begin(), tag.end(), '_', '-');
+  const bool fits = tag.size() >= 2 && tag.size() <= 35 &&
+                    std::all_of(tag.begin(), tag.end(),
+                                [](unsigned char c) { return std::isalnum(c) != 0 || c == '-'; });
+  if (!fits) refuse("--lang takes the tag of a language, such as de or pt-BR");
+  return tag;
 }
 
 std::string environmentVariable(const char* name) {
@@ -378,7 +502,7 @@ std::filesystem::path defaultStore() {
 std::string unexpectedMessage(const std::vector<std::string>& extras) {
   for (const std::string& extra : extras) {
     const std::string name = extra.substr(0, extra.find('='));
-    if (name == "--password") return kNoPasswordArguments;
+    if (name == "--password") return kNoSecretArguments;
     if (name.size() > 1 && name.front() == '-') return "there is no option " + name + " here";
   }
   return "there are more arguments than this command takes";
@@ -417,6 +541,11 @@ QNResult<QNArguments> parseArguments(const std::vector<std::string>& arguments) 
                  "The vault of the store; by default QUILLON_VAULT, then the first one")
       ->type_name("NAME");
   app.add_flag("--json", out.global.json, "Print one JSON value");
+  app.add_option_function<std::string>(
+         "--lang", [&out](const std::string& tag) { out.global.language = languageTagFrom(tag); },
+         "The language of titles and dates, such as de or pt-BR; by default that of the "
+         "environment")
+      ->type_name("TAG");
   addPasswordSource(app, "password", "The vault's password", out.global.password);
   defineCommands(app, out);
   // Help and version end the reading, perhaps before --json was seen.

@@ -24,16 +24,54 @@ struct QNGlobalArguments {
   std::filesystem::path store;
   std::string vault;  // by name; empty for the first one, which every store has
   bool json = false;
+  /// A BCP 47 tag; empty for the language of the environment.
+  std::string language;
   QNPasswordSource password;
 };
 
 /// Where the password of an item comes from.
 enum class QNItemPassword { none, prompt, standardInput, generate };
 
-/// What `edit --set` and `show --field` name.
+/// What every item has, or a login, outside its fields, as `--set` and `--field` name it.
 enum class QNFieldName { title, username, password, url, notes };
 std::optional<QNFieldName> fieldNamed(std::string_view name);
 std::string_view nameOfField(QNFieldName field);
+
+/// Why a secret in an argument is refused.
+inline constexpr const char* kNoSecretArguments =
+    "a password isn't taken from an argument, which every user of the machine could read: leave "
+    "it out to be asked, or give \"-\" to have it read from standard input";
+
+/// A value for a field, as it was given. An argument of "-" means standard input where the field
+/// holds a secret, and is a value like any other elsewhere.
+struct QNGivenValue {
+  enum class From { argument, prompt, file };
+  From from = From::argument;
+  std::string text;
+  std::filesystem::path file;
+};
+/// Which field it is for, as the user names it.
+struct QNFieldSetting {
+  std::string field;
+  QNGivenValue value;
+};
+/// A field to be made, in the section of that identifier or title.
+struct QNFieldAddition {
+  std::string section;  // empty for the one without a name
+  std::string title;
+  std::string kind;
+  QNGivenValue value;
+};
+/// Changes to the content of one item: fields are added, then set, then removed.
+struct QNItemEdits {
+  std::vector<QNFieldAddition> additions;
+  std::vector<QNFieldSetting> settings;
+  std::vector<std::string> removals;
+  bool generate = false;  // a new password
+  [[nodiscard]] bool empty() const {
+    return additions.empty() && settings.empty() && removals.empty() && !generate;
+  }
+};
 
 struct QNInitArguments {
   std::optional<std::string> hint;
@@ -46,6 +84,7 @@ enum class QNListOrder { title, updated, created };
 struct QNListArguments {
   bool trashed = false;
   bool withUUIDs = false;
+  std::optional<std::string> category;
   QNListOrder order = QNListOrder::title;
 };
 /// Either words or an address.
@@ -53,11 +92,21 @@ struct QNFindArguments {
   std::vector<std::string> words;
   std::optional<std::string> url;
   bool withUUIDs = false;
+  std::optional<std::string> category;
 };
 struct QNShowArguments {
   std::string item;
   bool reveal = false;
-  std::optional<QNFieldName> field;
+  std::optional<std::string> field;
+};
+/// An item of any category.
+struct QNAddArguments {
+  std::string category;
+  std::string title;
+  std::optional<std::string> notes;
+  std::vector<std::string> tags;
+  bool favorite = false;
+  QNItemEdits edits;
 };
 struct QNAddLoginArguments {
   std::string title;
@@ -67,14 +116,9 @@ struct QNAddLoginArguments {
   QNItemPassword password = QNItemPassword::none;
   bool favorite = false;
 };
-struct QNFieldEdit {
-  QNFieldName field{};
-  std::string value;
-};
 struct QNEditArguments {
   std::string item;
-  std::vector<QNFieldEdit> edits;
-  QNItemPassword password = QNItemPassword::none;
+  QNItemEdits edits;
 };
 struct QNTrashArguments {
   std::string item;
@@ -88,6 +132,10 @@ struct QNDeleteArguments {
 };
 struct QNPasswdArguments {
   QNPasswordSource newPassword;
+};
+struct QNCategoriesArguments {};
+struct QNTemplateArguments {
+  std::string category;
 };
 struct QNInfoArguments {};
 struct QNCheckArguments {};
@@ -138,11 +186,12 @@ struct QNTextArguments {
 struct QNArguments {
   QNGlobalArguments global;
   std::variant<QNTextArguments, QNInitArguments, QNImportArguments, QNListArguments,
-               QNFindArguments, QNShowArguments, QNAddLoginArguments, QNEditArguments,
-               QNTrashArguments, QNRestoreArguments, QNDeleteArguments, QNPasswdArguments,
-               QNInfoArguments, QNCheckArguments, QNBackupArguments, QNOTPArguments,
-               QNVaultListArguments, QNVaultAddArguments, QNVaultIconArguments,
-               QNVaultColorArguments, QNGenerateArguments, QNCompletionArguments>
+               QNFindArguments, QNShowArguments, QNAddArguments, QNAddLoginArguments,
+               QNEditArguments, QNTrashArguments, QNRestoreArguments, QNDeleteArguments,
+               QNCategoriesArguments, QNTemplateArguments, QNPasswdArguments, QNInfoArguments,
+               QNCheckArguments, QNBackupArguments, QNOTPArguments, QNVaultListArguments,
+               QNVaultAddArguments, QNVaultIconArguments, QNVaultColorArguments,
+               QNGenerateArguments, QNCompletionArguments>
       command;
 };
 

@@ -1,6 +1,11 @@
+#include <fmt/format.h>
+
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNVaultSession.h"
+#include "cli/fields/QNCategoryNames.h"
+#include "cli/fields/QNItemEditing.h"
 #include "cli/output/QNOutput.h"
+#include "cli/output/QNShownText.h"
 #include "cli/terminal/QNPasswords.h"
 #include "quillon/templates/QNCategoryUUID.h"
 
@@ -20,7 +25,55 @@ std::shared_ptr<QNItem> makeLogin(const std::shared_ptr<QNProfile>& vault,
   return item;
 }
 
+QNResult<std::string> categoryFor(const QNAddArguments& arguments) {
+  auto uuid = categoryNamed(arguments.category);
+  if (uuid) return std::move(*uuid);
+  return toolError(QNExit::wrongUsage, "there is no such category; quillon categories lists them");
+}
+
+QNResult<std::shared_ptr<QNItem>> makeItem(const std::shared_ptr<QNProfile>& vault,
+                                           const std::string& category,
+                                           const QNAddArguments& arguments) {
+  if (!vault->supportsCategoryUUID(category)) {
+    return toolError(QNExit::failed, fmt::format("this vault doesn't take items of {}",
+                                                 shownText(titleOfCategory(category))));
+  }
+  auto item = vault->newItemForCategoryUUID(category);
+  if (item == nullptr) {
+    return toolError(QNExit::failed,
+                     fmt::format("the template of {} is missing", nameOfCategory(category)));
+  }
+  item->setProfile(vault);
+  item->setTitle(arguments.title);
+  if (arguments.notes) item->setNotesPlain(*arguments.notes);
+  item->setTags({arguments.tags.begin(), arguments.tags.end()});
+  if (arguments.favorite) item->setFaveIndex(QNItem::newItemFaveIndex());
+  const auto edited = editItem(*item, arguments.edits);
+  if (!edited) return edited.error();
+  return item;
+}
+
+QNCommandResult saveNew(Global global, const QNVaultSession& session,
+                        const std::shared_ptr<QNItem>& item) {
+  const auto saved = session.store().save(item);
+  if (!saved) return saved.error();
+  if (global.json) return printJson({{"uuid", *item->uuid()}});
+  QNOutput out;
+  out.line(*item->uuid());
+  return out.finish();
+}
+
 }  // namespace
+
+QNCommandResult runCommand(Global global, const QNAddArguments& arguments) {
+  const auto category = categoryFor(arguments);
+  if (!category) return category.error();
+  const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
+  if (!session) return session.error();
+  const auto item = makeItem(session.value().vault(), category.value(), arguments);
+  if (!item) return item.error();
+  return saveNew(global, session.value(), item.value());
+}
 
 QNCommandResult runCommand(Global global, const QNAddLoginArguments& arguments) {
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
@@ -31,12 +84,7 @@ QNCommandResult runCommand(Global global, const QNAddLoginArguments& arguments) 
     if (!made) return made.error();
     setItemPassword(*item, made.value());
   }
-  const auto saved = session.value().store().save(item);
-  if (!saved) return saved.error();
-  if (global.json) return printJson({{"uuid", *item->uuid()}});
-  QNOutput out;
-  out.line(*item->uuid());
-  return out.finish();
+  return saveNew(global, session.value(), item);
 }
 
 }  // namespace quillon

@@ -2,9 +2,9 @@
 
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNVaultSession.h"
+#include "cli/fields/QNCategoryNames.h"
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
-#include "quillon/templates/QNCategoryHelper.h"
 
 namespace quillon {
 namespace {
@@ -27,10 +27,6 @@ struct Info {
 
 constexpr int kPasses = 3;  // of Argon2id, the same for every vault
 
-std::string nameOfCategory(const std::string& uuid) {
-  return QNCategoryHelper::defaultPluralNameFor(uuid).value_or(uuid);
-}
-
 QNResult<Info> infoOf(QNStore& store, const QNGlobalArguments& global) {
   const auto vault = lockedVault(store, global);
   if (!vault) return vault.error();
@@ -46,7 +42,7 @@ QNResult<Info> infoOf(QNStore& store, const QNGlobalArguments& global) {
     info.trashed = counted.trashed;
   }
   for (const auto& [uuid, items] : categories.value()) {
-    info.categories.push_back({uuid, nameOfCategory(uuid), items});
+    info.categories.push_back({uuid, pluralTitleOfCategory(uuid), items});
   }
   info.memoryKiB = vault.value()->iterations();
   info.hint = vault.value()->passwordHint().value_or("");

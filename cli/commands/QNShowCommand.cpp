@@ -1,9 +1,13 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <ctime>
 
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNItemChoice.h"
+#include "cli/fields/QNCategoryNames.h"
+#include "cli/fields/QNFieldChoice.h"
+#include "cli/fields/QNItemEditing.h"
 #include "cli/output/QNItemJson.h"
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
@@ -13,8 +17,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view kDots = "••••••••••";  // always as many: the length is a secret, too
-
 std::string timeText(std::uint64_t seconds) {
   const auto time = static_cast<std::time_t>(seconds);
   std::tm local{};
@@ -23,14 +25,18 @@ std::string timeText(std::uint64_t seconds) {
   return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local));
 }
 
+constexpr std::size_t kNameWidth = 12;
+
 // Lines of "Name:     value"; an absent value has none.
 class Sheet {
  public:
-  explicit Sheet(QNOutput& out) : _out(out) {}
+  explicit Sheet(QNOutput& out, std::size_t width = kNameWidth, std::string_view margin = "")
+      : _out(out), _width(width), _margin(margin) {}
 
   void add(std::string_view name, std::optional<std::string_view> value) {
     if (!value || value->empty()) return;
-    _out.text(padded(fmt::format("{}:", name), kNameWidth));
+    _out.text(_margin);
+    _out.text(padded(fmt::format("{}:", name), _width));
     _out.line(indented(shownLines(*value)));
   }
   void addSecret(std::string_view name, const std::optional<QNSecret>& value, bool reveal) {
@@ -38,20 +44,47 @@ class Sheet {
   }
 
  private:
-  static constexpr std::size_t kNameWidth = 12;
   // Lines of notes stand below each other.
-  static std::string indented(const std::string& lines) {
+  [[nodiscard]] std::string indented(const std::string& lines) const {
     std::string text;
     for (const char c : lines) {
       text += c;
-      if (c == '\n') text.append(kNameWidth, ' ');
+      if (c == '\n') text.append(_margin.size() + _width, ' ');
     }
     return text;
   }
   QNOutput& _out;
+  std::size_t _width;
+  std::string_view _margin;
 };
 
-void addFields(Sheet& sheet, QNItem& item, bool reveal) {
+// Those that have a value. A section with a title stands below it, a little to the right.
+void addSection(QNOutput& out, const QNFieldSection& section, const QNFieldTexts& texts,
+                bool reveal) {
+  std::vector<QNItemFieldRef> fields = section.fields();
+  fields.erase(std::remove_if(fields.begin(), fields.end(),
+                              [](const QNItemFieldRef& field) { return isBlank(*field); }),
+               fields.end());
+  if (fields.empty()) return;
+  const std::string title = shownText(texts.titleOf(section));
+  std::size_t width = kNameWidth;
+  for (const auto& field : fields) {
+    width = std::max(width, shownWidth(shownText(texts.titleOf(*field))) + 2);
+  }
+  if (!title.empty()) out.line(title);
+  Sheet sheet(out, width, title.empty() ? "" : "  ");
+  for (const auto& field : fields) {
+    const std::string name = shownText(texts.titleOf(*field));
+    sheet.addSecret(name, texts.shownValueOf(*field), reveal || !isSecret(*field));
+  }
+}
+
+void addSections(QNOutput& out, QNItem& item, bool reveal) {
+  const QNFieldTexts texts(item.categoryUUID());
+  for (const auto& section : item.fieldSections()) addSection(out, *section, texts, reveal);
+}
+
+void addFormFields(Sheet& sheet, QNItem& item, bool reveal) {
   auto* const login = dynamic_cast<QNLogin*>(&item);
   if (login == nullptr) return;
   for (const auto& field : login->loginFields().fields()) {
@@ -76,10 +109,14 @@ QNCommandResult printSheet(QNItem& item, bool reveal) {
   QNOutput out;
   Sheet sheet(out);
   sheet.add("Title", item.title());
+  sheet.add("Type", titleOfCategory(item.categoryUUID().value_or("")));
   sheet.add("Username", item.username());
-  sheet.addSecret("Password", item.password(), reveal);
+  if (hasOwnPlaceFor(item, QNFieldName::password)) {
+    sheet.addSecret("Password", item.password(), reveal);
+  }
   for (const auto& url : item.URLs()) sheet.add("URL", url->URLString());
-  addFields(sheet, item, reveal);
+  addFormFields(sheet, item, reveal);
+  addSections(out, item, reveal);
   sheet.add("Notes", item.notesPlain());
   addTags(sheet, item);
   addStrength(sheet, item);
@@ -114,13 +151,8 @@ std::optional<QNSecret> valueOf(QNItem& item, QNFieldName field) {
 }
 
 // The value itself for a pipe or file; a terminal never gets what it would obey.
-QNCommandResult printField(QNItem& item, QNFieldName field) {
-  const auto value = valueOf(item, field);
-  if (!value || value->empty()) {
-    return toolError(QNExit::notFound, fmt::format("the item has no {}", nameOfField(field)));
-  }
+QNCommandResult printValue(std::string_view text) {
   QNOutput out;
-  const std::string_view text = value->reveal();  // the user asked for it
   if (out.isTerminal()) {
     out.line(shownLines(text));
   } else {
@@ -129,9 +161,54 @@ QNCommandResult printField(QNItem& item, QNFieldName field) {
   return out.finish();
 }
 
-QNRevealed revealedBy(const QNShowArguments& arguments) {
-  if (arguments.reveal) return QNRevealed::everything;
-  return arguments.field == QNFieldName::password ? QNRevealed::password : QNRevealed::nothing;
+QNCommandResult printOwn(QNItem& item, QNFieldName field) {
+  const auto value = valueOf(item, field);
+  if (!value || value->empty()) {
+    return toolError(QNExit::notFound, fmt::format("the item has no {}", nameOfField(field)));
+  }
+  return printValue(value->reveal());  // the user asked for it
+}
+
+std::string partOf(const QNItemField& field, const std::string& part) {
+  const auto stored = field.jsonValue();
+  const auto* const address = stored ? stored->if_object() : nullptr;
+  const auto text = address == nullptr ? std::nullopt : mr_validStringValueForKey(*address, part);
+  return std::string(text.value_or(""));  // of an address, which is shown in clear
+}
+
+QNCommandResult printChosen(const QNChosenField& chosen, const QNFieldTexts& texts) {
+  const QNSecret value = chosen.part.empty() ? texts.plainValueOf(*chosen.field)
+                                             : QNSecret(partOf(*chosen.field, chosen.part));
+  if (value.empty()) return toolError(QNExit::notFound, "the field is empty");
+  return printValue(value.reveal());  // the user asked for it
+}
+
+QNCommandResult showOwn(Global global, QNItem& item, QNFieldName field, bool reveal) {
+  if (!global.json) return printOwn(item, field);
+  const bool isPassword = field == QNFieldName::password;
+  return printJson(shownJson(item, reveal       ? QNRevealed::everything
+                                   : isPassword ? QNRevealed::password
+                                                : QNRevealed::nothing));
+}
+
+// A place of the item's own goes before a field of that name, but not before one that it lacks.
+QNCommandResult showField(Global global, QNItem& item, const QNShowArguments& arguments) {
+  const std::string& name = *arguments.field;
+  const QNFieldTexts texts(item.categoryUUID());
+  if (const auto own = fieldNamed(name)) {
+    const bool isOwn = hasOwnPlaceFor(item, *own) || fieldsNamed(item, texts, name).empty();
+    if (isOwn) return showOwn(global, item, *own, arguments.reveal);
+  }
+  const auto chosen = chooseField(item, texts, name);
+  if (!chosen) return chosen.error();
+  if (!global.json) return printChosen(chosen.value(), texts);
+  return printJson(shownJson(item, arguments.reveal ? QNRevealed::everything : QNRevealed::nothing,
+                             chosen.value().field.get()));
+}
+
+QNCommandResult showItem(Global global, QNItem& item, bool reveal) {
+  if (!global.json) return printSheet(item, reveal);
+  return printJson(shownJson(item, reveal ? QNRevealed::everything : QNRevealed::nothing));
 }
 
 }  // namespace
@@ -141,9 +218,8 @@ QNCommandResult runCommand(Global global, const QNShowArguments& arguments) {
   if (!session) return session.error();
   const auto item = chooseItem(session.value(), arguments.item);
   if (!item) return item.error();
-  if (global.json) return printJson(shownJson(*item.value(), revealedBy(arguments)));
-  if (arguments.field) return printField(*item.value(), *arguments.field);
-  return printSheet(*item.value(), arguments.reveal);
+  return arguments.field ? showField(global, *item.value(), arguments)
+                         : showItem(global, *item.value(), arguments.reveal);
 }
 
 }  // namespace quillon

@@ -4,6 +4,8 @@
 #include "cli/commands/QNCommands.h"
 #include "cli/output/QNOutput.h"
 #include "cli/terminal/QNMessages.h"
+#include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/text/QNLocalization.h"
 
 namespace quillon {
 namespace {
@@ -12,6 +14,11 @@ QNCommandResult run(const std::vector<std::string>& line) {
   const auto arguments = parseArguments(line);
   if (!arguments) return arguments.error();
   const QNGlobalArguments& global = arguments.value().global;
+  std::optional<QNScopedLocale> locale;
+  if (!global.language.empty()) {
+    locale.emplace(global.language);
+    QNLocalization::sharedLocalization().setLanguage(global.language);
+  }
   return std::visit([&](const auto& command) { return runCommand(global, command); },
                     arguments.value().command);
 }

@@ -1,19 +1,29 @@
 # Completions of quillon for bash. Titles aren't completed: that would need the password.
 
-_quillon_global='--store --vault --password-file --password-fd --password-stdin --json --help'
+_quillon_global='--store --vault --password-file --password-fd --password-stdin --json --lang --help'
+
+# What a vault takes; a template there is of others, too.
+_quillon_categories='login secure-note credit-card identity password bank-account database driver-license
+  email membership outdoor-license passport reward-program router server
+  social-security-number software-license'
+_quillon_others='document api-credential medical-record ssh-key crypto-wallet'
 
 # The options of one command, its own first.
 _quillon_options() {
   case $1 in
     init) echo "--hint $_quillon_global" ;;
     import) echo "--dry-run $_quillon_global" ;;
-    list) echo "--trashed --long --sort $_quillon_global" ;;
-    find) echo "--url --long $_quillon_global" ;;
+    list) echo "--trashed --long --category --sort $_quillon_global" ;;
+    find) echo "--url --long --category $_quillon_global" ;;
     show) echo "--reveal --field $_quillon_global" ;;
     login)
       echo "--title --username --url --notes --password --generate --favorite $_quillon_global"
       ;;
-    edit) echo "--set --generate $_quillon_global" ;;
+    add)
+      echo "--title --set --set-file --add-field --notes --tag --generate --favorite" \
+        "$_quillon_global"
+      ;;
+    edit) echo "--set --set-file --add-field --unset --generate $_quillon_global" ;;
     delete) echo "--force $_quillon_global" ;;
     passwd)
       echo "--new-password-file --new-password-fd --new-password-stdin $_quillon_global"
@@ -41,7 +51,7 @@ _quillon_command() {
   for ((i = 1; i < COMP_CWORD; i++)); do
     word=${COMP_WORDS[i]}
     case $word in
-      --store | --vault | --password-file | --password-fd) ((i++)) ;;
+      --store | --vault | --password-file | --password-fd | --lang) ((i++)) ;;
       -*) ;;
       login)
         [[ $command == add ]] && command=login
@@ -76,23 +86,27 @@ _quillon() {
       fi
       words='title= username= url= notes= password password=-'
       ;;
+    --category) words="$_quillon_categories $_quillon_others" ;;
+    --lang) words='ar de en es fr ja pt' ;;
     --sort) words='title updated created' ;;
     --field) words='title username password url notes' ;;
     --hint | --title | --username | --url | --notes | --length | --count | --vault | --words | \
       --separator | --pin | --at | *-fd)
       return
       ;;
+    --set-file | --add-field | --unset | --tag) return ;;
     *)
       case $current in
         -*) words=$(_quillon_options "$command") ;;
         *)
           case $command in
             '')
-              words='init import list find show add edit trash restore delete passwd info check
-                backup vault otp generate completion'
+              words='init import list find show add edit trash restore delete categories template
+                passwd info check backup vault otp generate completion'
               ;;
-            add) words=login ;;
+            add) words=$_quillon_categories ;;
             vault) words='list add icon color' ;;
+            template) words="$_quillon_categories $_quillon_others" ;;
             completion) words='bash zsh fish' ;;
             import | backup)
               compopt -o filenames 2>/dev/null

@@ -1,6 +1,9 @@
 # Completions of quillon for fish. Titles aren't completed: that would need the password.
 
-set -l commands init import list find show add edit trash restore delete passwd info check backup vault otp generate completion
+set -l commands init import list find show add edit trash restore delete categories template passwd info check backup vault otp generate completion
+
+set -l categories login secure-note credit-card identity password bank-account database driver-license email membership outdoor-license passport reward-program router server social-security-number software-license
+set -l others document api-credential medical-record ssh-key crypto-wallet
 
 complete -c quillon -f
 complete -c quillon -l store -r -F -d 'The store file'
@@ -9,6 +12,7 @@ complete -c quillon -l password-file -r -F -d 'Read the password from a file'
 complete -c quillon -l password-fd -x -d 'Read the password from a descriptor'
 complete -c quillon -l password-stdin -d 'Read the password from standard input'
 complete -c quillon -l json -d 'Print one JSON value'
+complete -c quillon -l lang -x -a 'ar de en es fr ja pt' -d 'The language of titles and dates'
 complete -c quillon -l help -d 'Explain the command'
 
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -l version -d 'Print the version'
@@ -22,6 +26,8 @@ complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a edit -d 'C
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a trash -d 'Move one item to the trash'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a restore -d 'Take one item out of the trash'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a delete -d 'Delete one trashed item for good'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a categories -d 'List the categories'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a template -d 'Tell the fields of a category'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a passwd -d 'Change the password of the vault'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a info -d 'Tell what the store holds'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a check -d 'Test every row of the store'
@@ -37,17 +43,23 @@ complete -c quillon -n '__fish_seen_subcommand_from import' -l dry-run -d 'Add n
 complete -c quillon -n '__fish_seen_subcommand_from list' -l trashed -d 'List the trash'
 complete -c quillon -n '__fish_seen_subcommand_from list' -l sort -x -a 'title updated created' -d Order
 complete -c quillon -n '__fish_seen_subcommand_from list find' -l long -d 'Show uuids'
+complete -c quillon -n '__fish_seen_subcommand_from list find' -l category -x -a "$categories $others" -d 'Only of one category'
 complete -c quillon -n '__fish_seen_subcommand_from find add' -l url -x -d Address
 complete -c quillon -n '__fish_seen_subcommand_from show' -l reveal -d 'Show secrets'
 complete -c quillon -n '__fish_seen_subcommand_from show' -l field -x -a 'title username password url notes' -d 'Print one field alone'
-complete -c quillon -n '__fish_seen_subcommand_from add; and not __fish_seen_subcommand_from login vault' -a login -d 'Add a login'
+complete -c quillon -n "__fish_seen_subcommand_from add; and not __fish_seen_subcommand_from $categories vault" -a "$categories" -d Category
+complete -c quillon -n '__fish_seen_subcommand_from template' -a "$categories $others" -d Category
+complete -c quillon -n '__fish_seen_subcommand_from add' -l tag -x -d Tag
 complete -c quillon -n '__fish_seen_subcommand_from add' -l title -x -d Title
 complete -c quillon -n '__fish_seen_subcommand_from add' -l username -x -d 'User name'
 complete -c quillon -n '__fish_seen_subcommand_from add' -l notes -x -d Notes
 complete -c quillon -n '__fish_seen_subcommand_from add' -l password -d 'Ask for the password; =- reads standard input'
 complete -c quillon -n '__fish_seen_subcommand_from add' -l favorite -d 'Mark as a favorite'
 complete -c quillon -n '__fish_seen_subcommand_from add edit' -l generate -d 'Make a random password'
-complete -c quillon -n '__fish_seen_subcommand_from edit' -l set -x -a 'title= username= url= notes= password password=-' -d 'Change a field'
+complete -c quillon -n '__fish_seen_subcommand_from add edit' -l set -x -a 'title= username= url= notes= password password=-' -d 'Set a field'
+complete -c quillon -n '__fish_seen_subcommand_from add edit' -l set-file -x -d 'Set a field to the content of a file'
+complete -c quillon -n '__fish_seen_subcommand_from add edit' -l add-field -x -d 'Make a field'
+complete -c quillon -n '__fish_seen_subcommand_from edit' -l unset -x -d 'Take a field away'
 complete -c quillon -n '__fish_seen_subcommand_from delete' -l force -d 'Even if it is not in the trash'
 complete -c quillon -n '__fish_seen_subcommand_from passwd' -l new-password-file -r -F -d 'Read the new password from a file'
 complete -c quillon -n '__fish_seen_subcommand_from passwd' -l new-password-fd -x -d 'Read the new password from a descriptor'

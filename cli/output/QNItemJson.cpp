@@ -1,5 +1,7 @@
 #include "cli/output/QNItemJson.h"
 
+#include "cli/fields/QNCategoryNames.h"
+#include "cli/fields/QNFieldTexts.h"
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/logins/QNLogin.h"
 
@@ -19,7 +21,7 @@ void addText(JsonArray& array, std::string_view text) {
 }
 
 // The inputs of the form that aren't the user name or the password.
-JsonArray fieldsOf(QNItem& item, bool revealed) {
+JsonArray formFieldsOf(QNItem& item, bool revealed) {
   JsonArray fields(jsonStorage());
   auto* const login = dynamic_cast<QNLogin*>(&item);
   if (login == nullptr) return fields;
@@ -35,6 +37,48 @@ JsonArray fieldsOf(QNItem& item, bool revealed) {
   return fields;
 }
 
+// As `--set` takes it; a kind that isn't known as it is stored.
+void setValue(JsonObject& object, const QNItemField& field, const QNFieldTexts& texts) {
+  const auto stored = field.isEmpty() ? std::nullopt : field.jsonValue();
+  if (!stored) {
+    object["value"] = nullptr;
+  } else if (field.isAddressField() || field.isUnknownField()) {
+    object["value"] = *stored;
+  } else {
+    setJsonText(object, "value", texts.plainValueOf(field).reveal());  // shown on purpose
+  }
+}
+
+JsonObject jsonOf(const QNItemField& field, const QNFieldTexts& texts, bool revealed) {
+  JsonObject object(jsonStorage());
+  setJsonText(object, "id", field.identifier().value_or(""));
+  setJsonText(object, "title", texts.titleOf(field));
+  setJsonText(object, "kind", kindOf(field));
+  if (isSecret(field) && !revealed) {
+    setJsonText(object, "display", isBlank(field) ? "" : kDots);
+    return object;
+  }
+  setValue(object, field, texts);
+  const bool hasText = !isBlank(field);
+  setJsonText(object, "display", hasText ? texts.shownValueOf(field).reveal() : "");
+  return object;
+}
+
+JsonArray sectionsOf(QNItem& item, bool revealed, const QNItemField* revealedField) {
+  JsonArray sections(jsonStorage());
+  const QNFieldTexts texts(item.categoryUUID());
+  for (const auto& section : item.fieldSections()) {
+    JsonObject& shown = sections.emplace_back(boost::json::object_kind).get_object();
+    setJsonText(shown, "name", section->name().value_or(""));
+    setJsonText(shown, "title", texts.titleOf(*section));
+    JsonArray& fields = shown["fields"].emplace_array();
+    for (const auto& field : section->fields()) {
+      fields.emplace_back(jsonOf(*field, texts, revealed || field.get() == revealedField));
+    }
+  }
+  return sections;
+}
+
 }  // namespace
 
 bool isHidden(const QNLoginField& field) {
@@ -46,11 +90,12 @@ bool isHidden(const QNLoginField& field) {
 
 JsonObject listedJson(QNItem& item) {
   JsonObject object(jsonStorage());
-  object.reserve(9);
+  object.reserve(10);
   setJsonText(object, "uuid", *item.uuid());
   setJsonText(object, "title", item.title());
   setText(object, "subtitle", item.additionalInformation());
   setText(object, "category", item.categoryUUID());
+  setJsonText(object, "categoryTitle", titleOfCategory(item.categoryUUID().value_or("")));
   JsonArray& urls = object["urls"].emplace_array();
   if (const auto url = item.overviewTextForKey(kOverviewURLString)) addText(urls, *url);
   object["favorite"] = item.isFavorite();
@@ -60,7 +105,7 @@ JsonObject listedJson(QNItem& item) {
   return object;
 }
 
-JsonObject shownJson(QNItem& item, QNRevealed revealed) {
+JsonObject shownJson(QNItem& item, QNRevealed revealed, const QNItemField* revealedField) {
   JsonObject object = listedJson(item);
   JsonArray& urls = object["urls"].get_array();
   urls.clear();
@@ -72,7 +117,11 @@ JsonObject shownJson(QNItem& item, QNRevealed revealed) {
     if (password) setJsonText(object, "password", password->reveal());  // the user asked for it
   }
   setText(object, "notes", item.notesPlain());
-  object["fields"] = fieldsOf(item, revealed == QNRevealed::everything);
+  JsonArray& tags = object["tags"].emplace_array();
+  for (const std::string& tag : item.tags()) addText(tags, tag);
+  const bool everything = revealed == QNRevealed::everything;
+  object["formFields"] = formFieldsOf(item, everything);
+  object["fields"] = sectionsOf(item, everything, revealedField);
   return object;
 }
 

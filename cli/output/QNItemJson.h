@@ -1,10 +1,15 @@
 #pragma once
 
+#include <string_view>
+
 #include "quillon/items/QNItem.h"
 
 namespace quillon {
 
 class QNLoginField;
+
+/// What stands in a secret's place; always as many, since the length is a secret, too.
+inline constexpr std::string_view kDots = "••••••••••";
 
 /// What `list` and `find` print of an item: its row and overview, no details.
 JsonObject listedJson(QNItem& item);
@@ -15,7 +20,8 @@ bool isHidden(const QNLoginField& field);
 
 /// How much of an item's secrets `show` prints.
 enum class QNRevealed { nothing, password, everything };
-/// What `show` prints: the above, all addresses, user name, notes and form fields.
-JsonObject shownJson(QNItem& item, QNRevealed revealed);
+/// What `show` prints: the above, all addresses, user name, notes, tags, form fields, and the
+/// fields of all sections, of which `revealedField` shows its value, too.
+JsonObject shownJson(QNItem& item, QNRevealed revealed, const QNItemField* revealedField = nullptr);
 
 }  // namespace quillon

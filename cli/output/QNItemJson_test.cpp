@@ -14,7 +14,7 @@ std::string shownFields(std::string_view details, QNRevealed revealed) {
   const auto login = std::make_shared<QNLogin>(initNew);
   login->setProfile(QNProfile::initNewWithPassword(DEMO_PASSWORD));
   login->copyDetails(*mr_objectFromJSONStringWithError(details));
-  return mr_JSONStringWithError(shownJson(*login, revealed).at("fields")).value_or("(no form)");
+  return mr_JSONStringWithError(shownJson(*login, revealed).at("formFields")).value_or("(no form)");
 }
 
 constexpr std::string_view kForm =

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "cli/fields/QNCategoryNames.h"
 #include "cli/output/QNItemJson.h"
 #include "cli/output/QNShownText.h"
 #include "quillon/platform/text/QNText.h"
@@ -11,6 +12,7 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t kTitleWidth = 40;
+constexpr std::size_t kKindWidth = 16;  // a longer one pushes what follows it
 
 // Bytes that sort as the number does.
 void appendNumber(std::string& key, std::uint64_t number) {
@@ -44,8 +46,9 @@ Bytes QNListing::textOfItem(QNItem& item) const {
   std::string line;
   if (_form == QNListForm::tableWithUUIDs) line += *item.uuid() + "  ";
   const std::string subtitle = shownText(item.additionalInformation().value_or(""));
-  std::string title = shownText(item.title());
-  line += subtitle.empty() ? title : padded(std::move(title), kTitleWidth) + "  " + subtitle;
+  std::string kind = shownText(titleOfCategory(item.categoryUUID().value_or("")));
+  line += padded(shownText(item.title()), kTitleWidth) + "  ";
+  line += subtitle.empty() ? kind : padded(std::move(kind), kKindWidth) + "  " + subtitle;
   return toBytes(bytesOf(line));
 }
 

@@ -34,13 +34,12 @@ QNResult<QNSecret> promptTwice(std::string_view first) {
   return secret;
 }
 
-QNResult<QNMadePassword> made(QNResult<QNSecret> secret) {
-  if (!secret) return secret.error();
-  // Details are JSON, which holds nothing but UTF-8.
-  if (!isUTF8(secret.value().reveal())) {
+// Details are JSON, which holds nothing but UTF-8.
+QNResult<QNSecret> text(QNResult<QNSecret> secret) {
+  if (secret && !isUTF8(secret.value().reveal())) {
     return toolError(QNExit::wrongUsage, "the password isn't UTF-8 text");
   }
-  return QNMadePassword{std::move(secret).value(), std::nullopt};
+  return secret;
 }
 
 }  // namespace
@@ -74,13 +73,36 @@ QNResult<QNSecret> readNewPassword(const QNPasswordSource& source) {
   return password;
 }
 
+QNResult<QNSecret> readItemSecret(QNSecretSource from, std::string_view prompt) {
+  switch (from) {
+    case QNSecretSource::prompt:
+      return text(promptTwice(prompt));
+    case QNSecretSource::nextLine:
+      return text(readLine(STDIN_FILENO));
+    case QNSecretSource::restOfInput:
+      break;
+  }
+  return text(readSecret(STDIN_FILENO));
+}
+
+QNResult<QNSecret> readItemSecretFrom(const std::filesystem::path& file) {
+  const auto content = readFile(file, kMaxSecretBytes);
+  if (!content) return content.error();
+  QNSecret secret(textOf(content.value()));
+  if (secret.reveal().ends_with('\n')) secret.removeLast();  // looks at its last byte only
+  return text(std::move(secret));
+}
+
 QNResult<QNMadePassword> makeItemPassword(QNItemPassword from) {
   if (from == QNItemPassword::generate) {
     auto generated = QNSPG::generateCharacters({});
     return QNMadePassword{std::move(generated.password), generated.bitsEntropy};
   }
-  return made(from == QNItemPassword::prompt ? promptTwice("Password of the item: ")
-                                             : readSecret(STDIN_FILENO));
+  auto secret = readItemSecret(
+      from == QNItemPassword::prompt ? QNSecretSource::prompt : QNSecretSource::restOfInput,
+      "Password of the item: ");
+  if (!secret) return secret.error();
+  return QNMadePassword{std::move(secret).value(), std::nullopt};
 }
 
 void setItemPassword(QNItem& item, const QNMadePassword& made) {

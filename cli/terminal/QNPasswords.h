@@ -15,6 +15,14 @@ QNResult<QNSecret> readPassword(const QNPasswordSource& source, std::string_view
 /// differ, 2 if it is empty or not UTF-8, which could not be typed on another system.
 QNResult<QNSecret> readNewPassword(const QNPasswordSource& source);
 
+/// A secret of an item: asked twice on the terminal, or from standard input, where the vault's own
+/// password was read before. Error with exit code 1 if the two answers differ, 2 if it isn't
+/// UTF-8.
+enum class QNSecretSource { prompt, nextLine, restOfInput };
+QNResult<QNSecret> readItemSecret(QNSecretSource from, std::string_view prompt);
+/// The same from a file, without one newline at its end.
+QNResult<QNSecret> readItemSecretFrom(const std::filesystem::path& file);
+
 /// The password of an item; `bitsEntropy` is set if it was generated.
 struct QNMadePassword {
   QNSecret password;

@@ -82,6 +82,36 @@ std::string QNTemplate::localizedStringForKey(std::string_view key) const {
   return found == english->end() ? std::string(key) : found->second;
 }
 
+bool QNTemplate::isLocalizedString(std::string_view text, std::string_view forKey) const {
+  auto tables = [this] {
+    const std::lock_guard lock(_mutex);
+    return _stringsOfAllLanguages;
+  }();
+  if (tables == nullptr) {
+    tables = std::make_shared<const std::vector<QNLocalization::Table>>(tablesOfAllLanguages());
+    const std::lock_guard lock(_mutex);
+    _stringsOfAllLanguages = tables;
+  }
+  return std::any_of(tables->begin(), tables->end(), [&](const QNLocalization::Table& table) {
+    const auto found = table.find(forKey);
+    return found != table.end() && found->second == text;
+  });
+}
+
+std::vector<QNLocalization::Table> QNTemplate::tablesOfAllLanguages() const {
+  std::vector<QNLocalization::Table> tables;
+  if (_definition.contains("localizedStrings")) {
+    tables.push_back(loadLocalizationTable(kEnglish));  // one table serves every language
+  } else if (_templateURL) {
+    for (const fs::path& folder : filesIn(_templateURL->parent_path() / "Locales")) {
+      if (folder.extension() == ".lproj") {
+        tables.push_back(loadLocalizationTable(folder.stem().string()));
+      }
+    }
+  }
+  return tables;
+}
+
 std::string QNTemplate::localizedName(
     std::string_view key, std::optional<std::string> H9TemplateProperties::*name) const {
   if (_localized) return localizedStringForKey(key);

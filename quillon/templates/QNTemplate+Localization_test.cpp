@@ -54,6 +54,28 @@ TEST_F(QNTemplateStrings, InEnglishAMissingKeyIsTheKeyItself) {
   EXPECT_EQ(bank()->localizedStringForKey("b"), "b");
 }
 
+TEST_F(QNTemplateStrings, AreKnownInEveryLanguageByTheirKey) {
+  const QNScopedLanguage language("de");
+  strings("de.lproj/bank.strings", R"("a" = "ah"; "b" = "beh";)");
+  strings("en.lproj/bank.strings", R"("a" = "ay";)");
+  strings("notes.txt", "no language");
+  const auto made = bank();
+
+  EXPECT_TRUE(made->isLocalizedString("ah", "a"));
+  EXPECT_TRUE(made->isLocalizedString("ay", "a"));
+  EXPECT_FALSE(made->isLocalizedString("beh", "a"));
+  EXPECT_FALSE(made->isLocalizedString("a", "a"));
+  EXPECT_FALSE(made->isLocalizedString("ah", "c"));
+}
+
+TEST_F(QNTemplateStrings, InTheDefinitionAreKnownByTheirKeyToo) {
+  const auto made = templateOf(R"({"localizedStrings":{"a":"ah"},"contents":[]})");
+
+  EXPECT_TRUE(made->isLocalizedString("ah", "a"));
+  EXPECT_FALSE(made->isLocalizedString("ay", "a"));
+  EXPECT_FALSE(templateOf(R"({"contents":[]})")->isLocalizedString("a", "a"));
+}
+
 TEST_F(QNTemplateStrings, OfTheEmptyKeyAreEmpty) {
   EXPECT_EQ(bank()->localizedStringForKey(""), "");
 }

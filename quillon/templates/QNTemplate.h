@@ -86,6 +86,9 @@ class QNTemplate final {
   [[nodiscard]] std::string localizedPluralTitle() const;
   /// The user's language, then English, then the key itself.
   [[nodiscard]] std::string localizedStringForKey(std::string_view key) const;
+  /// Is it the text of that key in any language that the template speaks? Tells a title that the
+  /// template gave from one that a person chose.
+  [[nodiscard]] bool isLocalizedString(std::string_view text, std::string_view forKey) const;
   /// The label of a menu value; the value itself where it has none.
   [[nodiscard]] std::string localizedValueForFieldIdentifier(
       std::string_view identifier, std::optional<std::string_view> menuValue) const;
@@ -104,6 +107,7 @@ class QNTemplate final {
       std::shared_ptr<const QNLocalization::Table>& kept, std::string_view language,
       bool emptyIsKept) const;
   void reportMissingTable(const std::filesystem::path& folder, std::string_view language) const;
+  [[nodiscard]] std::vector<QNLocalization::Table> tablesOfAllLanguages() const;
   [[nodiscard]] QNLocalization::Table tableInFolder(const std::filesystem::path& locales,
                                                     std::string_view language) const;
 
@@ -122,6 +126,7 @@ class QNTemplate final {
   mutable std::mutex _mutex;  // guards what is made at the first need; nothing is read under it
   mutable TableRef _localizedStrings;
   mutable TableRef _englishStrings;
+  mutable std::shared_ptr<const std::vector<QNLocalization::Table>> _stringsOfAllLanguages;
   mutable std::optional<Definitions> _fieldsByName;  // the keys lie in the definition
 };
 

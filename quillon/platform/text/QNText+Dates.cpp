@@ -1,10 +1,16 @@
 #include <unicode/datefmt.h>
+#include <unicode/dtptngen.h>
+#include <unicode/gregocal.h>
+#include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
+#include <unicode/uchar.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 
 #include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/text/QNFormat.h"
 #include "quillon/platform/text/QNText.h"
 #include "quillon/platform/text/internal/QNLocale.h"
 
@@ -14,6 +20,20 @@ namespace {
 // Milliseconds; what ICU's calendars reach to, a year left out at each end.
 constexpr double kFirstMoment = -184303902528000000.0 + 31536000000.0;
 constexpr double kLastMoment = 183882168921600000.0 - 31536000000.0;
+
+constexpr std::int32_t kFirstYear = 1000;  // of those with four digits
+constexpr std::int32_t kLastYear = 9999;
+
+// The caller's to delete.
+icu::TimeZone* usersTimeZone() {
+  const std::string zone = currentTimeZone();
+  return zone.empty() ? icu::TimeZone::createDefault()
+                      : icu::TimeZone::createTimeZone(zone.c_str());
+}
+
+double clampedMoment(std::int64_t seconds) {
+  return std::clamp(static_cast<double>(seconds) * 1000, kFirstMoment, kLastMoment);
+}
 
 // A formatter costs hundreds of times one date to make, so each thread keeps its own until the
 // locale or the time zone changes.
@@ -32,10 +52,86 @@ const icu::DateFormat* dayFormatOfThread() {
             std::unique_ptr<icu::DateFormat>(icu::DateFormat::createDateInstance(
                 icu::DateFormat::kMedium, localeForTag(locale)))};
     if (kept.format == nullptr) return nullptr;
-    kept.format->adoptTimeZone(zone.empty() ? icu::TimeZone::createDefault()
-                                            : icu::TimeZone::createTimeZone(zone.c_str()));
+    kept.format->adoptTimeZone(usersTimeZone());
   }
   return kept.format.get();
+}
+
+QNSecret secretOf(std::string text) {
+  QNSecret secret(text);
+  wipe(text.data(), text.size());
+  return secret;
+}
+
+// Nothing if the calendar has no such day.
+std::optional<std::int64_t> noonOf(icu::Calendar& calendar) {
+  UErrorCode status = U_ZERO_ERROR;
+  const std::int32_t year = calendar.get(UCAL_EXTENDED_YEAR, status);
+  calendar.set(UCAL_HOUR_OF_DAY, 12);
+  for (const auto field : {UCAL_MINUTE, UCAL_SECOND, UCAL_MILLISECOND}) calendar.set(field, 0);
+  const double moment = calendar.getTime(status);
+  if (U_FAILURE(status) || year < kFirstYear || year > kLastYear) return std::nullopt;
+  return static_cast<std::int64_t>(std::floor(moment / 1000));
+}
+
+// Nothing for a text of another form; an empty inner value for a day that isn't there.
+std::optional<std::optional<std::int64_t>> isoDay(std::string_view text) {
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  constexpr std::string_view kForm = "0000-00-00";
+  const bool fits =
+      std::equal(text.begin(), text.end(), kForm.begin(), kForm.end(),
+                 [&](char c, char form) { return form == '-' ? c == '-' : isDigit(c); });
+  if (!fits) return std::nullopt;
+  const auto number = [text](std::size_t at, std::size_t size) {
+    std::int32_t read = 0;
+    for (const char c : text.substr(at, size)) read = read * 10 + (c - '0');
+    return read;
+  };
+  UErrorCode status = U_ZERO_ERROR;
+  icu::GregorianCalendar calendar(usersTimeZone(), icu::Locale::getRoot(), status);
+  if (U_FAILURE(status)) return std::optional<std::int64_t>();
+  calendar.clear();
+  calendar.setLenient(false);
+  calendar.set(number(0, 4), number(5, 2) - 1, number(8, 2));
+  return noonOf(calendar);
+}
+
+// "4.7.2024" in German. Null if the locale has no such form.
+std::unique_ptr<icu::DateFormat> dayFormatInNumbers() {
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::Locale locale = localeForTag(currentLocale());
+  const std::unique_ptr<icu::DateTimePatternGenerator> patterns(
+      icu::DateTimePatternGenerator::createInstance(locale, status));
+  if (U_FAILURE(status)) return nullptr;
+  const icu::UnicodeString pattern = patterns->getBestPattern("yMd", status);
+  auto format = std::make_unique<icu::SimpleDateFormat>(pattern, locale, status);
+  if (U_FAILURE(status)) return nullptr;
+  format->adoptTimeZone(usersTimeZone());
+  format->setLenient(false);
+  return format;
+}
+
+// Four digits in a row. A year of two would be guessed by the parser, and a birthday go wrong.
+bool hasFullYear(const icu::UnicodeString& text) {
+  int digits = 0;
+  for (int32_t i = 0; i < text.length() && digits < 4; ++i) {
+    digits = u_isdigit(text.charAt(i)) != 0 ? digits + 1 : 0;
+  }
+  return digits == 4;
+}
+
+// The whole text must be the date.
+std::optional<std::int64_t> dayReadBy(const icu::DateFormat& format, std::string_view text) {
+  const auto typed = icu::UnicodeString::fromUTF8(
+      icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+  icu::ParsePosition end(0);
+  const UDate moment = format.parse(typed, end);
+  const bool isWhole = end.getErrorIndex() == -1 && end.getIndex() == typed.length();
+  if (!isWhole || !hasFullYear(typed)) return std::nullopt;
+  UErrorCode status = U_ZERO_ERROR;
+  icu::GregorianCalendar calendar(usersTimeZone(), icu::Locale::getRoot(), status);
+  calendar.setTime(moment, status);
+  return U_FAILURE(status) ? std::nullopt : noonOf(calendar);
 }
 
 }  // namespace
@@ -43,14 +139,45 @@ const icu::DateFormat* dayFormatOfThread() {
 QNSecret qn_formatDate(std::int64_t seconds) {
   const icu::DateFormat* const format = dayFormatOfThread();
   if (format == nullptr) return {};
-  const double moment = std::clamp(static_cast<double>(seconds) * 1000, kFirstMoment, kLastMoment);
   icu::UnicodeString shown;
-  format->format(moment, shown);
+  format->format(clampedMoment(seconds), shown);
   std::string text;
   shown.toUTF8String(text);
-  QNSecret secret(text);
-  wipe(text.data(), text.size());
-  return secret;
+  return secretOf(std::move(text));
+}
+
+QNSecret qn_formatISODate(std::int64_t seconds) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::GregorianCalendar calendar(usersTimeZone(), icu::Locale::getRoot(), status);
+  calendar.setTime(clampedMoment(seconds), status);
+  const std::int32_t year = calendar.get(UCAL_EXTENDED_YEAR, status);
+  const std::int32_t month = calendar.get(UCAL_MONTH, status) + 1;
+  const std::int32_t day = calendar.get(UCAL_DATE, status);
+  if (U_FAILURE(status)) return {};
+  return secretOf(formatted("{:04}-{:02}-{:02}", year, month, day));
+}
+
+std::optional<std::int64_t> qn_parseDate(std::string_view text) {
+  const std::string_view typed = trimmedView(text);
+  if (const auto read = isoDay(typed)) return *read;
+  const auto numbers = dayFormatInNumbers();
+  if (numbers != nullptr) {
+    if (const auto read = dayReadBy(*numbers, typed)) return read;
+  }
+  const icu::DateFormat* const shown = dayFormatOfThread();
+  if (shown == nullptr) return std::nullopt;
+  const std::unique_ptr<icu::DateFormat> strict(shown->clone());
+  strict->setLenient(false);
+  return dayReadBy(*strict, typed);
+}
+
+std::string qn_exampleOfDate() {
+  const auto format = dayFormatInNumbers();
+  std::string text;
+  if (format == nullptr) return text;
+  icu::UnicodeString shown;
+  format->format(static_cast<double>(secondsNow()) * 1000, shown);
+  return shown.toUTF8String(text);
 }
 
 }  // namespace quillon

@@ -45,6 +45,63 @@ TEST(QNTextDates, OfTheSystemsZoneAreFoundToo) {
   EXPECT_FALSE(formatted(kIndependenceDay, "en-US", "").empty());
 }
 
+std::optional<std::int64_t> parsed(std::string_view text, const char* locale,
+                                   const char* zone = "UTC") {
+  const QNScopedLocale scopedLocale(locale);
+  const QNScopedTimeZone scopedZone(zone);
+  return qn_parseDate(text);
+}
+
+constexpr std::int64_t kNoon = kIndependenceDay + 43200;
+
+TEST(QNTextDates, AreReadInOneFormEverywhereAndInTheFormsOfTheLocale) {
+  for (const char* const locale : {"en-US", "de-DE", "ja-JP", "ar-EG", "zz"}) {
+    EXPECT_EQ(parsed("2024-07-04", locale), kNoon) << locale;
+    EXPECT_EQ(parsed(" 2024-07-04\n", locale), kNoon) << locale;
+  }
+  EXPECT_EQ(parsed("7/4/2024", "en-US"), kNoon);
+  EXPECT_EQ(parsed("07/04/2024", "en-US"), kNoon);
+  EXPECT_EQ(parsed("Jul 4, 2024", "en-US"), kNoon);
+  EXPECT_EQ(parsed("4.7.2024", "de-DE"), kNoon);
+  EXPECT_EQ(parsed("04.07.2024", "de-DE"), kNoon);
+  EXPECT_EQ(parsed("2024/7/4", "ja-JP"), kNoon);
+}
+
+TEST(QNTextDates, AreReadAtNoonOfTheUsersDay) {
+  EXPECT_EQ(parsed("2024-07-04", "en-US", "America/Los_Angeles"), kNoon + 7 * 3600);
+  EXPECT_EQ(parsed("7/4/2024", "en-US", "Pacific/Auckland"), kNoon - 12 * 3600);
+}
+
+TEST(QNTextDates, WhatIsNoDayIsNotRead) {
+  for (const std::string_view text :
+       {"", "2024", "2024-02-30", "2023-02-29", "2024-13-01", "2024-00-01", "2024-7-4", "24-07-04",
+        "2024-07-04x", "20240704", "0024-07-04", "7/4/24", "7/4", "2/30/2024", "13/1/2024",
+        "4.7.2024", "tomorrow", "7/4/2024 and more", "\xff"}) {
+    EXPECT_EQ(parsed(text, "en-US"), std::nullopt) << text;
+  }
+  EXPECT_EQ(parsed("4.7.24", "de-DE"), std::nullopt);
+  EXPECT_EQ(parsed("30.2.2024", "de-DE"), std::nullopt);
+}
+
+TEST(QNTextDates, AreReadBackAsTheyAreWritten) {
+  for (const char* const locale : {"en-US", "en-GB", "de-DE", "fr-FR", "es-ES", "pt-BR", "ja-JP"}) {
+    const QNScopedLocale scopedLocale(locale);
+    const QNScopedTimeZone scopedZone("Europe/Berlin");
+    const std::int64_t noon = kNoon - 2 * 3600;
+
+    EXPECT_EQ(qn_parseDate(qn_formatDate(noon).reveal()), noon) << locale;
+    EXPECT_EQ(qn_parseDate(qn_formatISODate(noon).reveal()), noon) << locale;
+    EXPECT_NE(qn_parseDate(qn_exampleOfDate()), std::nullopt) << locale;
+  }
+}
+
+TEST(QNTextDates, HaveOneFormForPrograms) {
+  const QNScopedTimeZone zone("America/Los_Angeles");
+
+  EXPECT_TRUE(qn_formatISODate(kIndependenceDay).equals("2024-07-03"));
+  EXPECT_TRUE(qn_formatISODate(-86400).equals("1969-12-30"));
+}
+
 std::string kept(std::string_view text, std::string_view set) {
   return std::string(charactersOfTextInSet(text, set).reveal());
 }
