@@ -19,8 +19,10 @@ bool isDirty(const QNDatabaseObject& object) {
   return !object.hasOid() || object.dirtyRow() || object.dirtyDisplayOrder();
 }
 
+/// A change to a field dirties nothing until the sections are written into the details.
 bool needsSaving(QNItem& item) {
   if (item.deleted() && !item.hasOid()) return false;
+  if (item.detailsLoaded()) item.saveFieldSections();
   const URLs urls = urlsOf(item);
   return isDirty(item) ||
          std::any_of(urls.begin(), urls.end(), [](const auto& url) { return isDirty(*url); });

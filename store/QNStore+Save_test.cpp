@@ -1,3 +1,7 @@
+#include <array>
+
+#include "quillon/fields/QNFieldSection.h"
+#include "quillon/fields/QNItemStringField.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "store/internal/QNStoreTesting.h"
@@ -115,6 +119,36 @@ TEST(QNStoreSave, SavesAnItemOfWhichOnlyAnAddressChanged) {
   const auto read = std::move(session.store->item(session.vault, *item->uuid())).value();
   EXPECT_EQ(read->URLAtIndex(0)->label(), "work");
   EXPECT_FALSE(item->URLAtIndex(0)->dirtyRow());
+}
+
+TEST(QNStoreSave, AChangedFieldAloneIsSaved) {
+  const TemporaryFolder folder;
+  Session session = makeSession(folder / "a.quillon");
+  const auto item = makeLogin(session.vault, "a");
+  const auto field = QNItemStringField::fieldWithIdentifier("pin");
+  field->setValue("1234");
+  item->fieldSectionWithName("s", "Section")->addField(field);
+  ASSERT_TRUE(session.store->save(item).ok());
+  const auto pinRead = [&] {
+    const auto read = std::move(session.store->item(session.vault, *item->uuid())).value();
+    const auto found = read->findFieldWithIdentifier("pin");
+    return found == nullptr ? std::string("(no field)")
+                            : std::string(found->displayStringValue().reveal());
+  };
+  ASSERT_EQ(pinRead(), "1234");
+
+  item->setStringFieldValue("5678", "pin");
+  ASSERT_FALSE(item->dirtyRow());
+  ASSERT_TRUE(session.store->save(item).ok());
+  EXPECT_EQ(pinRead(), "5678");
+  item->setStringFieldValue("9012", "pin");
+  const std::array items{item};
+  ASSERT_TRUE(session.store->saveAll(items).ok());
+  EXPECT_EQ(pinRead(), "9012");
+
+  const std::uint64_t revision = item->txTimestamp();
+  ASSERT_TRUE(session.store->save(item).ok());
+  EXPECT_EQ(item->txTimestamp(), revision);
 }
 
 TEST(QNStoreSave, SavesAnItemOfWhichOnlyTheOrderChanged) {

@@ -22,6 +22,7 @@ constexpr std::string_view kFormat = "FORMAT";
 constexpr std::string_view kEditFormat = "EDIT_FORMAT";
 constexpr std::string_view kBuiltInFormat = "Street\nCity Region State\nZIP\nCountry";
 constexpr std::string_view kCountryMenu = "menu.country.";
+constexpr std::size_t kLongestCountryCode = 3;
 constexpr std::size_t kLargestFile = std::size_t{4} << 20;
 
 // What was read or found once, for the whole process.
@@ -68,26 +69,120 @@ std::vector<std::pair<std::string, std::string>> namedCodes(const JsonObject& co
   return named;
 }
 
-std::string displayedCountry(std::optional<std::string_view> code) {
-  std::string text = QNAddressFormat::localizedCountryForCode(code);
-  if (!text.starts_with(kCountryMenu)) return text;
-  for (auto at = text.find(kCountryMenu); at != std::string::npos; at = text.find(kCountryMenu)) {
-    text.erase(at, kCountryMenu.size());
-  }
-  return text;
+// What a file of countries may hold. Any other text isn't looked up: it is a person's own, and
+// would leave its wiping memory as a key.
+bool isCountryCode(std::string_view text) {
+  return text.size() <= kLongestCountryCode && std::all_of(text.begin(), text.end(), [](char c) {
+           return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+         });
 }
 
+// One pass: what the removal brings together stays.
+QNSecret withoutCountryMenu(std::string_view text) {
+  QNSecret left;
+  std::size_t start = 0;
+  for (auto at = text.find(kCountryMenu); at != std::string_view::npos;
+       at = text.find(kCountryMenu, start)) {
+    left.append(text.substr(start, at - start));
+    start = at + kCountryMenu.size();
+  }
+  left.append(text.substr(start));
+  return left;
+}
+
+QNSecret displayedCountry(std::optional<std::string_view> code) {
+  if (!code) return {};
+  if (!isCountryCode(*code)) return withoutCountryMenu(*code);
+  const std::string name = QNAddressFormat::localizedCountryForCode(code);
+  return name.starts_with(kCountryMenu) ? withoutCountryMenu(name) : QNSecret(name);
+}
+
+bool isUTF8Trail(char c) {
+  return (static_cast<unsigned char>(c) & 0xC0u) == 0x80u;
+}
+
+// Each word begins with a capital.
 std::string capitalized(std::string_view key) {
   std::string made(key);
-  for (char& c : made) c = lowercaseASCII(c);
-  if (!made.empty()) made.front() = uppercaseASCII(made.front());
+  bool inWord = false;
+  for (char& c : made) {
+    c = inWord ? lowercaseASCII(c) : uppercaseASCII(c);
+    inWord = c != ' ';
+  }
   return made;
+}
+
+// Split by what Unicode takes for a blank.
+std::vector<std::string_view> wordsOf(std::string_view line) {
+  std::vector<std::string_view> words;
+  bool inWord = false;
+  for (std::size_t start = 0, end = 0; start < line.size(); start = end) {
+    for (end = start + 1; end < line.size() && isUTF8Trail(line[end]);) ++end;
+    const std::string_view character = line.substr(start, end - start);
+    const bool blank = isBlankText(character);
+    if (!blank && !inWord) words.push_back(character);
+    if (!blank && inWord) {
+      words.back() = {words.back().data(), words.back().size() + character.size()};
+    }
+    inWord = !blank;
+  }
+  return words;
 }
 
 std::string inCapitals(std::string_view key) {
   std::string made(key);
   for (char& c : made) c = uppercaseASCII(c);
   return made;
+}
+
+const JsonObject* entryOf(const QNAddressFormat::Definition& all, std::string_view key) {
+  const Json* const found = all == nullptr ? nullptr : mr_objectForKey(*all, key, JsonKind::object);
+  return found == nullptr ? nullptr : &found->get_object();
+}
+
+// A view of what a person wrote is enough to look it up: it must not be copied.
+QNAddressFormat::Definition definitionForCountryCode(const QNAddressFormat::Definition& all,
+                                                     std::optional<std::string_view> code) {
+  const std::string here = code ? "" : currentCountryCode().value_or("");
+  const JsonObject* definition = entryOf(all, code.value_or(here));
+  if (definition == nullptr) definition = entryOf(all, kDefaultDefinition);
+  return definition == nullptr ? nullptr : QNAddressFormat::Definition(all, definition);
+}
+
+std::string_view displayFormatOf(const QNAddressFormat::Definition& definition) {
+  if (definition == nullptr) return kBuiltInFormat;
+  return mr_validStringValueForKey(*definition, kFormat).value_or(kBuiltInFormat);
+}
+
+// Only the first occurrence of a part is replaced; a later one stays in the text as the word.
+QNSecret displayTextInFormat(std::string_view format, const QNAddressValue& value) {
+  struct Token {
+    std::string_view name;
+    std::string_view text;
+    std::size_t place;
+  };
+  const QNSecret country = displayedCountry(value.country());
+  std::array<Token, 6> tokens{{
+      {QNAddressFieldIdentifierStreet, value.street().value_or(""), 0},
+      {QNAddressFieldIdentifierCity, value.city().value_or(""), 0},
+      {QNAddressFieldIdentifierZip, value.zip().value_or(""), 0},
+      {QNAddressFieldIdentifierRegion, value.region().value_or(""), 0},
+      {QNAddressFieldIdentifierState, value.state().value_or(""), 0},
+      {QNAddressFieldIdentifierCountry, country.reveal(), 0},  // into another secret
+  }};
+  for (Token& token : tokens) token.place = format.find(token.name);
+  std::sort(tokens.begin(), tokens.end(),
+            [](const Token& a, const Token& b) { return a.place < b.place; });
+  QNSecret shown;
+  std::size_t position = 0;
+  for (const Token& token : tokens) {
+    if (token.place == std::string_view::npos) break;
+    shown.append(format.substr(position, token.place - position));
+    shown.append(token.text);
+    position = token.place + token.name.size();
+  }
+  shown.append(format.substr(position));
+  return shown;
 }
 
 }  // namespace
@@ -111,15 +206,13 @@ QNAddressFormat::Definition QNAddressFormat::addressFormats() {
 
 QNAddressFormat QNAddressFormat::addressFormatForCountryCode(std::optional<std::string_view> code) {
   const Definition all = addressFormats();
-  if (all == nullptr) return QNAddressFormat(nullptr, nullptr);
-  const std::string country = code ? std::string(*code) : currentCountryCode().value_or("");
-  const auto entry = [&all](std::string_view key) {
-    const Json* const found = mr_objectForKey(*all, key, JsonKind::object);
-    return found == nullptr ? nullptr : &found->get_object();
-  };
-  const JsonObject* definition = entry(country);
-  if (definition == nullptr) definition = entry(kDefaultDefinition);
-  return QNAddressFormat(Definition(all, definition), entry(kDefaultKeyboardSettings));
+  const JsonObject* const settings = entryOf(all, kDefaultKeyboardSettings);
+  return {definitionForCountryCode(all, code), settings};
+}
+
+QNSecret QNAddressFormat::displayTextOf(const QNAddressValue& value) {
+  const Definition found = definitionForCountryCode(addressFormats(), value.country());
+  return displayTextInFormat(displayFormatOf(found), value);
 }
 
 std::string QNAddressFormat::localizedCountryForCode(std::optional<std::string_view> code) {
@@ -164,8 +257,7 @@ QNAddressFormat::QNAddressFormat(Definition initWithDefinition, const JsonObject
 }
 
 std::string_view QNAddressFormat::displayFormat() const {
-  if (_addressFormatDict == nullptr) return kBuiltInFormat;
-  return mr_validStringValueForKey(*_addressFormatDict, kFormat).value_or(kBuiltInFormat);
+  return displayFormatOf(_addressFormatDict);
 }
 
 std::optional<std::string_view> QNAddressFormat::editFormat() const {
@@ -173,36 +265,8 @@ std::optional<std::string_view> QNAddressFormat::editFormat() const {
   return mr_validStringValueForKey(*_addressFormatDict, kEditFormat);
 }
 
-// Only the first occurrence of a part is replaced; a later one stays in the text as the word.
 QNSecret QNAddressFormat::displayTextForAddressValue(const QNAddressValue& value) const {
-  struct Token {
-    std::string_view name;
-    std::string_view text;
-    std::size_t place;
-  };
-  const std::string country = displayedCountry(value.country());
-  std::array<Token, 6> tokens{{
-      {QNAddressFieldIdentifierStreet, value.street().value_or(""), 0},
-      {QNAddressFieldIdentifierCity, value.city().value_or(""), 0},
-      {QNAddressFieldIdentifierZip, value.zip().value_or(""), 0},
-      {QNAddressFieldIdentifierRegion, value.region().value_or(""), 0},
-      {QNAddressFieldIdentifierState, value.state().value_or(""), 0},
-      {QNAddressFieldIdentifierCountry, country, 0},
-  }};
-  const std::string_view format = displayFormat();
-  for (Token& token : tokens) token.place = format.find(token.name);
-  std::sort(tokens.begin(), tokens.end(),
-            [](const Token& a, const Token& b) { return a.place < b.place; });
-  QNSecret shown;
-  std::size_t position = 0;
-  for (const Token& token : tokens) {
-    if (token.place == std::string_view::npos) break;
-    shown.append(format.substr(position, token.place - position));
-    shown.append(token.text);
-    position = token.place + token.name.size();
-  }
-  shown.append(format.substr(position));
-  return shown;
+  return displayTextInFormat(displayFormat(), value);
 }
 
 std::optional<std::string_view> QNAddressFormat::placeholderStringForKey(
@@ -232,13 +296,7 @@ std::vector<std::string> QNAddressFormat::componentsForRow(std::size_t row, bool
   const auto lines = rows(editMode);
   std::vector<std::string> words;
   if (row >= lines.size()) return words;
-  bool inWord = false;
-  for (const char c : lines[row]) {
-    const bool blank = c == ' ' || c == '\t' || c == '\r';
-    if (!blank && !inWord) words.emplace_back();
-    if (!blank) words.back() += c;
-    inWord = !blank;
-  }
+  for (const std::string_view word : wordsOf(lines[row])) words.emplace_back(word);
   return words;
 }
 

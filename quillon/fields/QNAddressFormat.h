@@ -31,6 +31,10 @@ class QNAddressFormat final {
   /// display format.
   QNAddressFormat(Definition initWithDefinition, const JsonObject* keyboardSettings);
 
+  /// The address as its own country writes it.
+  [[nodiscard]] static QNSecret displayTextOf(const QNAddressValue& value);
+
+  // The views and references are valid while the format lives.
   /// Lines separated by "\n", with the parts of an address by name (QNAddressFieldIdentifier...).
   [[nodiscard]] std::string_view displayFormat() const;
   /// The same for a form to edit; nothing if the country has none.
@@ -39,9 +43,9 @@ class QNAddressFormat final {
   [[nodiscard]] QNSecret displayTextForAddressValue(const QNAddressValue& value) const;
   [[nodiscard]] const JsonObject& keyboardSettings() const { return _keyboardSettings; }
   [[nodiscard]] const Definition& addressFormatDict() const { return _addressFormatDict; }
-  /// Placeholder of a part: by the key, by the key in title case, or in capitals.
+  /// Placeholder of a part: by the key, by the key with each word capitalized, or in capitals.
   [[nodiscard]] std::optional<std::string_view> placeholderStringForKey(std::string_view key) const;
-  /// The words of one line; none for a line that isn't there.
+  /// The words of one line, split by Unicode's blanks; none for a line that isn't there.
   [[nodiscard]] std::vector<std::string> componentsForRow(std::size_t row, bool editMode) const;
   [[nodiscard]] std::size_t numberOfRows(bool editMode) const;
 

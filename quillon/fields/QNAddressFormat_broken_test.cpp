@@ -23,6 +23,7 @@ TEST(QNBrokenAddressFormats, CostALogLine) {
   EXPECT_EQ(QNAddressFormat::addressFormats(), nullptr);
 
   EXPECT_THAT(errors(sink), ElementsAre("Error parsing address formats: MRErrorDomain 114"));
+  EXPECT_EQ(sink.records().at(0).subsystem, DEBUG_APP);
 }
 
 TEST(QNBrokenAddressFormats, LeaveTheBuiltInFormat) {
@@ -43,6 +44,7 @@ TEST(QNBrokenAddressFormats, WithoutCountriesThereAreNoCodes) {
   EXPECT_THAT(QNAddressFormat::countryCodes(), IsEmpty());
 
   EXPECT_THAT(errors(sink), ElementsAre("Failed to obtain the country codes: <MRErrorDomain 114>"));
+  EXPECT_EQ(sink.records().at(0).subsystem, DEBUG_APP);
 }
 
 }  // namespace

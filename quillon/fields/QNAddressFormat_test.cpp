@@ -103,6 +103,23 @@ TEST(QNAddressFormat, SplitsItsLinesIntoWords) {
   EXPECT_THAT(format.componentsForRow(9, true), IsEmpty());
 }
 
+TEST(QNAddressFormat, SplitsAtUnicodesBlanks) {
+  const JsonObject definition =
+      jsonObject(R"({"FORMAT":"\u00A0Street\u00A0City\u3000\u00C9tat \u00A0 ZIP\u2003"})");
+  const QNAddressFormat format(std::make_shared<const JsonObject>(definition), nullptr);
+
+  EXPECT_THAT(format.componentsForRow(0, false), ElementsAre("Street", "City", "\u00C9tat", "ZIP"));
+}
+
+TEST(QNAddressFormat, CapitalizesEachWordOfAKey) {
+  const JsonObject definition = jsonObject(R"({"Post Code":"found"})");
+  const QNAddressFormat format(std::make_shared<const JsonObject>(definition), nullptr);
+
+  EXPECT_EQ(format.placeholderStringForKey("post code"), "found");
+  EXPECT_EQ(format.placeholderStringForKey("POST CODE"), "found");
+  EXPECT_EQ(format.placeholderStringForKey("postcode"), std::nullopt);
+}
+
 // Showing
 
 TEST(QNAddressFormat, PutsThePartsIntoTheirPlaces) {
@@ -133,6 +150,35 @@ TEST(QNAddressFormat, AnUnknownCountryShowsItsBareCode) {
   EXPECT_EQ(shown("de", R"({"street":"s"})"), "s\n \n");
 }
 
+// Each occurrence goes once: what its going brings together stays.
+TEST(QNAddressFormat, ACountryShowsWithoutTheNameOfTheMenu) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"menu.country.xx", "xx"},
+      {"menumenu.country..country.xx", "menu.country.xx"},
+      {"a menu.country.b menu.country.", "a b "},
+      {"Middle Earth", "Middle Earth"},
+      {"x-y", "x-y"}};
+  for (const auto& [country, expected] : cases) {
+    QNAddressValue address;
+    address.setCountry(country);
+    EXPECT_EQ(address.stringValue().reveal(), "\n  \n\n" + std::string(expected)) << country;
+  }
+}
+
+// Were each removal a walk from the start, this would take minutes.
+TEST(QNAddressFormat, ALongCountryIsShownInOnePass) {
+  std::string country;
+  std::string expected = "\n  \n\n";
+  for (int i = 0; i < 300'000; ++i) {
+    country += "menu.country.x";
+    expected += 'x';
+  }
+  QNAddressValue address;
+  address.setCountry(country);
+
+  EXPECT_TRUE(address.stringValue().equals(expected));
+}
+
 // Countries
 
 TEST(QNAddressFormat, NamesCountries) {
@@ -149,6 +195,7 @@ TEST(QNAddressFormat, ListsTheCountriesThatHaveANameInTheirOrder) {
 
   EXPECT_THAT(codes, ElementsAre("jp", "at", "de", "us"));
   EXPECT_THAT(errors(sink), ElementsAre("No localized country name for xx"));
+  EXPECT_EQ(sink.records().at(0).subsystem, DEBUG_APP);
   EXPECT_EQ(QNAddressFormat::countryCodes(), codes);
   EXPECT_THAT(errors(sink), SizeIs(1));
 }

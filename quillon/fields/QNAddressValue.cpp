@@ -85,7 +85,7 @@ std::size_t QNAddressValue::hash() const {
 }
 
 QNSecret QNAddressValue::stringValue() const {
-  return QNAddressFormat::addressFormatForCountryCode(country()).displayTextForAddressValue(*this);
+  return QNAddressFormat::displayTextOf(*this);
 }
 
 bool QNAddressValue::isEmpty() const {

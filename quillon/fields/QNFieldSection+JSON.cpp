@@ -14,11 +14,6 @@
 namespace quillon {
 namespace {
 
-void eraseUnlessText(JsonObject& object, std::string_view key) {
-  const auto found = object.find(key);
-  if (found != object.end() && !found->value().is_string()) object.stable_erase(found);
-}
-
 // Is the list the fields and foreign elements in that order, as far as their number goes?
 bool isListOfSize(const JsonObject& stored, std::size_t count) {
   const Json* const list = stored.if_contains(kFieldSectionFields);
@@ -61,12 +56,13 @@ void QNFieldSection::loadDictionary(const JsonObject& dictionary) {
     _stored[member.key()] =
         isFields ? Json(nullptr, jsonStorage()) : Json(member.value(), jsonStorage());
   }
-  eraseUnlessText(_stored, kFieldSectionName);
-  eraseUnlessText(_stored, kFieldSectionTitle);
+  for (const std::string_view key : {kFieldSectionName, kFieldSectionTitle}) {
+    if (!mr_validStringValueForKey(dictionary, key)) setText(key, std::nullopt);
+  }
   const Json* const stored = mr_objectForKey(dictionary, kFieldSectionFields, JsonKind::array);
   if (stored == nullptr) return;
   _fields.reserve(_fields.size() + stored->get_array().size());
-  std::size_t place = _fields.size();
+  std::size_t place = _fields.size() + _foreign.count();
   for (const Json& element : stored->get_array()) {
     if (const JsonObject* const field = element.if_object()) {
       addField(QNItemField::fieldFromStored(*field));

@@ -61,6 +61,23 @@ TEST(QNFieldSectionJSON, AnSSHKeyIsOneUnknownField) {
   EXPECT_EQ(rewritten(stored), stored);
 }
 
+TEST(QNFieldSectionJSON, ReadingOverAFilledSectionReplacesTheNamesAndAddsTheFields) {
+  const auto section = sectionOf(
+      R"({"name":"s","title":"t","x":1,"fields":["a",{"n":"1","k":"string","t":""},"b"]})");
+
+  section->loadDictionary(
+      jsonObject(R"({"title":5,"y":2,"fields":["c",{"n":"2","k":"string","t":""},"d"]})"));
+
+  EXPECT_EQ(section->name(), std::nullopt);
+  EXPECT_EQ(section->title(), std::nullopt);
+  EXPECT_EQ(jsonText(section->dictionaryRepresentation()),
+            R"({"x":1,"fields":["a",{"n":"1","k":"string","t":""},"b","c",)"
+            R"({"n":"2","k":"string","t":""},"d"],"y":2})");
+  section->loadDictionary(jsonObject(R"({"name":"n"})"));
+  EXPECT_EQ(section->name(), "n");
+  EXPECT_EQ(section->numberOfFields(), 2u);
+}
+
 // Writing
 
 TEST(QNFieldSectionJSON, SoundSectionsAreWrittenAsTheyWereRead) {

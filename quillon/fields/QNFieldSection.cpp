@@ -94,10 +94,11 @@ void QNFieldSection::moveField(const QNItemFieldRef& field, std::size_t toIndex)
 
 void QNFieldSection::addFieldsFromSection(const QNFieldSection& other) {
   for (const QNItemFieldRef& theirs : other.fields()) {
-    if (const QNItemFieldRef mine = fieldWithIdentifier(theirs->identifier())) {
-      mine->setRawValue(theirs->rawValue());
-    } else {
+    const QNItemFieldRef mine = fieldWithIdentifier(theirs->identifier());
+    if (mine == nullptr) {
       addField(theirs);
+    } else if (!theirs->isUnknownField()) {
+      mine->setRawValue(theirs->rawValue());
     }
   }
 }

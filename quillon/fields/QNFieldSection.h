@@ -48,7 +48,8 @@ class QNFieldSection final {
   void removeFieldAtIndex(std::size_t index);
   /// To the last place if the index lies beyond it.
   void moveField(const QNItemFieldRef& field, std::size_t toIndex);
-  /// Fields of one identifier take over the other's value; other fields are added, shared.
+  /// Fields of one identifier take over the other's value, unless one of them is unknown; other
+  /// fields are added, shared.
   void addFieldsFromSection(const QNFieldSection& other);
 
   // State
@@ -89,6 +90,8 @@ class QNFieldSection final {
     return dictionaryRepresentationExcludingFileFields(false);
   }
   [[nodiscard]] JsonObject dictionaryRepresentationExcludingFileFields(bool exclude) const;
+  /// Over what is there: name and title become those of the dictionary, nothing if it has none,
+  /// and its fields are added.
   void loadDictionary(const JsonObject& dictionary);
   /// Is dictionaryRepresentation() an empty object?
   [[nodiscard]] bool isBlank() const;

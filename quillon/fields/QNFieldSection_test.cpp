@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "quillon/fields/internal/QNFieldTesting.h"
 #include "quillon/platform/data/QNNotFound.h"
 
@@ -159,6 +161,26 @@ TEST(QNFieldSection, AddsNothingToAnUnknownFieldNorFromOne) {
 
   EXPECT_EQ(jsonText(unknown->jsonValue()), "[1]");
   EXPECT_TRUE(known->isValueEqualTo("x"));
+}
+
+TEST(QNFieldSection, AnUnknownFieldOfAnotherChangesNoKindOfField) {
+  constexpr std::array kinds{R"("string","v":"x")", R"("date","v":5)", R"("monthYear","v":202407)",
+                             R"("address","v":{"city":"c"})"};
+  for (const std::string_view value :
+       {"", R"(,"v":"v")", R"(,"v":{"a":1})", R"(,"v":7)", R"(,"v":[1])", R"(,"v":null)"}) {
+    for (const std::string_view kind : kinds) {
+      const auto mine = sectionOf(R"({"fields":[{"n":"1","t":"","k":)" + std::string(kind) + "}]}");
+      const std::string before = jsonText(mine->dictionaryRepresentation());
+      const auto theirs =
+          sectionOf(R"({"fields":[{"n":"1","k":"future")" + std::string(value) + "}]}");
+      const MRCapturingSink sink;
+
+      mine->addFieldsFromSection(*theirs);
+
+      EXPECT_EQ(jsonText(mine->dictionaryRepresentation()), before) << value;
+      EXPECT_THAT(sink.records(), IsEmpty()) << kind << value;
+    }
+  }
 }
 
 TEST(QNFieldSection, AddsItsOwnFieldsWithoutHarm) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <optional>
@@ -12,22 +13,34 @@ namespace quillon {
 
 class QNAddressValue;
 
+// Lets clang warn of a view on a temporary that has a name.
+#if defined(__has_cpp_attribute)
+#if __has_cpp_attribute(clang::lifetimebound)
+#define QN_LIFETIMEBOUND [[clang::lifetimebound]]
+#endif
+#endif
+#ifndef QN_LIFETIMEBOUND
+#define QN_LIFETIMEBOUND
+#endif
+
 /// What a field holds, for comparing it and for handing it to another field: nothing, a text, a
 /// whole number, an address, or any other JSON. A view, like std::string_view: valid while what
-/// it was taken from lives unchanged. To keep a value, take the field's stringValue() or
-/// jsonValue().
+/// it was taken from lives unchanged. Never name one that is made from a temporary. To keep a
+/// value, take the field's stringValue() or jsonValue().
 class QNFieldValue final {
  public:
   QNFieldValue() = default;
   // NOLINTBEGIN(google-explicit-constructor): each of these is a value of a field.
   QNFieldValue(std::nullopt_t) {}
+  /// A null, and a 0 with it, is no text: nothing is std::nullopt.
+  QNFieldValue(std::nullptr_t) = delete;
   QNFieldValue(const char* text) : _value(std::string_view(text)) {}
-  QNFieldValue(std::string_view text) : _value(text) {}
-  QNFieldValue(const QNSecret& text) : _value(text.reveal()) {}
+  QNFieldValue(std::string_view text QN_LIFETIMEBOUND) : _value(text) {}
+  QNFieldValue(const QNSecret& text QN_LIFETIMEBOUND) : _value(text.reveal()) {}
   QNFieldValue(std::optional<std::string_view> text) {
     if (text) _value = *text;
   }
-  QNFieldValue(const QNAddressValue& address) : _value(&address) {}
+  QNFieldValue(const QNAddressValue& address QN_LIFETIMEBOUND) : _value(&address) {}
   // NOLINTEND(google-explicit-constructor)
   static QNFieldValue ofNumber(std::int64_t number);
   /// A JSON text reads as a text, a whole number that fits as a number. Null is nothing; a JSON

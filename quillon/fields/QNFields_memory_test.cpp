@@ -41,6 +41,7 @@ void useConcealed(std::string_view secret) {
 void useOthers(std::string_view secret) {
   QNAddressValue address;
   address.setStreet(secret);
+  address.setCountry(secret);
   QNItemAddressField field;
   field.setValue(address);
   static_cast<void>(field.stringValue());

@@ -84,7 +84,7 @@ QNItemFieldRef QNItemField::fieldWithType(std::string_view type) {
 QNItemFieldRef QNItemField::fieldFromStored(const JsonObject& stored) {
   const Maker* const maker = makerFor(mr_validStringValueForKey(stored, kItemFieldType),
                                       mr_validStringValueForKey(stored, kItemFieldIdentifier));
-  const QNStoredField copied{stored};
+  const QNStoredField copied(stored);
   const QNItemFieldRef field =
       maker == nullptr ? std::make_shared<QNItemUnknownField>(copied) : maker->stored(copied);
   field->didReadStored();

@@ -29,6 +29,11 @@ bool isEmptyContainer(const Json& value) {
          (value.is_array() && value.get_array().empty());
 }
 
+const JsonObject* filledObject(const JsonObject& stored, std::string_view key) {
+  const Json* const found = mr_objectForKey(stored, key, JsonKind::object);
+  return found == nullptr || found->get_object().empty() ? nullptr : &found->get_object();
+}
+
 // The members that stay keep their order.
 void erase(JsonObject& object, std::string_view key) {
   const auto found = object.find(key);
@@ -96,8 +101,7 @@ void QNItemField::setTitle(std::optional<std::string_view> title) {
 }
 
 const JsonObject* QNItemField::attributes() const {
-  const Json* const found = mr_objectForKey(_stored, kItemFieldAttrs, JsonKind::object);
-  return found == nullptr ? nullptr : &found->get_object();
+  return filledObject(_stored, kItemFieldAttrs);
 }
 
 void QNItemField::setAttributes(const JsonObject* attributes) {
@@ -105,8 +109,7 @@ void QNItemField::setAttributes(const JsonObject* attributes) {
 }
 
 const JsonObject* QNItemField::inputTraits() const {
-  const Json* const found = mr_objectForKey(_stored, kItemFieldInputTraits, JsonKind::object);
-  return found == nullptr ? nullptr : &found->get_object();
+  return filledObject(_stored, kItemFieldInputTraits);
 }
 
 void QNItemField::setInputTraits(const JsonObject* traits) {

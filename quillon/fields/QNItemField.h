@@ -16,9 +16,16 @@ namespace quillon {
 class QNItemField;
 using QNItemFieldRef = std::shared_ptr<QNItemField>;
 
-/// An element of a stored section's "fields", to be copied.
-struct QNStoredField {
-  const JsonObject& element;
+/// An element of a stored section's "fields", to be copied. Only QNItemField::fieldFromStored()
+/// makes one: a field that is made of it must be put right afterwards.
+class QNStoredField final {
+ public:
+  [[nodiscard]] const JsonObject& element() const { return _element; }
+
+ private:
+  friend class QNItemField;
+  explicit QNStoredField(const JsonObject& element) : _element(element) {}
+  const JsonObject& _element;
 };
 
 /// One typed, titled value in a section of an item. It is a view on a JSON object in the wiping
@@ -60,7 +67,7 @@ class QNItemField {
   /// "" if there is none.
   [[nodiscard]] std::string_view title() const;
   void setTitle(std::optional<std::string_view> title);
-  /// Null if there are none.
+  /// Null if there are none, and for an empty object.
   [[nodiscard]] const JsonObject* attributes() const;
   void setAttributes(const JsonObject* attributes);
   [[nodiscard]] const JsonObject* inputTraits() const;
@@ -161,7 +168,7 @@ class QNItemFieldOf : public Base {
   explicit QNItemFieldOf(std::optional<std::string_view> initWithIdentifier)
       : Base(Start{kKind, initWithIdentifier, nullptr}) {}
   explicit QNItemFieldOf(const QNStoredField& stored)
-      : Base(Start{kKind, std::nullopt, &stored.element}) {}
+      : Base(Start{kKind, std::nullopt, &stored.element()}) {}
 
  protected:
   using Start = QNItemField::Start;

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <set>
+#include <type_traits>
 
 #include "quillon/fields/internal/QNFieldTesting.h"
 #include "quillon/platform/environment/QNEnvironment.h"
@@ -269,6 +270,13 @@ TEST(QNItemFieldAttributes, MayBeSetFromThemselves) {
   EXPECT_EQ(jsonText(*field->attributes()), R"({"x":1})");
 }
 
+TEST(QNItemFieldAttributes, AnEmptyObjectReadsAsNone) {
+  const auto field = fieldOf(R"({"k":"future","a":{},"inputTraits":{}})");
+
+  EXPECT_EQ(field->attributes(), nullptr);
+  EXPECT_EQ(field->inputTraits(), nullptr);
+}
+
 TEST(QNItemFieldAttributes, GuardedAndMultilineGoByAY) {
   const auto field = fieldOf(R"({"k":"string","n":"1","a":{"guarded":"yes","multiline":"y"}})");
   EXPECT_TRUE(field->isGuarded());
@@ -387,6 +395,24 @@ TEST(QNItemFieldComparison, OfAValueLooksAtItsKind) {
   EXPECT_TRUE(date->isValueEqualTo(QNFieldValue::ofNumber(5)));
   EXPECT_FALSE(date->isValueEqualTo("5"));
 }
+
+// A 0 means neither a number nor nothing: it would read as a text at address 0.
+template <class Value>
+concept TakesALiteralZero = requires {
+  Value(0);
+};
+template <class Value>
+concept TakesANullPointer = requires {
+  Value(nullptr);
+};
+static_assert(!TakesALiteralZero<QNFieldValue> && !TakesANullPointer<QNFieldValue>);
+static_assert(TakesANullPointer<const char*> && TakesALiteralZero<std::string_view>);
+static_assert(!std::is_constructible_v<QNFieldValue, std::nullptr_t>);
+static_assert(!std::is_convertible_v<int, QNFieldValue> &&
+              !std::is_convertible_v<bool, QNFieldValue>);
+static_assert(std::is_convertible_v<std::nullopt_t, QNFieldValue> &&
+              std::is_convertible_v<const char*, QNFieldValue> &&
+              std::is_convertible_v<std::string_view, QNFieldValue>);
 
 TEST(QNFieldValue, OfJsonComparesByContent) {
   const Json five(5), alsoFive(5.0), big(~std::uint64_t{0}),

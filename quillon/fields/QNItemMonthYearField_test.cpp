@@ -62,6 +62,7 @@ TEST(QNItemMonthYearField, WithoutAMonthOrAYearShowsNothing) {
   EXPECT_EQ(monthYear("7")->stringValue(), std::nullopt);
   EXPECT_EQ(monthYear("202400")->stringValue(), std::nullopt);
   EXPECT_EQ(jsonText(monthYear("7")->jsonValue()), "7");
+  EXPECT_TRUE(monthYear("7")->isEmpty());
 }
 
 TEST(QNItemMonthYearField, NothingClearsItWithoutAWord) {
@@ -97,8 +98,13 @@ TEST(QNItemMonthYearField, LargeNumbersAreCutTo16Bits) {
   EXPECT_EQ(field->year(), 4464);
   EXPECT_EQ(field->month(), 12);
 
-  monthYear("9223372036854775807");
-  monthYear("-9223372036854775808");
+  // 92233720368547758 is 18350 in 16 bits; what is left of the month is 7, and of the lowest -8.
+  const auto highest = monthYear("9223372036854775807");
+  EXPECT_EQ(highest->year(), 18350);
+  EXPECT_EQ(highest->month(), 7);
+  const auto lowest = monthYear("-9223372036854775808");
+  EXPECT_EQ(lowest->year(), -18350);
+  EXPECT_EQ(lowest->month(), -8);
 }
 
 TEST(QNItemMonthYearField, NegativeNumbersAreCutTowardsZero) {

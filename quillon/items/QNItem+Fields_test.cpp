@@ -2,6 +2,7 @@
 #include "quillon/fields/QNItemAddressField.h"
 #include "quillon/fields/QNItemStringField.h"
 #include "quillon/items/internal/QNItemTesting.h"
+#include "quillon/platform/data/QNNotFound.h"
 #include "quillon/platform/text/QNLocalization.h"
 
 namespace quillon {
@@ -65,6 +66,8 @@ TEST(QNItemFields, TakeAValueOfTheirClassAlone) {
   item->setStringFieldValue("new", "1");
   item->setStringFieldValue("new", "address");
   item->setStringFieldValue("new", "absent");
+  const Json untouched(item->findFieldWithIdentifier("address")->storedForm());
+  EXPECT_EQ(jsonText(&untouched), R"({"k":"address","n":"address","v":{"city":"c"},"t":""})");
   item->setAddressFieldValue(address, "address");
   item->setAddressFieldValue(address, "pin");
 
@@ -73,6 +76,17 @@ TEST(QNItemFields, TakeAValueOfTheirClassAlone) {
   const auto changed =
       std::dynamic_pointer_cast<QNItemAddressField>(item->findFieldWithIdentifier("address"));
   EXPECT_EQ(changed->value().city(), "other");
+}
+
+TEST(QNItemFields, OfTheStringClassesTakeATextAndNothing) {
+  const auto item = itemWith(kFields);
+
+  item->setStringFieldValue("5678", "pin");
+  EXPECT_EQ(textIn(item->findFieldWithIdentifier("pin")), "5678");
+  item->setStringFieldValue(std::nullopt, "pin");
+
+  EXPECT_EQ(textIn(item->findFieldWithIdentifier("pin")), "(none)");
+  EXPECT_FALSE(item->findFieldWithIdentifier("pin")->storedForm().contains("v"));
 }
 
 TEST(QNItemFields, MoveWithinASectionAndMarkTheRow) {
@@ -96,6 +110,49 @@ TEST(QNItemFields, MoveToAnotherSectionAndMarkTheRow) {
   EXPECT_TRUE(item->dirtyRow());
   EXPECT_EQ(from->numberOfFields(), 2u);
   EXPECT_EQ(to->fieldAtIndex(1), moved);
+}
+
+TEST(QNItemFields, MoveToTheLastPlaceOfAnotherSectionForAnIndexBeyondIt) {
+  const auto item = itemWith(kFields);
+  const auto from = item->fieldSectionAtIndex(0);
+  const auto to = item->fieldSectionAtIndex(1);
+  const auto moved = from->fieldAtIndex(0);
+
+  item->moveField(moved, from, to, 99);
+
+  EXPECT_EQ(to->numberOfFields(), 6u);
+  EXPECT_EQ(to->fieldAtIndex(5), moved);
+}
+
+TEST(QNItemFields, ThatAreNullOrLackASectionDontMove) {
+  const auto item = itemWith(kFields);
+  const auto from = item->fieldSectionAtIndex(0);
+  const auto to = item->fieldSectionAtIndex(1);
+  const auto field = from->fieldAtIndex(0);
+
+  item->moveField(nullptr, from, to, 0);
+  item->moveField(field, nullptr, to, 0);
+  item->moveField(field, from, nullptr, 0);
+
+  EXPECT_FALSE(item->dirtyRow());
+  EXPECT_EQ(from->numberOfFields(), 3u);
+  EXPECT_EQ(to->numberOfFields(), 5u);
+}
+
+TEST(QNItemFields, ThatTheirSectionDoesntHaveEnterAnotherAlone) {
+  const auto item = itemWith(kFields);
+  const auto from = item->fieldSectionAtIndex(0);
+  const auto to = item->fieldSectionAtIndex(1);
+  const auto stranger = QNItemStringField::fieldWithIdentifier("stranger");
+
+  item->moveField(stranger, from, from, 0);
+  EXPECT_EQ(from->numberOfFields(), 3u);
+  EXPECT_EQ(from->indexOfField(stranger), kNotFound);
+  item->moveField(stranger, from, to, 0);
+
+  EXPECT_TRUE(item->dirtyRow());
+  EXPECT_EQ(from->numberOfFields(), 3u);
+  EXPECT_EQ(to->fieldAtIndex(0), stranger);
 }
 
 TEST(QNItemFields, ThatReferToItemsAreStripped) {

@@ -58,7 +58,9 @@ QNItem::FieldSections QNItem::fieldSections() {
 void QNItem::_setFieldSections(std::optional<FieldSections> sections) {
   const std::lock_guard lock(monitor());
   FieldSections* const list = mutableFieldSections();
-  if (list != nullptr) *list = std::move(sections).value_or(FieldSections());
+  if (list == nullptr) return;
+  *list = std::move(sections).value_or(FieldSections());
+  list->erase(std::remove(list->begin(), list->end(), nullptr), list->end());
 }
 
 std::size_t QNItem::numberOfFieldSections() {
@@ -94,6 +96,7 @@ void QNItem::removeFieldSectionAtIndex(std::size_t index) {
 void QNItem::addFieldSections(const FieldSections& sections) {
   const std::lock_guard lock(monitor());
   for (const auto& section : FieldSections(sections)) {
+    if (section == nullptr) continue;
     if (const auto mine = findSectionWithName(section->name())) {
       mine->addFieldsFromSection(*section);
     } else {

@@ -273,6 +273,23 @@ TEST(QNItemSections, OfANameThatIsThereGiveItTheirFields) {
   EXPECT_EQ(item->fieldSectionAtIndex(2), nameless);
 }
 
+TEST(QNItemSections, NullsAmongThemAreSkipped) {
+  class QNStartedItem final : public QNItem {
+   public:
+    using QNItem::_setFieldSections;
+    using QNItem::QNItem;
+  };
+  const auto item = std::make_shared<QNStartedItem>(initNew);
+  item->setProfile(localVault());
+
+  item->_setFieldSections(QNItem::FieldSections{nullptr, sectionNamed("a"), nullptr});
+  EXPECT_THAT(namesOf(*item), ElementsAre("a"));
+  item->addFieldSections({nullptr, sectionNamed("a", "1"), nullptr, sectionNamed("b")});
+
+  EXPECT_THAT(namesOf(*item), ElementsAre("a", "b"));
+  EXPECT_EQ(item->fieldSectionAtIndex(0)->numberOfFields(), 1u);
+}
+
 TEST(QNItemSections, AreFoundByNameAndTitle) {
   const auto item = itemWith(R"([{"name":"a","title":"A"},{"name":"a","title":"B"},{}])");
 

@@ -228,7 +228,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
                                          bool excludingFileFields = false);
   /// Elements that are no objects are skipped; null, or no list, gives none.
   static FieldSections fieldSectionsFromJSON(const Json* sections);
-  /// The live list; null while the details can't be read.
+  /// The live list; null while the details can't be read. It holds no null, and must get none.
   FieldSections* mutableFieldSections();
   [[nodiscard]] FieldSections fieldSections();
   [[nodiscard]] std::size_t numberOfFieldSections();
@@ -237,7 +237,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void addFieldSection(const std::shared_ptr<QNFieldSection>& section);
   void removeFieldSection(const std::shared_ptr<QNFieldSection>& section);
   void removeFieldSectionAtIndex(std::size_t index);
-  /// A section of a name that is there already gives its fields to that one.
+  /// A section of a name that is there already gives its fields to that one. Nulls are skipped.
   void addFieldSections(const FieldSections& sections);
   void saveFieldSections();
   [[nodiscard]] std::shared_ptr<QNFieldSection> findSectionWithName(
@@ -266,10 +266,13 @@ class QNItem : public QNDatabaseObjectWithOverview,
   /// Nothing happens unless the field is there and of the string classes, or an address.
   void setStringFieldValue(std::optional<std::string_view> value, std::string_view withIdentifier);
   void setAddressFieldValue(const QNAddressValue& value, std::string_view withIdentifier);
-  /// Both mark the row dirty.
+  /// Marks the row dirty, unless an argument is null. To the last place if the index lies beyond
+  /// it. Another section gets the field even if `fromSection` doesn't have it; within one section
+  /// nothing moves then.
   void moveField(const std::shared_ptr<QNItemField>& field,
                  const std::shared_ptr<QNFieldSection>& fromSection,
                  const std::shared_ptr<QNFieldSection>& toSection, std::size_t toIndex);
+  /// Marks the row dirty for each that goes.
   void stripReferenceFields();
   /// The password as a field of its own, which is no part of the item; null if it is empty.
   [[nodiscard]] std::shared_ptr<QNItemField> itemFieldForPassword();

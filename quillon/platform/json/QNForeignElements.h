@@ -11,7 +11,8 @@ namespace quillon {
 /// become shorter has them at its end.
 class QNForeignElements final {
  public:
-  /// `place` must not be below that of an earlier one. Copied into the wiping resource.
+  /// An element never comes before one that was added earlier, whatever its place. Copied into the
+  /// wiping resource.
   void add(std::size_t place, const Json& element);
   [[nodiscard]] bool empty() const { return _elements.empty(); }
   [[nodiscard]] std::size_t count() const { return _elements.size(); }
