@@ -70,6 +70,7 @@ void benchSave(std::size_t count);
 void benchImport(std::size_t count);
 void benchMemory(std::size_t count);
 void benchSections();
+void benchTemplates();
 void benchUnlock();
 void benchOTP();
 

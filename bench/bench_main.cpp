@@ -1,4 +1,4 @@
-// quillon_bench [list|save|import|memory|otp|sections|unlock|all] [ITEMS...]
+// quillon_bench [list|save|import|memory|otp|sections|templates|unlock|all] [ITEMS...]
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -28,6 +28,7 @@ bool runNamed(std::string_view name, std::size_t count) {
   };
   runOnce("otp", benchOTP);
   runOnce("sections", benchSections);
+  runOnce("templates", benchTemplates);
   runOnce("unlock", benchUnlock);
   return known;
 }
@@ -41,9 +42,9 @@ int main(int argc, char** argv) {
   if (counts.empty()) counts.push_back(100'000);
   for (const std::size_t count : counts) {
     if (count == 0 || !runNamed(name, count)) {
-      std::fprintf(
-          stderr,
-          "usage: quillon_bench [list|save|import|memory|otp|sections|unlock|all] [ITEMS...]\n");
+      std::fprintf(stderr,
+                   "usage: quillon_bench "
+                   "[list|save|import|memory|otp|sections|templates|unlock|all] [ITEMS...]\n");
       return 2;
     }
   }
