@@ -150,6 +150,17 @@ TEST(QNProfileAppearance, AnSVGIconIsDrawn) {
   EXPECT_EQ(pixelsOf(outcome.data), (QNSize{300, 300}));
 }
 
+TEST(QNProfileAppearance, AnSVGIconIsDrawnWhateverSizeItClaims) {
+  const auto icon = QNImage::imageWithData(
+      bytesOf("<svg xmlns='http://www.w3.org/2000/svg' width='5000' height='5000'/>"));
+  ASSERT_NE(icon, nullptr);
+
+  const auto outcome = outcomeOf(icon);
+
+  EXPECT_EQ(formatOf(outcome.data), QNImageFormat::png);
+  EXPECT_EQ(pixelsOf(outcome.data), (QNSize{300, 300}));
+}
+
 TEST(QNProfileAppearance, AnIconThatIsTooLongAsPNGBecomesAJPEG) {
   const auto icon = picture(300, 300, noise(0x7f7f7f));
   const Lengths lengths(icon);

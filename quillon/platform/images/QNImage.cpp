@@ -39,6 +39,7 @@ std::uint32_t QNImage::pixelHeight() const noexcept {
 }
 
 bool QNImage::hasRepresentation() const noexcept {
+  if (_source->format == QNImageFormat::svg) return true;  // drawn at the size that is asked for
   const double width = pixelWidth(), height = pixelHeight();
   return width <= kMaxImageSide && height <= kMaxImageSide && width * height <= kMaxImagePixels;
 }

@@ -50,7 +50,8 @@ class QNImage final {
   /// Whole pixels as encoded; an SVG's size rounded up. At least 1.
   [[nodiscard]] std::uint32_t pixelWidth() const noexcept;
   [[nodiscard]] std::uint32_t pixelHeight() const noexcept;
-  /// Are there pixels that can be read? False for a picture that is too large to decode.
+  /// Are there pixels that can be read? False for a picture that is too large to decode; an SVG is
+  /// drawn at the size that is asked for.
   [[nodiscard]] bool hasRepresentation() const noexcept;
 
   /// Points; as many as pixels at first. What files say about dots per inch is left aside.
