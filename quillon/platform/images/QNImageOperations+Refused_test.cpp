@@ -41,7 +41,6 @@ TEST(QNImageRefused, ALargePNGOfFewBytes) {
 TEST(QNImageRefused, APictureThatClaimsTooManyPixels) {
   expectUndrawable(imageOf(pngBeginning(100'000, 100'000)), "it has too many pixels");
   expectUndrawable(imageOf(pngBeginning(0xffffffff, 1)), "it has too many pixels");
-  expectUndrawable(svgImage("width='100000' height='100000'", ""), "it has too many pixels");
 
   Bytes jpeg = jpegOf(8, 8, {});
   const Bytes frame{0xff, 0xc0, 0, 17, 8};
@@ -49,6 +48,18 @@ TEST(QNImageRefused, APictureThatClaimsTooManyPixels) {
   ASSERT_NE(found, jpeg.end());
   std::fill_n(found + 5, 4, 0xff);  // 65,535 by 65,535
   expectUndrawable(imageOf(jpeg), "it has too many pixels");
+}
+
+TEST(QNImageRefused, AnSVGAtTheSizeThatItClaims) {
+  const auto image = svgImage("width='100000' height='100000'", "");
+  ASSERT_NE(image, nullptr);
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(QNImagePNGRepresentation(image), std::nullopt);
+  EXPECT_EQ(QNImageJPGRepresentation(image, 0.5f), std::nullopt);
+  EXPECT_EQ(sink.records().size(), 2u);
+
+  EXPECT_NE(mr_imageByScalingProportionallyToSize(image, {8, 8}), nullptr);
 }
 
 constexpr const char* kJPEGFault = "a JPEG that is damaged, of too many passes or of a rare kind";
