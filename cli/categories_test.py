@@ -354,10 +354,20 @@ class Fields(CategoryTest):
         self.run_tool("edit", uuid, "--set", "password=")
         self.assertIsNone(self.fields(uuid, "--reveal")["password"]["value"])
 
-    def test_a_dash_is_a_value_where_there_is_no_secret(self):
-        uuid = self.create("router", "--set", "name=-", "--set", "password=-", stdin="a\nb")
+    def test_a_dash_is_refused_where_there_is_no_secret(self):
+        uuid = self.create("router", "--set", "name=Attic", "--set", "password=-", stdin="a\nb")
+        self.run_tool("edit", uuid, "--set", "name=-", stdin="new", code=2)
+        self.run_tool("edit", uuid, "--set", "notes=-", stdin="new", code=2)
         values = self.fields(uuid, "--reveal")
-        self.assertEqual((values["name"]["value"], values["password"]["value"]), ("-", "a\nb"))
+        self.assertEqual((values["name"]["value"], values["password"]["value"]), ("Attic", "a\nb"))
+
+    def test_nothing_on_standard_input_takes_no_secret_away(self):
+        uuid = self.create("router", "--set", "password=-", stdin="a")
+        self.run_tool("edit", uuid, "--set", "password=-", stdin="", code=2)
+        self.run_tool("edit", uuid, "--add-field", "S.x:concealed=-", stdin="", code=2)
+        self.assertEqual(self.fields(uuid, "--reveal")["password"]["value"], "a")
+        self.run_tool("edit", uuid, "--set", "password=-", stdin="\n")
+        self.assertEqual(self.fields(uuid, "--reveal")["password"]["value"] or "", "")
 
     def test_a_secret_is_asked_for_twice_under_its_title(self):
         uuid = self.create("router")

@@ -566,6 +566,17 @@ class Items(ToolTest):
                               "--password-file", file, stdin="pa55\n")
         self.assertEqual(self.show(result.out.strip())["password"], "pa55")
 
+    def test_an_item_needs_a_title(self):
+        uuid = self.add("Bank")
+        for options in (["--unset", "title"], ["--set", "title="], ["--set", "title=  "]):
+            self.run_tool("edit", uuid, *options, code=2)
+        self.run_tool("add", "login", "--title", " ", code=2)
+        self.run_tool("add", "secure-note", "--title", "", code=2)
+        self.assertEqual(self.show(uuid)["title"], "Bank")
+
+    def test_a_title_that_is_not_utf8_is_refused(self):
+        self.run_tool("add", "login", "--title", b"\xff", code=2)
+
     def test_a_password_that_is_not_utf8_is_refused(self):
         result = self.run_raw("add", "login", "--title", "T", "--password=-", "--password-stdin",
                               stdin=PASSWORD.encode() + b"\n\xff\xfe")

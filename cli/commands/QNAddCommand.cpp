@@ -7,6 +7,7 @@
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
 #include "cli/terminal/QNPasswords.h"
+#include "quillon/platform/text/QNText.h"
 #include "quillon/templates/QNCategoryUUID.h"
 
 namespace quillon {
@@ -23,6 +24,18 @@ std::shared_ptr<QNItem> makeLogin(const std::shared_ptr<QNProfile>& vault,
   if (arguments.notes) item->setNotesPlain(*arguments.notes);
   if (arguments.favorite) item->setFaveIndex(QNItem::newItemFaveIndex());
   return item;
+}
+
+// What an item would be saved with, or lost with.
+QNResult<QNDone> checkTexts(const std::string& title, const std::optional<std::string>& notes,
+                            const std::optional<std::string>& username) {
+  if (isBlankText(title)) {
+    return toolError(QNExit::wrongUsage, "an item needs a title, by which it is found");
+  }
+  const bool areTexts =
+      isUTF8(title) && isUTF8(notes.value_or("")) && isUTF8(username.value_or(""));
+  if (!areTexts) return toolError(QNExit::wrongUsage, "a value isn't UTF-8 text");
+  return QNDone{};
 }
 
 QNResult<std::string> categoryFor(const QNAddArguments& arguments) {
@@ -68,6 +81,8 @@ QNCommandResult saveNew(Global global, const QNVaultSession& session,
 QNCommandResult runCommand(Global global, const QNAddArguments& arguments) {
   const auto category = categoryFor(arguments);
   if (!category) return category.error();
+  const auto checked = checkTexts(arguments.title, arguments.notes, std::nullopt);
+  if (!checked) return checked.error();
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
   const auto item = makeItem(session.value().vault(), category.value(), arguments);
@@ -76,6 +91,8 @@ QNCommandResult runCommand(Global global, const QNAddArguments& arguments) {
 }
 
 QNCommandResult runCommand(Global global, const QNAddLoginArguments& arguments) {
+  const auto checked = checkTexts(arguments.title, arguments.notes, arguments.username);
+  if (!checked) return checked.error();
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
   const auto item = makeLogin(session.value().vault(), arguments);

@@ -13,11 +13,16 @@
 #include "quillon/logins/QNPassword.h"
 #include "quillon/platform/json/QNJsonEquality.h"
 #include "quillon/platform/text/QNLocalization.h"
+#include "quillon/platform/text/QNText.h"
 
 namespace quillon {
 namespace {
 
 using Done = QNResult<QNDone>;
+
+constexpr std::string_view kNoTitle = "an item needs a title, by which it is found";
+constexpr std::string_view kNoDash =
+    "\"-\" reads standard input for secrets only; --set-file takes any value from a file";
 
 // What a value goes into: a place of the item's own, or a field.
 struct Target {
@@ -28,7 +33,6 @@ struct Target {
   [[nodiscard]] bool isSecret() const {
     return own ? own == QNFieldName::password : quillon::isSecret(*chosen.field);
   }
-  // Elsewhere a "-" is a value like any other.
   [[nodiscard]] bool isFromInput() const {
     return given->from == QNGivenValue::From::argument && given->text == "-" && isSecret();
   }
@@ -125,6 +129,7 @@ class Editing {
     const auto own = ownPlace(name);
     if (!own) return own.error();
     if (own.value()) {
+      if (own.value() == QNFieldName::title) return wrongUsage(kNoTitle);
       _removals.push_back({own.value(), {}});
       return QNDone{};
     }
@@ -192,6 +197,9 @@ class Editing {
     if (target.isSecret() && !(given.text.empty() && !target.own)) {
       return wrongUsage(kNoSecretArguments);
     }
+    // Who means standard input must not be left with a dash in the place of what was there.
+    if (given.text == "-") return wrongUsage(kNoDash);
+    if (!isUTF8(given.text)) return wrongUsage("the value isn't UTF-8 text");
     return QNSecret(given.text);
   }
 
@@ -200,6 +208,7 @@ class Editing {
       _item.updatePassword(value, false, 0);
       return QNDone{};
     }
+    if (target.own == QNFieldName::title && isBlankText(value)) return wrongUsage(kNoTitle);
     if (target.own) {
       setOwn(*target.own, value);
       return QNDone{};

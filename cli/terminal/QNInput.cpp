@@ -63,6 +63,10 @@ QNResult<QNSecret> readSecret(int descriptor) {
   for (;;) {
     const ssize_t count = readSome(descriptor, buffer.data(), buffer.size());
     if (count < 0) return unreadablePassword();
+    // A producer that failed must not take a stored secret away.
+    if (count == 0 && secret.empty()) {
+      return toolError(QNExit::wrongUsage, "there was nothing on standard input");
+    }
     if (count == 0) break;
     secret.append(textOf({buffer.data(), static_cast<std::size_t>(count)}));
     if (secret.size() > kMaxSecretBytes) {

@@ -16,7 +16,8 @@ inline constexpr std::size_t kMaxSecretBytes = std::size_t{16} << 20;
 /// The next line, without its newline; it may be the file's last and have none. Error with exit
 /// code 2 at the end of the file, or if the line is longer than kMaxPasswordBytes.
 QNResult<QNSecret> readLine(int descriptor);
-/// All that is left, without one newline at the end.
+/// All that is left, without one newline at the end. Error with exit code 2 if there is nothing: an
+/// empty secret is an empty line.
 QNResult<QNSecret> readSecret(int descriptor);
 
 /// Whole content of a file or pipe, in memory that wipes itself. Errors have exit code 7.

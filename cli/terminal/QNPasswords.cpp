@@ -29,7 +29,7 @@ QNResult<QNSecret> promptTwice(std::string_view first) {
   const auto again = promptForSecret("Once more: ");
   if (!again) return again.error();
   if (!secret.value().equals(again.value())) {
-    return toolError(QNExit::failed, "the two passwords differ");
+    return toolError(QNExit::failed, "the two differ");
   }
   return secret;
 }
@@ -37,7 +37,7 @@ QNResult<QNSecret> promptTwice(std::string_view first) {
 // Details are JSON, which holds nothing but UTF-8.
 QNResult<QNSecret> text(QNResult<QNSecret> secret) {
   if (secret && !isUTF8(secret.value().reveal())) {
-    return toolError(QNExit::wrongUsage, "the password isn't UTF-8 text");
+    return toolError(QNExit::wrongUsage, "it isn't UTF-8 text");
   }
   return secret;
 }
@@ -75,8 +75,13 @@ QNResult<QNSecret> readNewPassword(const QNPasswordSource& source) {
 
 QNResult<QNSecret> readItemSecret(QNSecretSource from, std::string_view prompt) {
   switch (from) {
-    case QNSecretSource::prompt:
-      return text(promptTwice(prompt));
+    case QNSecretSource::prompt: {
+      auto typed = promptTwice(prompt);
+      if (typed && typed.value().empty()) {
+        return toolError(QNExit::wrongUsage, "nothing was typed");
+      }
+      return text(std::move(typed));
+    }
     case QNSecretSource::nextLine:
       return text(readLine(STDIN_FILENO));
     case QNSecretSource::restOfInput:
