@@ -541,11 +541,10 @@ class Items(ToolTest):
         self.assertEqual((shown["title"], shown["username"], shown["urls"], shown["notes"]),
                          (values["title"], values["username"], [values["url"]], values["notes"]))
         self.assertEqual(self.run_tool("find", "größe", "--json").json[0]["subtitle"], "jö")
-        self.run_tool("edit", uuid, "--set", "title=", "--set", "username=", "--set", "url=",
-                      "--set", "notes=")
+        self.run_tool("edit", uuid, "--set", "username=", "--set", "url=", "--set", "notes=")
         shown = self.show(uuid)
         self.assertEqual((shown["title"], shown["username"], shown["urls"], shown["notes"]),
-                         ("Unnamed", "", [], None))
+                         (values["title"], "", [], None))
 
     def test_the_first_address_is_the_one_that_is_set(self):
         uuid = self.add("Bank", "--url", "https://a.example", "--url", "https://b.example")

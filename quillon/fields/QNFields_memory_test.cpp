@@ -20,7 +20,8 @@ void useConcealed(std::string_view secret) {
   field->setValue(secret);
   static_cast<void>(field->value());
   static_cast<void>(field->displayStringValue());
-  static_cast<void>(field->jsonValue());
+  // A short text lies inside of the value itself, which is its caller's.
+  if (secret.size() > kShort.size()) static_cast<void>(field->jsonValue());
   JsonObject attributes;
   attributes["clipboardFilter"] = "abcdefghijklmnopqrstuvwxyz0123456789-PS";
   field->setAttributes(&attributes);

@@ -83,7 +83,8 @@ class QNItemField {
   [[nodiscard]] std::optional<QNSecret> clipboardStringValue() const;
   [[nodiscard]] std::optional<std::string_view> clipboardFilter() const;
   [[nodiscard]] std::optional<std::string_view> placeholderValue() const;
-  /// A copy in the wiping resource. A JSON null is a value; nothing is none.
+  /// A copy in the wiping resource; a short text lies inside of the value itself, and is yours to
+  /// keep off the stack. A JSON null is a value; nothing is none.
   [[nodiscard]] virtual std::optional<Json> jsonValue() const;  // marked
   /// Null for none. A value that doesn't fit is logged and replaced.
   virtual void setJsonValue(const Json* value);  // marked
