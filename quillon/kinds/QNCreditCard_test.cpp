@@ -5,7 +5,7 @@
 #include "quillon/fields/QNItemMonthYearField.h"
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/platform/environment/QNEnvironment.h"
-#include "quillon/platform/images/QNImage.h"
+#include "quillon/platform/images/internal/QNNamedPictures.h"
 #include "quillon/templates/internal/QNTestCategories.h"
 
 namespace quillon {
@@ -52,11 +52,6 @@ TEST(QNCreditCard, WithoutFieldsHasNoValues) {
   EXPECT_EQ(made->creditCardSuffixNumber(), std::nullopt);
   EXPECT_FALSE(made->clipboardValue());
   EXPECT_EQ(made->localizedCreditCardType(), "");
-}
-
-bool isPictureNamed(const std::shared_ptr<const QNImage>& icon, std::string_view name) {
-  const auto named = mr_imageNamed(name);
-  return icon != nullptr && named != nullptr && toBytes(icon->data()) == toBytes(named->data());
 }
 
 struct MaskCase {

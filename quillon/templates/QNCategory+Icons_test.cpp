@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "quillon/platform/images/QNImage.h"
+#include "quillon/platform/images/internal/QNNamedPictures.h"
 #include "quillon/templates/H9Category.h"
 #include "quillon/templates/QNCategory.h"
 #include "quillon/templates/internal/QNTestCategories.h"
@@ -16,11 +16,6 @@ std::shared_ptr<QNCategory> category(std::optional<std::string> uuid,
   made->setUuid(std::move(uuid));
   made->setListIconName(std::move(listIconName));
   return made;
-}
-
-bool isPictureNamed(const QNImageRef& icon, std::string_view name) {
-  const auto named = mr_imageNamed(name);
-  return icon != nullptr && named != nullptr && toBytes(icon->data()) == toBytes(named->data());
 }
 
 TEST(QNCategoryIcons, AreThoseOfItsNames) {
