@@ -9,6 +9,10 @@ namespace quillon {
 
 namespace {
 
+/// Rating passwords, sealing and SQLite push each other out of the processor's cache: items are
+/// made ready in groups, and then written.
+constexpr std::size_t kItemsAtOnce = 64;
+
 using URLs = std::vector<std::shared_ptr<QNItemURL>>;
 
 URLs urlsOf(QNItem& item) {
@@ -132,6 +136,7 @@ QNStore::Database::Ending::~Ending() {
   auto steps = std::exchange(committed ? _database.afterCommit : _database.undo, {});
   if (!committed) std::reverse(steps.begin(), steps.end());
   _database.ledgers.clear();
+  _database.lastItemOid = 0;
   _database.afterCommit.clear();
   _database.undo.clear();
   for (const auto& step : steps) step();
@@ -153,14 +158,14 @@ void QNStore::Database::writeLedgers() {
 
 QNResult<QNDone> QNStore::save(const std::shared_ptr<QNItem>& item) {
   if (!needsSaving(*item)) return QNDone{};
-  return inTransaction([this, &item] { return _database->saveItem(item); });
+  return inTransaction([this, &item] { return _database->saveItems({&item, 1}); });
 }
 
 QNResult<QNDone> QNStore::saveAll(std::span<const std::shared_ptr<QNItem>> items) {
   return inTransaction([this, items]() -> QNResult<QNDone> {
-    for (const auto& item : items) {
-      if (!needsSaving(*item)) continue;
-      const auto saved = _database->saveItem(item);
+    for (std::size_t i = 0; i < items.size(); i += kItemsAtOnce) {
+      const auto saved = _database->saveItems(
+          items.subspan(i, std::min(kItemsAtOnce, items.size() - i)));
       if (!saved.ok()) return saved.error();
     }
     return QNDone{};
@@ -171,7 +176,27 @@ QNResult<QNDone> QNStore::deleteItem(const std::shared_ptr<QNItem>& item) {
   return inTransaction([this, &item] { return _database->deleteItem(item); });
 }
 
-QNResult<QNDone> QNStore::Database::saveItem(const std::shared_ptr<QNItem>& item) {
+QNResult<QNDone> QNStore::Database::saveItems(std::span<const std::shared_ptr<QNItem>> items) {
+  std::vector<Prepared> prepared;
+  prepared.reserve(items.size());
+  for (const auto& item : items) {
+    const bool isRepeated = std::any_of(prepared.begin(), prepared.end(), [&](const Prepared& one) {
+      return one.item == item;
+    });
+    if (isRepeated || !needsSaving(*item)) continue;
+    auto ready = prepareItem(item);
+    if (!ready.ok()) return ready.error();
+    prepared.push_back(std::move(ready).value());
+  }
+  for (const Prepared& ready : prepared) {
+    const auto written = writeItem(ready);
+    if (!written.ok()) return written.error();
+  }
+  return QNDone{};
+}
+
+QNResult<QNStore::Database::Prepared> QNStore::Database::prepareItem(
+    const std::shared_ptr<QNItem>& item) {
   const auto vault = std::dynamic_pointer_cast<QNProfile>(item->profile());
   if (vault == nullptr) {
     return storeError(QNStoreErrorCode::notFound, "the item has no vault of a store");
@@ -179,7 +204,7 @@ QNResult<QNDone> QNStore::Database::saveItem(const std::shared_ptr<QNItem>& item
   const auto ledger = openLedger(vault);
   if (!ledger.ok()) return ledger.error();
   if (!opens(*item)) return storeError(QNStoreErrorCode::unreadableItem, "the item doesn't open");
-  const auto before = rowBefore(*item, vault);
+  auto before = rowBefore(*item, vault);
   if (!before.ok()) return before.error();
 
   noteForUndo(item);
@@ -190,7 +215,7 @@ QNResult<QNDone> QNStore::Database::saveItem(const std::shared_ptr<QNItem>& item
   if (!prepare(*item) || !prepareURLs(urlsOf(*item))) {
     return storeError(QNStoreErrorCode::unreadableItem, "the item can't be encrypted");
   }
-  return writeItem(item, vault, before.value(), revisionRead);
+  return Prepared{item, vault, std::move(before).value(), revisionRead};
 }
 
 QNResult<QNStore::Database::Before> QNStore::Database::rowBefore(
@@ -220,9 +245,8 @@ QNResult<QNStore::Database::Before> QNStore::Database::rowBefore(
   return before;
 }
 
-QNResult<QNDone> QNStore::Database::writeItem(const std::shared_ptr<QNItem>& item,
-                                              const std::shared_ptr<QNProfile>& vault,
-                                              const Before& before, std::uint64_t revisionRead) {
+QNResult<QNDone> QNStore::Database::writeItem(const Prepared& prepared) {
+  const auto& [item, vault, before, revisionRead] = prepared;
   const bool isNew = before.vault != vault;
   if (isNew && before.vault != nullptr) {
     const auto removed = removeRow(item->oid(), revisionRead, before);
@@ -230,7 +254,7 @@ QNResult<QNDone> QNStore::Database::writeItem(const std::shared_ptr<QNItem>& ite
   }
   ItemColumns columns(*item);
   QNItemRow& row = columns.row;
-  if (isNew) row.oid = file->number("SELECT coalesce(max(oid), 0) + 1 FROM items");
+  if (isNew) row.oid = newItemOid();
   const auto freshHash = item->detailsLoaded() ? std::optional(bodyHashOf(*item)) : std::nullopt;
   row.bodyHash = freshHash ? ByteView(*freshHash) : ByteView(before.bodyHash);
   const auto seal = QNRowSealer(*vault).seal(row);
@@ -260,6 +284,11 @@ QNResult<QNDone> QNStore::Database::writeItem(const std::shared_ptr<QNItem>& ite
     kept->didSave();
   });
   return QNDone{};
+}
+
+std::uint64_t QNStore::Database::newItemOid() {
+  if (lastItemOid == 0) lastItemOid = file->number("SELECT coalesce(max(oid), 0) FROM items");
+  return ++lastItemOid;
 }
 
 /// The rows of removed URLs go with the others: all of them are written anew.

@@ -534,6 +534,35 @@ TEST(QNStoreSave, SavesOneItemTwiceInOneTransaction) {
   EXPECT_EQ(problemsIn(session), std::vector<std::string>());
 }
 
+TEST(QNStoreSave, SavesAnItemOnceThatAListNamesTwice) {
+  const TemporaryFolder folder;
+  Session session = makeSession(folder / "a.quillon");
+  const auto item = makeLogin(session.vault, "Bank", "https://bank.example", "s3cret");
+  const auto other = makeLogin(session.vault, "Post", "https://post.example", "s3cret");
+
+  ASSERT_TRUE(session.store->saveAll(std::array{item, other, item}).ok());
+
+  EXPECT_EQ(item->oid(), 1u);
+  EXPECT_EQ(other->oid(), 2u);
+  EXPECT_TRUE(session.store->item(session.vault, *item->uuid()).ok());
+}
+
+TEST(QNStoreSave, OfTwoObjectsOfOneRowInAListTheSecondLosesTheRace) {
+  const TemporaryFolder folder;
+  Session session = makeSession(folder / "a.quillon");
+  const auto item = makeLogin(session.vault, "Bank", "https://bank.example", "s3cret");
+  ASSERT_TRUE(session.store->save(item).ok());
+  const auto again = session.store->item(session.vault, *item->uuid()).value();
+  item->setTitle("First");
+  again->setTitle("Second");
+
+  const auto saved = session.store->saveAll(std::array{item, again});
+
+  ASSERT_FALSE(saved.ok());
+  EXPECT_EQ(saved.error().code, static_cast<int>(QNStoreErrorCode::lostRace));
+  EXPECT_EQ(session.store->item(session.vault, *item->uuid()).value()->title(), "Bank");
+}
+
 TEST(QNStoreSave, ImportsTenThousandItemsInOneTransaction) {
   const TemporaryFolder folder;
   Session session = makeSession(folder / "a.quillon");

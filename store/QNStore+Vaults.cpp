@@ -147,8 +147,10 @@ QNResult<QNLedger> QNStore::Database::ledgerNow(QNProfile& vault) {
 QNResult<QNLedger*> QNStore::Database::openLedger(const std::shared_ptr<QNProfile>& vault) {
   const auto now = ledgerNow(*vault);
   if (!now.ok()) return now.error();
-  return &ledgers.insert_or_assign(vault->oid(), OpenLedger{vault, now.value()})
-              .first->second.ledger;
+  OpenLedger& open = ledgers[vault->oid()];
+  open.vault = vault;
+  open.ledger = now.value();
+  return &open.ledger;
 }
 
 // Saving
@@ -297,6 +299,7 @@ QNResult<bool> QNStore::Database::isGenuine(QNProfile& vault) {
 
 void QNStore::Database::writeCategory(const std::shared_ptr<QNProfile>& vault,
                                       std::string_view uuid) {
+  if (!ledgers.at(vault->oid()).categories.emplace(uuid).second) return;
   auto category = std::dynamic_pointer_cast<QNCategory>(vault->categoryWithUUID(uuid));
   if (category != nullptr && category->hasOid()) return;
   {

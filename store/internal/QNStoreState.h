@@ -5,6 +5,8 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
+#include <span>
 #include <vector>
 
 #include "store/QNStore.h"
@@ -46,7 +48,8 @@ struct QNStore::Database {
   void writeCategory(const std::shared_ptr<QNProfile>& vault, std::string_view uuid);
 
   // Saving: QNStore+Save.cpp
-  QNResult<QNDone> saveItem(const std::shared_ptr<QNItem>& item);
+  /// Saves those that need it. What is there twice is saved once.
+  QNResult<QNDone> saveItems(std::span<const std::shared_ptr<QNItem>> items);
   QNResult<QNDone> deleteItem(const std::shared_ptr<QNItem>& item);
   /// What is known of the row that a save replaces.
   struct Before {
@@ -55,9 +58,16 @@ struct QNStore::Database {
     std::shared_ptr<QNProfile> vault;  // that it lies in, unlocked
   };
   QNResult<Before> rowBefore(QNItem& item, const std::shared_ptr<QNProfile>& vault);
-  QNResult<QNDone> writeItem(const std::shared_ptr<QNItem>& item,
-                             const std::shared_ptr<QNProfile>& vault, const Before& before,
-                             std::uint64_t revisionRead);
+  /// An item with everything sealed, for the row that it goes to.
+  struct Prepared {
+    std::shared_ptr<QNItem> item;
+    std::shared_ptr<QNProfile> vault;
+    Before before;
+    std::uint64_t revisionRead = 0;
+  };
+  QNResult<Prepared> prepareItem(const std::shared_ptr<QNItem>& item);
+  QNResult<QNDone> writeItem(const Prepared& prepared);
+  std::uint64_t newItemOid();
   void writeBody(QNItem& item, bool isNew);
   QNResult<QNDone> removeRow(std::uint64_t oid, std::uint64_t revision, const Before& before);
   void noteForUndo(const std::shared_ptr<QNItem>& item);
@@ -124,8 +134,10 @@ struct QNStore::Database {
   struct OpenLedger {
     std::shared_ptr<QNProfile> vault;
     QNLedger ledger;
+    std::set<std::string, std::less<>> categories;  // written, or seen to have a row
   };
   std::map<std::uint64_t, OpenLedger> ledgers;  // by the vault's oid
+  std::uint64_t lastItemOid = 0;                // 0 until a row is added
   // Both hold items weakly: an import needn't keep what its caller has dropped.
   std::vector<std::function<void()>> afterCommit;
   std::vector<std::function<void()>> undo;  // run from the last to the first
