@@ -47,7 +47,7 @@ QNItemField::QNItemField(const Start& start)
                                       : JsonObject(*start.stored, jsonStorage())),
       _kind(start.kind) {
   if (start.stored != nullptr) return;
-  _stored.reserve(4);  // these three and a value
+  _stored.reserve(6);  // every member that a field has
   if (start.identifier) {
     storeText(kItemFieldIdentifier, start.identifier);
   } else {

@@ -55,9 +55,8 @@ std::string menuKey(std::string_view identifier, std::string_view menuValue) {
 }  // namespace
 
 // Read without the lock: a report of a broken line may come back here.
-std::shared_ptr<const QNLocalization::Table> QNTemplate::keptTable(
-    std::shared_ptr<const QNLocalization::Table>& kept, std::string_view language,
-    bool emptyIsKept) const {
+QNTemplate::TableRef QNTemplate::keptTable(TableRef& kept, std::string_view language,
+                                           bool emptyIsKept) const {
   const auto isGood = [emptyIsKept](const TableRef& table) {
     return table != nullptr && (emptyIsKept || !table->empty());
   };
@@ -71,15 +70,22 @@ std::shared_ptr<const QNLocalization::Table> QNTemplate::keptTable(
   return kept;
 }
 
+QNTemplate::Strings::Strings(const QNTemplate& of)
+    : _template(of),
+      _language(QNLocalization::sharedLocalization().language()),
+      _own(of.keptTable(of._localizedStrings, _language, false)) {}
+
+std::string_view QNTemplate::Strings::ofKey(std::string_view key) {
+  if (const auto found = _own->find(key); found != _own->end()) return found->second;
+  if (_language == kEnglish) return key;
+  if (_english == nullptr)
+    _english = _template.keptTable(_template._englishStrings, kEnglish, true);
+  const auto found = _english->find(key);
+  return found == _english->end() ? key : found->second;
+}
+
 std::string QNTemplate::localizedStringForKey(std::string_view key) const {
-  if (key.empty()) return "";
-  const std::string language = QNLocalization::sharedLocalization().language();
-  const auto strings = keptTable(_localizedStrings, language, false);
-  if (const auto found = strings->find(key); found != strings->end()) return found->second;
-  if (language == kEnglish) return std::string(key);
-  const auto english = keptTable(_englishStrings, kEnglish, true);
-  const auto found = english->find(key);
-  return found == english->end() ? std::string(key) : found->second;
+  return key.empty() ? "" : std::string(Strings(*this).ofKey(key));
 }
 
 bool QNTemplate::isLocalizedString(std::string_view text, std::string_view forKey) const {

@@ -91,14 +91,16 @@ std::optional<std::vector<std::shared_ptr<QNFieldSection>>> QNTemplate::instanti
               mr_JSONStringWithError(_definition).value_or("(null)"));
     return std::nullopt;
   }
+  Strings strings(*this);
   std::vector<std::shared_ptr<QNFieldSection>> sections;
   forEachObject(_definition, "contents", [&](const JsonObject& definition) {
-    sections.push_back(instantiateSection(definition));
+    sections.push_back(instantiateSection(definition, strings));
   });
   return sections;
 }
 
-std::shared_ptr<QNFieldSection> QNTemplate::instantiateSection(const JsonObject& definition) const {
+std::shared_ptr<QNFieldSection> QNTemplate::instantiateSection(const JsonObject& definition,
+                                                               Strings& strings) const {
   auto section = std::make_shared<QNFieldSection>();
   const auto name = mr_validStringValueForKey(definition, "set");
   section->setName(name);
@@ -108,16 +110,22 @@ std::shared_ptr<QNFieldSection> QNTemplate::instantiateSection(const JsonObject&
              title && !title->empty()) {
     section->setTitle(title);
   } else {
-    section->setTitle(localizedStringForKey("set." + std::string(*name)));
+    section->setTitle(strings.ofKey("set." + std::string(*name)));
   }
   forEachObject(definition, "fields", [&](const JsonObject& field) {
-    if (auto made = instantiateFieldForDefinition(field)) section->addField(made);
+    if (auto made = instantiateField(field, strings)) section->addField(made);
   });
   return section;
 }
 
 std::shared_ptr<QNItemField> QNTemplate::instantiateFieldForDefinition(
     const JsonObject& definition) const {
+  Strings strings(*this);
+  return instantiateField(definition, strings);
+}
+
+std::shared_ptr<QNItemField> QNTemplate::instantiateField(const JsonObject& definition,
+                                                          Strings& strings) const {
   const auto type = mr_validStringValueForKey(definition, "type");
   const auto name = mr_validStringValueForKey(definition, "name");
   auto field = QNItemField::fieldWithType(type, name);
@@ -131,7 +139,8 @@ std::shared_ptr<QNItemField> QNTemplate::instantiateFieldForDefinition(
   if (title && !title->empty()) {
     field->setTitle(title);
   } else {
-    field->setTitle(localizedStringForKey(field->identifier().value_or("")));
+    const std::string_view identifier = field->identifier().value_or("");
+    field->setTitle(identifier.empty() ? "" : strings.ofKey(identifier));
   }
   if (const auto* const attributes = objectOf(definition, "attributes")) {
     field->setAttributes(attributes);

@@ -99,13 +99,16 @@ class QNTemplate final {
 
  private:
   using Definitions = std::unordered_map<std::string_view, const JsonObject*>;
-  [[nodiscard]] std::shared_ptr<QNFieldSection> instantiateSection(
-      const JsonObject& definition) const;
+  using TableRef = std::shared_ptr<const QNLocalization::Table>;
+  class Strings;
+  [[nodiscard]] std::shared_ptr<QNFieldSection> instantiateSection(const JsonObject& definition,
+                                                                   Strings& strings) const;
+  [[nodiscard]] std::shared_ptr<QNItemField> instantiateField(const JsonObject& definition,
+                                                              Strings& strings) const;
   [[nodiscard]] std::string localizedName(std::string_view key,
                                           std::optional<std::string> H9TemplateProperties::*) const;
-  [[nodiscard]] std::shared_ptr<const QNLocalization::Table> keptTable(
-      std::shared_ptr<const QNLocalization::Table>& kept, std::string_view language,
-      bool emptyIsKept) const;
+  [[nodiscard]] TableRef keptTable(TableRef& kept, std::string_view language,
+                                   bool emptyIsKept) const;
   void reportMissingTable(const std::filesystem::path& folder, std::string_view language) const;
   [[nodiscard]] std::vector<QNLocalization::Table> tablesOfAllLanguages() const;
   [[nodiscard]] QNLocalization::Table tableInFolder(const std::filesystem::path& locales,
@@ -122,12 +125,25 @@ class QNTemplate final {
   std::optional<std::string> _sourceIconName;
   std::shared_ptr<const H9TemplateProperties> _h9TemplateProperties;
 
-  using TableRef = std::shared_ptr<const QNLocalization::Table>;
   mutable std::mutex _mutex;  // guards what is made at the first need; nothing is read under it
   mutable TableRef _localizedStrings;
   mutable TableRef _englishStrings;
   mutable std::shared_ptr<const std::vector<QNLocalization::Table>> _stringsOfAllLanguages;
   mutable std::optional<Definitions> _fieldsByName;  // the keys lie in the definition
+};
+
+/// The strings of a template in the language of now, to look up many. Not for threads to share.
+class QNTemplate::Strings final {
+ public:
+  explicit Strings(const QNTemplate& of);
+  /// Valid as long as this object and the key.
+  [[nodiscard]] std::string_view ofKey(std::string_view key);
+
+ private:
+  const QNTemplate& _template;
+  std::string _language;
+  TableRef _own;
+  TableRef _english;  // read at the first key that the other lacks
 };
 
 }  // namespace quillon
