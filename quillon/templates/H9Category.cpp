@@ -13,10 +13,6 @@
 namespace quillon {
 namespace {
 
-void encodeText(QNEncoder& coder, const std::optional<std::string>& text, std::string_view key) {
-  if (text) coder.encodeString(*text, key);
-}
-
 std::shared_ptr<QNTemplate> sharedTemplate(QNOptionalUUID uuid) {
   return QNTemplateManager::sharedManager().findTemplateWithUUID(uuid);
 }
@@ -72,11 +68,11 @@ H9Category::H9Category(QNDecoder& coder)
 
 void H9Category::encodeWithCoder(QNEncoder& coder) {
   H9DatabaseObject::encodeWithCoder(coder);
-  encodeText(coder, _uuid, "uuid");
-  encodeText(coder, _singularName, "sName");
-  encodeText(coder, _pluralName, "pName");
-  encodeText(coder, _sourceIconName, "sourceIconName");
-  encodeText(coder, _detailIconName, "detaiIconName");
+  encodeIfPresent(coder, _uuid, "uuid");
+  encodeIfPresent(coder, _singularName, "sName");
+  encodeIfPresent(coder, _pluralName, "pName");
+  encodeIfPresent(coder, _sourceIconName, "sourceIconName");
+  encodeIfPresent(coder, _detailIconName, "detaiIconName");
   coder.encodeInt64(_numberOfItems, "numberOfItems");
   if (const auto* const json = jsonDictionary()) coder.encodeJson(Json(*json), "json");
   coder.encodeInt64(_accountId, "accountId");

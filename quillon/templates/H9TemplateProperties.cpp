@@ -13,11 +13,6 @@ constexpr std::string_view kPluralTitle = "__pluralTitle__";
 constexpr std::string_view kDescription = "__description__";
 constexpr std::string_view kState = "__state__";
 
-std::optional<std::string> textOf(const JsonObject& dictionary, std::string_view key) {
-  const auto text = mr_validStringValueForKey(dictionary, key);
-  return text ? std::optional<std::string>(*text) : std::nullopt;
-}
-
 std::optional<H9TemplateProperties::State> stateNamed(std::optional<std::string_view> name) {
   if (name == "A") return H9TemplateProperties::kActive;
   if (name == "H") return H9TemplateProperties::kHidden;
@@ -30,9 +25,9 @@ std::optional<H9TemplateProperties::State> stateNamed(std::optional<std::string_
 H9TemplateProperties::H9TemplateProperties(const JsonObject* initWithTemplateDictionary) {
   if (initWithTemplateDictionary == nullptr) return;
   const JsonObject& dictionary = *initWithTemplateDictionary;
-  title = textOf(dictionary, "singularName");
-  pluralTitle = textOf(dictionary, "pluralName");
-  uuid = textOf(dictionary, "uuid");
+  title = ownedStringForKey(dictionary, "singularName");
+  pluralTitle = ownedStringForKey(dictionary, "pluralName");
+  uuid = ownedStringForKey(dictionary, "uuid");
   if (const auto known = stateNamed(mr_validStringValueForKey(dictionary, "state"))) {
     state = *known;
     return;

@@ -50,11 +50,6 @@ void save(const std::optional<std::string>& text, JsonObject& attributes, std::s
   if (text) setJsonText(attributes, key, *text);
 }
 
-std::optional<std::string> restored(const JsonObject& attributes, std::string_view key) {
-  const auto text = mr_validStringValueForKey(attributes, key);
-  return text ? std::optional<std::string>(*text) : std::nullopt;
-}
-
 }  // namespace
 
 QNCategory::QNCategory(QNDecoder& coder)
@@ -135,11 +130,11 @@ void QNCategory::saveAllAttributes(JsonObject& attributes) {
 
 void QNCategory::restoreAllAttributes(const JsonObject& attributes) {
   QNDatabaseObject::restoreAllAttributes(attributes);
-  _uuid = restored(attributes, kUUID);
-  _singularName = restored(attributes, kSingularName);
-  _pluralName = restored(attributes, kPluralName);
-  _listIconName = restored(attributes, kListIconName);
-  _detailIconName = restored(attributes, kDetailIconName);
+  _uuid = ownedStringForKey(attributes, kUUID);
+  _singularName = ownedStringForKey(attributes, kSingularName);
+  _pluralName = ownedStringForKey(attributes, kPluralName);
+  _listIconName = ownedStringForKey(attributes, kListIconName);
+  _detailIconName = ownedStringForKey(attributes, kDetailIconName);
 }
 
 }  // namespace quillon

@@ -24,13 +24,6 @@ constexpr std::string_view kPluralTitle = "__pluralTitle__";
 constexpr std::string_view kEnglish = "en";
 constexpr std::size_t kMaxTableBytes = std::size_t{4} << 20;
 
-// A tag names a folder, so nothing that could lead to another one is looked up.
-bool isLanguageTag(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](unsigned char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
-  });
-}
-
 // What isn't hidden in a folder, by name: a table that two files hold must not depend on a disk.
 std::vector<fs::path> filesIn(const fs::path& folder) {
   std::vector<fs::path> files;
@@ -172,7 +165,7 @@ QNLocalization::Table QNTemplate::loadLocalizationTable(std::string_view languag
   }
   if (!_templateURL) return {};
   const fs::path locales = _templateURL->parent_path() / "Locales";
-  if (isLanguageTag(language)) return tableInFolder(locales, language);
+  if (QNLocalization::isLanguageTag(language)) return tableInFolder(locales, language);
   reportMissingTable(locales, language);
   return {};
 }

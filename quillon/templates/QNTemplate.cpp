@@ -28,11 +28,6 @@ bool saysYes(const JsonObject& definition, std::string_view key) {
   return mr_validStringValueForKey(definition, key) == "yes";
 }
 
-std::optional<std::string> textOf(const JsonObject* object, std::string_view key) {
-  const auto text = object == nullptr ? std::nullopt : mr_validStringValueForKey(*object, key);
-  return text ? std::optional<std::string>(*text) : std::nullopt;
-}
-
 const JsonObject* objectOf(const JsonObject& object, std::string_view key) {
   const Json* const found = mr_objectForKey(object, key, JsonKind::object);
   return found == nullptr ? nullptr : &found->get_object();
@@ -62,11 +57,12 @@ QNTemplate::QNTemplate(const JsonObject* initWithDefinition) {
       saysYes(_definition, "localized") || objectOf(_definition, "localizedStrings") != nullptr;
   _deprecated = saysYes(_definition, "deprecated");
   _hidden = saysYes(_definition, "hidden");
-  const JsonObject* const icons = objectOf(_definition, "icons");
-  _listIconName = textOf(icons, "list");
-  _detailIconName = textOf(icons, "detail");
-  _sourceIconName = textOf(icons, "source");
-  _subtitleFieldName = textOf(&_definition, "subtitle");
+  if (const JsonObject* const icons = objectOf(_definition, "icons")) {
+    _listIconName = ownedStringForKey(*icons, "list");
+    _detailIconName = ownedStringForKey(*icons, "detail");
+    _sourceIconName = ownedStringForKey(*icons, "source");
+  }
+  _subtitleFieldName = ownedStringForKey(_definition, "subtitle");
 }
 
 QNTemplate::QNTemplate(const JsonObject* initWithDefinition, const JsonObject* h9TemplateDictionary)
@@ -75,7 +71,7 @@ QNTemplate::QNTemplate(const JsonObject* initWithDefinition, const JsonObject* h
 }
 
 std::optional<std::string> QNTemplate::uuid() const {
-  return textOf(&_definition, "uuid");
+  return ownedStringForKey(_definition, "uuid");
 }
 
 std::string QNTemplate::description() const {

@@ -25,15 +25,6 @@ namespace {
 
 constexpr std::int64_t kErrorTwin = 103;
 
-void encodeText(QNEncoder& coder, const std::optional<std::string>& text, std::string_view key) {
-  if (text) coder.encodeString(*text, key);
-}
-
-template <class Data>
-void encodeData(QNEncoder& coder, const std::optional<Data>& data, std::string_view key) {
-  if (data) coder.encodeBytes(*data, key);
-}
-
 std::optional<std::uint64_t> numberFromText(std::string_view text) {
   std::uint64_t number = 0;
   const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -95,15 +86,15 @@ std::shared_ptr<QNProfile> QNProfile::initWithCoder(QNDecoder& coder) {
 void QNProfile::encodeWithCoder(QNEncoder& coder) {
   QNDatabaseObjectWithOverview::encodeWithCoder(coder);
   if (_uuid != nullptr) coder.encodeString(*_uuid, "uuid");
-  encodeText(coder, _profileName, "profileName");
+  encodeIfPresent(coder, _profileName, "profileName");
   coder.encodeInt64(_createdAt, "createdAt");
   coder.encodeInt64(_updatedAt, "updatedAt");
-  encodeData(coder, _encryptedMasterKey, "eMasterKey");
-  encodeData(coder, _encryptedOverviewKey, "eOverviewKey");
-  encodeData(coder, _salt, "salt");
+  encodeIfPresent(coder, _encryptedMasterKey, "eMasterKey");
+  encodeIfPresent(coder, _encryptedOverviewKey, "eOverviewKey");
+  encodeIfPresent(coder, _salt, "salt");
   coder.encodeInt32(static_cast<std::int32_t>(_iterations), "iterations");
-  encodeText(coder, _passwordHint, "passwordHint");
-  encodeData(coder, _iconData, "iconData");
+  encodeIfPresent(coder, _passwordHint, "passwordHint");
+  encodeIfPresent(coder, _iconData, "iconData");
   if (_profileColor) {
     coder.encodeBool(true, "hasColor");
     coder.encodeFloat(_profileColor->hue, "cH");
@@ -111,12 +102,12 @@ void QNProfile::encodeWithCoder(QNEncoder& coder) {
     coder.encodeFloat(_profileColor->brightness, "cB");
     coder.encodeFloat(_profileColor->alpha, "cA");
   }
-  encodeText(coder, _lastUpdatedBy, "lastUpdatedBy");
+  encodeIfPresent(coder, _lastUpdatedBy, "lastUpdatedBy");
   if (const auto password = profilePassword()) {
     coder.encodeString(persistentObfuscatedString(password->reveal()).reveal(), "pp");
   }
-  encodeData(coder, _overviewKey, "overviewKey");
-  encodeData(coder, _masterKey, "masterKey");
+  encodeIfPresent(coder, _overviewKey, "overviewKey");
+  encodeIfPresent(coder, _masterKey, "masterKey");
   encodeRegistries(coder);
 }
 

@@ -37,11 +37,6 @@ std::optional<ByteView> viewOf(const std::optional<Data>& data) {
   return data ? std::optional<ByteView>(*data) : std::nullopt;
 }
 
-OptionalText textIn(const JsonObject& object, std::string_view key) {
-  const auto text = mr_validStringValueForKey(object, key);
-  return text ? OptionalText(*text) : std::nullopt;
-}
-
 std::optional<Bytes> bytesIn(const JsonObject& object, std::string_view key) {
   const auto text = mr_validStringValueForKey(object, key);
   return text ? mr_base64decode(*text) : std::nullopt;
@@ -63,7 +58,7 @@ std::optional<QNColor> colorIn(const JsonObject& object, std::string_view key) {
 }
 
 QNSharedString uuidIn(const JsonObject& object) {
-  auto text = textIn(object, "uuid");
+  auto text = ownedStringForKey(object, "uuid");
   return text ? sharedString(std::move(*text)) : nullptr;
 }
 
@@ -113,16 +108,16 @@ void QNProfile::setBlob(ByteView blob) {
     object.emplace(jsonStorage());
   }
   _uuid = uuidIn(*object);
-  _profileName = textIn(*object, "name");
+  _profileName = ownedStringForKey(*object, "name");
   _createdAt = numberIn(*object, "createdAt");
   _updatedAt = numberIn(*object, "updatedAt");
   if (auto master = bytesIn(*object, "master")) _encryptedMasterKey = std::move(master);
   if (auto overview = bytesIn(*object, "overview")) _encryptedOverviewKey = std::move(overview);
-  _passwordHint = textIn(*object, "hint");
+  _passwordHint = ownedStringForKey(*object, "hint");
   _iterations = countIn(*object, "iterations");
   _iconData = bytesIn(*object, "icon");
   setProfileColor(colorIn(*object, "color"));
-  _lastUpdatedBy = textIn(*object, "lastUpdatedBy");
+  _lastUpdatedBy = ownedStringForKey(*object, "lastUpdatedBy");
   _salt = bytesIn(*object, "salt");
   restoreStatus(*this, object->if_contains("trashed"));
 }
@@ -146,18 +141,18 @@ void QNProfile::saveAllAttributes(JsonObject& attributes) {
 void QNProfile::restoreAllAttributes(const JsonObject& attributes) {
   QNDatabaseObjectWithOverview::restoreAllAttributes(attributes);
   _uuid = uuidIn(attributes);
-  setProfileName(textIn(attributes, "profileName"));
+  setProfileName(ownedStringForKey(attributes, "profileName"));
   setCreatedAt(numberIn(attributes, "createdAt"));
   setUpdatedAt(numberIn(attributes, "updatedAt"));
   const auto overviewKey = bytesIn(attributes, "overviewKey");
   const auto masterKey = bytesIn(attributes, "masterKey");
   setOverviewKey(viewOf(overviewKey));
   setMasterKey(viewOf(masterKey));
-  setPasswordHint(textIn(attributes, "passwordHint"));
+  setPasswordHint(ownedStringForKey(attributes, "passwordHint"));
   setIterations(countIn(attributes, "iterations"));
   setIconData(bytesIn(attributes, "iconData"));
   setProfileColor(colorIn(attributes, "color"));
-  setLastUpdatedBy(textIn(attributes, "lastUpdatedBy"));
+  setLastUpdatedBy(ownedStringForKey(attributes, "lastUpdatedBy"));
   setSalt(bytesIn(attributes, "salt"));
 }
 

@@ -2,6 +2,7 @@
 // The keyed archive: an object writes its state under names, and is made again from them.
 // The container is JSON; its form is told in docs/formats.md.
 
+#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -45,6 +46,17 @@ class QNEncoder {
   /// A JSON container, kept as it is.
   virtual void encodeJson(const Json& value, std::string_view forKey) = 0;
 };
+
+/// Absent values aren't written.
+inline void encodeIfPresent(QNEncoder& coder, const std::optional<std::string>& text,
+                            std::string_view key) {
+  if (text) coder.encodeString(*text, key);
+}
+template <class Data>
+requires std::convertible_to<const Data&, ByteView>
+void encodeIfPresent(QNEncoder& coder, const std::optional<Data>& data, std::string_view key) {
+  if (data) coder.encodeBytes(*data, key);
+}
 
 /// Gives named values of one object. A key that is absent or of another kind reads as nothing.
 class QNDecoder {

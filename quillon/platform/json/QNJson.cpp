@@ -175,6 +175,11 @@ std::optional<std::string_view> mr_validStringValueForKey(const JsonObject& obje
   return std::string_view(found->get_string());
 }
 
+std::optional<std::string> ownedStringForKey(const JsonObject& object, std::string_view key) {
+  const auto text = mr_validStringValueForKey(object, key);
+  return text ? std::optional<std::string>(*text) : std::nullopt;
+}
+
 std::optional<std::uint64_t> mr_unsignedValueForKey(const JsonObject& object,
                                                     std::string_view key) {
   const Json* const found = object.if_contains(key);

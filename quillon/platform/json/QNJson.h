@@ -59,6 +59,8 @@ const Json* mr_objectForKey(const JsonObject& object, std::string_view key,
 /// The member if it is a text; nothing otherwise. Valid until the object changes.
 std::optional<std::string_view> mr_validStringValueForKey(const JsonObject& object,
                                                           std::string_view key);
+/// The same as a text of its own: for what is kept beyond the object, and is no secret.
+std::optional<std::string> ownedStringForKey(const JsonObject& object, std::string_view key);
 /// The member as a whole number of 64 bits; a number with a fraction is cut towards zero, one out
 /// of range, or a member of another kind, reads as nothing.
 std::optional<std::uint64_t> mr_unsignedValueForKey(const JsonObject& object, std::string_view key);

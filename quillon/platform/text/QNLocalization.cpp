@@ -10,13 +10,6 @@ namespace {
 
 constexpr std::size_t kMaxTableBytes = 4 << 20;
 
-// A tag names a folder, so nothing that could lead to another one is looked up.
-bool isLanguageTag(std::string_view text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
-  });
-}
-
 }  // namespace
 
 QNLocalization::QNLocalization() : _language(currentLocale()) {}
@@ -40,6 +33,12 @@ const QNLocalization::Table* QNLocalization::knownTable(const std::string& langu
   const std::lock_guard lock(_mutex);
   const auto found = _tables.find(language);
   return found == _tables.end() ? nullptr : &found->second;
+}
+
+bool QNLocalization::isLanguageTag(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+  });
 }
 
 QNLocalization::Strings QNLocalization::stringsOfLanguage(const std::string& language) {

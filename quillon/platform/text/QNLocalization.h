@@ -29,6 +29,10 @@ class QNLocalization final {
   [[nodiscard]] std::string localizedStringForKey(std::string_view key, std::string_view comment,
                                                   std::string_view language) const;
 
+  /// Letters, digits and hyphens. A tag names a folder, so nothing that could lead to another one
+  /// is looked up.
+  static bool isLanguageTag(std::string_view text);
+
   // Reading: QNLocalization+Strings.cpp
   using Table = std::map<std::string, std::string, std::less<>>;
   /// Reads one table's text. A broken line gives a log line, with `name` in it, and is skipped.
