@@ -18,6 +18,7 @@ struct QNPasswordSource {
   Kind kind = Kind::terminal;
   std::filesystem::path file;
   int descriptor = -1;
+  std::string prefix;  // of its options: "password" for --password-file and the others
 };
 
 struct QNGlobalArguments {
@@ -64,12 +65,15 @@ struct QNFieldAddition {
 };
 /// Changes to the content of one item: fields are added, then set, then removed.
 struct QNItemEdits {
+  std::vector<std::string> tags;
+  std::vector<std::string> tagsToRemove;
   std::vector<QNFieldAddition> additions;
   std::vector<QNFieldSetting> settings;
   std::vector<std::string> removals;
   bool generate = false;  // a new password
   [[nodiscard]] bool empty() const {
-    return additions.empty() && settings.empty() && removals.empty() && !generate;
+    return tags.empty() && tagsToRemove.empty() && additions.empty() && settings.empty() &&
+           removals.empty() && !generate;
   }
 };
 
@@ -104,7 +108,6 @@ struct QNAddArguments {
   std::string category;
   std::string title;
   std::optional<std::string> notes;
-  std::vector<std::string> tags;
   bool favorite = false;
   QNItemEdits edits;
 };
@@ -113,6 +116,7 @@ struct QNAddLoginArguments {
   std::optional<std::string> username;
   std::vector<std::string> urls;
   std::optional<std::string> notes;
+  std::vector<std::string> tags;
   QNItemPassword password = QNItemPassword::none;
   bool favorite = false;
 };

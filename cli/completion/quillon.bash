@@ -17,13 +17,13 @@ _quillon_options() {
     find) echo "--url --long --category $_quillon_global" ;;
     show) echo "--reveal --field $_quillon_global" ;;
     login)
-      echo "--title --username --url --notes --password --generate --favorite $_quillon_global"
+      echo "--title --username --url --notes --tag --password --generate --favorite $_quillon_global"
       ;;
     add)
       echo "--title --set --set-file --add-field --notes --tag --generate --favorite" \
         "$_quillon_global"
       ;;
-    edit) echo "--set --set-file --add-field --unset --generate $_quillon_global" ;;
+    edit) echo "--set --set-file --add-field --unset --tag --untag --generate $_quillon_global" ;;
     delete) echo "--force $_quillon_global" ;;
     passwd)
       echo "--new-password-file --new-password-fd --new-password-stdin $_quillon_global"
@@ -94,7 +94,7 @@ _quillon() {
       --separator | --pin | --at | *-fd)
       return
       ;;
-    --set-file | --add-field | --unset | --tag) return ;;
+    --set-file | --add-field | --unset | --tag | --untag) return ;;
     *)
       case $current in
         -*) words=$(_quillon_options "$command") ;;
