@@ -579,8 +579,24 @@ class Fields(CategoryTest):
         self.assertEqual(self.show(uuid)["tags"], [])
         self.assertNotIn("Tags", self.run_tool("show", uuid).out)
         login = self.add("Login", "--tag", "b", "--tag", "a")
+        for arguments, titles in ((["list", "--tag", "A"], ["Login"]), (["list", "--tag", "c"], []),
+                                  (["find", "log", "--tag", "b"], ["Login"]),
+                                  (["list", "--tag", "b", "--category", "router"], [])):
+            found = self.run_tool(*arguments, "--json").json
+            self.assertEqual([item["title"] for item in found], titles, arguments)
         self.assertEqual(self.show(login)["tags"], ["a", "b"])
         self.assertNotIn("tags", self.run_tool("list", "--json").json[0])
+
+    def test_the_mark_of_a_favorite_comes_and_goes(self):
+        uuid = self.create("router")
+        self.run_tool("edit", uuid, "--favorite")
+        self.assertIs(self.show(uuid)["favorite"], True)
+        before = self.read("vault.qn")
+        self.run_tool("edit", uuid, "--favorite")
+        self.assertEqual(self.read("vault.qn"), before)
+        self.run_tool("edit", uuid, "--no-favorite")
+        self.assertIs(self.show(uuid)["favorite"], False)
+        self.run_tool("edit", uuid, "--favorite", "--no-favorite", code=2)
 
     def test_a_field_of_the_users_own_can_be_taken_away(self):
         uuid = self.create("secure-note", "--add-field", "Note:string=x", "--notes", "N")

@@ -832,6 +832,12 @@ class Passwords(ToolTest):
         self.assertEqual(result.code, 2)
         self.assertIn("--password-stdin", result.err)
 
+    def test_a_password_that_is_not_text_is_told_to_be_none(self):
+        self.make_store()
+        result = self.run_raw("list", "--password-stdin", stdin=b"\xff\n")
+        self.assertEqual((result.code, result.out), (3, ""))
+        self.assertIn("isn't UTF-8 text", result.err)
+
     def test_no_password_at_all_is_wrong_usage(self):
         self.make_store()
         self.assertEqual(self.run_raw("list", "--password-stdin", stdin="").code, 2)
@@ -1275,6 +1281,9 @@ class OneTimePasswords(ToolTest):
             self.assertIn(reason, result.err)
             self.assertNotIn("GEZDG", result.err)
             reasons.setdefault(result.err, text)
+        result = self.run_raw("otp", "--url", "-", stdin=b"A" * ((16 << 20) + 2))
+        self.assertEqual(result.code, 2)
+        self.assertIn("standard input is longer than 16 MiB", result.err)
         self.assertEqual(len(reasons), 11)  # two of the texts are empty, two have padding
         result = self.run_raw("otp", "--url-file", self.write("bad", b"\xff"))
         self.assertEqual((result.code, result.out), (1, ""))

@@ -67,13 +67,14 @@ struct QNFieldAddition {
 struct QNItemEdits {
   std::vector<std::string> tags;
   std::vector<std::string> tagsToRemove;
+  std::optional<bool> favorite;
   std::vector<QNFieldAddition> additions;
   std::vector<QNFieldSetting> settings;
   std::vector<std::string> removals;
   bool generate = false;  // a new password
   [[nodiscard]] bool empty() const {
-    return tags.empty() && tagsToRemove.empty() && additions.empty() && settings.empty() &&
-           removals.empty() && !generate;
+    return tags.empty() && tagsToRemove.empty() && !favorite && additions.empty() &&
+           settings.empty() && removals.empty() && !generate;
   }
 };
 
@@ -89,6 +90,7 @@ struct QNListArguments {
   bool trashed = false;
   bool withUUIDs = false;
   std::optional<std::string> category;
+  std::optional<std::string> tag;
   QNListOrder order = QNListOrder::title;
 };
 /// Either words or an address.
@@ -97,6 +99,7 @@ struct QNFindArguments {
   std::optional<std::string> url;
   bool withUUIDs = false;
   std::optional<std::string> category;
+  std::optional<std::string> tag;
 };
 struct QNShowArguments {
   std::string item;

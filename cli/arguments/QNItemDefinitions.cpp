@@ -14,15 +14,20 @@ namespace {
 constexpr const char* kCategoryNames =
     "Its name as quillon categories tells it, its title in your language, or its uuid";
 
-void addCategoryFilter(CLI::App& command, std::optional<std::string>& category) {
-  command.add_option("--category", category, "Only the items of this category")->check(isText());
+template <class Arguments>
+void addFilters(CLI::App& command, Arguments& given) {
+  command.add_option("--category", given.category, "Only the items of this category")
+      ->check(isText());
+  command.add_option("--tag", given.tag, "Only the items that have this tag")
+      ->type_name("NAME")
+      ->check(isText());
 }
 
 void defineList(CLI::App& app, QNArguments& out) {
   auto [command, given] = define<QNListArguments>(app, out, "list", "List titles and subtitles");
   command->add_flag("--trashed", given->trashed, "List what is in the trash instead");
   command->add_flag("--long", given->withUUIDs, "Show the uuid of each item, too");
-  addCategoryFilter(*command, given->category);
+  addFilters(*command, *given);
   command
       ->add_option_function<std::string>(
           "--sort",
@@ -44,7 +49,7 @@ void defineFind(CLI::App& app, QNArguments& out) {
       ->check(isText())
       ->excludes(words);
   command->add_flag("--long", given->withUUIDs, "Show the uuid of each item, too");
-  addCategoryFilter(*command, given->category);
+  addFilters(*command, *given);
   command->parse_complete_callback([given = given] {
     if (given->words.empty() && !given->url) refuse("find needs words or --url");
   });
@@ -61,7 +66,7 @@ void defineShow(CLI::App& app, QNArguments& out) {
       ->check(isText());
 }
 
-// A tag of blanks can't be seen, and is lost when the item is read.
+// Nobody sees a tag of blanks.
 std::string tagOrRefuse(const std::string& tag) {
   if (isBlankText(tag)) refuse("a tag needs a name");
   return tag;
@@ -182,9 +187,16 @@ void defineEdit(CLI::App& app, QNArguments& out) {
   addRepeated(*command, "--untag", "NAME", "Take a tag away", [given = given](const auto& tag) {
     given->edits.tagsToRemove.push_back(tagOrRefuse(tag));
   })->check(isText());
+  auto* const favorite = command->add_flag_callback(
+      "--favorite", [given = given] { given->edits.favorite = true; }, "Mark it as a favorite");
+  command
+      ->add_flag_callback(
+          "--no-favorite", [given = given] { given->edits.favorite = false; }, "Take the mark away")
+      ->excludes(favorite);
   command->final_callback([given = given, &out] {
     if (given->edits.empty()) {
-      refuse("edit needs --set, --set-file, --unset, --add-field, --tag, --untag or --generate");
+      refuse(
+          "edit needs what to change, such as --set FIELD=VALUE; quillon edit --help tells more");
     }
     out.command = *given;
   });

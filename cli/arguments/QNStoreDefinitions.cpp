@@ -3,6 +3,28 @@
 #include "cli/arguments/internal/QNDefinition.h"
 
 namespace quillon {
+namespace {
+
+void defineVaultAdd(CLI::App& vault, QNArguments& out) {
+  auto [command, given] =
+      define<QNVaultAddArguments>(vault, out, "add", "Add a vault that the first one opens");
+  command->add_option("NAME", given->name, "Its name")->required()->check(isText());
+  command
+      ->add_option("--hint", given->hint,
+                   "What reminds you of its own password; readable without it")
+      ->check(isText());
+  command->add_flag("--own-password", given->hasOwnPassword,
+                    "Ask for a password that opens it, too");
+  addPasswordSource(*command, "own-password", "Its own password", given->ownPassword);
+  command->parse_complete_callback([given = given] {
+    if (given->ownPassword.kind != QNPasswordSource::Kind::terminal) given->hasOwnPassword = true;
+    if (given->hint && !given->hasOwnPassword) {
+      refuse("a hint is for a password of its own: --own-password");
+    }
+  });
+}
+
+}  // namespace
 
 void defineInit(CLI::App& app, QNArguments& out) {
   auto [command, given] = define<QNInitArguments>(app, out, "init", "Make a new store");
@@ -27,29 +49,6 @@ void defineCare(CLI::App& app, QNArguments& out) {
   auto backup = define<QNBackupArguments>(app, out, "backup", "Copy the store; needs no password");
   backup.command->add_option("FILE", backup.given->file, "A file that isn't there yet")->required();
 }
-
-namespace {
-
-void defineVaultAdd(CLI::App& vault, QNArguments& out) {
-  auto [command, given] =
-      define<QNVaultAddArguments>(vault, out, "add", "Add a vault that the first one opens");
-  command->add_option("NAME", given->name, "Its name")->required()->check(isText());
-  command
-      ->add_option("--hint", given->hint,
-                   "What reminds you of its own password; readable without it")
-      ->check(isText());
-  command->add_flag("--own-password", given->hasOwnPassword,
-                    "Ask for a password that opens it, too");
-  addPasswordSource(*command, "own-password", "Its own password", given->ownPassword);
-  command->parse_complete_callback([given = given] {
-    if (given->ownPassword.kind != QNPasswordSource::Kind::terminal) given->hasOwnPassword = true;
-    if (given->hint && !given->hasOwnPassword) {
-      refuse("a hint is for a password of its own: --own-password");
-    }
-  });
-}
-
-}  // namespace
 
 void defineVault(CLI::App& app, QNArguments& out) {
   auto* const vault = app.add_subcommand("vault", "The vaults of the store");

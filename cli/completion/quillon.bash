@@ -13,8 +13,8 @@ _quillon_options() {
   case $1 in
     init) echo "--hint $_quillon_global" ;;
     import) echo "--dry-run $_quillon_global" ;;
-    list) echo "--trashed --long --category --sort $_quillon_global" ;;
-    find) echo "--url --long --category $_quillon_global" ;;
+    list) echo "--trashed --long --category --tag --sort $_quillon_global" ;;
+    find) echo "--url --long --category --tag $_quillon_global" ;;
     show) echo "--reveal --field $_quillon_global" ;;
     login)
       echo "--title --username --url --notes --tag --password --generate --favorite $_quillon_global"
@@ -23,7 +23,10 @@ _quillon_options() {
       echo "--title --set --set-file --add-field --notes --tag --generate --favorite" \
         "$_quillon_global"
       ;;
-    edit) echo "--set --set-file --add-field --unset --tag --untag --generate $_quillon_global" ;;
+    edit)
+      echo "--set --set-file --add-field --unset --tag --untag --favorite --no-favorite --generate" \
+        "$_quillon_global"
+      ;;
     delete) echo "--force $_quillon_global" ;;
     passwd)
       echo "--new-password-file --new-password-fd --new-password-stdin $_quillon_global"

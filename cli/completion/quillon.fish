@@ -49,13 +49,14 @@ complete -c quillon -n '__fish_seen_subcommand_from show' -l reveal -d 'Show sec
 complete -c quillon -n '__fish_seen_subcommand_from show' -l field -x -a 'title username password url notes' -d 'Print one field alone'
 complete -c quillon -n "__fish_seen_subcommand_from add; and not __fish_seen_subcommand_from $categories vault" -a "$categories" -d Category
 complete -c quillon -n '__fish_seen_subcommand_from template' -a "$categories $others" -d Category
-complete -c quillon -n '__fish_seen_subcommand_from add edit' -l tag -x -d Tag
+complete -c quillon -n '__fish_seen_subcommand_from add edit list find' -l tag -x -d Tag
 complete -c quillon -n '__fish_seen_subcommand_from edit' -l untag -x -d 'Take a tag away'
 complete -c quillon -n '__fish_seen_subcommand_from add' -l title -x -d Title
 complete -c quillon -n '__fish_seen_subcommand_from add' -l username -x -d 'User name'
 complete -c quillon -n '__fish_seen_subcommand_from add' -l notes -x -d Notes
 complete -c quillon -n '__fish_seen_subcommand_from add' -l password -d 'Ask for the password; =- reads standard input'
-complete -c quillon -n '__fish_seen_subcommand_from add' -l favorite -d 'Mark as a favorite'
+complete -c quillon -n '__fish_seen_subcommand_from add edit' -l favorite -d 'Mark as a favorite'
+complete -c quillon -n '__fish_seen_subcommand_from edit' -l no-favorite -d 'Take the mark away'
 complete -c quillon -n '__fish_seen_subcommand_from add edit' -l generate -d 'Make a random password'
 complete -c quillon -n '__fish_seen_subcommand_from add edit' -l set -x -a 'title= username= url= notes= password password=-' -d 'Set a field'
 complete -c quillon -n '__fish_seen_subcommand_from add edit' -l set-file -x -d 'Set a field to the content of a file'

@@ -69,6 +69,9 @@ class Editing {
   Done run() {
     const Json before(QNItem::jsonFromFieldSections(_item.fieldSections()));
     if (const auto tagged = changeTags(); !tagged) return tagged;
+    if (_edits.favorite && *_edits.favorite != _item.isFavorite()) {
+      _item.setFaveIndex(*_edits.favorite ? QNItem::newItemFaveIndex() : 0);
+    }
     for (const QNFieldAddition& addition : _edits.additions) add(addition);
     for (const QNFieldSetting& setting : _edits.settings) {
       if (const auto found = find(setting); !found) return found;
@@ -184,13 +187,12 @@ class Editing {
   }
 
   Done changeTags() {
-    const std::set<std::string> before = _item.tags();
-    std::set<std::string> tags = before;
+    std::set<std::string> tags = _item.tags();
     for (const std::string& name : _edits.tagsToRemove) {
       if (const auto removed = removeTag(tags, name); !removed) return removed;
     }
     tags.insert(_edits.tags.begin(), _edits.tags.end());
-    if (tags != before) _item.setTags(tags);
+    _item.setTags(tags);
     return QNDone{};
   }
 

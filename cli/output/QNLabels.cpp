@@ -7,8 +7,7 @@
 
 namespace quillon {
 
-QNLabels::QNLabels(std::span<const std::string_view> keys, std::size_t width)
-    : _width(width) {
+QNLabels::QNLabels(std::span<const std::string_view> keys, std::size_t width) : _width(width) {
   for (const std::string_view key : keys) {
     _width = std::max(_width, shownWidth(QNLocalizedString(key)) + 2);
   }
