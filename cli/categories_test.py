@@ -9,7 +9,7 @@ import time
 import unittest
 
 import tool_test
-from tool_test import DOTS, PASSWORD, RESOURCES, Terminal, ToolTest
+from tool_test import DOTS, PASSWORD, RESOURCES, SOURCE, Terminal, ToolTest
 
 TAKEN = ["001", "002", "003", "004", "005", "100", "101", "102", "103", "104", "105", "106", "107",
          "108", "109", "110", "111"]
@@ -335,6 +335,20 @@ class Languages(CategoryTest):
         self.assertIn("no icon", self.run_tool("vault", "icon").out)
         self.assertIn("kein Symbol", self.run_tool("vault", "icon", "--lang", "de").out)
         self.assertIn("keine Farbe", self.run_tool("vault", "color", "--lang", "de").out)
+
+    def test_every_label_stands_in_the_tables(self):
+        with open(os.path.join(RESOURCES, "Locales/en.lproj/Localizable.strings")) as table:
+            known = set(re.findall(r'(?m)^"(.*)" = ', table.read()))
+        labels = set()
+        for folder in ("commands", "fields", "output"):
+            for name in os.listdir(os.path.join(SOURCE, folder)):
+                if name.endswith(".cpp") and not name.endswith("_test.cpp"):
+                    with open(os.path.join(SOURCE, folder, name)) as source:
+                        labels |= set(re.findall(
+                            r'(?:QNLocalizedString|localizedFormat|label|(?<!\.)line)\("([^"\\]+)"[,)]',
+                            source.read()))
+        self.assertGreater(len(labels), 25)
+        self.assertEqual(labels - known, set())
 
     def test_dates_in_arabic_are_printed_whole_and_taken_as_they_are_printed(self):
         uuid = self.create("passport", "--set", "birthdate=2024-07-04")

@@ -22,7 +22,7 @@ Definition<Arguments> define(CLI::App& app, QNArguments& out, const std::string&
                              const std::string& description) {
   Definition<Arguments> made{app.add_subcommand(name, description)};
   made.command->callback([given = made.given, &out] { out.command = *given; });
-  made.command->footer("quillon --help tells the options of every command.");
+  made.command->footer("quillon --help lists the options that every command takes.");
   return made;
 }
 
