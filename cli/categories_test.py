@@ -3,12 +3,13 @@
 them, in two languages: categories_test.py TOOL [TEST...]
 """
 import os
+import re
 import sys
 import time
 import unittest
 
 import tool_test
-from tool_test import DOTS, PASSWORD, Terminal, ToolTest
+from tool_test import DOTS, PASSWORD, RESOURCES, SOURCE, Terminal, ToolTest
 
 TAKEN = ["001", "002", "003", "004", "005", "100", "101", "102", "103", "104", "105", "106", "107",
          "108", "109", "110", "111"]
@@ -69,6 +70,9 @@ class CategoryTest(ToolTest):
         return options, "".join(lines), wanted, display
 
 
+# What the tool itself writes before values.
+LABELS = {"en": {"type": "Type", "notes": "Notes", "tags": "Tags"},
+          "de": {"type": "Art", "notes": "Notizen", "tags": "Tags"}}
 # Of each kind: what is typed, what a program gets, what a person sees.
 ENGLISH = {
     "date": ("7/4/2024", "2024-07-04", "Jul 4, 2024"),
@@ -97,13 +101,15 @@ class EveryCategory(CategoryTest):
 
     def round_trip(self, language, values):
         self.speak(language)
-        taken = self.run_tool("categories", "--json").json
+        self.labels = LABELS[language]
+        listed = self.run_tool("categories", "--json").json
+        taken = [one for one in listed if one["available"]]
         self.assertEqual(sorted(one["uuid"] for one in taken), TAKEN)
         for category in taken:
             with self.subTest(category["name"]):
                 self.one_round_trip(category, values)
         for category in self.run_tool("categories", "--json").json:
-            self.assertEqual(category["items"], 1, category)
+            self.assertEqual(category["items"], int(category["available"]), category)
         listed = {item["category"]: item for item in self.run_tool("list", "--json").json}
         self.assertEqual(sorted(listed), TAKEN)
         table = self.run_tool("list").out
@@ -162,7 +168,7 @@ class EveryCategory(CategoryTest):
     def check_sheet(self, uuid, template, display):
         """Titles and values stand there in the order of the template."""
         sheets = self.run_tool("show", uuid).out, self.run_tool("show", uuid, "--reveal").out
-        at = [sheets[0].index("Type: "), sheets[1].index("Type: ")]
+        at = [sheet.index(f"\n{self.labels['type']}: ") for sheet in sheets]
         for section in template["sections"]:
             if section["title"]:
                 at = [sheet.index("\n" + section["title"] + "\n", start)
@@ -175,8 +181,9 @@ class EveryCategory(CategoryTest):
                 shown = DOTS if field["kind"] in SECRET else first
                 self.assertTrue(sheets[0][at[0] + len(line):].lstrip(" ").startswith(shown))
         for sheet in sheets:
-            self.assertIn("Notes:      N\n            M\n", sheet)
-            self.assertIn("Tags:       a, b\n", sheet)
+            notes = re.search(rf"(?m)^({self.labels['notes']}: +)N\n( +)M$", sheet)
+            self.assertEqual(len(notes[1]), len(notes[2]), sheet)
+            self.assertRegex(sheet, rf"(?m)^{self.labels['tags']}: +a, b$")
 
     def check_edit(self, uuid, template, wanted):
         """One field changes, one goes or is emptied, one comes, and the rest stays."""
@@ -214,13 +221,32 @@ class EveryCategory(CategoryTest):
         for category in REFUSED:
             title = self.template(category)["title"]
             result = self.run_tool("add", category, "--title", "T", code=1)
-            self.assertIn(f"this vault doesn't take items of {title}", result.err)
+            self.assertIn(f"a local vault doesn't take items of {title}", result.err)
+            # Nobody is asked for a password first.
+            self.assertEqual(self.run_raw("add", category, "--title", "T").err, result.err)
         self.run_tool("add", "099", "--title", "T", code=2)
         self.assertEqual(self.titles(), [])
 
+    def test_says_in_lists_and_templates_if_the_vault_does_not_take_it(self):
+        refused = {"en": ["006", "112", "115", "113", "114"],
+                   "de": ["006", "112", "113", "115", "114"]}
+        for language, note in (("en", "not in local vaults"),
+                               ("de", "nicht in lokalen Tresoren")):
+            self.speak(language)
+            listed = self.run_tool("categories").out.splitlines()
+            self.assertEqual([line[:3] for line in listed if line.endswith(note)],
+                             refused[language])
+            self.assertEqual(len(listed), len(TAKEN) + len(REFUSED))
+            for category in TAKEN + REFUSED:
+                self.assertEqual(note in self.run_raw("template", category).out,
+                                 category in REFUSED, category)
+        values = self.run_tool("categories", "--json").json
+        self.assertEqual(sorted(one["uuid"] for one in values if one["available"]), TAKEN)
+        for category in TAKEN + REFUSED:
+            self.assertIs(self.template(category)["available"], category in TAKEN)
+
     def test_is_known_to_the_completions(self):
         names = [one["name"] for one in self.run_tool("categories", "--json").json]
-        names += [self.template(uuid)["name"] for uuid in REFUSED]
         self.assertEqual(len(names), 22)
         for shell in ("bash", "zsh", "fish"):
             script = self.run_raw("completion", shell).out
@@ -249,7 +275,7 @@ class Languages(CategoryTest):
         self.assertIn("Type:       Passport", english)
         self.assertIn("04.07.2024", german)
         self.assertIn("Österreich", german)
-        self.assertIn("Type:       Reisepass", german)
+        self.assertRegex(german, r"(?m)^Art: +Reisepass$")
         self.speak("de")
         self.assertEqual(self.run_tool("show", uuid).out, german)
         self.assertIn("Jul 4, 2024", self.run_tool("show", uuid, "--lang", "en-US").out)
@@ -268,8 +294,92 @@ class Languages(CategoryTest):
         self.run_tool("edit", uuid, "--set", "name on account=Jö")
         self.assertEqual(self.fields(uuid)["owner"]["value"], "Jö")
 
-    def test_an_unknown_language_shows_english(self):
-        self.assertIn("Bank Account", self.run_tool("categories", "--lang", "tlh").out)
+    def test_an_unknown_language_of_the_environment_shows_english(self):
+        self.environment["LANG"] = "tlh.UTF-8"
+        self.assertIn("Bank Account", self.run_tool("categories").out)
+
+    def test_an_unknown_language_of_the_option_is_2_and_those_there_are_listed(self):
+        languages = sorted(name.split(".")[0]
+                           for name in os.listdir(os.path.join(RESOURCES, "Locales")))
+        for tag in ("xx", "tlh", "zh-CN", "", "?"):
+            result = self.run_tool("categories", "--lang", tag, code=2)
+            self.assertEqual(result.out, "")
+            self.assertIn(": " + ", ".join(languages) + "\n", result.err)
+
+    def test_the_option_takes_a_language_in_any_case_and_with_any_country(self):
+        for tag, title in (("DE", "Bankkonto"), ("de_at", "Bankkonto"), ("pt-br", "Conta bancária"),
+                           ("PT", "Conta bancária")):
+            self.assertIn(title, self.run_tool("categories", "--lang", tag).out, tag)
+
+    def test_labels_are_in_each_language_and_stand_above_each_other(self):
+        uuid = self.create("bank-account", "--set", "owner=Jo", "--tag", "t", "--favorite",
+                           "--notes", "N")
+        labels = {"en": "Title Tags Created", "de": "Titel Tags Erstellt",
+                  "fr": "Titre Étiquettes Créé", "es": "Título Etiquetas Creado",
+                  "pt": "Título Etiquetas Criado", "ja": "タイトル タグ 作成日時",
+                  "ar": "العنوان الوسوم أُنشئ"}
+        for language, words in labels.items():
+            sheet = self.run_tool("show", uuid, "--lang", language).out
+            for word in words.split():
+                self.assertRegex(sheet, rf"(?m)^{word}: ", language)
+            info = self.run_raw("info", "--lang", language).out
+            vaults = self.run_raw("vault", "list", "--lang", language).out
+            self.assertEqual("Schema: " in info, language in ("en", "de"), info)
+            self.assertEqual("in trash" in vaults, language == "en", vaults)
+        uuid = self.create("secure-note", "--notes", "N", "--favorite")
+        lines = self.run_tool("show", uuid, "--lang", "pt").out.splitlines()
+        value = lines[0].index("secure-note")
+        for line in lines:
+            self.assertEqual(line[value - 1], " ", line)
+            self.assertNotEqual(line[value], " ", line)
+        self.assertIn("no icon", self.run_tool("vault", "icon").out)
+        self.assertIn("kein Symbol", self.run_tool("vault", "icon", "--lang", "de").out)
+        self.assertIn("keine Farbe", self.run_tool("vault", "color", "--lang", "de").out)
+
+    def test_every_label_stands_in_the_tables(self):
+        with open(os.path.join(RESOURCES, "Locales/en.lproj/Localizable.strings")) as table:
+            known = set(re.findall(r'(?m)^"(.*)" = ', table.read()))
+        labels = set()
+        for folder in ("commands", "fields", "output"):
+            for name in os.listdir(os.path.join(SOURCE, folder)):
+                if name.endswith(".cpp") and not name.endswith("_test.cpp"):
+                    with open(os.path.join(SOURCE, folder, name)) as source:
+                        labels |= set(re.findall(
+                            r'(?:QNLocalizedString|localizedFormat|label|(?<!\.)line)\("([^"\\]+)"[,)]',
+                            source.read()))
+        self.assertGreater(len(labels), 25)
+        self.assertEqual(labels - known, set())
+
+    def test_dates_in_arabic_are_printed_whole_and_taken_as_they_are_printed(self):
+        uuid = self.create("passport", "--set", "birthdate=2024-07-04")
+        for tag in ("ar", "ar-EG", "ar-AE"):
+            fields = self.fields(uuid, "--lang", tag)
+            shown = fields["birthdate"]["display"]
+            sheet = self.run_tool("show", uuid, "--lang", tag).out
+            self.assertNotIn("\\u{", sheet)
+            self.assertIn(shown, sheet)
+            for typed in (shown, re.sub("[\u200e\u200f\u061c]", "", shown)):
+                self.run_tool("edit", uuid, "--set", "birthdate=2001-01-01")
+                self.run_tool("edit", uuid, "--set", "birthdate=" + typed, "--lang", tag)
+                self.assertEqual(self.run_tool("show", uuid, "--field", "birthdate").out,
+                                 "2024-07-04\n", tag)
+
+    def test_marks_of_direction_in_what_others_wrote_stay_escaped(self):
+        uuid = self.create("passport", "--set", "fullname=a\u200fb\u202ec", "--add-field",
+                           "T\u200fx:date=2024-07-04", "--set", "title=S\u200e")
+        for arguments in (["show", uuid], ["list"]):
+            out = self.run_tool(*arguments, "--lang", "ar").out
+            self.assertNotIn("\u202e", out)
+            self.assertIn("S\\u{200e}", out)
+            self.assertNotIn("S\u200e", out)
+        out = self.run_tool("show", uuid, "--lang", "ar").out
+        self.assertIn("a\\u{200f}b\\u{202e}c", out)
+        self.assertIn("T\\u{200f}x", out)
+
+    def test_a_card_that_was_added_in_arabic_has_a_readable_subtitle_in_a_list(self):
+        self.environment["LANG"] = "ar_EG.UTF-8"
+        self.create("credit-card", "--set", "ccnum=4111 1111 1111 1111")
+        self.assertTrue(self.run_tool("list").out.endswith("  4111 **** 1111\n"))
 
     def test_json_names_stay_the_same_in_every_language(self):
         for language in ("en", "de", "ja", "ar"):
@@ -415,6 +525,93 @@ class Fields(CategoryTest):
         self.run_tool("edit", uuid, "--add-field", "A.B:totp=-", stdin="no seed!", code=2)
         self.assertEqual(self.run_tool("show", uuid, "--field", "username").out, "jo\n")
 
+    def test_an_address_that_is_taken_away_is_none_in_every_country(self):
+        uuid = self.create("bank-account", "--set", "branchAddress.city=Ulm")
+        for changes in (["branchAddress="],
+                        ["branchAddress.country=de", "branchAddress.city=",
+                         "branchAddress.country="]):
+            self.run_tool("edit", uuid, "--set", "branchAddress.street=S", "--set",
+                          "branchAddress.country=de")
+            self.assertEqual(self.run_tool("show", uuid, "--field", "branchAddress.street").out,
+                             "S\n")
+            self.run_tool("edit", uuid, "--set", "branchAddress.street=",
+                          *(part for change in changes for part in ("--set", change)))
+            for language in ("de_DE.UTF-8", "en_US.UTF-8"):
+                self.environment["LANG"] = language
+                field = self.fields(uuid)["branchAddress"]
+                self.assertEqual((field["value"], field["display"]), (None, ""))
+                self.run_tool("show", uuid, "--field", "branchAddress", code=4)
+                self.run_tool("show", uuid, "--field", "branchAddress.country", code=4)
+                self.assertNotIn("branchInfo", self.run_tool("show", uuid).out)
+        self.run_tool("edit", uuid, "--set", "branchAddress.city=Bonn")
+        self.assertEqual(self.fields(uuid)["branchAddress"]["value"], {"city": "Bonn"})
+
+    def test_an_address_that_was_never_filled_in_prints_nothing(self):
+        uuid = self.create("bank-account")
+        self.run_tool("show", uuid, "--field", "branchAddress", code=4)
+        self.assertIsNone(self.fields(uuid)["branchAddress"]["value"])
+
+    def test_without_a_terminal_a_secret_names_the_options_that_give_it(self):
+        uuid = self.create("router")
+        for arguments, wanted in (
+                (["edit", uuid, "--set", "disk_password"],
+                 ["--set disk_password=-", "--set-file disk_password=FILE"]),
+                (["edit", uuid, "--add-field", "A.B:concealed"], ["--add-field TITLE:concealed=-"]),
+                (["add", "login", "--title", "T", "--password"], ["--password=-", "--generate"])):
+            result = self.run_raw(*arguments, "--password-file", self.write("p", PASSWORD))
+            self.assertEqual((result.code, result.out), (2, ""), arguments)
+            for option in wanted:
+                self.assertIn(option, result.err)
+            self.assertNotIn("--password-stdin", result.err)
+
+    def test_what_is_not_utf8_is_told_where_it_came_from(self):
+        uuid = self.create("router")
+        bad = self.write("bad.txt", b"\xff")
+        result = self.run_tool("edit", uuid, "--set-file", "name=" + bad, code=2)
+        self.assertIn("bad.txt isn't UTF-8 text", result.err)
+        result = self.run_raw("edit", uuid, "--set", "password=-", "--password-file",
+                              self.write("p", PASSWORD), stdin=b"\xff")
+        self.assertEqual(result.code, 2)
+        self.assertIn("standard input isn't UTF-8 text", result.err)
+        result = self.run_tool("edit", uuid, "--set", b"name=\xff", code=2)
+        self.assertIn("--set: the value isn't UTF-8 text", result.err)
+        result = self.run_tool("find", b"\xff", code=2)
+        self.assertIn("WORDS: the value isn't UTF-8 text", result.err)
+
+    def test_tags_come_and_go(self):
+        uuid = self.create("router", "--tag", "home", "--tag", "Büro")
+        self.run_tool("edit", uuid, "--tag", "new", "--tag", "home", "--untag", "büro")
+        self.assertEqual(self.show(uuid)["tags"], ["home", "new"])
+        self.assertIn("Tags:       home, new\n", self.run_tool("show", uuid).out)
+        before = self.read("vault.qn")
+        result = self.run_tool("edit", uuid, "--tag", "x", "--untag", "none", code=4)
+        self.assertIn("none: the item has no such tag", result.err)
+        self.run_tool("edit", uuid, "--tag", "", code=2)
+        self.run_tool("edit", uuid, "--tag", "new")
+        self.assertEqual(self.read("vault.qn"), before)
+        self.run_tool("edit", uuid, "--untag", "home", "--untag", "new")
+        self.assertEqual(self.show(uuid)["tags"], [])
+        self.assertNotIn("Tags", self.run_tool("show", uuid).out)
+        login = self.add("Login", "--tag", "b", "--tag", "a")
+        for arguments, titles in ((["list", "--tag", "A"], ["Login"]), (["list", "--tag", "c"], []),
+                                  (["find", "log", "--tag", "b"], ["Login"]),
+                                  (["list", "--tag", "b", "--category", "router"], [])):
+            found = self.run_tool(*arguments, "--json").json
+            self.assertEqual([item["title"] for item in found], titles, arguments)
+        self.assertEqual(self.show(login)["tags"], ["a", "b"])
+        self.assertNotIn("tags", self.run_tool("list", "--json").json[0])
+
+    def test_the_mark_of_a_favorite_comes_and_goes(self):
+        uuid = self.create("router")
+        self.run_tool("edit", uuid, "--favorite")
+        self.assertIs(self.show(uuid)["favorite"], True)
+        before = self.read("vault.qn")
+        self.run_tool("edit", uuid, "--favorite")
+        self.assertEqual(self.read("vault.qn"), before)
+        self.run_tool("edit", uuid, "--no-favorite")
+        self.assertIs(self.show(uuid)["favorite"], False)
+        self.run_tool("edit", uuid, "--favorite", "--no-favorite", code=2)
+
     def test_a_field_of_the_users_own_can_be_taken_away(self):
         uuid = self.create("secure-note", "--add-field", "Note:string=x", "--notes", "N")
         self.assertEqual(self.run_tool("show", uuid, "--field", "Note").out, "x\n")
@@ -440,12 +637,21 @@ class Fields(CategoryTest):
         self.assertEqual(self.show(uuid)["urls"], [])
         self.run_tool("show", uuid, "--field", "password", code=4)
 
-    def test_a_day_is_the_same_in_neighbouring_time_zones(self):
+    def test_a_day_is_the_same_from_one_end_of_the_world_to_the_other(self):
         uuid = self.create("passport", "--set", "birthdate=2024-07-04")
-        for zone in ("America/New_York", "UTC", "Asia/Tokyo", "Europe/Berlin"):
+        for zone in ("Pacific/Pago_Pago", "America/New_York", "UTC", "Asia/Tokyo", "Europe/Berlin",
+                     "Pacific/Auckland", "Pacific/Chatham"):
             self.environment["TZ"] = zone
             self.assertEqual(self.run_tool("show", uuid, "--field", "birthdate").out,
                              "2024-07-04\n", zone)
+
+    def test_who_types_a_day_sees_that_day(self):
+        for zone in ("Pacific/Pago_Pago", "Pacific/Auckland", "Pacific/Kiritimati", "Etc/GMT+12"):
+            self.environment["TZ"] = zone
+            for day in ("2024-07-04", "2024-12-24"):
+                uuid = self.create("passport", "--set", "birthdate=" + day)
+                self.assertEqual(self.run_tool("show", uuid, "--field", "birthdate").out,
+                                 day + "\n", zone)
 
     def test_control_characters_in_titles_are_escaped(self):
         uuid = self.create("secure-note", "--add-field", "A\x1b[31m.B\x07:string=x\x1b[0m")

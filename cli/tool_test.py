@@ -832,6 +832,12 @@ class Passwords(ToolTest):
         self.assertEqual(result.code, 2)
         self.assertIn("--password-stdin", result.err)
 
+    def test_a_password_that_is_not_text_is_told_to_be_none(self):
+        self.make_store()
+        result = self.run_raw("list", "--password-stdin", stdin=b"\xff\n")
+        self.assertEqual((result.code, result.out), (3, ""))
+        self.assertIn("isn't UTF-8 text", result.err)
+
     def test_no_password_at_all_is_wrong_usage(self):
         self.make_store()
         self.assertEqual(self.run_raw("list", "--password-stdin", stdin="").code, 2)
@@ -1267,15 +1273,31 @@ class OneTimePasswords(ToolTest):
                 ("otpauth://totp/x", "no seed"),
                 ("GEZDGNA", "too short"),
                 ("GEZDGNB1", "letters and the digits 2 to 7"),
-                ("GEZDGNBVG", "isn't whole")):
+                ("GEZDGNBVG", "isn't whole"),
+                ("GEZDGNBVGY3TQOJQ=", "where none belongs"),
+                ("otpauth://totp/x?secret=GEZDGNBVGY3TQOJQ%3D%3D", "where none belongs")):
             result = self.run_raw("otp", "--url", text)
             self.assertEqual((result.code, result.out), (1, ""), text)
             self.assertIn(reason, result.err)
             self.assertNotIn("GEZDG", result.err)
             reasons.setdefault(result.err, text)
-        self.assertEqual(len(reasons), 10)  # two of the texts are empty
+        result = self.run_raw("otp", "--url", "-", stdin=b"A" * ((16 << 20) + 2))
+        self.assertEqual(result.code, 2)
+        self.assertIn("standard input is longer than 16 MiB", result.err)
+        self.assertEqual(len(reasons), 11)  # two of the texts are empty, two have padding
+        result = self.run_raw("otp", "--url-file", self.write("bad", b"\xff"))
+        self.assertEqual((result.code, result.out), (1, ""))
+        self.assertIn("isn't UTF-8 text", result.err)
+        self.assertEqual(self.run_raw("otp", "--url", b"\xff").code, 2)
         self.add_seeds(("Bad", "otpauth://hotp/x?secret=" + self.SEED))
         self.assertIn("by the clock", self.run_tool("otp", "Bad", code=1).err)
+
+    def test_a_dash_asks_on_a_terminal_without_echo(self):
+        terminal = Terminal(self, "otp", "--url", "-", "--at", "59", capture=True)
+        terminal.answer("URL or seed: ", self.SEED)
+        self.assertEqual(terminal.end(), 0)
+        self.assertNotIn(b"GEZDG", terminal.output)
+        self.assertTrue(terminal.captured().startswith("287082"))
 
     def test_an_item_without_one_is_4(self):
         self.make_store()
@@ -1490,12 +1512,20 @@ class Vaults(ToolTest):
         self.assertIsNone(self.column("icon"))
         self.run_tool("check")
 
+    def test_an_icon_may_be_a_drawing_and_help_says_so(self):
+        drawing = self.write("a.svg", '<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16">'
+                                      '<rect width="16" height="16" fill="#336699"/></svg>')
+        self.run_tool("vault", "icon", "--set", drawing)
+        self.assertTrue(self.column("icon").startswith(b"\x89PNG\r\n"))
+        self.assertIn("PNG, JPEG or SVG", self.run_raw("vault", "icon", "--help").out)
+
     def test_what_is_no_picture_leaves_the_icon_alone(self):
         self.run_tool("vault", "icon", "--set", self.write("a.png", png(16, 16)))
         before = self.column("icon")
         for content in (b"", b"GIF89a", b"Dear Sir"):
             result = self.run_tool("vault", "icon", "--set", self.write("x", content), code=1)
             self.assertIn("no picture", result.err)
+            self.assertIn("PNG, JPEG and SVG", result.err)
         self.run_tool("vault", "icon", "--set", self.path("none.png"), code=7)
         self.run_tool("vault", "icon", "--set", self.path("a.png"), "--vault", "none", code=4)
         self.run_tool("vault", "icon", "--save", "/proc/none/b.png", code=7)

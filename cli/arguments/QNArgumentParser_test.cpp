@@ -247,7 +247,7 @@ TEST(QNArgumentParser, ReadsAnItemOfAnyCategory) {
   EXPECT_EQ(add.category, "bank-account");
   EXPECT_EQ(add.title, "T");
   EXPECT_EQ(add.notes, "N");
-  EXPECT_EQ(add.tags, (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(add.edits.tags, (std::vector<std::string>{"a", "b"}));
   EXPECT_TRUE(add.favorite);
   EXPECT_EQ(add.edits.settings.size(), 1u);
   EXPECT_EQ(parsedAs<QNAddArguments>({"add", "--title", "T", "001"}).category, "001");
@@ -255,19 +255,77 @@ TEST(QNArgumentParser, ReadsAnItemOfAnyCategory) {
 }
 
 TEST(QNArgumentParser, ALoginTakesNothingThatIsForOtherCategories) {
-  EXPECT_THAT(refusal({"add", "login", "--title", "T", "--tag", "a"}), HasSubstr("--tag"));
   EXPECT_THAT(refusal({"add", "login", "--title", "T", "--set", "a=b"}), HasSubstr("--set"));
   EXPECT_THAT(refusal({"add", "login", "router", "--title", "T"}), HasSubstr("more arguments"));
   EXPECT_THAT(refusal({"add", "router", "login", "--title", "T"}), HasSubstr("more arguments"));
 }
 
-TEST(QNArgumentParser, TakesTheTagOfALanguageInTwoForms) {
+TEST(QNArgumentParser, TakesTheTagOfALanguageInTwoFormsAndAnyCase) {
   EXPECT_EQ(parsed({"list"}).value().global.language, "");
   EXPECT_EQ(parsed({"list", "--lang", "pt-BR"}).value().global.language, "pt-BR");
   EXPECT_EQ(parsed({"--lang=de_DE", "list"}).value().global.language, "de-DE");
-  for (const char* const tag : {"", "d", "../de", "de DE", "de.UTF-8"}) {
-    EXPECT_THAT(refusal({"list", "--lang", tag}), HasSubstr("--lang")) << tag;
+  EXPECT_EQ(parsed({"list", "--lang", "DE"}).value().global.language, "de");
+  EXPECT_EQ(parsed({"list", "--lang", "pt-br"}).value().global.language, "pt-BR");
+  EXPECT_EQ(parsed({"list", "--lang", "AR_ARAB_eg"}).value().global.language, "ar-Arab-EG");
+}
+
+TEST(QNArgumentParser, RefusesALanguageThatItDoesNotSpeakAndTellsThoseThatItDoes) {
+  for (const char* const tag : {"", "d", "xx", "tlh", "zh-CN", "german", "../de", "de DE",
+                                "de.UTF-8", "de-", "de--DE", "-de", "de-\xff"}) {
+    EXPECT_THAT(refusal({"list", "--lang", tag}), HasSubstr("ar, de, en, es, fr, ja, pt")) << tag;
   }
+}
+
+TEST(QNArgumentParser, TakesAndRemovesTags) {
+  using testing::ElementsAre;
+  EXPECT_THAT(
+      parsedAs<QNAddArguments>({"add", "router", "--title", "T", "--tag", "a", "--tag", "b"})
+          .edits.tags,
+      ElementsAre("a", "b"));
+  EXPECT_THAT(parsedAs<QNAddLoginArguments>({"add", "login", "--title", "T", "--tag", "a"}).tags,
+              ElementsAre("a"));
+  const auto edits =
+      parsedAs<QNEditArguments>({"edit", "T", "--tag", "a", "--untag", "b", "--untag", "c"}).edits;
+  EXPECT_THAT(edits.tags, ElementsAre("a"));
+  EXPECT_THAT(edits.tagsToRemove, ElementsAre("b", "c"));
+  for (const char* const option : {"--tag", "--untag"}) {
+    EXPECT_THAT(refusal({"edit", "T", option, " "}), HasSubstr("a name")) << option;
+  }
+}
+
+TEST(QNArgumentParser, RefusesTextsThatAreNotUTF8UnderTheNameOfTheirOption) {
+  const std::string bad = "\xff";
+  for (const std::vector<std::string>& line :
+       {std::vector<std::string>{"add", "login", "--title", bad},
+        {"add", "login", "--title", "T", "--username", bad},
+        {"add", "login", "--title", "T", "--url", bad},
+        {"add", "login", "--title", "T", "--tag", bad},
+        {"add", "router", "--title", "T", "--notes", bad},
+        {"add", "router", "--title", "T", "--set", bad},
+        {"add", "router", "--title", "T", "--add-field", bad},
+        {"edit", "T", "--unset", bad},
+        {"edit", "T", "--untag", bad},
+        {"edit", "T", "--set-file", bad + "=file"},
+        {"find", "--url", bad},
+        {"list", "--category", bad},
+        {"show", "T", "--field", bad},
+        {"otp", "--url", bad},
+        {"init", "--hint", bad},
+        {"list", "--vault", bad}}) {
+    EXPECT_THAT(refusal(line), testing::MatchesRegex("--[a-z-]+: the .* isn't UTF-8 text"));
+  }
+  EXPECT_THAT(refusal({"show", bad}), HasSubstr("ITEM: "));
+  EXPECT_THAT(refusal({"find", bad}), HasSubstr("WORDS: "));
+  EXPECT_THAT(refusal({"template", bad}), HasSubstr("CATEGORY: "));
+  EXPECT_THAT(refusal({"vault", "add", bad}), HasSubstr("NAME: "));
+}
+
+TEST(QNArgumentParser, FilesMayHaveAnyName) {
+  const std::string file = "\xff.csv";
+  EXPECT_EQ(parsedAs<QNImportArguments>({"import", file}).file, file);
+  EXPECT_EQ(parsedAs<QNOTPArguments>({"otp", "--url-file", file}).urlFile, file);
+  const auto edits = parsedAs<QNEditArguments>({"edit", "T", "--set-file", "a=" + file}).edits;
+  EXPECT_EQ(edits.settings.at(0).value.file, file);
 }
 
 TEST(QNArgumentParser, FindTakesWordsOrAnAddress) {

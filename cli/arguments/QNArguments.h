@@ -18,6 +18,7 @@ struct QNPasswordSource {
   Kind kind = Kind::terminal;
   std::filesystem::path file;
   int descriptor = -1;
+  std::string prefix;  // of its options: "password" for --password-file and the others
 };
 
 struct QNGlobalArguments {
@@ -64,12 +65,16 @@ struct QNFieldAddition {
 };
 /// Changes to the content of one item: fields are added, then set, then removed.
 struct QNItemEdits {
+  std::vector<std::string> tags;
+  std::vector<std::string> tagsToRemove;
+  std::optional<bool> favorite;
   std::vector<QNFieldAddition> additions;
   std::vector<QNFieldSetting> settings;
   std::vector<std::string> removals;
   bool generate = false;  // a new password
   [[nodiscard]] bool empty() const {
-    return additions.empty() && settings.empty() && removals.empty() && !generate;
+    return tags.empty() && tagsToRemove.empty() && !favorite && additions.empty() &&
+           settings.empty() && removals.empty() && !generate;
   }
 };
 
@@ -85,6 +90,7 @@ struct QNListArguments {
   bool trashed = false;
   bool withUUIDs = false;
   std::optional<std::string> category;
+  std::optional<std::string> tag;
   QNListOrder order = QNListOrder::title;
 };
 /// Either words or an address.
@@ -93,6 +99,7 @@ struct QNFindArguments {
   std::optional<std::string> url;
   bool withUUIDs = false;
   std::optional<std::string> category;
+  std::optional<std::string> tag;
 };
 struct QNShowArguments {
   std::string item;
@@ -104,7 +111,6 @@ struct QNAddArguments {
   std::string category;
   std::string title;
   std::optional<std::string> notes;
-  std::vector<std::string> tags;
   bool favorite = false;
   QNItemEdits edits;
 };
@@ -113,6 +119,7 @@ struct QNAddLoginArguments {
   std::optional<std::string> username;
   std::vector<std::string> urls;
   std::optional<std::string> notes;
+  std::vector<std::string> tags;
   QNItemPassword password = QNItemPassword::none;
   bool favorite = false;
 };

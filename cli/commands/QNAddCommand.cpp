@@ -22,35 +22,33 @@ std::shared_ptr<QNItem> makeLogin(const std::shared_ptr<QNProfile>& vault,
   item->removeDuplicateURLs();
   if (arguments.username) item->setUsername(*arguments.username);
   if (arguments.notes) item->setNotesPlain(*arguments.notes);
+  item->setTags({arguments.tags.begin(), arguments.tags.end()});
   if (arguments.favorite) item->setFaveIndex(QNItem::newItemFaveIndex());
   return item;
 }
 
-// What an item would be saved with, or lost with.
-QNResult<QNDone> checkTexts(const std::string& title, const std::optional<std::string>& notes,
-                            const std::optional<std::string>& username) {
-  if (isBlankText(title)) {
-    return toolError(QNExit::wrongUsage, "an item needs a title, by which it is found");
-  }
-  const bool areTexts =
-      isUTF8(title) && isUTF8(notes.value_or("")) && isUTF8(username.value_or(""));
-  if (!areTexts) return toolError(QNExit::wrongUsage, "a value isn't UTF-8 text");
-  return QNDone{};
+QNResult<QNDone> requireTitle(const std::string& title) {
+  if (!isBlankText(title)) return QNDone{};
+  return toolError(QNExit::wrongUsage, "an item needs a title, by which it is found");
 }
 
+// Before a password is asked for.
 QNResult<std::string> categoryFor(const QNAddArguments& arguments) {
   auto uuid = categoryNamed(arguments.category);
-  if (uuid) return std::move(*uuid);
-  return toolError(QNExit::wrongUsage, "there is no such category; quillon categories lists them");
+  if (!uuid) {
+    return toolError(QNExit::wrongUsage,
+                     "there is no such category; quillon categories lists them");
+  }
+  if (isAvailable(*uuid)) return std::move(*uuid);
+  return toolError(QNExit::failed,
+                   fmt::format("a local vault doesn't take items of {}; quillon categories tells "
+                               "what it takes",
+                               shownText(titleOfCategory(*uuid))));
 }
 
 QNResult<std::shared_ptr<QNItem>> makeItem(const std::shared_ptr<QNProfile>& vault,
                                            const std::string& category,
                                            const QNAddArguments& arguments) {
-  if (!vault->supportsCategoryUUID(category)) {
-    return toolError(QNExit::failed, fmt::format("this vault doesn't take items of {}",
-                                                 shownText(titleOfCategory(category))));
-  }
   auto item = vault->newItemForCategoryUUID(category);
   if (item == nullptr) {
     return toolError(QNExit::failed,
@@ -59,7 +57,6 @@ QNResult<std::shared_ptr<QNItem>> makeItem(const std::shared_ptr<QNProfile>& vau
   item->setProfile(vault);
   item->setTitle(arguments.title);
   if (arguments.notes) item->setNotesPlain(*arguments.notes);
-  item->setTags({arguments.tags.begin(), arguments.tags.end()});
   if (arguments.favorite) item->setFaveIndex(QNItem::newItemFaveIndex());
   const auto edited = editItem(*item, arguments.edits);
   if (!edited) return edited.error();
@@ -81,7 +78,7 @@ QNCommandResult saveNew(Global global, const QNVaultSession& session,
 QNCommandResult runCommand(Global global, const QNAddArguments& arguments) {
   const auto category = categoryFor(arguments);
   if (!category) return category.error();
-  const auto checked = checkTexts(arguments.title, arguments.notes, std::nullopt);
+  const auto checked = requireTitle(arguments.title);
   if (!checked) return checked.error();
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
@@ -91,7 +88,7 @@ QNCommandResult runCommand(Global global, const QNAddArguments& arguments) {
 }
 
 QNCommandResult runCommand(Global global, const QNAddLoginArguments& arguments) {
-  const auto checked = checkTexts(arguments.title, arguments.notes, arguments.username);
+  const auto checked = requireTitle(arguments.title);
   if (!checked) return checked.error();
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();

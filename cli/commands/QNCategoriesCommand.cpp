@@ -7,6 +7,7 @@
 #include "cli/fields/QNCategoryNames.h"
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
+#include "quillon/platform/text/QNLocalization.h"
 #include "quillon/templates/QNCategoryUUID.h"
 
 namespace quillon {
@@ -17,14 +18,14 @@ struct Category {
   std::uint64_t items = 0;
 };
 
-// What the vault takes, and then what it holds all the same.
+// What the vault takes, what it doesn't, and what it holds of categories that nobody knows.
 QNResult<std::vector<Category>> categoriesOf(QNStore& store, const QNProfile& vault) {
   const auto counts = store.categories(vault);
   if (!counts) return counts.error();
   std::vector<Category> categories;
-  for (std::string& uuid : knownCategoryUUIDs()) {
-    if (vault.supportsCategoryUUID(uuid)) categories.push_back({std::move(uuid), 0});
-  }
+  for (std::string& uuid : knownCategoryUUIDs()) categories.push_back({std::move(uuid), 0});
+  std::stable_partition(categories.begin(), categories.end(),
+                        [](const Category& each) { return isAvailable(each.uuid); });
   for (const auto& [uuid, items] : counts.value()) {
     if (uuid == QNCategoryUUIDTombstone) continue;
     const std::string& counted = uuid;
@@ -50,15 +51,18 @@ QNCommandResult runCommand(Global global, const QNCategoriesArguments&) {
   for (const Category& category : categories.value()) {
     const std::string_view name = nameOfCategory(category.uuid);
     const std::string title = titleOfCategory(category.uuid);
+    const bool isTaken = isAvailable(category.uuid);
     if (global.json) {
       list.push_back({{"uuid", category.uuid},
                       {"name", name.empty() ? Json(nullptr) : Json(name)},
                       {"title", title},
+                      {"available", isTaken},
                       {"items", category.items}});
     } else {
-      out.line(fmt::format("{}  {}  {}  {}", padded(shownText(category.uuid), 3),
+      out.line(fmt::format("{}  {}  {}  {}{}", padded(shownText(category.uuid), 3),
                            padded(std::string(name), 22), padded(shownText(title), 25),
-                           category.items));
+                           category.items,
+                           isTaken ? "" : "  " + QNLocalizedString("not in local vaults")));
     }
   }
   if (global.json) {

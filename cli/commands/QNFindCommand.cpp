@@ -1,6 +1,6 @@
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNVaultSession.h"
-#include "cli/fields/QNCategoryFilter.h"
+#include "cli/fields/QNItemFilter.h"
 #include "cli/output/QNListing.h"
 #include "cli/output/QNTitleSearch.h"
 
@@ -8,12 +8,12 @@ namespace quillon {
 namespace {
 
 QNCommandResult findByTitle(Global global, const QNFindArguments& arguments,
-                            const QNCategoryFilter& category, const QNVaultSession& session) {
+                            const QNItemFilter& filter, const QNVaultSession& session) {
   const QNTitleSearch search(arguments.words);
   QNListing listing(listForm(global.json, arguments.withUUIDs));
   const auto report = session.store().list(session.vault(), QNStore::Which::normal,
                                            [&](const std::shared_ptr<QNItem>& item) {
-                                             if (!category.admits(*item)) return;
+                                             if (!filter.admits(*item)) return;
                                              const auto rank = search.rankOf(item->title());
                                              if (rank) listing.add(*item, *rank);
                                            });
@@ -25,14 +25,14 @@ QNCommandResult findByTitle(Global global, const QNFindArguments& arguments,
 
 // In the order in which they would be offered for the page.
 QNCommandResult findByWebsite(Global global, const QNFindArguments& arguments,
-                              const QNCategoryFilter& category, const QNVaultSession& session) {
+                              const QNItemFilter& filter, const QNVaultSession& session) {
   const auto set = session.store().itemSetForURL(session.vault(), *arguments.url);
   if (!set) return set.error();
   set.value()->limitMatchesToDerivedDomain = true;  // the page's own host first
   QNListing listing(listForm(global.json, arguments.withUUIDs));
   std::uint32_t rank = 0;
   for (const auto& item : set.value()->matchingItems()) {
-    if (category.admits(*item)) listing.add(*item, rank++);
+    if (filter.admits(*item)) listing.add(*item, rank++);
   }
   QNOutput out;
   listing.print(out);
@@ -42,12 +42,12 @@ QNCommandResult findByWebsite(Global global, const QNFindArguments& arguments,
 }  // namespace
 
 QNCommandResult runCommand(Global global, const QNFindArguments& arguments) {
-  const auto category = categoryFilter(arguments.category);
-  if (!category) return category.error();
+  const auto filter = itemFilter(arguments.category, arguments.tag);
+  if (!filter) return filter.error();
   const auto session = QNVaultSession::open(global, QNStore::Access::readOnly);
   if (!session) return session.error();
-  return arguments.url ? findByWebsite(global, arguments, category.value(), session.value())
-                       : findByTitle(global, arguments, category.value(), session.value());
+  return arguments.url ? findByWebsite(global, arguments, filter.value(), session.value())
+                       : findByTitle(global, arguments, filter.value(), session.value());
 }
 
 }  // namespace quillon

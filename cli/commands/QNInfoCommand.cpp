@@ -1,10 +1,14 @@
 #include <fmt/format.h>
 
+#include <array>
+
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNVaultSession.h"
 #include "cli/fields/QNCategoryNames.h"
+#include "cli/output/QNLabels.h"
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
+#include "quillon/platform/text/QNLocalization.h"
 
 namespace quillon {
 namespace {
@@ -64,17 +68,27 @@ JsonObject jsonOf(const Info& info) {
           {"schema", info.schema}};
 }
 
+// What stands before the values, in the user's language.
+constexpr std::array<std::string_view, 7> kLabels = {"Store",    "Schema", "Vault", "Items",
+                                                     "In trash", "Key",    "Hint"};
+constexpr std::size_t kLabelWidth = 13;
+
 void print(QNOutput& out, const QNGlobalArguments& global, const Info& info) {
-  out.line(fmt::format("Store:       {}", shownText(global.store.string())));
-  out.line(fmt::format("Schema:      {}", info.schema));
-  out.line(fmt::format("Vault:       {}", shownText(info.vault)));
-  out.line(fmt::format("Items:       {}", info.items));
+  const QNLabels labels(kLabels, kLabelWidth);
+  const auto line = [&](std::string_view key, const std::string& value) {
+    out.line(labels.labelFor(key) + value);
+  };
+  line("Store", shownText(global.store.string()));
+  line("Schema", std::to_string(info.schema));
+  line("Vault", shownText(info.vault));
+  line("Items", std::to_string(info.items));
   for (const Category& category : info.categories) {
     out.line(fmt::format("  {} {}", padded(shownText(category.name) + ":", 20), category.items));
   }
-  out.line(fmt::format("In trash:    {}", info.trashed));
-  out.line(fmt::format("Key:         Argon2id, {} KiB, {} passes", info.memoryKiB, kPasses));
-  if (!info.hint.empty()) out.line(fmt::format("Hint:        {}", shownText(info.hint)));
+  line("In trash", std::to_string(info.trashed));
+  line("Key", fmt::format("Argon2id, {} KiB, {}", info.memoryKiB,
+                          localizedFormat("%jd passes", std::to_string(kPasses))));
+  if (!info.hint.empty()) line("Hint", shownText(info.hint));
 }
 
 }  // namespace

@@ -3,10 +3,12 @@
 
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNItemChoice.h"
+#include "cli/fields/QNSeedFault.h"
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNQRCode.h"
 #include "cli/terminal/QNInput.h"
 #include "cli/terminal/QNMessages.h"
+#include "cli/terminal/QNPrompt.h"
 #include "quillon/fields/QNItemField.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/text/QNText.h"
@@ -36,6 +38,9 @@ QNResult<Source> sourceOfItem(Global global, std::string_view name) {
 }
 
 QNResult<QNSecret> readURL(const QNOTPArguments& arguments) {
+  if (arguments.url == "-" && isatty(STDIN_FILENO) == 1) {
+    return promptForSecret("URL or seed: ", "it with --url-file");
+  }
   if (arguments.url == "-") return readSecret(STDIN_FILENO);
   if (arguments.url) return QNSecret(*arguments.url);
   const auto content = readFile(arguments.urlFile, kMaxURLBytes);
@@ -48,34 +53,6 @@ QNResult<Source> sourceFor(Global global, const QNOTPArguments& arguments) {
   auto text = readURL(arguments);
   if (!text) return text.error();
   return Source{std::move(text).value(), "Quillon"};
-}
-
-std::string_view reasonFor(const QNError& error) {
-  if (error.code == QNTOTPGenerator::kErrorEmptyURL) return "there is no text to make one of";
-  const auto cause = TOTPError::fromError(error);
-  if (!cause) return "no code can be computed; is memory short?";
-  switch (*cause) {
-    case TOTPError::InvalidDigits:
-      return "its number of digits isn't 6 to 10";
-    case TOTPError::InvalidUriHost:
-      return "it isn't of the kind that goes by the clock: the URL should begin with "
-             "otpauth://totp/";
-    case TOTPError::InvalidPeriod:
-      return "its period isn't 1 to 300 seconds";
-    case TOTPError::InvalidAlgorithm:
-      return "its algorithm isn't SHA1, SHA256 or SHA512";
-    case TOTPError::InvalidScheme:
-      return "its URL isn't one of one-time passwords, which begins with otpauth:// or steam://";
-    case TOTPError::NoSecret:
-      return "it has no seed";
-    case TOTPError::SecretTooShort:
-      return "its seed is too short; was it cut?";
-    case TOTPError::SecretNotBase32:
-      return "its seed has characters other than letters and the digits 2 to 7";
-    case TOTPError::SecretFailedDecoding:
-      return "its seed isn't whole: a character is missing, or there is one too many";
-  }
-  return "no code can be computed";
 }
 
 // As URLs write it: letters, digits and four marks stay.
@@ -142,11 +119,12 @@ QNCommandResult runCommand(Global global, const QNOTPArguments& arguments) {
   using Seconds = std::chrono::duration<double>;
   const auto at = arguments.at.value_or(static_cast<std::int64_t>(secondsNow()));
   // The seed is read into a key that wipes itself.
-  const auto result = QNTOTPGenerator::generate(
-      source.value().text.reveal(), QNTOTPGenerator::Date(Seconds(static_cast<double>(at))));
+  const std::string_view text = source.value().text.reveal();
+  const auto result =
+      QNTOTPGenerator::generate(text, QNTOTPGenerator::Date(Seconds(static_cast<double>(at))));
   if (!result) {
     return toolError(QNExit::failed, fmt::format("the one-time password can't be used: {}",
-                                                 reasonFor(result.error())));
+                                                 reasonForNoCode(result.error(), text)));
   }
   return arguments.drawsQRCode ? drawQRCode(global, source.value()) : print(global, result.value());
 }

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <ctime>
 
 #include "cli/commands/QNCommands.h"
@@ -9,10 +10,12 @@
 #include "cli/fields/QNFieldChoice.h"
 #include "cli/fields/QNItemEditing.h"
 #include "cli/output/QNItemJson.h"
+#include "cli/output/QNLabels.h"
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/logins/QNLogin.h"
+#include "quillon/platform/text/QNLocalization.h"
 
 namespace quillon {
 namespace {
@@ -30,20 +33,26 @@ constexpr std::size_t kNameWidth = 12;
 // Lines of "Name:     value"; an absent value has none.
 class Sheet {
  public:
-  explicit Sheet(QNOutput& out, std::size_t width = kNameWidth, std::string_view margin = "")
+  Sheet(QNOutput& out, std::size_t width, std::string_view margin = "")
       : _out(out), _width(width), _margin(margin) {}
 
   void add(std::string_view name, std::optional<std::string_view> value) {
-    if (!value || value->empty()) return;
-    _out.text(_margin);
-    _out.text(padded(fmt::format("{}:", name), _width));
-    _out.line(indented(shownLines(*value)));
+    if (value && !value->empty()) addShown(name, shownLines(*value));
+  }
+  // What the language itself writes, with its marks of direction.
+  void addOwn(std::string_view name, std::string_view value) {
+    if (!value.empty()) addShown(name, shownOwnLines(value));
   }
   void addSecret(std::string_view name, const std::optional<QNSecret>& value, bool reveal) {
     if (value) add(name, reveal ? value->reveal() : kDots);  // the user asked for it
   }
 
  private:
+  void addShown(std::string_view name, const std::string& lines) {
+    _out.text(_margin);
+    _out.text(padded(fmt::format("{}:", name), _width));
+    _out.line(indented(lines));
+  }
   // Lines of notes stand below each other.
   [[nodiscard]] std::string indented(const std::string& lines) const {
     std::string text;
@@ -58,16 +67,16 @@ class Sheet {
   std::string_view _margin;
 };
 
-// Those that have a value. A section with a title stands below it, a little to the right.
+// Those that have a value, as wide as the item's own at least. A section with a title stands below
+// it, a little to the right.
 void addSection(QNOutput& out, const QNFieldSection& section, const QNFieldTexts& texts,
-                bool reveal) {
+                std::size_t width, bool reveal) {
   std::vector<QNItemFieldRef> fields = section.fields();
   fields.erase(std::remove_if(fields.begin(), fields.end(),
                               [](const QNItemFieldRef& field) { return isBlank(*field); }),
                fields.end());
   if (fields.empty()) return;
   const std::string title = shownText(texts.titleOf(section));
-  std::size_t width = kNameWidth;
   for (const auto& field : fields) {
     width = std::max(width, shownWidth(shownText(texts.titleOf(*field))) + 2);
   }
@@ -75,13 +84,17 @@ void addSection(QNOutput& out, const QNFieldSection& section, const QNFieldTexts
   Sheet sheet(out, width, title.empty() ? "" : "  ");
   for (const auto& field : fields) {
     const std::string name = shownText(texts.titleOf(*field));
+    if (isWrittenByUs(*field)) {
+      sheet.addOwn(name, texts.shownValueOf(*field).reveal());  // no secret
+      continue;
+    }
     sheet.addSecret(name, texts.shownValueOf(*field), reveal || !isSecret(*field));
   }
 }
 
-void addSections(QNOutput& out, QNItem& item, bool reveal) {
+void addSections(QNOutput& out, QNItem& item, std::size_t width, bool reveal) {
   const QNFieldTexts texts(item.categoryUUID());
-  for (const auto& section : item.fieldSections()) addSection(out, *section, texts, reveal);
+  for (const auto& section : item.fieldSections()) addSection(out, *section, texts, width, reveal);
 }
 
 void addFormFields(Sheet& sheet, QNItem& item, bool reveal) {
@@ -90,41 +103,50 @@ void addFormFields(Sheet& sheet, QNItem& item, bool reveal) {
   for (const auto& field : login->loginFields().fields()) {
     if (field->designatedAsUsername() || field->designatedAsPassword()) continue;
     const bool shown = reveal || !isHidden(*field);
-    sheet.addSecret(shownText(field->name().value_or("Field")), field->value(), shown);
+    const std::string name(field->name().value_or(QNLocalizedString("Field")));
+    sheet.addSecret(shownText(name), field->value(), shown);
   }
 }
 
 void addStrength(Sheet& sheet, QNItem& item) {
   if (item.shouldShowPasswordStrength()) {
-    sheet.add("Strength", fmt::format("{} of 100", item.passwordStrength()));
+    sheet.add(QNLocalizedString("Strength"),
+              localizedFormat("%jd of 100", std::to_string(item.passwordStrength())));
   }
 }
 
 void addTags(Sheet& sheet, QNItem& item) {
   const auto tags = item.tags();
-  if (!tags.empty()) sheet.add("Tags", fmt::format("{}", fmt::join(tags, ", ")));
+  if (!tags.empty()) sheet.add(QNLocalizedString("Tags"), fmt::format("{}", fmt::join(tags, ", ")));
 }
+
+// What stands before the values of the item itself, in the user's language.
+constexpr std::array<std::string_view, 14> kLabels = {
+    "Title", "Type",    "Username", "Password",  "URL",      "Notes",    "Tags",
+    "Field", "Created", "Changed",  "Last used", "Favorite", "In trash", "Strength"};
 
 QNCommandResult printSheet(QNItem& item, bool reveal) {
   QNOutput out;
-  Sheet sheet(out);
-  sheet.add("Title", item.title());
-  sheet.add("Type", titleOfCategory(item.categoryUUID().value_or("")));
-  sheet.add("Username", item.username());
+  const std::size_t width = QNLabels(kLabels, kNameWidth).width();
+  Sheet sheet(out, width);
+  const auto label = [](std::string_view key) { return QNLocalizedString(key); };
+  sheet.add(label("Title"), item.title());
+  sheet.add(label("Type"), titleOfCategory(item.categoryUUID().value_or("")));
+  sheet.add(label("Username"), item.username());
   if (hasOwnPlaceFor(item, QNFieldName::password)) {
-    sheet.addSecret("Password", item.password(), reveal);
+    sheet.addSecret(label("Password"), item.password(), reveal);
   }
-  for (const auto& url : item.URLs()) sheet.add("URL", url->URLString());
+  for (const auto& url : item.URLs()) sheet.add(label("URL"), url->URLString());
   addFormFields(sheet, item, reveal);
-  addSections(out, item, reveal);
-  sheet.add("Notes", item.notesPlain());
+  addSections(out, item, width, reveal);
+  sheet.add(label("Notes"), item.notesPlain());
   addTags(sheet, item);
   addStrength(sheet, item);
-  sheet.add("Created", timeText(item.createdAt()));
-  sheet.add("Changed", timeText(item.updatedAt()));
-  sheet.add("Last used", timeText(item.lastUsedTimestamp()));
-  if (item.isFavorite()) sheet.add("Favorite", "yes");
-  if (item.trashed()) sheet.add("In trash", "yes");
+  sheet.add(label("Created"), timeText(item.createdAt()));
+  sheet.add(label("Changed"), timeText(item.updatedAt()));
+  sheet.add(label("Last used"), timeText(item.lastUsedTimestamp()));
+  if (item.isFavorite()) sheet.add(label("Favorite"), label("yes"));
+  if (item.trashed()) sheet.add(label("In trash"), label("yes"));
   sheet.add("UUID", *item.uuid());
   return out.finish();
 }

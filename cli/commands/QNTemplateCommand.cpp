@@ -7,6 +7,7 @@
 #include "cli/fields/QNFieldTexts.h"
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
+#include "quillon/platform/text/QNLocalization.h"
 #include "quillon/templates/QNCategoryUUID.h"
 #include "quillon/templates/QNTemplateManager.h"
 
@@ -57,6 +58,7 @@ JsonObject jsonOf(const std::string& uuid, const QNFieldTexts& texts) {
   return {{"uuid", uuid},
           {"name", nameOfCategory(uuid)},
           {"title", titleOfCategory(uuid)},
+          {"available", isAvailable(uuid)},
           {"ownFields", std::move(own)},
           {"sections", std::move(sections)}};
 }
@@ -74,7 +76,9 @@ std::string choicesText(const std::vector<QNFieldTexts::Choice>& choices) {
 void print(QNOutput& out, const std::string& uuid, const QNFieldTexts& texts) {
   out.line(
       fmt::format("{} ({}, {})", shownText(titleOfCategory(uuid)), nameOfCategory(uuid), uuid));
-  out.line(fmt::format("  of its own: {}", fmt::join(ownPlaces(uuid), ", ")));
+  if (!isAvailable(uuid)) out.line("  " + QNLocalizedString("not in local vaults"));
+  out.line(
+      fmt::format("  {}: {}", QNLocalizedString("of its own"), fmt::join(ownPlaces(uuid), ", ")));
   for (const auto& section : sectionsOf(uuid)) {
     const std::string name = shownText(section->name().value_or(""));
     if (!name.empty()) out.line(fmt::format("{}: {}", name, shownText(texts.titleOf(*section))));

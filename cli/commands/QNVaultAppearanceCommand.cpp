@@ -10,6 +10,7 @@
 #include "cli/output/QNShownText.h"
 #include "cli/terminal/QNInput.h"
 #include "cli/terminal/QNMessages.h"
+#include "quillon/platform/text/QNLocalization.h"
 
 namespace quillon {
 namespace {
@@ -35,8 +36,8 @@ QNResult<QNDone> setIcon(QNProfile& vault, const std::filesystem::path& file) {
   const auto image = QNImage::imageWithData(content.value());
   const std::string where = shownText(file.string());
   if (image == nullptr) {
-    return toolError(QNExit::failed, fmt::format("{}: no picture that can be read; PNG and JPEG "
-                                                 "can",
+    return toolError(QNExit::failed, fmt::format("{}: no picture that can be read; PNG, JPEG "
+                                                 "and SVG of plain shapes can",
                                                  where));
   }
   vault.setIconData(std::nullopt);
@@ -78,7 +79,8 @@ QNCommandResult runCommand(Global global, const QNVaultIconArguments& arguments)
   if (changes || !arguments.save.empty()) return QNExit::done;
   const auto icon = vault.iconData();
   QNOutput out;
-  out.line(icon ? fmt::format("{} bytes", icon->size()) : "no icon");
+  out.line(icon ? localizedFormat("%jd bytes", std::to_string(icon->size()))
+                : QNLocalizedString("no icon"));
   return out.finish();
 }
 
@@ -100,7 +102,8 @@ QNCommandResult runCommand(Global global, const QNVaultColorArguments& arguments
   if (global.json) return printJson(colorJson(vault));
   if (changes) return QNExit::done;
   QNOutput out;
-  out.line(vault.profileColor() ? textOfColor(*vault.profileColor()) : "no colour");
+  out.line(vault.profileColor() ? textOfColor(*vault.profileColor())
+                                : QNLocalizedString("no colour"));
   return out.finish();
 }
 

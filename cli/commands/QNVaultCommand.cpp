@@ -9,6 +9,7 @@
 #include "cli/output/QNShownText.h"
 #include "cli/terminal/QNMessages.h"
 #include "cli/terminal/QNPasswords.h"
+#include "quillon/platform/text/QNLocalization.h"
 #include "quillon/platform/text/QNText.h"
 
 namespace quillon {
@@ -45,9 +46,10 @@ JsonObject jsonOf(const ListedVault& listed) {
 void print(QNOutput& out, const ListedVault& listed) {
   const auto color = listed.vault->profileColor();
   std::string text = padded(shownText(listed.counted.name), 30);
-  text += fmt::format("  items: {}, in trash: {}", listed.counted.items, listed.counted.trashed);
-  if (color) text += fmt::format(", {}", textOfColor(*color));
-  if (listed.vault->iconData()) text += ", icon";
+  text += "  " + localizedFormat("items: %jd", std::to_string(listed.counted.items));
+  text += ", " + localizedFormat("in trash: %jd", std::to_string(listed.counted.trashed));
+  if (color) text += ", " + textOfColor(*color);
+  if (listed.vault->iconData()) text += ", " + QNLocalizedString("icon");
   out.line(text);
 }
 

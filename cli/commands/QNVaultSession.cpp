@@ -6,11 +6,15 @@
 #include "cli/output/QNShownText.h"
 #include "cli/terminal/QNMessages.h"
 #include "cli/terminal/QNPasswords.h"
+#include "quillon/platform/text/QNText.h"
 
 namespace quillon {
 namespace {
 
-QNError wrongPassword(const QNProfile& vault) {
+QNError wrongPassword(const QNProfile& vault, std::string_view typed) {
+  if (!isUTF8(typed)) {
+    return toolError(QNExit::wrongPassword, "wrong password: it isn't UTF-8 text");
+  }
   const auto hint = vault.passwordHint();
   if (!hint || hint->empty()) return toolError(QNExit::wrongPassword, "wrong password");
   return toolError(QNExit::wrongPassword,
@@ -92,7 +96,7 @@ QNResult<QNVaultSession> QNVaultSession::open(const QNGlobalArguments& global,
                          isPrimaryOpen ? primary.value() : nullptr);
   if (!unlocked) return unlocked.error();
   if (!unlocked.value()) {
-    return wrongPassword(vault.value()->passwordHint() ? *vault.value() : *primary.value());
+    return wrongPassword(vault.value()->passwordHint() ? *vault.value() : *primary.value(), text);
   }
   return session;
 }

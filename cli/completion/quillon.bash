@@ -13,17 +13,20 @@ _quillon_options() {
   case $1 in
     init) echo "--hint $_quillon_global" ;;
     import) echo "--dry-run $_quillon_global" ;;
-    list) echo "--trashed --long --category --sort $_quillon_global" ;;
-    find) echo "--url --long --category $_quillon_global" ;;
+    list) echo "--trashed --long --category --tag --sort $_quillon_global" ;;
+    find) echo "--url --long --category --tag $_quillon_global" ;;
     show) echo "--reveal --field $_quillon_global" ;;
     login)
-      echo "--title --username --url --notes --password --generate --favorite $_quillon_global"
+      echo "--title --username --url --notes --tag --password --generate --favorite $_quillon_global"
       ;;
     add)
       echo "--title --set --set-file --add-field --notes --tag --generate --favorite" \
         "$_quillon_global"
       ;;
-    edit) echo "--set --set-file --add-field --unset --generate $_quillon_global" ;;
+    edit)
+      echo "--set --set-file --add-field --unset --tag --untag --favorite --no-favorite --generate" \
+        "$_quillon_global"
+      ;;
     delete) echo "--force $_quillon_global" ;;
     passwd)
       echo "--new-password-file --new-password-fd --new-password-stdin $_quillon_global"
@@ -94,7 +97,7 @@ _quillon() {
       --separator | --pin | --at | *-fd)
       return
       ;;
-    --set-file | --add-field | --unset | --tag) return ;;
+    --set-file | --add-field | --unset | --tag | --untag) return ;;
     *)
       case $current in
         -*) words=$(_quillon_options "$command") ;;

@@ -49,12 +49,14 @@ complete -c quillon -n '__fish_seen_subcommand_from show' -l reveal -d 'Show sec
 complete -c quillon -n '__fish_seen_subcommand_from show' -l field -x -a 'title username password url notes' -d 'Print one field alone'
 complete -c quillon -n "__fish_seen_subcommand_from add; and not __fish_seen_subcommand_from $categories vault" -a "$categories" -d Category
 complete -c quillon -n '__fish_seen_subcommand_from template' -a "$categories $others" -d Category
-complete -c quillon -n '__fish_seen_subcommand_from add' -l tag -x -d Tag
+complete -c quillon -n '__fish_seen_subcommand_from add edit list find' -l tag -x -d Tag
+complete -c quillon -n '__fish_seen_subcommand_from edit' -l untag -x -d 'Take a tag away'
 complete -c quillon -n '__fish_seen_subcommand_from add' -l title -x -d Title
 complete -c quillon -n '__fish_seen_subcommand_from add' -l username -x -d 'User name'
 complete -c quillon -n '__fish_seen_subcommand_from add' -l notes -x -d Notes
 complete -c quillon -n '__fish_seen_subcommand_from add' -l password -d 'Ask for the password; =- reads standard input'
-complete -c quillon -n '__fish_seen_subcommand_from add' -l favorite -d 'Mark as a favorite'
+complete -c quillon -n '__fish_seen_subcommand_from add edit' -l favorite -d 'Mark as a favorite'
+complete -c quillon -n '__fish_seen_subcommand_from edit' -l no-favorite -d 'Take the mark away'
 complete -c quillon -n '__fish_seen_subcommand_from add edit' -l generate -d 'Make a random password'
 complete -c quillon -n '__fish_seen_subcommand_from add edit' -l set -x -a 'title= username= url= notes= password password=-' -d 'Set a field'
 complete -c quillon -n '__fish_seen_subcommand_from add edit' -l set-file -x -d 'Set a field to the content of a file'
@@ -74,7 +76,7 @@ complete -c quillon -n '__fish_seen_subcommand_from generate' -l pin -x -d 'Digi
 complete -c quillon -n '__fish_seen_subcommand_from generate' -l count -x -d 'How many'
 complete -c quillon -n '__fish_seen_subcommand_from otp' -l qr -d 'Draw the URL as a QR code'
 complete -c quillon -n '__fish_seen_subcommand_from otp' -l at -x -d 'Seconds since 1970'
-complete -c quillon -n '__fish_seen_subcommand_from otp' -l url -x -d 'Of this URL; - reads standard input'
+complete -c quillon -n '__fish_seen_subcommand_from otp' -l url -x -d 'Of this URL; - asks for it'
 complete -c quillon -n '__fish_seen_subcommand_from otp' -l url-file -r -F -d 'Of the URL in a file'
 complete -c quillon -n '__fish_seen_subcommand_from vault; and not __fish_seen_subcommand_from list add icon color' -a list -d 'List the vaults'
 complete -c quillon -n '__fish_seen_subcommand_from vault; and not __fish_seen_subcommand_from list add icon color' -a add -d 'Add a vault'
@@ -85,7 +87,7 @@ complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subco
 complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from add' -l own-password-fd -x -d 'Read its own password from a descriptor'
 complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from add' -l own-password-stdin -d 'Read its own password from standard input'
 complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from add' -l hint -x -d 'What reminds you of its own password'
-complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from icon' -l set -r -F -d 'Take this PNG or JPEG'
+complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from icon' -l set -r -F -d 'Take this PNG, JPEG or SVG'
 complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from icon' -l save -r -F -d 'Copy it to a new file'
 complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from icon color' -l clear -d 'Take it away'
 complete -c quillon -n '__fish_seen_subcommand_from completion' -a 'bash zsh fish'

@@ -6,6 +6,7 @@
 #include "quillon/platform/text/QNText.h"
 #include "quillon/templates/QNCategoryHelper.h"
 #include "quillon/templates/QNTemplateManager.h"
+#include "quillon/vaults/QNProfile.h"
 
 namespace quillon {
 namespace {
@@ -83,6 +84,10 @@ std::string titleOfCategory(std::string_view uuid) {
 std::string pluralTitleOfCategory(std::string_view uuid) {
   return localizedName(uuid, QNCategoryHelper::defaultPluralNameFor,
                        [](const QNTemplate& from) { return from.localizedPluralTitle(); });
+}
+
+bool isAvailable(std::string_view uuid) {
+  return uuid != QNCategoryUUIDTombstone && QNProfileSupportedCategoryUUIDs().count(uuid) != 0;
 }
 
 std::optional<std::string> categoryNamed(std::string_view text) {

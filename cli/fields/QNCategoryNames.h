@@ -23,4 +23,7 @@ std::string pluralTitleOfCategory(std::string_view uuid);
 /// and accents apart.
 std::optional<std::string> categoryNamed(std::string_view text);
 
+/// May an item of it be made in a local vault, as all vaults of a store are?
+bool isAvailable(std::string_view uuid);
+
 }  // namespace quillon

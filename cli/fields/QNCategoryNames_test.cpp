@@ -45,6 +45,15 @@ TEST(QNCategoryNames, OfNoCategoryFindNothing) {
   EXPECT_EQ(titleOfCategory("777"), "777");
 }
 
+TEST(QNCategoryNames, AreOfCategoriesThatALocalVaultTakesOrNot) {
+  for (const std::string_view uuid : {"001", "002", "003", "004", "005", "100", "111"}) {
+    EXPECT_TRUE(isAvailable(uuid)) << uuid;
+  }
+  for (const std::string_view uuid : {"", "006", "099", "112", "113", "114", "115", "800"}) {
+    EXPECT_FALSE(isAvailable(uuid)) << uuid;
+  }
+}
+
 TEST(QNCategoryNames, BeginWithTheUsualCategories) {
   const auto uuids = knownCategoryUUIDs();
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "cli/fields/QNSeedFault.h"
 #include "quillon/fields/QNAddressFormat.h"
 #include "quillon/fields/QNItemAddressField.h"
 #include "quillon/fields/QNItemDateField.h"
@@ -127,7 +128,8 @@ Done readSeed(QNItemStringField& field, std::string_view text) {
   // The code is thrown away: it shows that one can be made.
   const auto code = QNTOTPGenerator::generate(text, QNTOTPGenerator::Date());
   if (!code) {
-    return unreadable(fmt::format("no seed of one-time passwords ({})", code.error().message));
+    return unreadable(
+        fmt::format("no seed of one-time passwords: {}", reasonForNoCode(code.error(), text)));
   }
   field.setValue(text);
   return QNDone{};
@@ -168,13 +170,20 @@ Done readText(QNItemStringField& field, const QNFieldTexts& texts, std::string_v
   return QNDone{};
 }
 
+// An address without a member would be that of nowhere the next time that it is read, and so be
+// given the user's country. An empty country is none, and stays so.
+void setOrClear(QNItemAddressField& field, QNAddressValue address) {
+  if (!address.dictionaryRepresentation()) address.setCountry("");
+  field.setValue(std::move(address));
+}
+
 Done setAddress(QNItemAddressField& field, std::string_view text) {
   if (!text.empty()) {
     return unreadable(
         "an address is set by its parts: FIELD.street, .city, .zip, .region, .state "
         "and .country");
   }
-  field.setValue(QNAddressValue(JsonObject(jsonStorage())));
+  setOrClear(field, QNAddressValue(JsonObject(jsonStorage())));
   return QNDone{};
 }
 
@@ -200,6 +209,7 @@ QNResult<QNDone> readAddressPart(QNItemField& field, std::string_view part, std:
   auto* const address = as<QNItemAddressField>(field);
   if (address == nullptr) return unreadable("it is no address, and has no parts");
   QNAddressValue value = address->value();
+  if (value.country() == "") value.setCountry(std::nullopt);
   const auto given = text.empty() ? std::nullopt : std::optional<std::string_view>(text);
   if (part == "street") value.setStreet(given);
   if (part == "city") value.setCity(given);
@@ -211,7 +221,7 @@ QNResult<QNDone> readAddressPart(QNItemField& field, std::string_view part, std:
     if (given && !code) return noCountry();
     value.setCountry(code ? std::optional<std::string_view>(*code) : std::nullopt);
   }
-  address->setValue(std::move(value));
+  setOrClear(*address, std::move(value));
   return QNDone{};
 }
 

@@ -133,6 +133,39 @@ TEST_F(QNFieldReading, SetsAnAddressByItsPartsAndKeepsWhatItDoesNotKnow) {
               HasSubstr("FIELD.street"));
 }
 
+// An address that lacks everything would be given the user's country when it is read.
+TEST_F(QNFieldReading, AnAddressThatIsTakenAwayStaysAway) {
+  const auto made = QNItemAddressField::fieldWithIdentifier("a");
+  ASSERT_TRUE(readAddressPart(*made, "city", "Ulm").ok());
+
+  EXPECT_TRUE(readValue(*made, QNFieldTexts("101"), "").ok());
+
+  const auto again = QNItemField::fieldFromStored(made->storedForm());
+  EXPECT_TRUE(again->isEmpty());
+  EXPECT_TRUE(QNFieldTexts("101").shownValueOf(*again).empty());
+  EXPECT_TRUE(QNFieldTexts("101").plainValueOf(*again).empty());
+
+  EXPECT_TRUE(readAddressPart(*again, "city", "Ulm").ok());
+  EXPECT_EQ(mr_JSONStringWithError(*again->jsonValue()), R"({"city":"Ulm"})");
+  EXPECT_TRUE(readAddressPart(*again, "city", "").ok());
+  EXPECT_TRUE(QNItemField::fieldFromStored(again->storedForm())->isEmpty());
+}
+
+TEST_F(QNFieldReading, TellsWhatIsWrongWithASeed) {
+  const auto made = QNItemTOTPField::fieldWithIdentifier(std::nullopt);
+  const auto reason = [&](std::string_view text) {
+    return readValue(*made, QNFieldTexts("001"), text).error().message;
+  };
+
+  EXPECT_THAT(reason("GEZDGNBVGY3TQOJQ="), HasSubstr("\"=\" where none belongs"));
+  EXPECT_THAT(reason("GEZDGNBV=GY3TQOJQ"), HasSubstr("\"=\" where none belongs"));
+  EXPECT_THAT(reason("otpauth://totp/x?secret=GEZDGNBVGY3TQOJQ%3d&issuer=a"),
+              HasSubstr("\"=\" where none belongs"));
+  EXPECT_THAT(reason("steam://GEZDGNBVGY3TQOJQ="), HasSubstr("\"=\" where none belongs"));
+  EXPECT_THAT(reason("GEZDGNBVGY3TQOJQG="), HasSubstr("isn't whole"));
+  EXPECT_THAT(reason("GEZDGNBVGY3TQOJQG"), HasSubstr("isn't whole"));
+}
+
 TEST_F(QNFieldReading, TakesOnlySeedsThatMakeACode) {
   const auto made = QNItemTOTPField::fieldWithIdentifier(std::nullopt);
   const QNFieldTexts texts("001");

@@ -70,6 +70,10 @@ bool isBlank(const QNItemField& field) {
   return value.isEmpty();
 }
 
+bool isWrittenByUs(const QNItemField& field) {
+  return field.isDateField() && !isSecret(field);
+}
+
 QNFieldTexts::QNFieldTexts(std::optional<std::string_view> categoryUUID)
     : _template(QNTemplateManager::sharedManager().findTemplateWithUUID(categoryUUID)) {}
 
@@ -115,8 +119,8 @@ QNSecret QNFieldTexts::plainValueOf(const QNItemField& field) const {
     dashed.append(text.substr(4));
     return dashed;
   }
-  if (as<QNItemAddressField>(field) != nullptr) return shownValueOf(field);
-  return field.displayStringValue();
+  if (as<QNItemAddressField>(field) == nullptr) return field.displayStringValue();
+  return isBlank(field) ? QNSecret() : shownValueOf(field);
 }
 
 std::vector<QNFieldTexts::Choice> QNFieldTexts::choicesOf(const QNItemField& field) const {

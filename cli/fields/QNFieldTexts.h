@@ -19,6 +19,9 @@ std::string kindOf(const QNItemField& field);
 bool isSecret(const QNItemField& field);
 /// Nothing to show? An address of which the country alone is there was never filled in.
 bool isBlank(const QNItemField& field);
+/// Is what QNFieldTexts::shownValueOf() gives of it the language's own text, with nothing in it
+/// that anybody chose? Its marks of direction mislead nobody.
+bool isWrittenByUs(const QNItemField& field);
 
 /// What the fields of one category say to a person: titles and values in the user's language.
 class QNFieldTexts final {

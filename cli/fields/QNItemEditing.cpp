@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <set>
 
 #include "cli/fields/QNFieldChoice.h"
 #include "cli/fields/QNFieldReading.h"
@@ -29,6 +30,8 @@ struct Target {
   std::optional<QNFieldName> own;
   QNChosenField chosen;
   const QNGivenValue* given = nullptr;
+  // Where it can come from without a terminal: "--set x=- or --set-file x=FILE".
+  std::string instead;
 
   [[nodiscard]] bool isSecret() const {
     return own ? own == QNFieldName::password : quillon::isSecret(*chosen.field);
@@ -65,6 +68,10 @@ class Editing {
 
   Done run() {
     const Json before(QNItem::jsonFromFieldSections(_item.fieldSections()));
+    if (const auto tagged = changeTags(); !tagged) return tagged;
+    if (_edits.favorite && *_edits.favorite != _item.isFavorite()) {
+      _item.setFaveIndex(*_edits.favorite ? QNItem::newItemFaveIndex() : 0);
+    }
     for (const QNFieldAddition& addition : _edits.additions) add(addition);
     for (const QNFieldSetting& setting : _edits.settings) {
       if (const auto found = find(setting); !found) return found;
@@ -95,22 +102,31 @@ class Editing {
     const QNItemFieldRef field = makeField(addition.kind);
     field->setTitle(addition.title);
     section->addField(field);
-    _targets.push_back({std::nullopt, {section, field, ""}, &addition.value});
+    _targets.push_back({std::nullopt,
+                        {section, field, ""},
+                        &addition.value,
+                        fmt::format("--add-field TITLE:{}=-", addition.kind)});
   }
 
   Done find(const QNFieldSetting& setting) {
     const auto own = ownPlace(setting.field);
     if (!own) return own.error();
     if (own.value()) {
-      _targets.push_back({own.value(), {}, &setting.value});
+      _targets.push_back({own.value(), {}, &setting.value, optionsFor(setting.field)});
       return QNDone{};
     }
     auto chosen = chooseField(_item, _texts, setting.field);
     // Without a value, the name may be one by mistake: it isn't repeated.
     const bool isTellable = setting.value.from != QNGivenValue::From::prompt;
     if (!chosen) return isTellable ? within(setting.field, chosen.error()) : chosen.error();
-    _targets.push_back({std::nullopt, std::move(chosen).value(), &setting.value});
+    _targets.push_back(
+        {std::nullopt, std::move(chosen).value(), &setting.value, optionsFor(setting.field)});
     return QNDone{};
+  }
+
+  static std::string optionsFor(std::string_view name) {
+    const std::string shown = shownText(name);
+    return fmt::format("--set {}=- or --set-file {}=FILE", shown, shown);
   }
 
   // Nothing for a name that a field has.
@@ -130,7 +146,7 @@ class Editing {
     if (!own) return own.error();
     if (own.value()) {
       if (own.value() == QNFieldName::title) return wrongUsage(kNoTitle);
-      _removals.push_back({own.value(), {}});
+      _removals.push_back({own.value(), {}, nullptr, ""});
       return QNDone{};
     }
     auto chosen = chooseField(_item, _texts, name);
@@ -140,7 +156,7 @@ class Editing {
       return wrongUsage(
           fmt::format("{}: its category keeps this field; --set {}= empties it", shown, shown));
     }
-    _removals.push_back({std::nullopt, std::move(chosen).value()});
+    _removals.push_back({std::nullopt, std::move(chosen).value(), nullptr, ""});
     return QNDone{};
   }
 
@@ -157,6 +173,26 @@ class Editing {
         if (!emptied) return emptied;
       }
     }
+    return QNDone{};
+  }
+
+  // By an equal name, or else by one that differs in case and accents.
+  Done removeTag(std::set<std::string>& tags, const std::string& name) const {
+    if (tags.erase(name) > 0) return QNDone{};
+    const std::string folded = foldedForSearch(name);
+    const auto removed =
+        std::erase_if(tags, [&](const std::string& tag) { return foldedForSearch(tag) == folded; });
+    if (removed > 0) return QNDone{};
+    return toolError(QNExit::notFound, "the item has no such tag").within(shownText(name));
+  }
+
+  Done changeTags() {
+    std::set<std::string> tags = _item.tags();
+    for (const std::string& name : _edits.tagsToRemove) {
+      if (const auto removed = removeTag(tags, name); !removed) return removed;
+    }
+    tags.insert(_edits.tags.begin(), _edits.tags.end());
+    _item.setTags(tags);
     return QNDone{};
   }
 
@@ -187,19 +223,20 @@ class Editing {
     if (given.from == QNGivenValue::From::prompt) {
       if (!target.isSecret()) return wrongUsage("give a value: FIELD=VALUE");
       const bool isOwn = target.own.has_value();
-      return readItemSecret(QNSecretSource::prompt, isOwn ? "Password of the item: "
-                                                          : fmt::format("{}: ", shownText(title)));
+      return readItemSecret(
+          QNSecretSource::prompt,
+          isOwn ? "Password of the item: " : fmt::format("{}: ", shownText(title)),
+          "it with " + target.instead);
     }
     if (target.isFromInput()) {
       return readItemSecret(
-          isOneOfSeveralInputs ? QNSecretSource::nextLine : QNSecretSource::restOfInput, "");
+          isOneOfSeveralInputs ? QNSecretSource::nextLine : QNSecretSource::restOfInput, "", "");
     }
     if (target.isSecret() && !(given.text.empty() && !target.own)) {
       return wrongUsage(kNoSecretArguments);
     }
     // Who means standard input must not be left with a dash in the place of what was there.
     if (given.text == "-") return wrongUsage(kNoDash);
-    if (!isUTF8(given.text)) return wrongUsage("the value isn't UTF-8 text");
     return QNSecret(given.text);
   }
 

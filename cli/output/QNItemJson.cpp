@@ -39,7 +39,7 @@ JsonArray formFieldsOf(QNItem& item, bool revealed) {
 
 // As `--set` takes it; a kind that isn't known as it is stored.
 void setValue(JsonObject& object, const QNItemField& field, const QNFieldTexts& texts) {
-  const auto stored = field.isEmpty() ? std::nullopt : field.jsonValue();
+  const auto stored = isBlank(field) ? std::nullopt : field.jsonValue();
   if (!stored) {
     object["value"] = nullptr;
   } else if (field.isAddressField() || field.isUnknownField()) {

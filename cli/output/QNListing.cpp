@@ -45,7 +45,8 @@ Bytes QNListing::textOfItem(QNItem& item) const {
   if (_form == QNListForm::json) return mr_JSONDataWithError(listedJson(item)).value_or(Bytes());
   std::string line;
   if (_form == QNListForm::tableWithUUIDs) line += *item.uuid() + "  ";
-  const std::string subtitle = shownText(item.additionalInformation().value_or(""));
+  const std::string stored = item.additionalInformation().value_or("");
+  const std::string subtitle = shownText(withoutIsolation(stored));
   std::string kind = shownText(titleOfCategory(item.categoryUUID().value_or("")));
   line += padded(shownText(item.title()), kTitleWidth) + "  ";
   line += subtitle.empty() ? kind : padded(std::move(kind), kKindWidth) + "  " + subtitle;

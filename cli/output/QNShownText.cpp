@@ -33,7 +33,15 @@ std::string escapeFor(UChar32 c) {
   return c < 0x80 ? fmt::format("\\x{:02x}", c) : fmt::format("\\u{{{:x}}}", c);
 }
 
-std::string escaped(std::string_view text, std::string_view kept) {
+// Those that stand in dates and texts of some languages. They change the place of a neighbouring
+// blank or stop, and never the order of letters or digits.
+bool isMark(UChar32 c) {
+  return c == 0x200E || c == 0x200F || c == 0x061C;
+}
+
+enum class Marks { escaped, kept };
+
+std::string escaped(std::string_view text, std::string_view kept, Marks marks = Marks::escaped) {
   std::string shown;
   shown.reserve(text.size());
   const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
@@ -43,6 +51,8 @@ std::string escaped(std::string_view text, std::string_view kept) {
     U8_NEXT(bytes, next, text.size(), c);
     if (c < 0) {
       for (std::size_t i = start; i < next; ++i) shown += fmt::format("\\x{:02x}", bytes[i]);
+    } else if (marks == Marks::kept && isMark(c)) {
+      shown += text.substr(start, next - start);
     } else if (misleads(c) && (c >= 0x80 || kept.find(text[start]) == std::string_view::npos)) {
       shown += escapeFor(c);
     } else {
@@ -68,6 +78,19 @@ std::string shownText(std::string_view text) {
 
 std::string shownLines(std::string_view text) {
   return escaped(text, "\n\t");
+}
+
+std::string shownOwnLines(std::string_view text) {
+  return escaped(text, "\n\t", Marks::kept);
+}
+
+std::string_view withoutIsolation(std::string_view text) {
+  constexpr std::string_view kIsolate = "\u2066";
+  constexpr std::string_view kEnd = "\u2069";
+  const bool isWhole = text.size() >= kIsolate.size() + kEnd.size() && text.starts_with(kIsolate) &&
+                       text.find(kEnd) == text.size() - kEnd.size();
+  if (!isWhole) return text;
+  return text.substr(kIsolate.size(), text.size() - kIsolate.size() - kEnd.size());
 }
 
 std::size_t shownWidth(std::string_view text) {

@@ -12,6 +12,13 @@ namespace quillon {
 std::string shownText(std::string_view text);
 /// The same, but new lines and tabs stay.
 std::string shownLines(std::string_view text);
+/// The same for a text that Quillon's tables or the language itself wrote: its plain marks of
+/// direction (U+200E, U+200F, U+061C), which stand in Arabic dates, stay, too.
+std::string shownOwnLines(std::string_view text);
+/// Without the pair of marks around the whole text (U+2066, U+2069) that keeps it from left to
+/// right in a language from right to left. A terminal's line needs none, and would show them
+/// escaped.
+std::string_view withoutIsolation(std::string_view text);
 
 /// Columns that a terminal takes for a shown text.
 std::size_t shownWidth(std::string_view text);

@@ -42,6 +42,22 @@ TEST(QNShownText, LinesKeepNewLinesAndTabsOnly) {
   EXPECT_EQ(shownLines("a\n\tb\r\x1b"), "a\n\tb\\r\\x1b");
 }
 
+TEST(QNShownText, OwnTextsKeepTheirMarksOfDirectionAndNothingElse) {
+  EXPECT_EQ(shownOwnLines("4\u200f/7\u200e/\u061c"), "4\u200f/7\u200e/\u061c");
+  EXPECT_EQ(shownOwnLines("a\u202eb\u2066c\x1b"), "a\\u{202e}b\\u{2066}c\\x1b");
+  EXPECT_EQ(shownText("4\u200f/7\u200e/\u061c"), "4\\u{200f}/7\\u{200e}/\\u{61c}");
+  EXPECT_EQ(shownLines("4\u200f"), "4\\u{200f}");
+}
+
+TEST(QNShownText, OnePairOfMarksAroundTheWholeIsLeftOut) {
+  EXPECT_EQ(withoutIsolation("\u20664111 **** 1111\u2069"), "4111 **** 1111");
+  EXPECT_EQ(withoutIsolation("\u2066\u2069"), "");
+  for (const std::string text :
+       {"", "a", "\u2066", "\u2066a", "a\u2069", "\u2066a\u2069b", "\u2066a\u2069b\u2069"}) {
+    EXPECT_EQ(withoutIsolation(text), text);
+  }
+}
+
 TEST(QNShownText, CountsColumnsAsATerminalDoes) {
   EXPECT_EQ(shownWidth("abc"), 3u);
   EXPECT_EQ(shownWidth("日本"), 4u);

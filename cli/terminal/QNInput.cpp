@@ -70,7 +70,8 @@ QNResult<QNSecret> readSecret(int descriptor) {
     if (count == 0) break;
     secret.append(textOf({buffer.data(), static_cast<std::size_t>(count)}));
     if (secret.size() > kMaxSecretBytes) {
-      return toolError(QNExit::wrongUsage, "the password is too long");
+      return toolError(QNExit::wrongUsage,
+                       fmt::format("standard input is longer than {} MiB", kMaxSecretBytes >> 20));
     }
   }
   if (secret.reveal().ends_with('\n')) secret.removeLast();  // looks at its last byte only

@@ -1,11 +1,13 @@
 #include "cli/terminal/QNPasswords.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <cerrno>
 
 #include "cli/QNToolError.h"
+#include "cli/output/QNShownText.h"
 #include "cli/terminal/QNInput.h"
 #include "cli/terminal/QNMessages.h"
 #include "cli/terminal/QNPrompt.h"
@@ -15,6 +17,8 @@
 namespace quillon {
 namespace {
 
+constexpr std::string_view kFromInput = "what came from standard input";
+
 QNResult<QNSecret> firstLineOf(const std::filesystem::path& file) {
   const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) return fileError(file, errno);
@@ -23,10 +27,10 @@ QNResult<QNSecret> firstLineOf(const std::filesystem::path& file) {
   return line;
 }
 
-QNResult<QNSecret> promptTwice(std::string_view first) {
-  auto secret = promptForSecret(first);
+QNResult<QNSecret> promptTwice(std::string_view first, std::string_view instead) {
+  auto secret = promptForSecret(first, instead);
   if (!secret) return secret;
-  const auto again = promptForSecret("Once more: ");
+  const auto again = promptForSecret("Once more: ", instead);
   if (!again) return again.error();
   if (!secret.value().equals(again.value())) {
     return toolError(QNExit::failed, "the two differ");
@@ -35,11 +39,15 @@ QNResult<QNSecret> promptTwice(std::string_view first) {
 }
 
 // Details are JSON, which holds nothing but UTF-8.
-QNResult<QNSecret> text(QNResult<QNSecret> secret) {
+QNResult<QNSecret> text(QNResult<QNSecret> secret, std::string_view whatCame) {
   if (secret && !isUTF8(secret.value().reveal())) {
-    return toolError(QNExit::wrongUsage, "it isn't UTF-8 text");
+    return toolError(QNExit::wrongUsage, fmt::format("{} isn't UTF-8 text", whatCame));
   }
   return secret;
+}
+
+std::string optionsOf(const QNPasswordSource& source) {
+  return fmt::format("the password with --{0}-stdin, --{0}-file or --{0}-fd", source.prefix);
 }
 
 }  // namespace
@@ -55,13 +63,14 @@ QNResult<QNSecret> readPassword(const QNPasswordSource& source, std::string_view
     case QNPasswordSource::Kind::terminal:
       break;
   }
-  return promptForSecret(prompt);
+  return promptForSecret(prompt, optionsOf(source));
 }
 
 QNResult<QNSecret> readNewPassword(const QNPasswordSource& source) {
   constexpr std::string_view kPrompt = "New password for the vault: ";
-  auto password = source.kind == QNPasswordSource::Kind::terminal ? promptTwice(kPrompt)
-                                                                  : readPassword(source, kPrompt);
+  auto password = source.kind == QNPasswordSource::Kind::terminal
+                      ? promptTwice(kPrompt, optionsOf(source))
+                      : readPassword(source, kPrompt);
   if (!password) return password;
   const std::string_view text = password.value().reveal();  // to be looked at, not kept
   if (text.empty()) return toolError(QNExit::wrongUsage, "the password is empty");
@@ -73,21 +82,22 @@ QNResult<QNSecret> readNewPassword(const QNPasswordSource& source) {
   return password;
 }
 
-QNResult<QNSecret> readItemSecret(QNSecretSource from, std::string_view prompt) {
+QNResult<QNSecret> readItemSecret(QNSecretSource from, std::string_view prompt,
+                                  std::string_view instead) {
   switch (from) {
     case QNSecretSource::prompt: {
-      auto typed = promptTwice(prompt);
+      auto typed = promptTwice(prompt, instead);
       if (typed && typed.value().empty()) {
         return toolError(QNExit::wrongUsage, "nothing was typed");
       }
-      return text(std::move(typed));
+      return text(std::move(typed), "what was typed");
     }
     case QNSecretSource::nextLine:
-      return text(readLine(STDIN_FILENO));
+      return text(readLine(STDIN_FILENO), kFromInput);
     case QNSecretSource::restOfInput:
       break;
   }
-  return text(readSecret(STDIN_FILENO));
+  return text(readSecret(STDIN_FILENO), kFromInput);
 }
 
 QNResult<QNSecret> readItemSecretFrom(const std::filesystem::path& file) {
@@ -95,7 +105,7 @@ QNResult<QNSecret> readItemSecretFrom(const std::filesystem::path& file) {
   if (!content) return content.error();
   QNSecret secret(textOf(content.value()));
   if (secret.reveal().ends_with('\n')) secret.removeLast();  // looks at its last byte only
-  return text(std::move(secret));
+  return text(std::move(secret), shownText(file.string()));
 }
 
 QNResult<QNMadePassword> makeItemPassword(QNItemPassword from) {
@@ -105,7 +115,7 @@ QNResult<QNMadePassword> makeItemPassword(QNItemPassword from) {
   }
   auto secret = readItemSecret(
       from == QNItemPassword::prompt ? QNSecretSource::prompt : QNSecretSource::restOfInput,
-      "Password of the item: ");
+      "Password of the item: ", "the password with --password=- or --generate");
   if (!secret) return secret.error();
   return QNMadePassword{std::move(secret).value(), std::nullopt};
 }

@@ -17,9 +17,10 @@ QNResult<QNSecret> readNewPassword(const QNPasswordSource& source);
 
 /// A secret of an item: asked twice on the terminal, or from standard input, where the vault's own
 /// password was read before. Error with exit code 1 if the two answers differ, 2 if it isn't
-/// UTF-8.
+/// UTF-8. `instead` tells whoever has no terminal what to give: "the value with --option".
 enum class QNSecretSource { prompt, nextLine, restOfInput };
-QNResult<QNSecret> readItemSecret(QNSecretSource from, std::string_view prompt);
+QNResult<QNSecret> readItemSecret(QNSecretSource from, std::string_view prompt,
+                                  std::string_view instead);
 /// The same from a file, without one newline at its end.
 QNResult<QNSecret> readItemSecretFrom(const std::filesystem::path& file);
 

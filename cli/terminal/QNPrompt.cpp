@@ -1,6 +1,7 @@
 #include "cli/terminal/QNPrompt.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <poll.h>
 #include <termios.h>
 #include <unistd.h>
@@ -87,12 +88,10 @@ std::optional<QNResult<QNSecret>> quietLineFrom(int terminal) {
 
 }  // namespace
 
-QNResult<QNSecret> promptForSecret(std::string_view prompt) {
+QNResult<QNSecret> promptForSecret(std::string_view prompt, std::string_view instead) {
   const int terminal = open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY);
   if (terminal < 0) {
-    return toolError(QNExit::wrongUsage,
-                     "no terminal to ask for the password; give it with --password-stdin, "
-                     "--password-file or --password-fd");
+    return toolError(QNExit::wrongUsage, fmt::format("no terminal to ask on; give {}", instead));
   }
   std::optional<QNResult<QNSecret>> line;
   while (!line) {

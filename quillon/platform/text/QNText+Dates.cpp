@@ -6,6 +6,7 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <memory>
 
@@ -23,6 +24,11 @@ constexpr double kLastMoment = 183882168921600000.0 - 31536000000.0;
 
 constexpr std::int32_t kFirstYear = 1000;  // of those with four digits
 constexpr std::int32_t kLastYear = 9999;
+
+// Hours of UTC at which a day is kept; the first that is of that day in the user's time zone. The
+// first is of one day from UTC-11 to UTC+12:59. The others are for who lives beyond: UTC+13,
+// UTC+14, and UTC-12.
+constexpr std::array kHoursOfDay = {11, 10, 9, 12};
 
 // The caller's to delete.
 icu::TimeZone* usersTimeZone() {
@@ -63,15 +69,36 @@ QNSecret secretOf(std::string text) {
   return secret;
 }
 
-// Nothing if the calendar has no such day.
-std::optional<std::int64_t> noonOf(icu::Calendar& calendar) {
+bool isDayOf(icu::Calendar& calendar, double moment, const std::array<std::int32_t, 3>& day) {
   UErrorCode status = U_ZERO_ERROR;
-  const std::int32_t year = calendar.get(UCAL_EXTENDED_YEAR, status);
+  calendar.setTime(moment, status);
+  const std::array<std::int32_t, 3> seen{calendar.get(UCAL_EXTENDED_YEAR, status),
+                                         calendar.get(UCAL_MONTH, status),
+                                         calendar.get(UCAL_DATE, status)};
+  return U_SUCCESS(status) && seen == day;
+}
+
+// The day that the calendar is set to, in the user's time zone. Nothing if there is no such day.
+std::optional<std::int64_t> momentOfDay(icu::Calendar& calendar) {
+  UErrorCode status = U_ZERO_ERROR;
   calendar.set(UCAL_HOUR_OF_DAY, 12);
   for (const auto field : {UCAL_MINUTE, UCAL_SECOND, UCAL_MILLISECOND}) calendar.set(field, 0);
-  const double moment = calendar.getTime(status);
-  if (U_FAILURE(status) || year < kFirstYear || year > kLastYear) return std::nullopt;
-  return static_cast<std::int64_t>(std::floor(moment / 1000));
+  const double noon = calendar.getTime(status);
+  const std::array<std::int32_t, 3> day{calendar.get(UCAL_EXTENDED_YEAR, status),
+                                        calendar.get(UCAL_MONTH, status),
+                                        calendar.get(UCAL_DATE, status)};
+  if (U_FAILURE(status) || day[0] < kFirstYear || day[0] > kLastYear) return std::nullopt;
+  icu::GregorianCalendar everywhere(*icu::TimeZone::getGMT(), icu::Locale::getRoot(), status);
+  everywhere.clear();
+  everywhere.set(day[0], day[1], day[2]);
+  const double midnight = everywhere.getTime(status);
+  for (const int hour : kHoursOfDay) {
+    const double moment = midnight + hour * 3600000.0;
+    if (U_SUCCESS(status) && isDayOf(calendar, moment, day)) {
+      return static_cast<std::int64_t>(std::floor(moment / 1000));
+    }
+  }
+  return static_cast<std::int64_t>(std::floor(noon / 1000));
 }
 
 // Nothing for a text of another form; an empty inner value for a day that isn't there.
@@ -93,7 +120,7 @@ std::optional<std::optional<std::int64_t>> isoDay(std::string_view text) {
   calendar.clear();
   calendar.setLenient(false);
   calendar.set(number(0, 4), number(5, 2) - 1, number(8, 2));
-  return noonOf(calendar);
+  return momentOfDay(calendar);
 }
 
 // "4.7.2024" in German. Null if the locale has no such form.
@@ -107,7 +134,6 @@ std::unique_ptr<icu::DateFormat> dayFormatInNumbers() {
   auto format = std::make_unique<icu::SimpleDateFormat>(pattern, locale, status);
   if (U_FAILURE(status)) return nullptr;
   format->adoptTimeZone(usersTimeZone());
-  format->setLenient(false);
   return format;
 }
 
@@ -120,18 +146,35 @@ bool hasFullYear(const icu::UnicodeString& text) {
   return digits == 4;
 }
 
-// The whole text must be the date.
+// Marks of direction, which Arabic and Hebrew dates have and nobody types.
+icu::UnicodeString withoutMarks(const icu::UnicodeString& text) {
+  constexpr std::array<UChar, 3> kMarks = {0x200E, 0x200F, 0x061C};
+  icu::UnicodeString kept;
+  for (int32_t i = 0; i < text.length(); ++i) {
+    const UChar unit = text.charAt(i);
+    if (std::find(kMarks.begin(), kMarks.end(), unit) == kMarks.end()) kept += unit;
+  }
+  return kept;
+}
+
+// The whole text must be the date. Marks count in neither of the two.
 std::optional<std::int64_t> dayReadBy(const icu::DateFormat& format, std::string_view text) {
-  const auto typed = icu::UnicodeString::fromUTF8(
-      icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+  const auto typed = withoutMarks(icu::UnicodeString::fromUTF8(
+      icu::StringPiece(text.data(), static_cast<int32_t>(text.size()))));
+  icu::UnicodeString pattern;
+  const std::unique_ptr<icu::DateFormat> strict(format.clone());
+  strict->setLenient(false);
+  if (auto* const simple = dynamic_cast<icu::SimpleDateFormat*>(strict.get())) {
+    simple->applyPattern(withoutMarks(simple->toPattern(pattern)));
+  }
   icu::ParsePosition end(0);
-  const UDate moment = format.parse(typed, end);
+  const UDate moment = strict->parse(typed, end);
   const bool isWhole = end.getErrorIndex() == -1 && end.getIndex() == typed.length();
   if (!isWhole || !hasFullYear(typed)) return std::nullopt;
   UErrorCode status = U_ZERO_ERROR;
   icu::GregorianCalendar calendar(usersTimeZone(), icu::Locale::getRoot(), status);
   calendar.setTime(moment, status);
-  return U_FAILURE(status) ? std::nullopt : noonOf(calendar);
+  return U_FAILURE(status) ? std::nullopt : momentOfDay(calendar);
 }
 
 }  // namespace
@@ -166,9 +209,7 @@ std::optional<std::int64_t> qn_parseDate(std::string_view text) {
   }
   const icu::DateFormat* const shown = dayFormatOfThread();
   if (shown == nullptr) return std::nullopt;
-  const std::unique_ptr<icu::DateFormat> strict(shown->clone());
-  strict->setLenient(false);
-  return dayReadBy(*strict, typed);
+  return dayReadBy(*shown, typed);
 }
 
 std::string qn_exampleOfDate() {

@@ -52,24 +52,51 @@ std::optional<std::int64_t> parsed(std::string_view text, const char* locale,
   return qn_parseDate(text);
 }
 
-constexpr std::int64_t kNoon = kIndependenceDay + 43200;
+constexpr std::int64_t kDay = kIndependenceDay + 11 * 3600;
 
 TEST(QNTextDates, AreReadInOneFormEverywhereAndInTheFormsOfTheLocale) {
   for (const char* const locale : {"en-US", "de-DE", "ja-JP", "ar-EG", "zz"}) {
-    EXPECT_EQ(parsed("2024-07-04", locale), kNoon) << locale;
-    EXPECT_EQ(parsed(" 2024-07-04\n", locale), kNoon) << locale;
+    EXPECT_EQ(parsed("2024-07-04", locale), kDay) << locale;
+    EXPECT_EQ(parsed(" 2024-07-04\n", locale), kDay) << locale;
   }
-  EXPECT_EQ(parsed("7/4/2024", "en-US"), kNoon);
-  EXPECT_EQ(parsed("07/04/2024", "en-US"), kNoon);
-  EXPECT_EQ(parsed("Jul 4, 2024", "en-US"), kNoon);
-  EXPECT_EQ(parsed("4.7.2024", "de-DE"), kNoon);
-  EXPECT_EQ(parsed("04.07.2024", "de-DE"), kNoon);
-  EXPECT_EQ(parsed("2024/7/4", "ja-JP"), kNoon);
+  EXPECT_EQ(parsed("7/4/2024", "en-US"), kDay);
+  EXPECT_EQ(parsed("07/04/2024", "en-US"), kDay);
+  EXPECT_EQ(parsed("Jul 4, 2024", "en-US"), kDay);
+  EXPECT_EQ(parsed("4.7.2024", "de-DE"), kDay);
+  EXPECT_EQ(parsed("04.07.2024", "de-DE"), kDay);
+  EXPECT_EQ(parsed("2024/7/4", "ja-JP"), kDay);
 }
 
-TEST(QNTextDates, AreReadAtNoonOfTheUsersDay) {
-  EXPECT_EQ(parsed("2024-07-04", "en-US", "America/Los_Angeles"), kNoon + 7 * 3600);
-  EXPECT_EQ(parsed("7/4/2024", "en-US", "Pacific/Auckland"), kNoon - 12 * 3600);
+TEST(QNTextDates, AreOneMomentWhereverTheyAreTyped) {
+  for (const char* const zone : {"Pacific/Pago_Pago", "America/Los_Angeles", "Europe/Berlin",
+                                 "Asia/Kathmandu", "Pacific/Auckland", "Pacific/Chatham"}) {
+    EXPECT_EQ(parsed("2024-07-04", "en-US", zone), kDay) << zone;
+    EXPECT_EQ(parsed("7/4/2024", "en-US", zone), kDay) << zone;
+    EXPECT_EQ(formatted(kDay, "en-US", zone), "Jul 4, 2024") << zone;
+  }
+}
+
+TEST(QNTextDates, AreTheTypedDayInTheFarthestZonesToo) {
+  EXPECT_EQ(parsed("2024-07-04", "en-US", "Pacific/Tongatapu"), kDay - 3600);
+  EXPECT_EQ(parsed("2024-07-04", "en-US", "Pacific/Kiritimati"), kDay - 2 * 3600);
+  EXPECT_EQ(parsed("2024-07-04", "en-US", "Etc/GMT+12"), kDay + 3600);
+  for (const char* const zone : {"Pacific/Auckland", "Pacific/Chatham", "Pacific/Kiritimati",
+                                 "Etc/GMT+12", "Pacific/Pago_Pago"}) {
+    const auto christmas = parsed("2024-12-24", "en-US", zone);
+    ASSERT_TRUE(christmas.has_value()) << zone;
+    EXPECT_EQ(formatted(*christmas, "en-US", zone), "Dec 24, 2024") << zone;
+  }
+}
+
+TEST(QNTextDates, MarksOfDirectionCountNeitherInWhatIsTypedNorInTheLanguagesOwn) {
+  const QNScopedLocale locale("ar-EG");
+  const QNScopedTimeZone zone("Africa/Cairo");
+  const std::string shown(qn_formatDate(kDay).reveal());
+  ASSERT_NE(shown.find("\u200f"), std::string::npos) << shown;
+
+  EXPECT_EQ(qn_parseDate(shown), kDay);
+  EXPECT_EQ(qn_parseDate("٠٤/٠٧/٢٠٢٤"), kDay);
+  EXPECT_EQ(qn_parseDate("\u061c٤\u200e/٧/٢٠٢٤"), kDay);
 }
 
 TEST(QNTextDates, WhatIsNoDayIsNotRead) {
@@ -84,13 +111,12 @@ TEST(QNTextDates, WhatIsNoDayIsNotRead) {
 }
 
 TEST(QNTextDates, AreReadBackAsTheyAreWritten) {
-  for (const char* const locale : {"en-US", "en-GB", "de-DE", "fr-FR", "es-ES", "pt-BR", "ja-JP"}) {
+  for (const char* const locale :
+       {"en-US", "en-GB", "de-DE", "fr-FR", "es-ES", "pt-BR", "ja-JP", "ar-EG", "ar"}) {
     const QNScopedLocale scopedLocale(locale);
     const QNScopedTimeZone scopedZone("Europe/Berlin");
-    const std::int64_t noon = kNoon - 2 * 3600;
-
-    EXPECT_EQ(qn_parseDate(qn_formatDate(noon).reveal()), noon) << locale;
-    EXPECT_EQ(qn_parseDate(qn_formatISODate(noon).reveal()), noon) << locale;
+    EXPECT_EQ(qn_parseDate(qn_formatDate(kDay).reveal()), kDay) << locale;
+    EXPECT_EQ(qn_parseDate(qn_formatISODate(kDay).reveal()), kDay) << locale;
     EXPECT_NE(qn_parseDate(qn_exampleOfDate()), std::nullopt) << locale;
   }
 }

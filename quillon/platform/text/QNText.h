@@ -53,9 +53,9 @@ QNSecret charactersOfTextInSet(std::string_view text, std::string_view set);
 QNSecret qn_formatDate(std::int64_t seconds);
 /// The same day as "2024-07-04", in every language.
 QNSecret qn_formatISODate(std::int64_t seconds);
-/// Noon, in the user's time zone, of a day that a person typed: "2024-07-04", or as the user's
-/// locale writes it in numbers or in qn_formatDate(). Noon, so that a neighbouring time zone sees
-/// the same day. Nothing for a day that isn't there, and for a year of less than four digits.
+/// A moment of a day that a person typed, "2024-07-04" or in the user's language: 11:00 UTC, one
+/// day from UTC-11 to UTC+12:59; for users beyond, the nearest hour that is that day there. Nothing
+/// for a day that isn't there, and for a year of less than four digits.
 std::optional<std::int64_t> qn_parseDate(std::string_view text);
 /// A day of this year as the locale writes it in numbers, for telling what can be typed.
 std::string qn_exampleOfDate();

@@ -1,0 +1,54 @@
+#include "cli/arguments/internal/QNDefinition.h"
+
+#include "quillon/platform/text/QNText.h"
+
+namespace quillon {
+
+void refuse(const std::string& message) {
+  throw CLI::ValidationError(message, CLI::ExitCodes::ValidationError);
+}
+
+CLI::Validator isText() {
+  return {[](std::string& value) {
+            return isUTF8(value) ? std::string() : std::string("the value isn't UTF-8 text");
+          },
+          ""};
+}
+
+void addItem(CLI::App& command, std::string& item) {
+  command.add_option("ITEM", item, "Its uuid, or its title if no other has it")
+      ->required()
+      ->check(isText());
+}
+
+void addPasswordSource(CLI::App& app, const std::string& prefix, const std::string& what,
+                       QNPasswordSource& source) {
+  using Kind = QNPasswordSource::Kind;
+  source.prefix = prefix;
+  const auto choose = [&source, prefix](Kind kind) {
+    if (source.kind != Kind::terminal) refuse("the password comes from one --" + prefix + "-...");
+    source.kind = kind;
+  };
+  app.add_option_function<std::string>(
+         "--" + prefix + "-file",
+         [&source, choose](const std::string& path) {
+           choose(Kind::file);
+           source.file = path;
+         },
+         what + " is the first line of this file")
+      ->type_name("FILE");
+  app.add_option_function<int>(
+         "--" + prefix + "-fd",
+         [&source, choose, prefix](int number) {
+           if (number < 0) refuse("--" + prefix + "-fd takes an open file descriptor");
+           choose(Kind::descriptor);
+           source.descriptor = number;
+         },
+         what + " is the next line from this open file descriptor")
+      ->type_name("N");
+  app.add_flag_callback(
+      "--" + prefix + "-stdin", [choose] { choose(Kind::standardInput); },
+      what + " is the next line of standard input");
+}
+
+}  // namespace quillon
