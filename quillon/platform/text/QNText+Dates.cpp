@@ -6,6 +6,7 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <memory>
 
@@ -23,6 +24,9 @@ constexpr double kLastMoment = 183882168921600000.0 - 31536000000.0;
 
 constexpr std::int32_t kFirstYear = 1000;  // of those with four digits
 constexpr std::int32_t kLastYear = 9999;
+
+constexpr std::array kPartsOfMoment = {UCAL_EXTENDED_YEAR, UCAL_MONTH,  UCAL_DATE,
+                                       UCAL_HOUR_OF_DAY,   UCAL_MINUTE, UCAL_SECOND};
 
 // The caller's to delete.
 icu::TimeZone* usersTimeZone() {
@@ -155,6 +159,19 @@ QNSecret qn_formatISODate(std::int64_t seconds) {
   const std::int32_t day = calendar.get(UCAL_DATE, status);
   if (U_FAILURE(status)) return {};
   return secretOf(formatted("{:04}-{:02}-{:02}", year, month, day));
+}
+
+std::string qn_describedDate(std::uint64_t seconds) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::GregorianCalendar calendar(*icu::TimeZone::getGMT(), icu::Locale::getRoot(), status);
+  calendar.setTime(std::min(static_cast<double>(seconds) * 1000, kLastMoment), status);
+  std::array<std::int32_t, 6> parts{};
+  std::transform(kPartsOfMoment.begin(), kPartsOfMoment.end(), parts.begin(),
+                 [&](UCalendarDateFields part) { return calendar.get(part, status); });
+  if (U_FAILURE(status)) return {};
+  const auto& [year, month, day, hour, minute, second] = parts;
+  return formatted("{:04}-{:02}-{:02} {:02}:{:02}:{:02} +0000", year, month + 1, day, hour, minute,
+                   second);
 }
 
 std::optional<std::int64_t> qn_parseDate(std::string_view text) {

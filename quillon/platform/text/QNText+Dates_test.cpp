@@ -41,6 +41,21 @@ TEST(QNTextDates, BeyondTheCalendarAreItsLast) {
             formatted(std::numeric_limits<std::int64_t>::min() / 2, "en-US", "UTC"));
 }
 
+TEST(QNTextDates, AreDescribedInOneFormEverywhere) {
+  const QNScopedLocale arabic("ar-EG");
+  const QNScopedTimeZone zone("Asia/Tokyo");
+
+  EXPECT_EQ(qn_describedDate(kIndependenceDay + 45005), "2024-07-04 12:30:05 +0000");
+  EXPECT_EQ(qn_describedDate(0), "1970-01-01 00:00:00 +0000");
+}
+
+TEST(QNTextDates, AreDescribedUpToTheCalendarsLast) {
+  const std::string last = qn_describedDate(std::numeric_limits<std::uint64_t>::max());
+
+  EXPECT_EQ(last, qn_describedDate(std::numeric_limits<std::uint64_t>::max() / 2));
+  EXPECT_TRUE(last.ends_with(" +0000")) << last;
+}
+
 TEST(QNTextDates, OfTheSystemsZoneAreFoundToo) {
   EXPECT_FALSE(formatted(kIndependenceDay, "en-US", "").empty());
 }

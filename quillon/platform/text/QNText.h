@@ -39,6 +39,8 @@ bool isBlankText(std::string_view text);
 /// Case mapping for the user's locale.
 std::string lowercaseText(std::string_view text);
 std::string uppercaseText(std::string_view text);
+/// The same small letters in every language: for what programs read.
+std::string lowercaseIdentifier(std::string_view text);
 /// The first extended grapheme cluster (UAX 29); empty for an empty text.
 std::string firstComposedCharacter(std::string_view text);
 /// Is every character a letter, or a mark that belongs to one? False for an empty text.
@@ -53,6 +55,9 @@ QNSecret charactersOfTextInSet(std::string_view text, std::string_view set);
 QNSecret qn_formatDate(std::int64_t seconds);
 /// The same day as "2024-07-04", in every language.
 QNSecret qn_formatISODate(std::int64_t seconds);
+/// The moment as a log or a diagnosis shows it, the same in every language and time zone:
+/// "2024-07-04 12:30:05 +0000".
+std::string qn_describedDate(std::uint64_t seconds);
 /// Noon, in the user's time zone, of a day that a person typed: "2024-07-04", or as the user's
 /// locale writes it in numbers or in qn_formatDate(). Noon, so that a neighbouring time zone sees
 /// the same day. Nothing for a day that isn't there, and for a year of less than four digits.
