@@ -160,13 +160,6 @@ std::shared_ptr<const QNItemSpecifier> QNItem::itemSpecifier() {
   return cached;
 }
 
-std::shared_ptr<QNDatabaseObject> QNItem::objectByReplacingWith(
-    const std::shared_ptr<QNDatabaseObject>& /*other*/) {
-  MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
-                                     "Must be implemented");
-  return nullptr;
-}
-
 // Favourites and scope
 
 void QNItem::setFaveIndex(std::uint64_t index) {

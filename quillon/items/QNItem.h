@@ -12,6 +12,7 @@
 #include "quillon/items/QNSecretSet.h"
 #include "quillon/objects/QNDatabaseObjectWithOverview.h"
 #include "quillon/platform/crypto/QNAESKey.h"
+#include "quillon/platform/log/MRLogger.h"
 
 namespace quillon {
 
@@ -23,6 +24,8 @@ class QNItemAttachment;
 class QNItemField;
 class QNItemSpecifier;
 class QNItemURL;
+class QNLogin;
+class QNTombstone;
 
 /// What a person keeps in a vault. Two JSON objects make up an item: the overview, which a vault
 /// opens for every item to draw lists, and the details, which hold the secrets and are opened
@@ -210,6 +213,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   // Password history: QNItem+History.cpp. Pointers are valid until the history changes, which a
   // save does too.
   [[nodiscard]] std::vector<QNPreviouslyUsedPassword>* mutablePreviouslyUsedPasswords();
+  /// A copy; empty while the details can't be read.
+  [[nodiscard]] std::vector<QNPreviouslyUsedPassword> previouslyUsedPasswords();
   [[nodiscard]] bool hasPreviouslyUsedPasswords() { return numberOfPreviouslyUsedPasswords() > 0; }
   [[nodiscard]] std::size_t numberOfPreviouslyUsedPasswords();
   [[nodiscard]] const QNPreviouslyUsedPassword* previouslyUsedPasswordAtIndex(std::size_t index);
@@ -385,14 +390,44 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void setAuthentic(bool authentic) override { QNDatabaseObject::setAuthentic(authentic); }
   [[nodiscard]] bool trashed() const override { return QNDatabaseObject::trashed(); }
   void setTrashed(bool trashed) override { QNDatabaseObject::setTrashed(trashed); }
+
+  // Merging: QNItem+Merge.cpp, +MergeSections.cpp, +MergeURLs.cpp, +Replace.cpp. What becomes of
+  // each part: docs/merge.md. Both items must be loaded, and nobody may edit either meanwhile.
+  // Fields and addresses of `other` come over as the very objects: let go of `other` afterwards.
+  /// Keeps this item and folds in what only `other` has. Gives the item that stays: this one, or a
+  /// live `other` in place of a tombstone. Null, with an assertion log, for another category. What
+  /// is no item changes nothing, with an error log.
   std::shared_ptr<QNDatabaseObject> mergeWithConflict(
-      const std::shared_ptr<QNDatabaseObject>& other) override {
-    return QNDatabaseObject::mergeWithConflict(other);
-  }
+      const std::shared_ptr<QNDatabaseObject>& other) override;
+  /// Lets `other` win as it was last saved, in this object, which keeps its row, uuid and key.
+  /// Gives the item that stays: this one, its tombstone in place of a tombstone, or `other` in
+  /// place of this one's own tombstone.
   std::shared_ptr<QNDatabaseObject> objectByReplacingWith(
       const std::shared_ptr<QNDatabaseObject>& other) override;
+  void mergeNotesWithConflict(std::optional<std::string_view> theirs);
+  void mergeURLsWithConflict(const std::vector<std::shared_ptr<QNItemURL>>& theirs);
+  void mergeSectionsWithConflict(const FieldSections& theirs);
+  void mergeConflictSection(const QNFieldSection& theirs);
+  void mergePreviouslyUsedPasswordsWithConflict(
+      const std::vector<QNPreviouslyUsedPassword>& theirs);
+  /// The same number of sections, with the same values in the same order.
+  [[nodiscard]] bool hasFieldSectionsEqualTo(const FieldSections& sections);
+  [[nodiscard]] static std::shared_ptr<QNItemField> newConflictFieldBasedOnField(
+      const QNItemField& field, const QNFieldSection& inSection);
+  [[nodiscard]] static std::string uniqueFieldIdentifierForConflict(
+      const QNItemField& field, const QNFieldSection& inSection);
+  /// What is saved in place of this item to delete it: its row, uuid and wrapped key, and no
+  /// content. QNItem+Tombstone.cpp
+  [[nodiscard]] std::shared_ptr<QNTombstone> makeTombstone();
+  /// A login of this item's row and content. Addresses and sections move: let go of this item
+  /// afterwards. Attachments stay with the row. QNItem+Login.cpp
+  [[nodiscard]] std::shared_ptr<QNLogin> convertToLogin();
 
  protected:
+  /// `other` as an item; null, with an error log, if it is none.
+  std::shared_ptr<QNItem> itemToMerge(const std::shared_ptr<QNDatabaseObject>& other) const;
+  /// An assertion log with both items and their categories, for which `text` has four "{}".
+  void reportForeignCategory(MRLogText text, const QNItem& other) const;
   /// What notesPlain() gives.
   [[nodiscard]] std::optional<QNSecret> notesSecret();
   /// For a new item: the sections that it starts with, none for nothing.
@@ -425,6 +460,18 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void retireOriginalPassword(const std::optional<QNSecret>& present);
   void _savePreviouslyUsedPasswords();
   void storeFieldSections(Json& stored);
+  void mergeContentOf(QNItem& other);
+  void mergeField(const std::shared_ptr<QNItemField>& theirs, const QNFieldSection& ofSection);
+  [[nodiscard]] bool hasFieldOfSameValue(const QNItemField& theirs);
+  std::shared_ptr<QNFieldSection> sectionLike(const QNFieldSection& theirs);
+  void copyColumnsOf(const QNItem& other);
+  void copyContentOf(QNItem& other);
+  void replaceURLsWithThoseOf(QNItem& other);
+  void keepRowsOfURLs();
+  void buryURLsOf(QNItem& item);
+  void copyColumnsToLogin(QNLogin& login) const;
+  void copyOverviewToLogin(QNLogin& login);
+  void moveDetailsToLogin(QNLogin& login);
   template <class Find>
   std::shared_ptr<QNItemField> firstField(const Find& find);
   template <class Test>

@@ -305,16 +305,6 @@ TEST(QNItem, KeepsItsSpecifierUntilItsUuidChanges) {
   EXPECT_EQ(item->itemSpecifier()->uuid(), *item->uuid());
 }
 
-TEST(QNItem, ReplacingAndMergingAreForOthers) {
-  const auto item = newItem(localVault());
-  const MRCapturingSink sink;
-
-  EXPECT_EQ(item->objectByReplacingWith(item), nullptr);
-  EXPECT_EQ(item->mergeWithConflict(item), nullptr);
-
-  EXPECT_THAT(assertions(sink), ElementsAre(kMustBeImplemented, kMustBeImplemented));
-}
-
 // What a subclass answers
 
 TEST(QNItem, TheBaseTakesNeitherUsernameNorPassword) {

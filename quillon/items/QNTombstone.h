@@ -11,6 +11,9 @@ class QNTombstone final : public QNItem {
   explicit QNTombstone(QNExisting existing);
   [[nodiscard]] std::string_view className() const override { return "QNTombstone"; }
   [[nodiscard]] bool isTombstone() const override { return true; }
+  /// Gives a live item in place of this one, with this one's row.
+  std::shared_ptr<QNDatabaseObject> mergeWithConflict(
+      const std::shared_ptr<QNDatabaseObject>& other) override;
 };
 
 }  // namespace quillon

@@ -64,6 +64,16 @@ class QNLogin : public QNItem {
     setHtmlFormValue(action, "htmlAction");
   }
 
+  // Merging: QNLogin+Merge.cpp. A generated password joins, and wins, as the login that it stands
+  // for: let go of it afterwards.
+  std::shared_ptr<QNDatabaseObject> mergeWithConflict(
+      const std::shared_ptr<QNDatabaseObject>& other) override;
+  std::shared_ptr<QNDatabaseObject> objectByReplacingWith(
+      const std::shared_ptr<QNDatabaseObject>& other) override;
+  void mergeUsernameWithConflict(QNLogin& other);
+  void mergePasswordWithConflict(QNLogin& other);
+  void mergeLoginFieldsWithConflict(QNLogin& other);
+
   [[nodiscard]] std::optional<std::string> _additionalInformation() override;
   [[nodiscard]] std::optional<QNSecret> clipboardValue() override { return password(); }
   [[nodiscard]] bool isCreatedByBrowserExtension() override;
@@ -86,6 +96,7 @@ class QNLogin : public QNItem {
   void _loadLoginFields();
   void dropLoginFields();
   void removeHtmlFormValueForKey(std::string_view key);
+  bool keepsValueOf(const QNLoginField& entry, std::string_view value);
 
   bool _loginFieldsAreLoaded = false;
   std::unique_ptr<QNLoginFieldList> _cachedLoginFields;

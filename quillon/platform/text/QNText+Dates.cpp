@@ -41,24 +41,33 @@ double clampedMoment(std::int64_t seconds) {
 
 // A formatter costs hundreds of times one date to make, so each thread keeps its own until the
 // locale or the time zone changes.
-struct DayFormat {
+struct KeptFormat {
   std::string locale;
   std::string zone;
   std::unique_ptr<icu::DateFormat> format;
 };
 
-const icu::DateFormat* dayFormatOfThread() {
-  thread_local DayFormat kept;
+const icu::DateFormat* upToDate(KeptFormat& kept, icu::DateFormat::EStyle timeStyle) {
   std::string locale = currentLocale();
   std::string zone = currentTimeZone();
   if (kept.format == nullptr || kept.locale != locale || kept.zone != zone) {
     kept = {locale, zone,
-            std::unique_ptr<icu::DateFormat>(icu::DateFormat::createDateInstance(
-                icu::DateFormat::kMedium, localeForTag(locale)))};
+            std::unique_ptr<icu::DateFormat>(icu::DateFormat::createDateTimeInstance(
+                icu::DateFormat::kMedium, timeStyle, localeForTag(locale)))};
     if (kept.format == nullptr) return nullptr;
     kept.format->adoptTimeZone(usersTimeZone());
   }
   return kept.format.get();
+}
+
+const icu::DateFormat* dayFormatOfThread() {
+  thread_local KeptFormat kept;
+  return upToDate(kept, icu::DateFormat::kNone);
+}
+
+const icu::DateFormat* dayAndTimeFormatOfThread() {
+  thread_local KeptFormat kept;
+  return upToDate(kept, icu::DateFormat::kMedium);
 }
 
 QNSecret secretOf(std::string text) {
@@ -148,6 +157,15 @@ QNSecret qn_formatDate(std::int64_t seconds) {
   std::string text;
   shown.toUTF8String(text);
   return secretOf(std::move(text));
+}
+
+std::optional<std::string> qn_formatDateAndTime(std::int64_t seconds) {
+  const icu::DateFormat* const format = dayAndTimeFormatOfThread();
+  if (format == nullptr) return std::nullopt;
+  icu::UnicodeString shown;
+  format->format(clampedMoment(seconds), shown);
+  std::string text;
+  return shown.toUTF8String(text);
 }
 
 QNSecret qn_formatISODate(std::int64_t seconds) {

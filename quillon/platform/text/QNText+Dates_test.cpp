@@ -60,6 +60,30 @@ TEST(QNTextDates, OfTheSystemsZoneAreFoundToo) {
   EXPECT_FALSE(formatted(kIndependenceDay, "en-US", "").empty());
 }
 
+TEST(QNTextDates, AreWrittenWithTheirTimeToo) {
+  const QNScopedLocale locale("de-DE");
+  const QNScopedTimeZone berlin("Europe/Berlin");
+
+  EXPECT_EQ(qn_formatDateAndTime(kIndependenceDay), "04.07.2024, 02:00:00");
+  {
+    const QNScopedTimeZone tokyo("Asia/Tokyo");
+    EXPECT_EQ(qn_formatDateAndTime(kIndependenceDay), "04.07.2024, 09:00:00");
+  }
+  EXPECT_EQ(qn_formatDate(kIndependenceDay).reveal(), "04.07.2024");
+}
+
+TEST(QNTextDates, WithTheirTimeFollowTheLanguage) {
+  const QNScopedLocale locale("en-US");
+  const QNScopedTimeZone zone("UTC");
+
+  const auto shown = qn_formatDateAndTime(kIndependenceDay + 54245);
+
+  // Before "PM" stands a space that depends on the version of ICU.
+  ASSERT_TRUE(shown);
+  EXPECT_EQ(shown->substr(0, 20), "Jul 4, 2024, 3:04:05");
+  EXPECT_EQ(shown->substr(shown->size() - 2), "PM");
+}
+
 std::optional<std::int64_t> parsed(std::string_view text, const char* locale,
                                    const char* zone = "UTC") {
   const QNScopedLocale scopedLocale(locale);

@@ -53,6 +53,8 @@ QNSecret charactersOfTextInSet(std::string_view text, std::string_view set);
 /// The day of that moment (seconds since 1970) in the user's locale and time zone: "Jul 4, 2024".
 /// Years beyond some millions are shown as the last that the calendar has.
 QNSecret qn_formatDate(std::int64_t seconds);
+/// Day and time of that moment: "Jul 4, 2024, 3:04:05 PM". Nothing if the locale has no such form.
+std::optional<std::string> qn_formatDateAndTime(std::int64_t seconds);
 /// The same day as "2024-07-04", in every language.
 QNSecret qn_formatISODate(std::int64_t seconds);
 /// The moment as a log or a diagnosis shows it, the same in every language and time zone:
