@@ -127,7 +127,8 @@ bool QNItem::isSameRevisionAsItem(const QNItem& other) const {
   };
   const H9ItemProperties mine = propertiesOf(*this);
   const H9ItemProperties theirs = propertiesOf(other);
-  return mine.itemVersion == theirs.itemVersion && mine.localEditCount == theirs.localEditCount;
+  return mine.itemVersion() == theirs.itemVersion() &&
+         mine.localEditCount() == theirs.localEditCount();
 }
 
 bool QNItem::isModifiedCopyOf(QNItem& other) {

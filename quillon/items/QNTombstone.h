@@ -9,6 +9,7 @@ class QNTombstone final : public QNItem {
  public:
   explicit QNTombstone(QNNew);
   explicit QNTombstone(QNExisting existing);
+  explicit QNTombstone(QNDecoder& coder) : QNItem(coder) {}
   [[nodiscard]] std::string_view className() const override { return "QNTombstone"; }
   [[nodiscard]] bool isTombstone() const override { return true; }
   /// Gives a live item in place of this one, with this one's row.

@@ -11,6 +11,7 @@ class QNLogin : public QNItem {
  public:
   explicit QNLogin(QNNew);
   explicit QNLogin(QNExisting existing);
+  explicit QNLogin(QNDecoder& coder) : QNItem(coder) {}
 
   [[nodiscard]] std::string_view className() const override { return "QNLogin"; }
   /// Loaded at the first use. The same object as long as the login lives: it is emptied when the
@@ -108,6 +109,7 @@ class QNPrivacyComLogin final : public QNLogin {
  public:
   explicit QNPrivacyComLogin(QNNew);
   explicit QNPrivacyComLogin(QNExisting existing);
+  explicit QNPrivacyComLogin(QNDecoder& coder) : QNLogin(coder) {}
   [[nodiscard]] std::string_view className() const override { return "QNPrivacyComLogin"; }
 };
 

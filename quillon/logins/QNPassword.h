@@ -12,6 +12,7 @@ class QNPassword final : public QNItem {
  public:
   explicit QNPassword(QNNew);
   explicit QNPassword(QNExisting existing);
+  explicit QNPassword(QNDecoder& coder) : QNItem(coder) {}
 
   [[nodiscard]] std::string_view className() const override { return "QNPassword"; }
   [[nodiscard]] std::optional<QNSecret> password() override;
