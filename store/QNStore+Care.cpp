@@ -74,9 +74,13 @@ QNResult<QNDone> QNStore::Database::checkVault(const std::shared_ptr<QNProfile>&
   while (query.next()) {
     const QNItemRow row = itemRow(query);
     const std::string name = fmt::format("item {}: ", row.uuid);
-    ++report.itemsChecked;
+    ++(isTombstone(row) ? report.tombstonesChecked : report.itemsChecked);
     if (!count.add(sealer.seal(row), row.seal)) {
       report.problems.push_back(name + "the row was altered");
+      continue;
+    }
+    if (isTombstone(row)) {
+      checkTombstone(row, *vault, report);
       continue;
     }
     const auto item = itemOf(row, vault);
@@ -89,7 +93,18 @@ QNResult<QNDone> QNStore::Database::checkVault(const std::shared_ptr<QNProfile>&
   if (!count.agreesWith(ledger.value())) {
     report.problems.emplace_back("rows are missing, were added, or are older than the ledger says");
   }
+  checkSyncSources(vault, report);
   return QNDone{};
+}
+
+void QNStore::Database::checkTombstone(const QNItemRow& row, QNProfile& vault,
+                                       QNCheckReport& report) {
+  const auto key = wrappedKeyOf(row.oid, row.bodyHash);
+  if (!key) {
+    report.problems.push_back(fmt::format("deleted item {}: what is left was altered", row.uuid));
+  } else if (!key->empty() && vault.decryptItemKey(*key) == nullptr) {
+    report.problems.push_back(fmt::format("deleted item {}: the key doesn't open", row.uuid));
+  }
 }
 
 QNResult<QNDone> QNStore::backupTo(const std::filesystem::path& target) {

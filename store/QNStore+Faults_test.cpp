@@ -6,6 +6,7 @@
 #include <array>
 
 #include "quillon/platform/log/MRLogger.h"
+#include "quillon/sync/QNSyncState.h"
 #include "store/internal/QNStoreTesting.h"
 
 namespace quillon {
@@ -140,7 +141,7 @@ class FailingFileSystem final {
   std::uint64_t remaining = 0;
 };
 
-/// What a store holds, in a form to compare: titles, passwords, hint.
+/// What a store holds, in a form to compare: titles, passwords, hint, partners.
 std::vector<std::string> stateOf(const std::filesystem::path& file) {
   Session session = openSession(file);
   EXPECT_EQ(problemsIn(session), std::vector<std::string>());
@@ -150,6 +151,9 @@ std::vector<std::string> stateOf(const std::filesystem::path& file) {
     state.push_back(item->title() + "/" + std::string(item->password()->reveal()));
   };
   EXPECT_TRUE(session.store->list(session.vault, QNStore::Which::all, visit).ok());
+  for (const auto& source : session.store->syncSources(session.vault).value()) {
+    state.push_back("source with states: " + std::to_string(source->itemStates().size()));
+  }
   return state;
 }
 
@@ -192,6 +196,24 @@ std::vector<Change> changes() {
        }},
       {"delete",
        [](Session& session, const auto& item) { return session.store->deleteItem(item); }},
+      {"bring a deleted one back",
+       [](Session& session, const auto& item) -> QNResult<QNDone> {
+         return session.store->inTransaction([&]() -> QNResult<QNDone> {
+           const auto back = makeLogin(session.vault, "back", "", "secret b");
+           back->setUuid(item->uuid());
+           const auto deleted = session.store->deleteItem(item);
+           return deleted.ok() ? session.store->save(back) : deleted;
+         });
+       }},
+      {"save a sync source",
+       [](Session& session, const auto& item) {
+         const auto source = std::make_shared<QNSyncSource>(initNew);
+         source->setProfile(session.vault);
+         const auto state = std::make_shared<QNSyncState>();
+         state->setObjectUUID(*item->uuid());
+         source->setItemStates({state});
+         return session.store->saveSyncSource(source);
+       }},
   };
 }
 
@@ -267,6 +289,25 @@ TEST_F(QNStoreFaults, EachChangeIsMadeWholeOrNotAtAllWhateverCallFails) {
       } while (!HasFailure());
       EXPECT_GT(calls, 3u) << change.name;
     }
+  }
+}
+
+// A file is an older one or a newer one, and in both cases all of it is there.
+TEST_F(QNStoreFaults, AnOlderFileIsBroughtForwardWholeOrNotAtAllWhateverCallFails) {
+  original = bytesOfFile(std::filesystem::path(QUILLON_TESTDATA) / "version-1.store");
+  for (std::uint64_t calls = 0; !HasFailure(); ++calls) {
+    SCOPED_TRACE(calls);
+    restore();
+    fileSystem.failAfter(calls, true);
+    { static_cast<void>(QNStore::open(file)); }
+    const bool failed = fileSystem.stop();
+
+    Session session = openSession(file);
+    EXPECT_EQ(titlesIn(session, QNStore::Which::all).size(), 3u);
+    EXPECT_EQ(problemsIn(session), std::vector<std::string>());
+    if (failed) continue;
+    EXPECT_GT(calls, 3u);
+    break;
   }
 }
 

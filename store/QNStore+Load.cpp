@@ -10,9 +10,10 @@ namespace quillon {
 
 namespace {
 
-bool isWanted(QNStore::Which which, std::uint64_t status) {
+bool isWanted(QNStore::Which which, const QNItemRow& row) {
+  if (isTombstone(row)) return false;
   return which == QNStore::Which::all ||
-         status == (which == QNStore::Which::trashed ? std::uint64_t{1} : std::uint64_t{0});
+         row.status == (which == QNStore::Which::trashed ? std::uint64_t{1} : std::uint64_t{0});
 }
 
 std::optional<std::string> owned(std::optional<std::string_view> view) {
@@ -23,6 +24,9 @@ std::uint64_t categoryIdOf(const QNProfile& vault, std::string_view uuid) {
   const auto category = std::dynamic_pointer_cast<QNCategory>(vault.categoryWithUUID(uuid));
   return category == nullptr ? 0 : category->oid();
 }
+
+constexpr std::string_view kSelectDetails =
+    "SELECT wrapped_key, details FROM details WHERE item_id = ?1";
 
 QNURLRow urlRow(const QNQuery& query) {
   QNURLRow row;
@@ -139,7 +143,7 @@ QNResult<QNListReport> QNStore::list(const std::shared_ptr<QNProfile>& vault, Wh
     while (query.next()) {
       const QNItemRow row = itemRow(query);
       const bool genuine = count.add(sealer.seal(row), row.seal);
-      if (genuine && !isWanted(which, row.status)) continue;
+      if (genuine && !isWanted(which, row)) continue;
       const auto item = genuine ? Database::shellOf(row, vault) : nullptr;
       if (item == nullptr || item->mutableOverview() == nullptr) {
         report.damaged.emplace_back(row.uuid);
@@ -164,7 +168,11 @@ QNResult<std::shared_ptr<QNItem>> QNStore::item(const std::shared_ptr<QNProfile>
                                            " FROM items WHERE vault_id = ?1 AND uuid = ?2",
                                            vault->oid(), uuid);
     if (!query.next()) return storeError(QNStoreErrorCode::notFound, "no item of that uuid");
-    return _database->itemOf(itemRow(query), vault);
+    const QNItemRow row = itemRow(query);
+    if (isTombstone(row) && sealFits(QNRowSealer(*vault).seal(row), row.seal)) {
+      return storeError(QNStoreErrorCode::notFound, "the item of that uuid was deleted");
+    }
+    return _database->itemOf(row, vault);
   });
 }
 
@@ -194,10 +202,14 @@ QNResult<QNDone> QNStore::loadDetails(const std::shared_ptr<QNItem>& item) {
                                            item->oid(), vault->oid());
     if (!query.next()) return storeError(QNStoreErrorCode::notFound, "the item isn't there");
     const QNItemRow row = itemRow(query);
+    const bool genuine = sealFits(QNRowSealer(*vault).seal(row), row.seal);
+    if (genuine && isTombstone(row)) {
+      return storeError(QNStoreErrorCode::notFound, "the item was deleted");
+    }
     if (row.txTimestamp != item->txTimestamp()) {
       return storeError(QNStoreErrorCode::lostRace, "the item was saved by somebody else");
     }
-    if (!sealFits(QNRowSealer(*vault).seal(row), row.seal)) {
+    if (!genuine) {
       return storeError(QNStoreErrorCode::damaged, "the item's row was altered");
     }
     return _database->readBody(item, row.bodyHash);
@@ -206,8 +218,7 @@ QNResult<QNDone> QNStore::loadDetails(const std::shared_ptr<QNItem>& item) {
 
 QNResult<QNDone> QNStore::Database::readBody(const std::shared_ptr<QNItem>& item, ByteView hash) {
   ++detailsRead;
-  QNQuery query =
-      file->query("SELECT wrapped_key, details FROM details WHERE item_id = ?1", item->oid());
+  QNQuery query = file->query(kSelectDetails, item->oid());
   if (!query.next()) return storeError(QNStoreErrorCode::damaged, "the item has no details");
   const auto urls = readURLs(item->oid());
   if (!equalInConstantTime(bodyHash(query.bytes(0), query.bytes(1), rowsOf(urls)), hash)) {
@@ -230,6 +241,14 @@ QNResult<QNDone> QNStore::Database::readBody(const std::shared_ptr<QNItem>& item
   return QNDone{};
 }
 
+std::optional<Bytes> QNStore::Database::wrappedKeyOf(std::uint64_t itemOid, ByteView hash) {
+  QNQuery query = file->query(kSelectDetails, itemOid);
+  if (!query.next()) return std::nullopt;
+  const auto urls = readURLs(itemOid);
+  const auto found = bodyHash(query.bytes(0), query.bytes(1), rowsOf(urls));
+  return equalInConstantTime(found, hash) ? std::optional(toBytes(query.bytes(0))) : std::nullopt;
+}
+
 std::vector<std::shared_ptr<QNItemURL>> QNStore::Database::readURLs(std::uint64_t itemOid) {
   QNQuery query = file->query(
       "SELECT oid, display_order, hash_version, naked_hash, derived_hash, overview FROM urls "
@@ -245,7 +264,7 @@ std::vector<std::shared_ptr<QNItemURL>> QNStore::Database::readURLs(std::uint64_
 // The cross join keeps the hash's index in front.
 #define QN_ITEMS_WITH_HASH(COLUMN)                                                    \
   "SELECT DISTINCT items.oid FROM urls CROSS JOIN items ON items.oid = urls.item_id " \
-  "WHERE urls." COLUMN                                                                \
+  "WHERE substr(urls." COLUMN ", 1, 12) = substr(?1, 1, 12) AND urls." COLUMN         \
   " = ?1 AND items.vault_id = ?2 AND items.status = 0 AND "                           \
   "items.category_uuid IN ('001', '800', '005') ORDER BY items.oid"
 

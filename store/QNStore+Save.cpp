@@ -164,26 +164,26 @@ QNResult<QNDone> QNStore::save(const std::shared_ptr<QNItem>& item) {
 QNResult<QNDone> QNStore::saveAll(std::span<const std::shared_ptr<QNItem>> items) {
   return inTransaction([this, items]() -> QNResult<QNDone> {
     for (std::size_t i = 0; i < items.size(); i += kItemsAtOnce) {
-      const auto saved = _database->saveItems(
-          items.subspan(i, std::min(kItemsAtOnce, items.size() - i)));
+      const auto saved =
+          _database->saveItems(items.subspan(i, std::min(kItemsAtOnce, items.size() - i)));
       if (!saved.ok()) return saved.error();
     }
     return QNDone{};
   });
 }
 
-QNResult<QNDone> QNStore::deleteItem(const std::shared_ptr<QNItem>& item) {
-  return inTransaction([this, &item] { return _database->deleteItem(item); });
-}
-
 QNResult<QNDone> QNStore::Database::saveItems(std::span<const std::shared_ptr<QNItem>> items) {
   std::vector<Prepared> prepared;
   prepared.reserve(items.size());
   for (const auto& item : items) {
-    const bool isRepeated = std::any_of(prepared.begin(), prepared.end(), [&](const Prepared& one) {
-      return one.item == item;
-    });
+    const bool isRepeated = std::any_of(prepared.begin(), prepared.end(),
+                                        [&](const Prepared& one) { return one.item == item; });
     if (isRepeated || !needsSaving(*item)) continue;
+    if (item->isTombstone()) {
+      const auto buried = saveTombstone(item);
+      if (!buried.ok()) return buried.error();
+      continue;
+    }
     auto ready = prepareItem(item);
     if (!ready.ok()) return ready.error();
     prepared.push_back(std::move(ready).value());
@@ -195,27 +195,45 @@ QNResult<QNDone> QNStore::Database::saveItems(std::span<const std::shared_ptr<QN
   return QNDone{};
 }
 
-QNResult<QNStore::Database::Prepared> QNStore::Database::prepareItem(
-    const std::shared_ptr<QNItem>& item) {
-  const auto vault = std::dynamic_pointer_cast<QNProfile>(item->profile());
+QNResult<std::shared_ptr<QNProfile>> QNStore::Database::vaultOf(const QNItem& item) {
+  auto vault = std::dynamic_pointer_cast<QNProfile>(item.profile());
   if (vault == nullptr) {
     return storeError(QNStoreErrorCode::notFound, "the item has no vault of a store");
   }
   const auto ledger = openLedger(vault);
   if (!ledger.ok()) return ledger.error();
+  return vault;
+}
+
+QNResult<QNStore::Database::Prepared> QNStore::Database::prepareItem(
+    const std::shared_ptr<QNItem>& item) {
+  const auto vault = vaultOf(*item);
+  if (!vault.ok()) return vault.error();
   if (!opens(*item)) return storeError(QNStoreErrorCode::unreadableItem, "the item doesn't open");
-  auto before = rowBefore(*item, vault);
+  auto before = rowBefore(*item, vault.value());
   if (!before.ok()) return before.error();
 
   noteForUndo(item);
   const std::uint64_t now = secondsNow();
-  const std::uint64_t revisionRead = item->txTimestamp();
   item->setUpdatedAt(now);
-  item->setTxTimestamp(ledger.value()->nextTx(now));
+  item->setTxTimestamp(ledgers.at(vault.value()->oid()).ledger.nextTx(now));
   if (!prepare(*item) || !prepareURLs(urlsOf(*item))) {
     return storeError(QNStoreErrorCode::unreadableItem, "the item can't be encrypted");
   }
-  return Prepared{item, vault, std::move(before).value(), revisionRead};
+  return Prepared{item, vault.value(), std::move(before).value()};
+}
+
+QNStore::Database::Before QNStore::Database::beforeOf(const QNItemRow& row,
+                                                      const std::shared_ptr<QNProfile>& vault) {
+  Before before;
+  before.seal = QNRowSealer(*vault).seal(row);
+  before.oid = row.oid;
+  before.txTimestamp = row.txTimestamp;
+  before.createdAt = row.createdAt;
+  before.uuid = row.uuid;
+  before.bodyHash = toBytes(row.bodyHash);
+  before.vault = vault;
+  return before;
 }
 
 QNResult<QNStore::Database::Before> QNStore::Database::rowBefore(
@@ -229,34 +247,58 @@ QNResult<QNStore::Database::Before> QNStore::Database::rowBefore(
   }
   const QNItemRow row = itemRow(query);
   const std::uint64_t home = query.number(17);
-  Before before;
-  before.vault = home == vault->oid() ? vault : unlockedVaultWithOid(home);
-  if (before.vault == nullptr) {
+  const auto from = home == vault->oid() ? vault : unlockedVaultWithOid(home);
+  if (from == nullptr) {
     return storeError(QNStoreErrorCode::locked, "the vault that the item comes from is locked");
   }
-  if (before.vault != vault && !item.detailsLoaded()) {
+  if (from != vault && !item.detailsLoaded()) {
     return storeError(QNStoreErrorCode::unreadableItem, "an item moves with its details loaded");
   }
-  before.seal = QNRowSealer(*before.vault).seal(row);
+  Before before = beforeOf(row, from);
   if (!sealFits(before.seal, row.seal)) {
     return storeError(QNStoreErrorCode::damaged, "the item's row was altered");
   }
-  before.bodyHash = toBytes(row.bodyHash);
   return before;
 }
 
 QNResult<QNDone> QNStore::Database::writeItem(const Prepared& prepared) {
-  const auto& [item, vault, before, revisionRead] = prepared;
+  const auto& [item, vault, found] = prepared;
+  Before before = found;
   const bool isNew = before.vault != vault;
-  if (isNew && before.vault != nullptr) {
-    const auto removed = removeRow(item->oid(), revisionRead, before);
-    if (!removed.ok()) return removed.error();
+  if (isNew) {
+    const auto buried = before.vault == nullptr ? QNResult<QNDone>(QNDone{}) : bury(before);
+    if (!buried.ok()) return buried.error();
+    const auto tombstone = tombstoneBefore(vault, *item->uuid());
+    if (!tombstone.ok()) return tombstone.error();
+    before = tombstone.value();
   }
   ItemColumns columns(*item);
   QNItemRow& row = columns.row;
-  if (isNew) row.oid = newItemOid();
+  row.oid = before.seal ? before.oid : freshOid();
   const auto freshHash = item->detailsLoaded() ? std::optional(bodyHashOf(*item)) : std::nullopt;
   row.bodyHash = freshHash ? ByteView(*freshHash) : ByteView(before.bodyHash);
+  const auto written = writeRow(row, vault, before);
+  if (!written.ok()) return written.error();
+  item->_setOid(row.oid);
+  if (item->detailsLoaded()) writeBody(*item, isNew);
+  writeCategory(vault, row.categoryUUID);
+  afterCommit.emplace_back([saved = std::weak_ptr(item)] {
+    const auto kept = saved.lock();
+    if (kept == nullptr) return;
+    for (const auto& url : urlsOf(*kept)) url->didSave();
+    kept->didSave();
+  });
+  return QNDone{};
+}
+
+std::uint64_t QNStore::Database::freshOid() {
+  if (lastItemOid == 0) lastItemOid = file->number("SELECT coalesce(max(oid), 0) FROM items");
+  return ++lastItemOid;
+}
+
+QNResult<QNDone> QNStore::Database::writeRow(QNItemRow& row,
+                                             const std::shared_ptr<QNProfile>& vault,
+                                             const Before& before) {
   const auto seal = QNRowSealer(*vault).seal(row);
   if (!seal) return storeError(QNStoreErrorCode::locked, "the vault's keys aren't there");
   row.seal = seal->tag;
@@ -269,34 +311,18 @@ QNResult<QNDone> QNStore::Database::writeItem(const Prepared& prepared) {
       "body_hash = ?15, seal = ?16, overview = ?17 WHERE vault_id = ?18 AND tx_timestamp = ?19",
       row.oid, row.status, row.faveIndex, row.createdAt, row.updatedAt, row.txTimestamp,
       row.timesUsed, row.lastUsed, row.inbox, row.attachments, row.categoryUUID, row.scope,
-      row.folderUUID, row.uuid, row.bodyHash, row.seal, row.overview, vault->oid(), revisionRead);
+      row.folderUUID, row.uuid, row.bodyHash, row.seal, row.overview, vault->oid(),
+      before.txTimestamp);
   if (changed != 1) return storeError(QNStoreErrorCode::lostRace, "the item's row was changed");
-  item->_setOid(row.oid);
-  if (item->detailsLoaded()) writeBody(*item, isNew);
-  writeCategory(vault, row.categoryUUID);
   QNLedger& ledger = ledgers.at(vault->oid()).ledger;
-  if (!isNew) ledger.remove(*before.seal);
+  if (before.seal) ledger.remove(*before.seal);
   ledger.add(*seal);
-  afterCommit.emplace_back([saved = std::weak_ptr(item)] {
-    const auto kept = saved.lock();
-    if (kept == nullptr) return;
-    for (const auto& url : urlsOf(*kept)) url->didSave();
-    kept->didSave();
-  });
   return QNDone{};
-}
-
-std::uint64_t QNStore::Database::newItemOid() {
-  if (lastItemOid == 0) lastItemOid = file->number("SELECT coalesce(max(oid), 0) FROM items");
-  return ++lastItemOid;
 }
 
 /// The rows of removed URLs go with the others: all of them are written anew.
 void QNStore::Database::writeBody(QNItem& item, bool isNew) {
-  file->change(
-      "INSERT INTO details (item_id, wrapped_key, details) VALUES (?1, ?2, ?3) ON CONFLICT "
-      "(item_id) DO UPDATE SET wrapped_key = excluded.wrapped_key, details = excluded.details",
-      item.oid(), item.encryptedKey(), ByteView(*item.detailsData()));
+  writeDetails(item.oid(), item.encryptedKey(), *item.detailsData());
   if (!isNew) file->change("DELETE FROM urls WHERE item_id = ?1", item.oid());
   for (const auto& url : item.URLs()) {
     const QNURLRow row = urlRow(*url);
@@ -307,6 +333,13 @@ void QNStore::Database::writeBody(QNItem& item, bool isNew) {
         row.overview);
     url->_setOid(file->lastRow());
   }
+}
+
+void QNStore::Database::writeDetails(std::uint64_t itemOid, ByteView wrappedKey, ByteView details) {
+  file->change(
+      "INSERT INTO details (item_id, wrapped_key, details) VALUES (?1, ?2, ?3) ON CONFLICT "
+      "(item_id) DO UPDATE SET wrapped_key = excluded.wrapped_key, details = excluded.details",
+      itemOid, wrappedKey, details);
 }
 
 void QNStore::Database::noteForUndo(const std::shared_ptr<QNItem>& item) {
@@ -323,39 +356,6 @@ void QNStore::Database::noteForUndo(const std::shared_ptr<QNItem>& item) {
     kept->setUpdatedAt(updatedAt);
     kept->setTxTimestamp(txTimestamp);
   });
-}
-
-// Deleting
-
-QNResult<QNDone> QNStore::Database::deleteItem(const std::shared_ptr<QNItem>& item) {
-  const auto vault = std::dynamic_pointer_cast<QNProfile>(item->profile());
-  if (vault == nullptr || !item->hasOid()) {
-    return storeError(QNStoreErrorCode::notFound, "the item isn't in this store");
-  }
-  const auto ledger = openLedger(vault);
-  if (!ledger.ok()) return ledger.error();
-  const auto before = rowBefore(*item, vault);
-  if (!before.ok()) return before.error();
-  const auto removed = removeRow(item->oid(), item->txTimestamp(), before.value());
-  if (!removed.ok()) return removed.error();
-  afterCommit.emplace_back([item] {
-    for (const auto& url : urlsOf(*item)) url->_setOid(0);
-    item->_setOid(0);
-    item->markDeleted();
-    item->didSave();
-  });
-  return QNDone{};
-}
-
-QNResult<QNDone> QNStore::Database::removeRow(std::uint64_t oid, std::uint64_t revision,
-                                              const Before& before) {
-  const auto ledger = openLedger(before.vault);
-  if (!ledger.ok()) return ledger.error();
-  const std::uint64_t removed =
-      file->change("DELETE FROM items WHERE oid = ?1 AND tx_timestamp = ?2", oid, revision);
-  if (removed != 1) return storeError(QNStoreErrorCode::lostRace, "the item's row was changed");
-  ledger.value()->remove(*before.seal);
-  return QNDone{};
 }
 
 }  // namespace quillon

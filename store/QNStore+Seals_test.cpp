@@ -185,6 +185,7 @@ TEST_F(QNStoreSeals, NoticeADeletedRowThatWasBroughtBack) {
   }
   runSQL(
       fmt::format("ATTACH '{}' AS older;"
+                  "DELETE FROM items WHERE oid = 1; DELETE FROM details WHERE item_id = 1;"
                   "INSERT INTO items SELECT * FROM older.items WHERE oid = 1;"
                   "INSERT INTO details SELECT * FROM older.details WHERE item_id = 1;"
                   "INSERT INTO urls SELECT * FROM older.urls WHERE item_id = 1",
@@ -192,6 +193,71 @@ TEST_F(QNStoreSeals, NoticeADeletedRowThatWasBroughtBack) {
 
   EXPECT_TRUE(listReport().ledgerBroken);
   EXPECT_FALSE(checkIsClean());
+}
+
+TEST_F(QNStoreSeals, NoticeAChangeOfEachColumnOfADeletedItem) {
+  {
+    Session session = openSession(file);
+    ASSERT_TRUE(
+        session.store->deleteItem(std::move(session.store->item(session.vault, firstUuid)).value())
+            .ok());
+  }
+  const std::string deleted = bytesOfFile(file);
+  for (const char* change :
+       {"items SET status = 0", "items SET created_at = 1", "items SET updated_at = 1",
+        "items SET tx_timestamp = 1", "items SET category_uuid = '001'", "items SET scope = ''",
+        "items SET body_hash = x''", "items SET overview = x'00'", "items SET times_used = 1"}) {
+    SCOPED_TRACE(change);
+    runSQL(fmt::format("UPDATE {} WHERE uuid = '{}'", change, firstUuid));
+
+    EXPECT_EQ(listReport().damaged, std::vector<std::string>{firstUuid});
+    EXPECT_FALSE(checkIsClean());
+    writeFile(file, deleted);
+  }
+}
+
+TEST_F(QNStoreSeals, ACheckNoticesWhatWasAddedToADeletedItem) {
+  {
+    Session session = openSession(file);
+    ASSERT_TRUE(
+        session.store->deleteItem(std::move(session.store->item(session.vault, firstUuid)).value())
+            .ok());
+    EXPECT_EQ(problemsIn(session), std::vector<std::string>());
+  }
+  const std::string deleted = bytesOfFile(file);
+  for (const char* change : {"UPDATE details SET wrapped_key = randomblob(112) WHERE item_id = 1",
+                             "UPDATE details SET details = x'00' WHERE item_id = 1",
+                             "DELETE FROM details WHERE item_id = 1",
+                             "INSERT INTO urls VALUES (99, 1, 1, 1, NULL, NULL, x'00')"}) {
+    SCOPED_TRACE(change);
+    runSQL(change);
+
+    Session session = openSession(file);
+    EXPECT_EQ(problemsIn(session),
+              std::vector<std::string>{"deleted item " + firstUuid + ": what is left was altered"});
+    session = Session();
+    writeFile(file, deleted);
+  }
+}
+
+TEST_F(QNStoreSeals, NoticeATombstoneThatWasTakenAway) {
+  {
+    Session session = openSession(file);
+    ASSERT_TRUE(
+        session.store->deleteItem(std::move(session.store->item(session.vault, firstUuid)).value())
+            .ok());
+  }
+  runSQL("DELETE FROM details WHERE item_id = 1; DELETE FROM items WHERE oid = 1");
+
+  EXPECT_TRUE(listReport().ledgerBroken);
+  EXPECT_FALSE(checkIsClean());
+}
+
+TEST_F(QNStoreSeals, AnItemIsNotHiddenByTheCategoryOfDeletedOnes) {
+  runSQL(fmt::format("UPDATE items SET category_uuid = '099' WHERE uuid = '{}'", firstUuid));
+
+  EXPECT_EQ(errorOfItem(firstUuid), damaged);
+  EXPECT_EQ(listReport().damaged, std::vector<std::string>{firstUuid});
 }
 
 TEST_F(QNStoreSeals, NoticeACopyOfARow) {

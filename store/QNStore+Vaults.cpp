@@ -231,7 +231,7 @@ QNResult<std::vector<QNStoredVaultInfo>> QNStore::vaults() {
     QNQuery query = _database->file->query(
         "SELECT vaults.oid, vaults.uuid, vaults.name, "
         "count(items.oid) FILTER (WHERE items.status = 0), "
-        "count(items.oid) FILTER (WHERE items.status = 1) "
+        "count(items.oid) FILTER (WHERE items.status = 1 AND items.category_uuid <> '099') "
         "FROM vaults LEFT JOIN items ON +items.vault_id = vaults.oid "
         "GROUP BY vaults.oid ORDER BY vaults.oid");
     std::vector<QNStoredVaultInfo> infos;

@@ -1,6 +1,8 @@
 // Files of every version that was ever published must open for ever. testdata/SOURCES.md tells how
 // they were made.
 
+#include "quillon/sync/QNSyncState.h"
+#include "store/internal/QNDatabase.h"
 #include "store/internal/QNStoreTesting.h"
 
 namespace quillon {
@@ -8,8 +10,12 @@ namespace {
 
 class QNStoreVersions : public ::testing::Test {
  protected:
-  QNStoreVersions() {
-    std::filesystem::copy_file(std::filesystem::path(QUILLON_TESTDATA) / "version-1.store", file);
+  explicit QNStoreVersions(const char* name = "version-1.store") {
+    std::filesystem::copy_file(std::filesystem::path(QUILLON_TESTDATA) / name, file);
+  }
+  [[nodiscard]] std::uint64_t versionOfFile() const {
+    const auto database = std::move(QNDatabase::open(file, QNDatabase::Mode::readOnly)).value();
+    return database->number("PRAGMA user_version");
   }
   const TemporaryFolder folder;
   const std::filesystem::path file = folder / "a.quillon";
@@ -71,6 +77,98 @@ TEST_F(QNStoreVersions, WritesIntoAFileOfVersion1) {
 
   EXPECT_EQ(titlesIn(session), (std::vector<std::string>{"Bank", "Zettel", "new"}));
   EXPECT_EQ(problemsIn(session), std::vector<std::string>());
+}
+
+TEST_F(QNStoreVersions, BringsAFileOfVersion1ForwardForWriting) {
+  ASSERT_EQ(versionOfFile(), 1u);
+
+  ASSERT_TRUE(QNStore::open(file).ok());
+
+  EXPECT_EQ(versionOfFile(), 2u);
+}
+
+TEST_F(QNStoreVersions, BringsAFileOfVersion1ForwardForReadingToo) {
+  Session session = openSession(file, QNStore::Access::readOnly);
+
+  EXPECT_EQ(titlesIn(session), (std::vector<std::string>{"Bank", "Zettel"}));
+  EXPECT_EQ(problemsIn(session), std::vector<std::string>());
+  EXPECT_EQ(errorOf(session.store->save(makeLogin(session.vault, "a"))),
+            codeText(QNStoreErrorCode::notWritable));
+  EXPECT_EQ(versionOfFile(), 2u);
+}
+
+TEST_F(QNStoreVersions, TellsTheChangesOfAFileOfVersion1) {
+  Session session = openSession(file);
+
+  const auto feed = std::move(session.store->changesSince(session.vault, 0)).value();
+
+  ASSERT_EQ(feed.changes.size(), 3u);
+  EXPECT_EQ(feed.changes[0].kind, QNStoredChange::Kind::saved);
+  EXPECT_EQ(feed.changes[1].kind, QNStoredChange::Kind::trashed);
+  EXPECT_EQ(feed.changes[2].txTimestamp, 1'700'000'100u);
+  EXPECT_TRUE(session.store->syncSources(session.vault).value().empty());
+}
+
+TEST_F(QNStoreVersions, DeletesAndSynchronisesInAFileOfVersion1) {
+  Session session = openSession(file);
+  const auto feed = std::move(session.store->changesSince(session.vault, 0)).value();
+  const auto item = std::move(session.store->item(session.vault, feed.changes.at(0).uuid)).value();
+  ASSERT_EQ(errorOf(session.store->deleteItem(item)), "");
+  const auto source = std::make_shared<QNSyncSource>(initNew);
+  source->setProfile(session.vault);
+  ASSERT_EQ(errorOf(session.store->saveSyncSource(source)), "");
+
+  EXPECT_EQ(problemsIn(session), std::vector<std::string>());
+}
+
+class QNStoreVersion2 : public QNStoreVersions {
+ protected:
+  QNStoreVersion2() : QNStoreVersions("version-2.store") {}
+};
+
+TEST_F(QNStoreVersion2, OpensWithItsItemsAndTombstones) {
+  Session session = openSession(file, QNStore::Access::readOnly);
+
+  EXPECT_EQ(titlesIn(session), (std::vector<std::string>{"Bank", "Zettel"}));
+  EXPECT_EQ(titlesIn(session, QNStore::Which::trashed), std::vector<std::string>{"Generated"});
+  const auto report = std::move(session.store->check(session.vault)).value();
+  EXPECT_EQ(report.problems, std::vector<std::string>());
+  EXPECT_EQ(report.itemsChecked, 3u);
+  EXPECT_EQ(report.tombstonesChecked, 1u);
+  EXPECT_EQ(report.syncSourcesChecked, 1u);
+}
+
+TEST_F(QNStoreVersion2, TellsItsChanges) {
+  Session session = openSession(file);
+
+  const auto feed = std::move(session.store->changesSince(session.vault, 1'700'000'100)).value();
+
+  ASSERT_EQ(feed.changes.size(), 1u);
+  EXPECT_EQ(feed.changes[0].kind, QNStoredChange::Kind::deleted);
+  EXPECT_EQ(feed.changes[0].txTimestamp, 1'700'000'200u);
+  EXPECT_EQ(feed.txTimestamp, 1'700'000'200u);
+}
+
+TEST_F(QNStoreVersion2, HasItsSourceAndStates) {
+  Session session = openSession(file);
+
+  const auto source = std::move(session.store->syncSources(session.vault)).value().at(0);
+
+  EXPECT_EQ(source->keychainIdentifier(), "/home/ada/library/dropbox/quillon.marlowkeychain");
+  EXPECT_TRUE(source->legacySyncSource());
+  EXPECT_EQ(source->keychainType(), "folder");
+  EXPECT_EQ(source->remoteProfileUUID(), "remote-uuid");
+  EXPECT_EQ(source->remoteProfileTimestamp(), 1'700'000'140u);
+  EXPECT_EQ(session.vault->decryptOverview(*source->remoteProfileAttributesEncryptedWithLocal()),
+            (Bytes{1, 2, 3}));
+  EXPECT_EQ(source->localProfileUUID(), *session.vault->uuid());
+  EXPECT_EQ(source->localProfileTimestamp(), 1'700'000'150u);
+  EXPECT_EQ(source->localProfileAttributesEncryptedWithRemote(), std::nullopt);
+  ASSERT_EQ(source->itemStates().size(), 1u);
+  EXPECT_EQ(source->itemStates()[0]->syncedAt(), 1'700'000'150u);
+  EXPECT_EQ(source->itemStates()[0]->sourceTimestamp(), 1'700'000'140u);
+  EXPECT_EQ(source->itemStates()[0]->localTimestamp(), 1'700'000'100u);
+  EXPECT_EQ(source->syncStateForFolderUUID("folder-uuid")->objectID(), 4u);
 }
 
 }  // namespace

@@ -48,6 +48,11 @@ bool endsInsideAPage(const std::filesystem::path& file, QNDatabase& database) {
   return !unknown && pageSize != 0 && size % pageSize != 0;
 }
 
+bool isOlder(QNDatabase& database) {
+  const std::uint64_t version = database.number("PRAGMA user_version");
+  return version != 0 && version < static_cast<std::uint64_t>(QNStore::kSchemaVersion);
+}
+
 QNResult<std::unique_ptr<QNDatabase>> makeDatabase(const std::filesystem::path& file) {
   auto opened = QNDatabase::open(file, QNDatabase::Mode::readWrite);
   if (!opened.ok()) return opened.error();
@@ -86,6 +91,11 @@ QNResult<std::unique_ptr<QNStore>> QNStore::open(const std::filesystem::path& fi
     return storeError(QNStoreErrorCode::damaged, "the file was cut");
   }
   const auto forward = bringSchemaForward(database, storeMigrations());
+  if (!forward.ok() && isOlder(database) && access == Access::readOnly) {
+    opened.value().reset();
+    const auto written = open(file, Access::readWrite);
+    return written.ok() ? open(file, access) : written.error();
+  }
   if (!forward.ok()) return forward.error();
   if (access == Access::readWrite) {
     // A backup copy comes without it. Where the file system can't, the file works without it too.

@@ -14,6 +14,7 @@
 #include "quillon/items/QNItem.h"
 #include "quillon/logins/QNItemSetForURL.h"
 #include "quillon/platform/errors/QNError.h"
+#include "quillon/sync/QNSyncSource.h"
 #include "quillon/vaults/QNProfile.h"
 #include "store/QNStoreError.h"
 
@@ -37,9 +38,28 @@ struct QNListReport {
   bool ledgerBroken = false;
 };
 
+/// What happened to an item last.
+struct QNStoredChange {
+  enum class Kind { saved, trashed, deleted };
+  std::string uuid;
+  Kind kind = Kind::saved;
+  std::uint64_t txTimestamp = 0;
+};
+
+/// Changes of a vault in the order in which they were made, one for each item.
+struct QNChangeFeed {
+  std::vector<QNStoredChange> changes;
+  /// uuid of each row whose seal doesn't fit; not among the changes.
+  std::vector<std::string> damaged;
+  /// What to ask from the next time: the last change's time, whether it stands here or not.
+  std::uint64_t txTimestamp = 0;
+};
+
 /// What an integrity check found; every text names rows by identifier and place only.
 struct QNCheckReport {
   std::uint64_t itemsChecked = 0;
+  std::uint64_t tombstonesChecked = 0;
+  std::uint64_t syncSourcesChecked = 0;
   std::vector<std::string> problems;
   [[nodiscard]] bool clean() const { return problems.empty(); }
 };
@@ -54,11 +74,12 @@ class QNStore final {
 
   /// Errors: exists, notWritable, inputOutput.
   static QNResult<std::unique_ptr<QNStore>> create(const std::filesystem::path& file);
-  /// Brings an older schema forward in one transaction. Errors: notFound, notAStore, newerSchema,
-  /// damaged, notWritable, inputOutput, busy.
+  /// Brings an older schema forward in one transaction, and writes for that also if only reading
+  /// was asked for: where the file can't be written, an older one can't be read. Errors: notFound,
+  /// notAStore, newerSchema, damaged, notWritable, inputOutput, busy.
   static QNResult<std::unique_ptr<QNStore>> open(const std::filesystem::path& file,
                                                  Access access = Access::readWrite);
-  static constexpr int kSchemaVersion = 1;
+  static constexpr int kSchemaVersion = 2;
   ~QNStore();
   QNStore(const QNStore&) = delete;
   QNStore& operator=(const QNStore&) = delete;
@@ -92,7 +113,12 @@ class QNStore final {
   /// Runs several operations as one transaction. An error of `work`, or of any change inside it,
   /// rolls everything back. Until the end, saved items stay dirty.
   QNResult<QNDone> inTransaction(const std::function<QNResult<QNDone>()>& work);
-  /// Takes the row away for good. The item is marked deleted and has no row id any more.
+
+  // Deleting: QNStore+Delete.cpp
+  /// Makes the row a tombstone: uuid, time of creation, time of now and the wrapped key stay,
+  /// everything else is wiped. The item is marked deleted and has no row id any more. A tombstone
+  /// isn't read as an item; changesSince() tells of it, and an item of its uuid takes its row back.
+  /// Saving a QNTombstone does the same; it needs the txTimestamp of the item that it was made of.
   QNResult<QNDone> deleteItem(const std::shared_ptr<QNItem>& item);
 
   // Reading: QNStore+Load.cpp
@@ -114,8 +140,24 @@ class QNStore final {
   QNResult<std::unique_ptr<QNItemSetForURL>> itemSetForURL(const std::shared_ptr<QNProfile>& vault,
                                                            std::string_view url);
 
+  // Synchronisation: QNStore+Sync.cpp
+  /// What was saved, trashed or deleted after `txTimestamp`, by an index: its time grows with the
+  /// changes. A row that was taken away behind our back isn't missed here; list() and check() tell.
+  QNResult<QNChangeFeed> changesSince(const std::shared_ptr<QNProfile>& vault,
+                                      std::uint64_t txTimestamp);
+  /// The partners of a vault, each with all of its states, in row order. Errors: locked; damaged,
+  /// if one of them or of their states was altered.
+  QNResult<std::vector<std::shared_ptr<QNSyncSource>>> syncSources(
+      const std::shared_ptr<QNProfile>& vault);
+  /// Stores a source and all of its states, whether it is dirty or not: its profile is the vault.
+  /// Errors: lostRace, locked, notFound, ...
+  QNResult<QNDone> saveSyncSource(const std::shared_ptr<QNSyncSource>& source);
+  /// Forgets a source and its states. The source has no row id any more.
+  QNResult<QNDone> deleteSyncSource(const std::shared_ptr<QNSyncSource>& source);
+
   // Care: QNStore+Care.cpp
-  /// SQLite's own check, then every row's seal, ledger, key, details and URLs.
+  /// SQLite's own check, then every row's seal, ledger, key, details and URLs, tombstones and sync
+  /// sources too.
   QNResult<QNCheckReport> check(const std::shared_ptr<QNProfile>& vault);
   /// A whole copy under a name that isn't there yet, 0600.
   QNResult<QNDone> backupTo(const std::filesystem::path& file);

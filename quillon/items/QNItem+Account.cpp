@@ -16,6 +16,10 @@ H9ItemProperties* QNItem::h9ItemProperties() {
   return properties ? &*properties : &properties.emplace();
 }
 
+void QNItem::setH9ItemProperties(std::optional<H9ItemProperties> properties) {
+  if (belongsToAccount()) rareColumns().h9ItemProperties = std::move(properties);
+}
+
 std::optional<Bytes> QNItem::encryptedExportOverview() {
   if (!belongsToAccount() || _rare == nullptr) return std::nullopt;
   return _rare->encryptedExportOverview;

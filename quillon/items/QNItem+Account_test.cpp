@@ -12,8 +12,8 @@ TEST(QNItemAccount, PropertiesAreMadeAtTheFirstRead) {
   H9ItemProperties* const properties = item->h9ItemProperties();
 
   ASSERT_NE(properties, nullptr);
-  EXPECT_EQ(properties->itemVersion, 0u);
-  EXPECT_EQ(properties->localEditCount, 0u);
+  EXPECT_EQ(properties->itemVersion(), 0u);
+  EXPECT_EQ(properties->localEditCount(), 0u);
   EXPECT_EQ(item->h9ItemProperties(), properties);
 }
 

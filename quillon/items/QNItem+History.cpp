@@ -65,6 +65,16 @@ std::vector<QNPreviouslyUsedPassword>* QNItem::mutablePreviouslyUsedPasswords() 
   return &*list;
 }
 
+std::vector<QNPreviouslyUsedPassword> QNItem::previouslyUsedPasswords() {
+  const std::lock_guard lock(monitor());
+  std::vector<QNPreviouslyUsedPassword> copies;
+  const auto* const list = mutablePreviouslyUsedPasswords();
+  if (list == nullptr) return copies;
+  copies.reserve(list->size());
+  for (const QNPreviouslyUsedPassword& entry : *list) copies.push_back(entry.clone());
+  return copies;
+}
+
 void QNItem::_savePreviouslyUsedPasswords() {
   const auto& entries = openState().previouslyUsedPasswords;
   if (!entries) return;

@@ -106,6 +106,18 @@ TEST(QNItemHistory, CountsNothingWhereNoListIsStored) {
   EXPECT_FALSE(newItem(localVault())->hasPreviouslyUsedPasswords());
 }
 
+TEST(QNItemHistory, GivesCopies) {
+  const auto item = itemWithHistory(R"([{"time":1,"value":"a"},{"time":2}])");
+
+  auto copies = item->previouslyUsedPasswords();
+  item->removePreviouslyUsedPasswordAtIndex(0);
+
+  ASSERT_EQ(copies.size(), 2u);
+  EXPECT_TRUE(copies[0].value()->equals("a"));
+  EXPECT_EQ(copies[0].retiredAt(), 1u);
+  EXPECT_FALSE(copies[1].value());
+}
+
 TEST(QNItemHistory, AddsAtTheEndAndDirtiesTheRow) {
   const auto item = itemWithHistory(R"([{"time":1,"value":"a"}])");
 
@@ -198,6 +210,7 @@ TEST(QNItemHistory, WithoutDetailsThereIsNoListAndNothingIsLost) {
   const MRCapturingSink sink;
 
   EXPECT_EQ(item->mutablePreviouslyUsedPasswords(), nullptr);
+  EXPECT_TRUE(item->previouslyUsedPasswords().empty());
   EXPECT_EQ(item->numberOfPreviouslyUsedPasswords(), 0u);
   EXPECT_EQ(item->previouslyUsedPasswordAtIndex(0), nullptr);
   EXPECT_EQ(item->previouslyUsedPasswordWithValue("a"), nullptr);
@@ -244,6 +257,7 @@ TEST(QNItemHistory, GrowsOverManySaves) {
 
 TEST(QNPreviouslyUsedPassword, IsEqualByValueAndTime) {
   EXPECT_TRUE(entry("a", 1).isEqualToPreviouslyUsedPassword(entry("a", 1)));
+  EXPECT_TRUE(entry("a", 1).isEqual(entry("a", 1)));
   EXPECT_FALSE(entry("a", 1).isEqualToPreviouslyUsedPassword(entry("a", 2)));
   EXPECT_FALSE(entry("a", 1).isEqualToPreviouslyUsedPassword(entry("b", 1)));
   EXPECT_FALSE(entry("a", 1).isEqualToPreviouslyUsedPassword({std::nullopt, 1}));

@@ -127,7 +127,8 @@ bool QNItem::isSameRevisionAsItem(const QNItem& other) const {
   };
   const H9ItemProperties mine = propertiesOf(*this);
   const H9ItemProperties theirs = propertiesOf(other);
-  return mine.itemVersion == theirs.itemVersion && mine.localEditCount == theirs.localEditCount;
+  return mine.itemVersion() == theirs.itemVersion() &&
+         mine.localEditCount() == theirs.localEditCount();
 }
 
 bool QNItem::isModifiedCopyOf(QNItem& other) {
@@ -158,13 +159,6 @@ std::shared_ptr<const QNItemSpecifier> QNItem::itemSpecifier() {
   auto& cached = openState().cachedItemSpecifier;
   if (cached == nullptr) cached = QNItemSpecifier::specifierWithItem(*this);
   return cached;
-}
-
-std::shared_ptr<QNDatabaseObject> QNItem::objectByReplacingWith(
-    const std::shared_ptr<QNDatabaseObject>& /*other*/) {
-  MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
-                                     "Must be implemented");
-  return nullptr;
 }
 
 // Favourites and scope

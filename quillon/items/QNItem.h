@@ -3,6 +3,7 @@
 #include <chrono>
 #include <memory>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "quillon/items/QNSecretSet.h"
 #include "quillon/objects/QNDatabaseObjectWithOverview.h"
 #include "quillon/platform/crypto/QNAESKey.h"
+#include "quillon/platform/log/MRLogger.h"
 
 namespace quillon {
 
@@ -23,6 +25,19 @@ class QNItemAttachment;
 class QNItemField;
 class QNItemSpecifier;
 class QNItemURL;
+class QNLogin;
+class QNTombstone;
+
+/// What copying an item into another vault needs; which of it is enough, the caller decides.
+enum class QNCopyRequirement : std::int64_t {
+  nothing = 0,
+  /// The item's files stay where they are, and some have no key to sign references to them.
+  signingKeys = 1,
+  /// The vault can't hold the item's files.
+  vaultForFiles = 2,
+  /// The item's files can't move to an account on another server.
+  sameServer = 3,
+};
 
 /// What a person keeps in a vault. Two JSON objects make up an item: the overview, which a vault
 /// opens for every item to draw lists, and the details, which hold the secrets and are opened
@@ -36,6 +51,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
  public:
   explicit QNItem(QNNew);
   explicit QNItem(QNExisting existing);
+  /// Its addresses don't know it yet: decodedAs() tells them.
+  explicit QNItem(QNDecoder& coder);
   ~QNItem() override;
 
   // Identity: QNItem.cpp
@@ -168,6 +185,65 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void markRowDirty() override;
   void noteOriginalPassword();
 
+  // Row dictionaries: QNItem+Rows.cpp. In clear, secrets included.
+  /// A new item of the dictionary's category or, if that has an "oid", the shell of that row; null
+  /// if the vault makes none.
+  static std::shared_ptr<QNItem> itemWithAttributes(
+      const JsonObject& attributes, const std::shared_ptr<QNGenericProfile>& forProfile);
+  void saveAllAttributes(JsonObject& attributes) override;
+  /// An account vault's item keeps its uuid. Former keys stay, attachments too; all else of the
+  /// details and every address is replaced. Not beside a save on another thread.
+  void restoreAllAttributes(const JsonObject& attributes) override;
+  static void removePendingIconFromAttributesDictionary(JsonObject& attributes);
+  /// Of an imported item: fills in what is missing, silently. False without a category.
+  bool validateAndRepairImportedProperties() override;
+
+  // Archive: QNItem+Archive.cpp. Encrypted buffers as they are, and nothing in clear but columns.
+  void encodeWithCoder(QNEncoder& coder) override;
+  /// Every class that the archive of an item may hold.
+  static std::span<const QNDecodableClass> decodableClasses();
+  template <class Item>
+  static std::shared_ptr<QNCoding> decodedAs(QNDecoder& coder) {
+    auto item = std::make_shared<Item>(coder);
+    item->adoptDecodedURLs();
+    return item;
+  }
+
+  // Fingerprint: QNItem+Fingerprint.cpp. Equal for equal content, whoever keeps it where and since
+  // when. Each call runs willSerialize(), and marks a local item's attachments as loaded.
+  /// In clear. Nothing if overview or details don't open.
+  [[nodiscard]] std::optional<JsonObject> fingerprint_jsonDictionary() {
+    return fingerprint_jsonDictionaryIgnoringDocumentFingerprint(false);
+  }
+  /// A document never equals another, nor itself, unless `ignoring`.
+  [[nodiscard]] std::optional<JsonObject> fingerprint_jsonDictionaryIgnoringDocumentFingerprint(
+      bool ignoring);
+  /// In clear: yours to wipe. Nothing, with an error log, for what has no JSON form.
+  [[nodiscard]] std::optional<std::string> fingerprint_jsonString() {
+    return fingerprint_jsonStringIgnoringDocumentFingerprint(false);
+  }
+  [[nodiscard]] std::optional<std::string> fingerprint_jsonStringIgnoringDocumentFingerprint(
+      bool ignoring);
+  /// SHA-256 of that text, in 64 lower-case hexadecimal digits. DANGER: whoever has it can try
+  /// guesses of what the item hides.
+  [[nodiscard]] std::optional<std::string> fingerprint_fingerprint();
+  /// [TEXT, "FINGERPRINT"], in clear.
+  [[nodiscard]] std::optional<std::string> fingerprint_debugJSON();
+
+  // Copies: QNItem+Copying.cpp. Of a loaded item, else an assertion log; a copy is null then.
+  [[nodiscard]] std::shared_ptr<QNItem> makeCopy() { return makeCopyWithAttachments(true); }
+  [[nodiscard]] std::shared_ptr<QNItem> makeCopyWithoutAttachments() {
+    return makeCopyWithAttachments(false);
+  }
+  /// The same uuid in the same vault, without a row. A dirty item runs willSave() on the way.
+  [[nodiscard]] std::shared_ptr<QNItem> makeCopyWithAttachments(bool attachments);
+  /// What a user takes for a copy: a uuid and a time of its own, no history, "- Copy" in its title.
+  [[nodiscard]] std::shared_ptr<QNItem> makeDuplicateWithoutAttachments();
+  [[nodiscard]] QNCopyRequirement requirementForCopyingFromProfile(
+      const std::shared_ptr<QNGenericProfile>& from,
+      const std::shared_ptr<QNGenericProfile>& toProfile);
+  [[nodiscard]] bool hasFileReferencesWithoutSigningKeys();
+
   // URLs: QNItem+URLs.cpp. Details must be loaded or loading; otherwise an assertion log.
   [[nodiscard]] std::vector<std::shared_ptr<QNItemURL>> URLs();
   /// Removed ones with a row, until didSave().
@@ -210,6 +286,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   // Password history: QNItem+History.cpp. Pointers are valid until the history changes, which a
   // save does too.
   [[nodiscard]] std::vector<QNPreviouslyUsedPassword>* mutablePreviouslyUsedPasswords();
+  /// A copy; empty while the details can't be read.
+  [[nodiscard]] std::vector<QNPreviouslyUsedPassword> previouslyUsedPasswords();
   [[nodiscard]] bool hasPreviouslyUsedPasswords() { return numberOfPreviouslyUsedPasswords() > 0; }
   [[nodiscard]] std::size_t numberOfPreviouslyUsedPasswords();
   [[nodiscard]] const QNPreviouslyUsedPassword* previouslyUsedPasswordAtIndex(std::size_t index);
@@ -309,6 +387,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
 
   // Account vault only; an error log and nothing otherwise: QNItem+Account.cpp
   [[nodiscard]] H9ItemProperties* h9ItemProperties();
+  void setH9ItemProperties(std::optional<H9ItemProperties> properties);
   [[nodiscard]] std::optional<Bytes> encryptedExportOverview();
   [[nodiscard]] std::optional<Bytes> encryptedExportDetails();
 
@@ -385,14 +464,44 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void setAuthentic(bool authentic) override { QNDatabaseObject::setAuthentic(authentic); }
   [[nodiscard]] bool trashed() const override { return QNDatabaseObject::trashed(); }
   void setTrashed(bool trashed) override { QNDatabaseObject::setTrashed(trashed); }
+
+  // Merging: QNItem+Merge.cpp, +MergeSections.cpp, +MergeURLs.cpp, +Replace.cpp. What becomes of
+  // each part: docs/merge.md. Both items must be loaded, and nobody may edit either meanwhile.
+  // Fields and addresses of `other` come over as the very objects: let go of `other` afterwards.
+  /// Keeps this item and folds in what only `other` has. Gives the item that stays: this one, or a
+  /// live `other` in place of a tombstone. Null, with an assertion log, for another category. What
+  /// is no item changes nothing, with an error log.
   std::shared_ptr<QNDatabaseObject> mergeWithConflict(
-      const std::shared_ptr<QNDatabaseObject>& other) override {
-    return QNDatabaseObject::mergeWithConflict(other);
-  }
+      const std::shared_ptr<QNDatabaseObject>& other) override;
+  /// Lets `other` win as it was last saved, in this object, which keeps its row, uuid and key.
+  /// Gives the item that stays: this one, its tombstone in place of a tombstone, or `other` in
+  /// place of this one's own tombstone.
   std::shared_ptr<QNDatabaseObject> objectByReplacingWith(
       const std::shared_ptr<QNDatabaseObject>& other) override;
+  void mergeNotesWithConflict(std::optional<std::string_view> theirs);
+  void mergeURLsWithConflict(const std::vector<std::shared_ptr<QNItemURL>>& theirs);
+  void mergeSectionsWithConflict(const FieldSections& theirs);
+  void mergeConflictSection(const QNFieldSection& theirs);
+  void mergePreviouslyUsedPasswordsWithConflict(
+      const std::vector<QNPreviouslyUsedPassword>& theirs);
+  /// The same number of sections, with the same values in the same order.
+  [[nodiscard]] bool hasFieldSectionsEqualTo(const FieldSections& sections);
+  [[nodiscard]] static std::shared_ptr<QNItemField> newConflictFieldBasedOnField(
+      const QNItemField& field, const QNFieldSection& inSection);
+  [[nodiscard]] static std::string uniqueFieldIdentifierForConflict(
+      const QNItemField& field, const QNFieldSection& inSection);
+  /// What is saved in place of this item to delete it: its row, uuid and wrapped key, and no
+  /// content; its save deletes the rows of the addresses. QNItem+Tombstone.cpp
+  [[nodiscard]] std::shared_ptr<QNTombstone> makeTombstone();
+  /// A login of this item's row and content. Addresses and sections move: let go of this item
+  /// afterwards. Attachments stay with the row. QNItem+Login.cpp
+  [[nodiscard]] std::shared_ptr<QNLogin> convertToLogin();
 
  protected:
+  /// `other` as an item; null, with an error log, if it is none.
+  std::shared_ptr<QNItem> itemToMerge(const std::shared_ptr<QNDatabaseObject>& other) const;
+  /// An assertion log with both items and their categories, for which `text` has four "{}".
+  void reportForeignCategory(MRLogText text, const QNItem& other) const;
   /// What notesPlain() gives.
   [[nodiscard]] std::optional<QNSecret> notesSecret();
   /// For a new item: the sections that it starts with, none for nothing.
@@ -419,12 +528,35 @@ class QNItem : public QNDatabaseObjectWithOverview,
   std::optional<Bytes> encryptedDetails(ByteView clear);
   void dropObjectsOfDetails();
 
+  void restoreURLs(const JsonObject& attributes);
+  void decodeDetails(QNDecoder& coder);
+  void encodeDetails(QNEncoder& coder);
+  void adoptDecodedURLs();
+  std::optional<JsonObject> fingerprintOverview();
+  std::optional<JsonObject> fingerprintDetails();
+  std::optional<Bytes> fingerprintText(bool ignoringDocumentFingerprint);
+  const JsonObject* documentRecord();
+  const JsonObject* customIconRecord();
+  static bool hasSigningKey(const JsonObject& fileRecord);
+
   void serializeDetails();
   void updateStrengthOfGeneratedPassword();
   void updateStrength(const std::optional<QNSecret>& present);
   void retireOriginalPassword(const std::optional<QNSecret>& present);
   void _savePreviouslyUsedPasswords();
   void storeFieldSections(Json& stored);
+  void mergeContentOf(QNItem& other);
+  void mergeField(const std::shared_ptr<QNItemField>& theirs, const QNFieldSection& ofSection);
+  [[nodiscard]] bool hasFieldOfSameValue(const QNItemField& theirs);
+  std::shared_ptr<QNFieldSection> sectionLike(const QNFieldSection& theirs);
+  void copyColumnsOf(const QNItem& other);
+  void copyContentOf(QNItem& other);
+  void replaceURLsWithThoseOf(QNItem& other);
+  void keepRowsOfURLs();
+  void buryURLsOf(QNItem& item);
+  void copyColumnsToLogin(QNLogin& login) const;
+  void copyOverviewToLogin(QNLogin& login);
+  void moveDetailsToLogin(QNLogin& login);
   template <class Find>
   std::shared_ptr<QNItemField> firstField(const Find& find);
   template <class Test>

@@ -203,11 +203,11 @@ TEST(QNItem, AnAccountRevisionIsTheItemVersionAndTheEditCount) {
   b->setTxTimestamp(3);
   EXPECT_TRUE(a->isSameRevisionAsItem(*b));
 
-  a->h9ItemProperties()->itemVersion = 2;
+  a->h9ItemProperties()->setItemVersion(2);
   EXPECT_FALSE(a->isSameRevisionAsItem(*b));
-  b->h9ItemProperties()->itemVersion = 2;
+  b->h9ItemProperties()->setItemVersion(2);
   EXPECT_TRUE(a->isSameRevisionAsItem(*b));
-  b->h9ItemProperties()->localEditCount = 1;
+  b->h9ItemProperties()->setLocalEditCount(1);
 
   EXPECT_FALSE(a->isSameRevisionAsItem(*b));
 }
@@ -303,16 +303,6 @@ TEST(QNItem, KeepsItsSpecifierUntilItsUuidChanges) {
   item->regenerateUuid();
 
   EXPECT_EQ(item->itemSpecifier()->uuid(), *item->uuid());
-}
-
-TEST(QNItem, ReplacingAndMergingAreForOthers) {
-  const auto item = newItem(localVault());
-  const MRCapturingSink sink;
-
-  EXPECT_EQ(item->objectByReplacingWith(item), nullptr);
-  EXPECT_EQ(item->mergeWithConflict(item), nullptr);
-
-  EXPECT_THAT(assertions(sink), ElementsAre(kMustBeImplemented, kMustBeImplemented));
 }
 
 // What a subclass answers

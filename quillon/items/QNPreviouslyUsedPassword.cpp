@@ -5,6 +5,10 @@
 
 namespace quillon {
 
+QNPreviouslyUsedPassword QNPreviouslyUsedPassword::clone() const {
+  return {_value ? std::optional<QNSecret>(_value->clone()) : std::nullopt, _retiredAt};
+}
+
 bool QNPreviouslyUsedPassword::isEqualToPreviouslyUsedPassword(
     const QNPreviouslyUsedPassword& other) const {
   if (_retiredAt != other._retiredAt || _value.has_value() != other._value.has_value()) {

@@ -20,7 +20,11 @@ class QNPreviouslyUsedPassword final {
   [[nodiscard]] std::chrono::sys_seconds retiredAtAsDate() const {
     return std::chrono::sys_seconds(std::chrono::seconds(_retiredAt));
   }
+  [[nodiscard]] QNPreviouslyUsedPassword clone() const;
   [[nodiscard]] bool isEqualToPreviouslyUsedPassword(const QNPreviouslyUsedPassword& other) const;
+  [[nodiscard]] bool isEqual(const QNPreviouslyUsedPassword& other) const {
+    return isEqualToPreviouslyUsedPassword(other);
+  }
   [[nodiscard]] std::size_t hash() const;
 
  private:

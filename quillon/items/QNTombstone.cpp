@@ -14,4 +14,18 @@ QNTombstone::QNTombstone(QNExisting existing) : QNItem(existing) {
   setTrashed(true);
 }
 
+// A live item beats a tombstone.
+std::shared_ptr<QNDatabaseObject> QNTombstone::mergeWithConflict(
+    const std::shared_ptr<QNDatabaseObject>& other) {
+  const auto item = itemToMerge(other);
+  if (item == nullptr) return shared_from_this();
+  std::shared_ptr<QNItem> result = shared_from_this();
+  if (!item->isTombstone()) {
+    result = item;
+    result->markRowDirty();
+  }
+  result->copyOidFrom(hasOid() ? shared_from_this() : item);
+  return result;
+}
+
 }  // namespace quillon

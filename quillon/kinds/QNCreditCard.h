@@ -25,6 +25,7 @@ class QNCreditCard final : public QNItem {
   static std::shared_ptr<QNCreditCard> initNewWithTemplate(const std::shared_ptr<QNTemplate>& from);
   explicit QNCreditCard(QNNew);
   explicit QNCreditCard(QNExisting existing);
+  explicit QNCreditCard(QNDecoder& coder) : QNItem(coder) {}
   [[nodiscard]] std::string_view className() const override { return "QNCreditCard"; }
 
   // Values of fields; nothing without the field

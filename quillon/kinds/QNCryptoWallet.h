@@ -13,6 +13,7 @@ class QNCryptoWallet final : public QNItem {
   static std::shared_ptr<QNCryptoWallet> initNewWithTemplate(
       const std::shared_ptr<QNTemplate>& from);
   explicit QNCryptoWallet(QNExisting existing) : QNItem(existing) {}
+  explicit QNCryptoWallet(QNDecoder& coder) : QNItem(coder) {}
   [[nodiscard]] std::string_view className() const override { return "QNCryptoWallet"; }
 
  private:

@@ -15,6 +15,7 @@ class QNIdentity final : public QNItem {
   static std::shared_ptr<QNIdentity> initNewWithTemplate(const std::shared_ptr<QNTemplate>& from);
   explicit QNIdentity(QNNew);
   explicit QNIdentity(QNExisting existing);
+  explicit QNIdentity(QNDecoder& coder) : QNItem(coder) {}
   [[nodiscard]] std::string_view className() const override { return "QNIdentity"; }
 };
 

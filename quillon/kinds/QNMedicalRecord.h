@@ -14,6 +14,7 @@ class QNMedicalRecord final : public QNItem {
   static std::shared_ptr<QNMedicalRecord> initNewWithTemplate(
       const std::shared_ptr<QNTemplate>& from);
   explicit QNMedicalRecord(QNExisting existing) : QNItem(existing) {}
+  explicit QNMedicalRecord(QNDecoder& coder) : QNItem(coder) {}
   [[nodiscard]] std::string_view className() const override { return "QNMedicalRecord"; }
   /// The day in field "date", or of the item's creation: that too where the field's day lies before
   /// 1970, or the field is of another kind.

@@ -9,6 +9,7 @@ class QNSecureNote final : public QNItem {
  public:
   explicit QNSecureNote(QNNew);
   explicit QNSecureNote(QNExisting existing);
+  explicit QNSecureNote(QNDecoder& coder) : QNItem(coder) {}
   [[nodiscard]] std::string_view className() const override { return "QNSecureNote"; }
   /// The first line of the notes, of at most 80 characters. Lists keep it in the overview: of a
   /// short note it is the whole text.

@@ -13,6 +13,7 @@ class QNTemplateItem final : public QNItem {
   static std::shared_ptr<QNTemplateItem> initNewWithTemplate(
       const std::shared_ptr<QNTemplate>& from);
   explicit QNTemplateItem(QNExisting existing) : QNItem(existing) {}
+  explicit QNTemplateItem(QNDecoder& coder) : QNItem(coder) {}
   [[nodiscard]] std::string_view className() const override { return "QNTemplateItem"; }
 
   /// The first line of the field that the template names, of at most 80 characters; "" where the

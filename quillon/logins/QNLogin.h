@@ -11,6 +11,7 @@ class QNLogin : public QNItem {
  public:
   explicit QNLogin(QNNew);
   explicit QNLogin(QNExisting existing);
+  explicit QNLogin(QNDecoder& coder) : QNItem(coder) {}
 
   [[nodiscard]] std::string_view className() const override { return "QNLogin"; }
   /// Loaded at the first use. The same object as long as the login lives: it is emptied when the
@@ -64,6 +65,16 @@ class QNLogin : public QNItem {
     setHtmlFormValue(action, "htmlAction");
   }
 
+  // Merging: QNLogin+Merge.cpp. A generated password joins, and wins, as the login that it stands
+  // for: let go of it afterwards.
+  std::shared_ptr<QNDatabaseObject> mergeWithConflict(
+      const std::shared_ptr<QNDatabaseObject>& other) override;
+  std::shared_ptr<QNDatabaseObject> objectByReplacingWith(
+      const std::shared_ptr<QNDatabaseObject>& other) override;
+  void mergeUsernameWithConflict(QNLogin& other);
+  void mergePasswordWithConflict(QNLogin& other);
+  void mergeLoginFieldsWithConflict(QNLogin& other);
+
   [[nodiscard]] std::optional<std::string> _additionalInformation() override;
   [[nodiscard]] std::optional<QNSecret> clipboardValue() override { return password(); }
   [[nodiscard]] bool isCreatedByBrowserExtension() override;
@@ -86,6 +97,7 @@ class QNLogin : public QNItem {
   void _loadLoginFields();
   void dropLoginFields();
   void removeHtmlFormValueForKey(std::string_view key);
+  bool keepsValueOf(const QNLoginField& entry, std::string_view value);
 
   bool _loginFieldsAreLoaded = false;
   std::unique_ptr<QNLoginFieldList> _cachedLoginFields;
@@ -97,6 +109,7 @@ class QNPrivacyComLogin final : public QNLogin {
  public:
   explicit QNPrivacyComLogin(QNNew);
   explicit QNPrivacyComLogin(QNExisting existing);
+  explicit QNPrivacyComLogin(QNDecoder& coder) : QNLogin(coder) {}
   [[nodiscard]] std::string_view className() const override { return "QNPrivacyComLogin"; }
 };
 

@@ -1,6 +1,7 @@
 #include "quillon/logins/QNPassword.h"
 
 #include "quillon/logins/QNLoginField.h"
+#include "quillon/platform/text/QNText.h"
 #include "quillon/templates/QNCategoryUUID.h"
 
 namespace quillon {
@@ -27,6 +28,25 @@ std::optional<QNSecret> QNPassword::password() {
 
 void QNPassword::setPassword(std::optional<std::string_view> password) {
   setDetailsText(password, kDetailsPassword);
+}
+
+std::optional<std::string> QNPassword::dateFormatter(std::chrono::sys_seconds date) {
+  return qn_formatDateAndTime(date.time_since_epoch().count());
+}
+
+std::optional<std::string> QNPassword::_additionalInformation() {
+  if (auto made = dateFormatter(createdAtAsDate())) return made;
+  return QNItem::_additionalInformation();
+}
+
+bool QNPassword::isModifedByUser() {
+  const auto hasIcon = [this](std::string_view key) {
+    return overviewObjectForKey(key) != nullptr;
+  };
+  const auto notes = notesSecret();
+  return updatedAt() != createdAt() || (notes && !notes->empty()) || !tags().empty() ||
+         numberOfURLs() >= 2 || numberOfFieldSections() > 0 || hasIcon(kCustomIcon) ||
+         hasIcon(kCustomIconAttributes) || hasIcon(kPendingCustomIcon) || numberOfAttachments() > 0;
 }
 
 }  // namespace quillon

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "quillon/fields/QNFieldSection.h"
+#include "quillon/items/QNItemConstants.h"
 #include "quillon/logins/internal/QNTestRows.h"
+#include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/vaults/QNProfile.h"
 
 namespace quillon {
@@ -92,6 +95,119 @@ TEST_F(QNPasswordTest, ComesBackFromItsRow) {
   EXPECT_EQ(reloaded->className(), "QNPassword");
   ASSERT_TRUE(reloaded->password());
   EXPECT_TRUE(reloaded->password()->equals("pw"));
+}
+
+// Subtitle
+
+TEST_F(QNPasswordTest, ShowsWhenItWasMade) {
+  const QNScopedLocale locale("de-DE");
+  const QNScopedTimeZone zone("UTC");
+  const auto item = passwordIn(_vault);
+  item->setCreatedAt(1720051200 + 54245);
+
+  EXPECT_EQ(item->_additionalInformation(), "04.07.2024, 15:04:05");
+
+  item->willSerialize();
+
+  EXPECT_EQ(item->additionalInformation(), "04.07.2024, 15:04:05");
+}
+
+TEST_F(QNPasswordTest, FormatsADateByTheUsersLanguageAndZone) {
+  const QNScopedTimeZone zone("Asia/Tokyo");
+  const QNScopedLocale locale("de-DE");
+
+  EXPECT_EQ(QNPassword::dateFormatter(std::chrono::sys_seconds(std::chrono::seconds(0))),
+            "01.01.1970, 09:00:00");
+}
+
+// Changes by hand
+
+TEST_F(QNPasswordTest, IsNotModifiedWhenItIsFresh) {
+  const auto item = passwordIn(_vault);
+  item->setPassword("pw");
+  item->setTitle("example.com");
+  item->addURLString("https://example.com/");
+  item->setUpdatedAt(item->createdAt());
+
+  EXPECT_FALSE(item->isModifedByUser());
+}
+
+struct ChangeCase {
+  std::string_view name;
+  void (*change)(QNPassword& item);
+};
+
+const ChangeCase kChanges[] = {
+    {"updatedAt", [](QNPassword& item) { item.setUpdatedAt(item.createdAt() + 1); }},
+    {"notes", [](QNPassword& item) { item.setNotesPlain("n"); }},
+    {"tags", [](QNPassword& item) { item.setTags({"t"}); }},
+    {"second URL",
+     [](QNPassword& item) {
+       item.addURLString("https://a.example");
+       item.addURLString("https://b.example");
+     }},
+    {"section", [](QNPassword& item) { item.fieldSectionWithName("s", ""); }},
+    {"local icon", [](QNPassword& item) { item.setOverviewText("aWNvbg==", kCustomIcon); }},
+    {"server icon",
+     [](QNPassword& item) {
+       item.setOverviewObject(Json(JsonObject{{"a", 1}}), kCustomIconAttributes);
+     }},
+    {"pending icon",
+     [](QNPassword& item) {
+       item.setOverviewObject(Json(JsonObject{{"a", 1}}), kPendingCustomIcon);
+     }},
+    {"attachments", [](QNPassword& item) { item.setNumberOfAttachments(1); }},
+};
+
+TEST_F(QNPasswordTest, IsModifiedByEachOfTheseChanges) {
+  for (const ChangeCase& each : kChanges) {
+    const auto item = passwordIn(_vault);
+    item->setUpdatedAt(item->createdAt());
+    ASSERT_FALSE(item->isModifedByUser());
+
+    each.change(*item);
+
+    EXPECT_TRUE(item->isModifedByUser()) << each.name;
+  }
+}
+
+// Retirement
+
+TEST_F(QNPasswordTest, RetiresNothingBeforeItsFirstSave) {
+  const auto item = passwordIn(_vault);
+  item->setPassword("first");
+  item->setPassword("second");
+
+  saveInTestRow(*item);
+
+  EXPECT_FALSE(item->hasPreviouslyUsedPasswords());
+}
+
+TEST_F(QNPasswordTest, RetiresAPasswordThatIsCleared) {
+  const auto row = passwordIn(_vault);
+  row->setPassword("first");
+  const auto item = itemFromTestRow(saveInTestRow(*row), _vault);
+  const QNScopedClock clock(1000);
+
+  item->setPassword(std::nullopt);
+  saveInTestRow(*item);
+
+  ASSERT_EQ(item->numberOfPreviouslyUsedPasswords(), 1u);
+  EXPECT_TRUE(item->previouslyUsedPasswordAtIndex(0)->value()->equals("first"));
+  EXPECT_EQ(item->previouslyUsedPasswordAtIndex(0)->retiredAt(), 1000u);
+}
+
+TEST_F(QNPasswordTest, RetiresTheLoadedPasswordAfterManyChanges) {
+  const auto row = passwordIn(_vault);
+  row->setPassword("first");
+  const auto item = itemFromTestRow(saveInTestRow(*row), _vault);
+
+  item->setPassword("second");
+  item->setPassword("third");
+  saveInTestRow(*item);
+
+  EXPECT_EQ(item->numberOfPreviouslyUsedPasswords(), 1u);
+  EXPECT_NE(item->previouslyUsedPasswordWithValue("first"), nullptr);
 }
 
 }  // namespace

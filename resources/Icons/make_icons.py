@@ -168,6 +168,23 @@ GLYPHS = {
     "smart-folder": Glyph(body=FOLDER_BODY, line="m13.3 14.8 2.2 2.2" + dot(11.25, 12.75, 3)),
     "tombstone": Glyph(
         body="M5.25 20.25V9a6.75 6.75 0 0 1 13.5 0v11.25", line="M2.25 20.25h19.5M9.75 9.75h4.5"),
+    # Places that a vault is kept in step with. The marks of services are theirs: the shapes must
+    # stay unlike them.
+    # A box that things are laid into.
+    "dropbox": Glyph(
+        body="M6 12.75H3.75V18A2.25 2.25 0 0 0 6 20.25h12A2.25 2.25 0 0 0 20.25 18v-5.25H18",
+        line="M12 3v11.25M8.25 10.5 12 14.25l3.75-3.75"),
+    "icloud": Glyph(
+        body="M6.75 18.75a4.5 4.5 0 0 1-.6-8.96 6 6 0 0 1 11.6-.3 4.65 4.65 0 0 1-.5 9.26z",
+        line="M12 15.75v-4.5M9.75 13.05 12 10.8l2.25 2.25"),
+    "wifi": Glyph(
+        line="M2.25 9.3a13.8 13.8 0 0 1 19.5 0M5.7 12.75a8.9 8.9 0 0 1 12.6 0M9.1 16.2a4.1 4.1 0 "
+             "0 1 5.8 0",
+        solid=dot(12, 19.35, 1.35)),
+    # A folder that is handed on.
+    "itunes": Glyph(
+        body=FOLDER_BODY,
+        line="M8.25 12.75h7.5M13.5 10.5l2.25 2.25-2.25 2.25"),
     # Card brands: the card and a plain shape of ours. The marks of the brands are theirs: the
     # shapes must stay unlike them.
     "visa": Glyph(body=CARD, line="M6 15.75h3", solid="M14.25 10.5h5.25l-1.75 5.25H12.5z"),
@@ -192,6 +209,7 @@ HUES = {
     "generic": (260, GREY), "allitems": (257, 0.09), "archive": (70, 0.05),
     "compromisedsites": (30, 0.19), "folder": (235, 0.12), "smart-folder": (290, 0.14),
     "tombstone": (260, GREY),
+    "dropbox": (250, 0.17), "icloud": (220, 0.13), "wifi": (150, 0.15), "itunes": (275, 0.1),
     "visa": (264, 0.19), "amex": (230, 0.12), "mastercard": (33, 0.19), "discover": (60, 0.15),
 }
 LIGHTNESS = {"list": 0.62, "details": 0.59, "dark-color": 0.79}
@@ -295,9 +313,12 @@ VARIANTS = {
     "type-{}-dark-color": dark_colour_icon,
     "sidebar-{}": sidebar_icon,
     "sidebar-{}-light-background": light_sidebar_icon,
+    "{}-icon-choice": list_icon,
 }
 BRANDS = ("visa", "amex", "mastercard", "discover")
 BRAND_VARIANTS = ("type-{}-list", "type-{}-details", "type-{}-source")
+# Kinds of places to synchronise with: a choice of them shows the only variant that there is.
+PLACES = ("dropbox", "icloud", "wifi", "itunes")
 # Rows of lists, which are never shown in detail.
 ROWS = ("allitems", "archive", "compromisedsites", "folder", "smart-folder")
 # Deleted items have an empty word in the names of their icons.
@@ -347,6 +368,8 @@ def icons():
     for family in HUES:
         for pattern, make in VARIANTS.items():
             if family in BRANDS and pattern not in BRAND_VARIANTS:
+                continue
+            if (family in PLACES) != (pattern == "{}-icon-choice"):
                 continue
             if family in ROWS and pattern == "type-{}-details":
                 continue
@@ -440,6 +463,7 @@ def sheet():
         ("type-{}-list", 24, "#ffffff"), ("type-{}-source", 16, "#ffffff"),
         ("type-{}-source", 16, "#1e1e1e"), ("type-{}-dark-color", 24, "#000000"),
         ("sidebar-{}-light-background", 16, "#ececee"), ("sidebar-{}", 16, "#2a5bd0"),
+        ("{}-icon-choice", 32, "#ffffff"), ("{}-icon-choice", 32, "#1e1e1e"),
     ]
     step, across, label = 132, 2, 150
     wide = label + sum(size + 16 for _, size, _ in columns) + 20

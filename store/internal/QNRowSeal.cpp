@@ -14,6 +14,8 @@ namespace {
 constexpr std::string_view kItemTag = "quillon row 1";
 constexpr std::string_view kBodyTag = "quillon body 1";
 constexpr std::string_view kVaultTag = "quillon vault 1";
+constexpr std::string_view kSyncSourceTag = "quillon sync source 1";
+constexpr std::string_view kSyncStatesTag = "quillon sync states 1";
 
 class Form final {
  public:
@@ -68,6 +70,18 @@ std::array<std::uint8_t, 32> bodyHash(ByteView wrappedKey, ByteView details,
   return sha256(bytes);
 }
 
+std::array<std::uint8_t, 32> statesHash(std::span<const QNSyncStateRow> states) {
+  Bytes bytes;
+  Form form(bytes, kSyncStatesTag);
+  form.number(states.size());
+  for (const QNSyncStateRow& state : states) {
+    form.number(state.kind).number(state.objectType).number(state.objectID);
+    form.optionalText(state.objectUUID).number(state.syncedAt);
+    form.number(state.sourceTimestamp).number(state.localTimestamp);
+  }
+  return sha256(bytes);
+}
+
 std::optional<QNSeal> QNRowSealer::seal(const QNItemRow& row) {
   Form form(_form, kItemTag);
   form.text(uuidOf(_vault)).number(row.oid).number(row.status).number(row.faveIndex);
@@ -85,6 +99,17 @@ std::optional<QNSeal> QNRowSealer::seal(const QNVaultRow& row) {
   form.bytes(row.masterKey).bytes(row.overviewKey).bytes(row.salt).number(row.iterations);
   form.optionalText(row.hint).optionalText(row.lastUpdatedBy).optionalBytes(row.icon);
   form.optionalText(row.color).optionalBytes(row.attributes);
+  return sealForm();
+}
+
+std::optional<QNSeal> QNRowSealer::seal(const QNSyncSourceRow& row) {
+  Form form(_form, kSyncSourceTag);
+  form.text(uuidOf(_vault)).number(row.oid).number(row.revision).number(row.legacy);
+  form.optionalText(row.keychainIdentifier).optionalText(row.keychainType);
+  form.optionalText(row.remoteProfileUUID).number(row.remoteProfileTimestamp);
+  form.optionalBytes(row.remoteProfileAttributes);
+  form.optionalText(row.localProfileUUID).number(row.localProfileTimestamp);
+  form.optionalBytes(row.localProfileAttributes).bytes(row.statesHash);
   return sealForm();
 }
 

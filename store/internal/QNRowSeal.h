@@ -74,9 +74,37 @@ struct QNVaultRow {
   ByteView seal;
 };
 
+/// A row of `sync_sources`, and one of `sync_states`; the same rule for their views.
+struct QNSyncSourceRow {
+  std::uint64_t oid = 0;
+  std::uint64_t revision = 0;
+  std::uint64_t legacy = 0;
+  std::optional<std::string_view> keychainIdentifier;
+  std::optional<std::string_view> keychainType;
+  std::optional<std::string_view> remoteProfileUUID;
+  std::uint64_t remoteProfileTimestamp = 0;
+  std::optional<ByteView> remoteProfileAttributes;
+  std::optional<std::string_view> localProfileUUID;
+  std::uint64_t localProfileTimestamp = 0;
+  std::optional<ByteView> localProfileAttributes;
+  ByteView statesHash;  // stands in no column
+  ByteView seal;
+};
+struct QNSyncStateRow {
+  std::uint64_t kind = 0;
+  std::uint64_t objectType = 0;
+  std::uint64_t objectID = 0;
+  std::optional<std::string_view> objectUUID;
+  std::uint64_t syncedAt = 0;
+  std::uint64_t sourceTimestamp = 0;
+  std::uint64_t localTimestamp = 0;
+};
+
 /// SHA-256 over an item's wrapped key, details and URLs, these in display order.
 std::array<std::uint8_t, 32> bodyHash(ByteView wrappedKey, ByteView details,
                                       std::span<const QNURLRow> urls);
+/// SHA-256 over a source's states, by kind and place.
+std::array<std::uint8_t, 32> statesHash(std::span<const QNSyncStateRow> states);
 
 /// Makes the seals of one unlocked vault; reuses its memory from row to row. A row's own `seal` is
 /// no part of what is sealed.
@@ -86,6 +114,7 @@ class QNRowSealer final {
   /// Nothing if the vault is locked.
   [[nodiscard]] std::optional<QNSeal> seal(const QNItemRow& row);
   [[nodiscard]] std::optional<QNSeal> seal(const QNVaultRow& row);
+  [[nodiscard]] std::optional<QNSeal> seal(const QNSyncSourceRow& row);
 
  private:
   [[nodiscard]] std::optional<QNSeal> sealForm() const;

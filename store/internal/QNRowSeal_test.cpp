@@ -92,6 +92,53 @@ TEST(QNRowSeal, SealsVaultsAsTheirTableSays) {
   EXPECT_EQ(hexText(seal->tag), textAt(vectors().at("vault"), "tag"));
 }
 
+std::optional<ByteView> optionalBytesAt(const Json& object, std::string_view key) {
+  const auto text = optionalTextAt(object, key);
+  return text ? std::optional(bytesOf(*text)) : std::nullopt;
+}
+
+std::vector<QNSyncStateRow> stateRowsOf(const Json& states) {
+  std::vector<QNSyncStateRow> rows;
+  for (const Json& state : states.as_array()) {
+    rows.push_back({numberAt(state, "kind"), numberAt(state, "object_type"),
+                    numberAt(state, "object_id"), optionalTextAt(state, "object_uuid"),
+                    numberAt(state, "synced_at"), numberAt(state, "source_timestamp"),
+                    numberAt(state, "local_timestamp")});
+  }
+  return rows;
+}
+
+QNSyncSourceRow sourceRowOf(const Json& row) {
+  QNSyncSourceRow source;
+  source.oid = numberAt(row, "oid");
+  source.revision = numberAt(row, "revision");
+  source.legacy = numberAt(row, "legacy");
+  source.keychainIdentifier = optionalTextAt(row, "keychain_identifier");
+  source.keychainType = optionalTextAt(row, "keychain_type");
+  source.remoteProfileUUID = optionalTextAt(row, "remote_profile_uuid");
+  source.remoteProfileTimestamp = numberAt(row, "remote_profile_timestamp");
+  source.remoteProfileAttributes = optionalBytesAt(row, "remote_profile_attributes");
+  source.localProfileUUID = optionalTextAt(row, "local_profile_uuid");
+  source.localProfileTimestamp = numberAt(row, "local_profile_timestamp");
+  source.localProfileAttributes = optionalBytesAt(row, "local_profile_attributes");
+  return source;
+}
+
+TEST(QNRowSeal, SealsSyncSourcesWithTheirStatesAsTheirTablesSay) {
+  const auto vault = vaultOfVectors();
+  for (const Json& each : vectors().at("syncSources").as_array()) {
+    const auto hash = statesHash(stateRowsOf(each.at("states")));
+    EXPECT_EQ(hexText(hash), textAt(each, "hash"));
+    QNSyncSourceRow row = sourceRowOf(each.at("row"));
+    row.statesHash = hash;
+
+    const auto seal = QNRowSealer(*vault).seal(row);
+
+    ASSERT_TRUE(seal);
+    EXPECT_EQ(hexText(seal->tag), textAt(each, "tag"));
+  }
+}
+
 TEST(QNRowSeal, HashesBodiesAsTheirTableSays) {
   const Json& body = vectors().at("body");
   const ByteView key = bytesOf(textAt(body, "wrapped_key"));

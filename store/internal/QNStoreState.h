@@ -9,6 +9,7 @@
 #include <span>
 #include <vector>
 
+#include "quillon/templates/QNCategoryUUID.h"
 #include "store/QNStore.h"
 #include "store/internal/QNDatabase.h"
 #include "store/internal/QNLedger.h"
@@ -24,6 +25,15 @@ QNItemRow itemRow(const QNQuery& query);
 /// A vault's rows in row order. The plus keeps SQLite from going through the index.
 inline constexpr std::string_view kSelectItemsOfVault =
     "SELECT " QN_ITEM_COLUMNS " FROM items WHERE +vault_id = ?1 ORDER BY oid";
+/// In the order of their times, through the index.
+inline constexpr std::string_view kSelectChanges =
+    "SELECT " QN_ITEM_COLUMNS
+    " FROM items WHERE vault_id = ?1 AND tx_timestamp > ?2 ORDER BY tx_timestamp";
+
+/// Is it what stays of a deleted item?
+inline bool isTombstone(const QNItemRow& row) {
+  return row.categoryUUID == QNCategoryUUIDTombstone;
+}
 
 /// A visitor of a list may read items and nothing else: the list's rows must not change under it.
 inline QNError listingError() {
@@ -50,26 +60,36 @@ struct QNStore::Database {
   // Saving: QNStore+Save.cpp
   /// Saves those that need it. What is there twice is saved once.
   QNResult<QNDone> saveItems(std::span<const std::shared_ptr<QNItem>> items);
-  QNResult<QNDone> deleteItem(const std::shared_ptr<QNItem>& item);
+  /// The vault that an item goes to, with its ledger open.
+  QNResult<std::shared_ptr<QNProfile>> vaultOf(const QNItem& item);
   /// What is known of the row that a save replaces.
   struct Before {
     std::optional<QNSeal> seal;  // nothing for an item without a row
+    std::uint64_t oid = 0;
+    std::uint64_t txTimestamp = 0;
+    std::uint64_t createdAt = 0;
+    std::string uuid;
     Bytes bodyHash;
     std::shared_ptr<QNProfile> vault;  // that it lies in, unlocked
   };
+  Before beforeOf(const QNItemRow& row, const std::shared_ptr<QNProfile>& vault);
+  /// Errors: lostRace, locked, unreadableItem, damaged.
   QNResult<Before> rowBefore(QNItem& item, const std::shared_ptr<QNProfile>& vault);
   /// An item with everything sealed, for the row that it goes to.
   struct Prepared {
     std::shared_ptr<QNItem> item;
     std::shared_ptr<QNProfile> vault;
     Before before;
-    std::uint64_t revisionRead = 0;
   };
   QNResult<Prepared> prepareItem(const std::shared_ptr<QNItem>& item);
   QNResult<QNDone> writeItem(const Prepared& prepared);
-  std::uint64_t newItemOid();
+  /// Seals a row, writes it over what it was before or as a new one, and enters it into the
+  /// ledger. Its oid, body hash and columns are there already.
+  QNResult<QNDone> writeRow(QNItemRow& row, const std::shared_ptr<QNProfile>& vault,
+                            const Before& before);
+  std::uint64_t freshOid();
+  void writeDetails(std::uint64_t itemOid, ByteView wrappedKey, ByteView details);
   void writeBody(QNItem& item, bool isNew);
-  QNResult<QNDone> removeRow(std::uint64_t oid, std::uint64_t revision, const Before& before);
   void noteForUndo(const std::shared_ptr<QNItem>& item);
   QNResult<QNDone> run(const std::function<QNResult<QNDone>()>& work);
   /// Ends the outermost transaction in memory, after it has ended in the file: by the steps of
@@ -88,6 +108,25 @@ struct QNStore::Database {
   };
   void writeLedgers();
 
+  // Deleting: QNStore+Delete.cpp
+  QNResult<QNDone> deleteItem(const std::shared_ptr<QNItem>& item);
+  QNResult<QNDone> saveTombstone(const std::shared_ptr<QNItem>& item);
+  /// Makes a tombstone of a row, with the time of now.
+  QNResult<QNDone> bury(const Before& before);
+  /// What a tombstone keeps.
+  struct Remains {
+    std::uint64_t oid = 0;
+    std::string_view uuid;
+    std::uint64_t createdAt = 0;
+    std::uint64_t updatedAt = 0;
+    std::uint64_t txTimestamp = 0;
+    ByteView wrappedKey;  // empty if the body was altered, and may be another's
+  };
+  QNResult<QNDone> writeTombstone(const Remains& remains, const std::shared_ptr<QNProfile>& vault,
+                                  const Before& before);
+  /// The tombstone of that uuid, if there is one. Error: damaged.
+  QNResult<Before> tombstoneBefore(const std::shared_ptr<QNProfile>& vault, std::string_view uuid);
+
   // Reading: QNStore+Load.cpp
   /// A shell with the row's columns; null for a category that makes no item.
   static std::shared_ptr<QNItem> shellOf(const QNItemRow& row,
@@ -96,15 +135,28 @@ struct QNStore::Database {
                                            const std::shared_ptr<QNProfile>& vault);
   /// Fills key, details and URLs in, if they are what `hash` was made of.
   QNResult<QNDone> readBody(const std::shared_ptr<QNItem>& item, ByteView hash);
+  /// Nothing if the hash was made of another body.
+  std::optional<Bytes> wrappedKeyOf(std::uint64_t itemOid, ByteView hash);
   std::vector<std::shared_ptr<QNItemURL>> readURLs(std::uint64_t itemOid);
   QNResult<QNItemSetForURL::Items> itemsWithHash(const std::shared_ptr<QNProfile>& vault,
                                                  std::string_view sql,
                                                  const std::optional<std::string>& hash,
                                                  const QNItemSetForURL::Items& butNot);
 
+  // Synchronisation: QNStore+Sync.cpp
+  QNResult<QNDone> insertSyncSource(const std::shared_ptr<QNSyncSource>& source, QNProfile& vault);
+  QNResult<QNDone> updateSyncSource(const std::shared_ptr<QNSyncSource>& source, QNProfile& vault);
+  QNResult<QNDone> deleteSyncSource(const std::shared_ptr<QNSyncSource>& source);
+  void writeSyncStates(const QNSyncSource& source);
+  /// Nothing if the source or one of its states was altered.
+  std::shared_ptr<QNSyncSource> syncSourceOf(const QNSyncSourceRow& row,
+                                             const std::shared_ptr<QNProfile>& vault);
+
   // Care: QNStore+Care.cpp
   void checkFile(QNCheckReport& report);
   QNResult<QNDone> checkVault(const std::shared_ptr<QNProfile>& vault, QNCheckReport& report);
+  void checkTombstone(const QNItemRow& row, QNProfile& vault, QNCheckReport& report);
+  void checkSyncSources(const std::shared_ptr<QNProfile>& vault, QNCheckReport& report);
 
   /// Runs `work` as one reading. SQLite's error, if there is one, goes before what it returns.
   template <class Work>
@@ -125,8 +177,16 @@ struct QNStore::Database {
   KnownVault* knownVault(const QNProfile& vault);
   std::shared_ptr<QNProfile> unlockedVaultWithOid(std::uint64_t oid);
 
+  /// The same of a sync source.
+  struct KnownSource {
+    std::weak_ptr<QNSyncSource> source;
+    std::uint64_t revision = 0;
+  };
+  KnownSource* knownSource(const QNSyncSource& source);
+
   std::unique_ptr<QNDatabase> file;
   std::vector<KnownVault> vaults;
+  std::vector<KnownSource> sources;
   bool listing = false;
   std::uint64_t detailsRead = 0;
 

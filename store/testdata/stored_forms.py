@@ -82,6 +82,27 @@ def vault_form(row):
     return form
 
 
+def states_hash(states):
+    form = b"quillon sync states 1" + number(len(states))
+    for state in states:
+        form += number(state["kind"]) + number(state["object_type"]) + number(state["object_id"])
+        form += optional(state["object_uuid"])
+        for name in ("synced_at", "source_timestamp", "local_timestamp"):
+            form += number(state[name])
+    return hashlib.sha256(form).digest()
+
+
+def sync_source_form(vault_uuid, row, states):
+    form = b"quillon sync source 1" + counted(vault_uuid)
+    for name in ("oid", "revision", "legacy"):
+        form += number(row[name])
+    form += optional(row["keychain_identifier"]) + optional(row["keychain_type"])
+    for side in ("remote", "local"):
+        form += optional(row[side + "_profile_uuid"]) + number(row[side + "_profile_timestamp"])
+        form += optional(row[side + "_profile_attributes"])
+    return form + counted(states_hash(states))
+
+
 def seal(raw_key, form):
     code = hmac.new(raw_key[32:64], form, "sha256").digest()
     return code[:16], code[16:]
@@ -115,7 +136,24 @@ def vectors():
                  overview="first"),
             dict(display_order=200, hash_version=1, naked_hash=None, derived_hash="bb",
                  overview="second")]
+    states = [dict(kind=1, object_type=1, object_id=5, object_uuid="a", synced_at=11,
+                   source_timestamp=12, local_timestamp=13),
+              dict(kind=1, object_type=0, object_id=(1 << 64) - 1, object_uuid=None, synced_at=0,
+                   source_timestamp=1 << 63, local_timestamp=0),
+              dict(kind=3, object_type=(1 << 32) - 1, object_id=0, object_uuid="", synced_at=1,
+                   source_timestamp=2, local_timestamp=3)]
+    full_source = dict(oid=3, revision=2, legacy=1, keychain_identifier="/a", keychain_type="t",
+                       remote_profile_uuid="r", remote_profile_timestamp=21,
+                       remote_profile_attributes="sealed", local_profile_uuid="l",
+                       local_profile_timestamp=22, local_profile_attributes="")
+    bare_source = {name: 0 if isinstance(value, int) else None
+                   for name, value in full_source.items()}
+    sources = []
+    for row, of_row in ((full_source, states), (bare_source, [])):
+        tag, term = seal(raw, sync_source_form("vault-uuid", row, of_row))
+        sources.append(dict(row=row, states=of_row, hash=states_hash(of_row).hex(), tag=tag.hex()))
     return {
+        "syncSources": sources,
         "overviewKey": KEY.hex(), "bodyHash": BYTES["body_hash"].hex(),
         "overview": BYTES["overview"].decode(), "items": items,
         "vault": dict(row=vault, tag=tag.hex(), term=term.hex()),
@@ -149,7 +187,8 @@ def verify(path):
         return database.execute(sql, values).fetchall()
 
     assert rows("PRAGMA application_id")[0]["application_id"] == 0x514E4C4E
-    assert rows("PRAGMA user_version")[0]["user_version"] == 1
+    version = rows("PRAGMA user_version")[0]["user_version"]
+    assert version in (1, 2)
     for vault in rows("SELECT * FROM vaults"):
         password_key = Argon2id(salt=vault["salt"], length=64, iterations=3, lanes=1,
                                 memory_cost=vault["iterations"]).derive(b"try quillon")
@@ -165,6 +204,14 @@ def verify(path):
             assert tag == item["seal"]
             total = (total + int.from_bytes(term, "big")) % (1 << 128)
             count, last = count + 1, max(last, item["tx_timestamp"])
+            if item["category_uuid"] == "099":
+                assert item["overview"] == body["details"] == b"" and not urls
+                assert item["status"] == 1 and item["scope"] is item["folder_uuid"] is None
+                assert not any(item[name] for name in ("fave_index", "times_used", "last_used",
+                                                       "inbox", "attachments"))
+                open_key(master, body["wrapped_key"])
+                print(item["oid"], item["uuid"], "was deleted at", item["updated_at"])
+                continue
             clear = json.loads(open_sealed(overview, item["overview"]))
             details = json.loads(open_sealed(open_key(master, body["wrapped_key"]),
                                              body["details"]))
@@ -179,6 +226,14 @@ def verify(path):
         assert ledger == (b"quillon ledger 1" + number(count) + number(last) +
                           number(vault["revision"]) + total.to_bytes(16, "big") +
                           vault["uuid"].encode())
+        sources = version > 1 and rows("SELECT * FROM sync_sources WHERE vault_id = ?",
+                                       vault["oid"]) or []
+        for source in sources:
+            states = rows("SELECT * FROM sync_states WHERE source_id = ? ORDER BY kind, place",
+                          source["oid"])
+            form = sync_source_form(vault["uuid"], source, states)
+            assert seal(overview, form)[0] == source["seal"]
+            print("source", source["keychain_identifier"], "with", len(states), "states")
         print("vault", vault["name"], "is sound:", count, "items")
 
 

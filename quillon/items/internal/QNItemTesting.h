@@ -3,6 +3,7 @@
 // layer does with both.
 
 #include "quillon/items/QNItem.h"
+#include "quillon/platform/archive/QNKeyedArchiver.h"
 #include "quillon/platform/data/MRData.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/vaults/QNProfile.h"
@@ -106,6 +107,23 @@ inline Json jsonValue(std::string_view text) {
 }
 inline std::string jsonText(const Json* value) {
   return value == nullptr ? "(none)" : mr_JSONStringWithError(*value).value_or("(no form)");
+}
+
+inline Bytes archiveOf(QNItem& item) {
+  return QNKeyedArchiver::archivedDataWithRootObject(item).value();
+}
+/// The item in an archive; null for any other bytes.
+inline std::shared_ptr<QNItem> itemIn(ByteView archive) {
+  const auto read =
+      QNKeyedUnarchiver::unarchivedObjectOfClasses(QNItem::decodableClasses(), archive);
+  return read.ok() ? std::dynamic_pointer_cast<QNItem>(read.value()) : nullptr;
+}
+/// The members of the root, to be looked at and changed.
+inline JsonObject rootOf(ByteView archive) {
+  return mr_objectFromJSONDataWithError(archive)->at("root").get_object();
+}
+inline Bytes archiveWithRoot(const JsonObject& root) {
+  return *mr_JSONDataWithError(JsonObject{{"quillon-archive", 1}, {"root", root}});
 }
 
 inline std::vector<std::string> assertions(const MRCapturingSink& sink) {

@@ -1,5 +1,6 @@
 #include "quillon/platform/environment/QNEnvironment.h"
 
+#include <pwd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <ctime>
 #include <sstream>
 #include <utility>
+#include <vector>
 
 #include "quillon/platform/text/QNASCII.h"
 
@@ -22,6 +24,7 @@ struct Settings {
   std::string locale;
   std::string hostName;
   std::string timeZone;
+  std::optional<QNUser> user;
 };
 
 Settings& settings() {
@@ -41,6 +44,36 @@ std::string tagOfPosixLocale(std::string name) {
 
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
+}
+
+/// A whole path in a variable, or an empty one: the rule for folders of the user says that a part
+/// of a path counts for nothing.
+std::filesystem::path pathInVariable(const char* name) {
+  const char* const value = std::getenv(name);
+  std::filesystem::path path = value == nullptr ? "" : value;
+  return path.is_absolute() ? path : std::filesystem::path();
+}
+
+std::filesystem::path folderOr(const char* variable, const std::filesystem::path& home,
+                               std::string_view inHome) {
+  const std::filesystem::path set = pathInVariable(variable);
+  if (!set.empty() || home.empty()) return set;
+  return home / inHome;
+}
+
+struct SystemUser {
+  std::string name;
+  std::filesystem::path home;
+};
+
+SystemUser systemUser() {
+  std::vector<char> texts(16384);
+  passwd entry{};
+  passwd* found = nullptr;
+  if (getpwuid_r(getuid(), &entry, texts.data(), texts.size(), &found) != 0 || found == nullptr) {
+    return {};
+  }
+  return {entry.pw_name, entry.pw_dir};
 }
 
 }  // namespace
@@ -90,6 +123,15 @@ std::string localHostName() {
   return name.data();
 }
 
+QNUser currentUser() {
+  if (const auto& user = settings().user) return *user;
+  const SystemUser known = systemUser();
+  const std::filesystem::path set = pathInVariable("HOME");
+  const std::filesystem::path& home = set.empty() ? known.home : set;
+  return {known.name, folderOr("XDG_DATA_HOME", home, ".local/share"),
+          folderOr("XDG_DOCUMENTS_DIR", home, "Documents")};
+}
+
 QNScopedClock::QNScopedClock(std::uint64_t seconds) : _before(settings().clock) {
   setSeconds(seconds);
 }
@@ -125,6 +167,12 @@ QNScopedHostName::QNScopedHostName(std::string name)
     : _before(std::exchange(settings().hostName, std::move(name))) {}
 QNScopedHostName::~QNScopedHostName() {
   settings().hostName = std::move(_before);
+}
+
+QNScopedUser::QNScopedUser(QNUser user)
+    : _before(std::exchange(settings().user, std::move(user))) {}
+QNScopedUser::~QNScopedUser() {
+  settings().user = std::move(_before);
 }
 
 QNScopedTimeZone::QNScopedTimeZone(std::string name)

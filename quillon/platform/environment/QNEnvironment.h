@@ -1,8 +1,9 @@
 #pragma once
 // What the library takes from the world around it: clock, random source, locale, time zone,
-// host name. A test sets each for its own duration; nothing else may be global.
+// host name, the user. A test sets each for its own duration; nothing else may be global.
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <span>
@@ -22,6 +23,16 @@ std::optional<std::string> currentCountryCode();
 std::string currentTimeZone();
 /// The machine's local host name; "localhost" if it has none.
 std::string localHostName();
+
+/// Whose process this is: the name to log in with, and where programs and the person keep things.
+struct QNUser {
+  std::string loginName;
+  std::filesystem::path libraryFolder;    // of what programs keep for the user
+  std::filesystem::path documentsFolder;  // of the user's own files
+};
+/// From the system's list of users; folders follow HOME, XDG_DATA_HOME and XDG_DOCUMENTS_DIR where
+/// these name whole paths: ~/.local/share and ~/Documents without them. What nobody knows is empty.
+QNUser currentUser();
 
 /// Each sets a source for its lifetime, then puts the earlier one back. For tests and tools;
 /// not while another thread reads.
@@ -85,6 +96,17 @@ class QNScopedHostName final {
 
  private:
   std::string _before;
+};
+
+class QNScopedUser final {
+ public:
+  explicit QNScopedUser(QNUser user);
+  ~QNScopedUser();
+  QNScopedUser(const QNScopedUser&) = delete;
+  QNScopedUser& operator=(const QNScopedUser&) = delete;
+
+ private:
+  std::optional<QNUser> _before;
 };
 
 class QNScopedTimeZone final {

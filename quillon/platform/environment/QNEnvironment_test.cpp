@@ -11,11 +11,14 @@
 namespace quillon {
 namespace {
 
-/// Sets the locale variables of the environment, and puts the earlier ones back.
+using Variables = std::map<std::string, std::string>;
+
+/// Sets these of the variables that are read, takes the others away, and puts all back.
 class ScopedVariables {
  public:
-  explicit ScopedVariables(const std::map<std::string, std::string>& values) {
-    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+  explicit ScopedVariables(const Variables& values) {
+    for (const char* const name :
+         {"LC_ALL", "LC_MESSAGES", "LANG", "HOME", "XDG_DATA_HOME", "XDG_DOCUMENTS_DIR"}) {
       const char* const before = std::getenv(name);
       _before[name] = before == nullptr ? std::nullopt : std::optional<std::string>(before);
       unsetenv(name);
@@ -106,6 +109,51 @@ TEST(QNScopedTimeZone, SetsTheZoneAndPutsTheSystemsBack) {
   }
 
   EXPECT_EQ(currentTimeZone(), "");
+}
+
+TEST(QNEnvironment, KnowsTheUsersNameAndFolders) {
+  const ScopedVariables variables(Variables{{"HOME", "/home/ada"}});
+
+  const QNUser user = currentUser();
+
+  EXPECT_FALSE(user.loginName.empty());
+  EXPECT_EQ(user.libraryFolder, "/home/ada/.local/share");
+  EXPECT_EQ(user.documentsFolder, "/home/ada/Documents");
+}
+
+TEST(QNEnvironment, TakesTheUsersFoldersFromTheirVariables) {
+  const ScopedVariables variables(Variables{
+      {"HOME", "/home/ada"}, {"XDG_DATA_HOME", "/data"}, {"XDG_DOCUMENTS_DIR", "/papers"}});
+
+  EXPECT_EQ(currentUser().libraryFolder, "/data");
+  EXPECT_EQ(currentUser().documentsFolder, "/papers");
+}
+
+TEST(QNEnvironment, TakesNoPartOfAPathForAFolder) {
+  const ScopedVariables variables(
+      Variables{{"HOME", "/home/ada"}, {"XDG_DATA_HOME", "data"}, {"XDG_DOCUMENTS_DIR", ""}});
+
+  EXPECT_EQ(currentUser().libraryFolder, "/home/ada/.local/share");
+  EXPECT_EQ(currentUser().documentsFolder, "/home/ada/Documents");
+}
+
+TEST(QNEnvironment, FindsTheHomeOfTheSystemsListWithoutAVariable) {
+  const ScopedVariables variables(Variables{});
+
+  EXPECT_TRUE(currentUser().documentsFolder.is_absolute());
+}
+
+TEST(QNScopedUser, SetsTheUserAndPutsTheSystemsBack) {
+  const std::string system = currentUser().loginName;
+  {
+    const QNScopedUser outer({"ada", "/library", "/documents"});
+    { const QNScopedUser inner({"bob", "", ""}); }
+    EXPECT_EQ(currentUser().loginName, "ada");
+    EXPECT_EQ(currentUser().libraryFolder, "/library");
+    EXPECT_EQ(currentUser().documentsFolder, "/documents");
+  }
+
+  EXPECT_EQ(currentUser().loginName, system);
 }
 
 struct LocaleCase {

@@ -29,6 +29,8 @@ constexpr std::int32_t kLastYear = 9999;
 // first is of one day from UTC-11 to UTC+12:59. The others are for who lives beyond: UTC+13,
 // UTC+14, and UTC-12.
 constexpr std::array kHoursOfDay = {11, 10, 9, 12};
+constexpr std::array kPartsOfMoment = {UCAL_EXTENDED_YEAR, UCAL_MONTH,  UCAL_DATE,
+                                       UCAL_HOUR_OF_DAY,   UCAL_MINUTE, UCAL_SECOND};
 
 // The caller's to delete.
 icu::TimeZone* usersTimeZone() {
@@ -43,24 +45,33 @@ double clampedMoment(std::int64_t seconds) {
 
 // A formatter costs hundreds of times one date to make, so each thread keeps its own until the
 // locale or the time zone changes.
-struct DayFormat {
+struct KeptFormat {
   std::string locale;
   std::string zone;
   std::unique_ptr<icu::DateFormat> format;
 };
 
-const icu::DateFormat* dayFormatOfThread() {
-  thread_local DayFormat kept;
+const icu::DateFormat* upToDate(KeptFormat& kept, icu::DateFormat::EStyle timeStyle) {
   std::string locale = currentLocale();
   std::string zone = currentTimeZone();
   if (kept.format == nullptr || kept.locale != locale || kept.zone != zone) {
     kept = {locale, zone,
-            std::unique_ptr<icu::DateFormat>(icu::DateFormat::createDateInstance(
-                icu::DateFormat::kMedium, localeForTag(locale)))};
+            std::unique_ptr<icu::DateFormat>(icu::DateFormat::createDateTimeInstance(
+                icu::DateFormat::kMedium, timeStyle, localeForTag(locale)))};
     if (kept.format == nullptr) return nullptr;
     kept.format->adoptTimeZone(usersTimeZone());
   }
   return kept.format.get();
+}
+
+const icu::DateFormat* dayFormatOfThread() {
+  thread_local KeptFormat kept;
+  return upToDate(kept, icu::DateFormat::kNone);
+}
+
+const icu::DateFormat* dayAndTimeFormatOfThread() {
+  thread_local KeptFormat kept;
+  return upToDate(kept, icu::DateFormat::kMedium);
 }
 
 QNSecret secretOf(std::string text) {
@@ -189,6 +200,15 @@ QNSecret qn_formatDate(std::int64_t seconds) {
   return secretOf(std::move(text));
 }
 
+std::optional<std::string> qn_formatDateAndTime(std::int64_t seconds) {
+  const icu::DateFormat* const format = dayAndTimeFormatOfThread();
+  if (format == nullptr) return std::nullopt;
+  icu::UnicodeString shown;
+  format->format(clampedMoment(seconds), shown);
+  std::string text;
+  return shown.toUTF8String(text);
+}
+
 QNSecret qn_formatISODate(std::int64_t seconds) {
   UErrorCode status = U_ZERO_ERROR;
   icu::GregorianCalendar calendar(usersTimeZone(), icu::Locale::getRoot(), status);
@@ -198,6 +218,19 @@ QNSecret qn_formatISODate(std::int64_t seconds) {
   const std::int32_t day = calendar.get(UCAL_DATE, status);
   if (U_FAILURE(status)) return {};
   return secretOf(formatted("{:04}-{:02}-{:02}", year, month, day));
+}
+
+std::string qn_describedDate(std::uint64_t seconds) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::GregorianCalendar calendar(*icu::TimeZone::getGMT(), icu::Locale::getRoot(), status);
+  calendar.setTime(std::min(static_cast<double>(seconds) * 1000, kLastMoment), status);
+  std::array<std::int32_t, 6> parts{};
+  std::transform(kPartsOfMoment.begin(), kPartsOfMoment.end(), parts.begin(),
+                 [&](UCalendarDateFields part) { return calendar.get(part, status); });
+  if (U_FAILURE(status)) return {};
+  const auto& [year, month, day, hour, minute, second] = parts;
+  return formatted("{:04}-{:02}-{:02} {:02}:{:02}:{:02} +0000", year, month + 1, day, hour, minute,
+                   second);
 }
 
 std::optional<std::int64_t> qn_parseDate(std::string_view text) {

@@ -41,8 +41,47 @@ TEST(QNTextDates, BeyondTheCalendarAreItsLast) {
             formatted(std::numeric_limits<std::int64_t>::min() / 2, "en-US", "UTC"));
 }
 
+TEST(QNTextDates, AreDescribedInOneFormEverywhere) {
+  const QNScopedLocale arabic("ar-EG");
+  const QNScopedTimeZone zone("Asia/Tokyo");
+
+  EXPECT_EQ(qn_describedDate(kIndependenceDay + 45005), "2024-07-04 12:30:05 +0000");
+  EXPECT_EQ(qn_describedDate(0), "1970-01-01 00:00:00 +0000");
+}
+
+TEST(QNTextDates, AreDescribedUpToTheCalendarsLast) {
+  const std::string last = qn_describedDate(std::numeric_limits<std::uint64_t>::max());
+
+  EXPECT_EQ(last, qn_describedDate(std::numeric_limits<std::uint64_t>::max() / 2));
+  EXPECT_TRUE(last.ends_with(" +0000")) << last;
+}
+
 TEST(QNTextDates, OfTheSystemsZoneAreFoundToo) {
   EXPECT_FALSE(formatted(kIndependenceDay, "en-US", "").empty());
+}
+
+TEST(QNTextDates, AreWrittenWithTheirTimeToo) {
+  const QNScopedLocale locale("de-DE");
+  const QNScopedTimeZone berlin("Europe/Berlin");
+
+  EXPECT_EQ(qn_formatDateAndTime(kIndependenceDay), "04.07.2024, 02:00:00");
+  {
+    const QNScopedTimeZone tokyo("Asia/Tokyo");
+    EXPECT_EQ(qn_formatDateAndTime(kIndependenceDay), "04.07.2024, 09:00:00");
+  }
+  EXPECT_EQ(qn_formatDate(kIndependenceDay).reveal(), "04.07.2024");
+}
+
+TEST(QNTextDates, WithTheirTimeFollowTheLanguage) {
+  const QNScopedLocale locale("en-US");
+  const QNScopedTimeZone zone("UTC");
+
+  const auto shown = qn_formatDateAndTime(kIndependenceDay + 54245);
+
+  // Before "PM" stands a space that depends on the version of ICU.
+  ASSERT_TRUE(shown);
+  EXPECT_EQ(shown->substr(0, 20), "Jul 4, 2024, 3:04:05");
+  EXPECT_EQ(shown->substr(shown->size() - 2), "PM");
 }
 
 std::optional<std::int64_t> parsed(std::string_view text, const char* locale,

@@ -80,8 +80,7 @@ std::string mappedByLocale(std::string_view text, const std::string& locale, Cas
   return letters.toUTF8String(result);
 }
 
-std::string mapped(std::string_view text, Case to) {
-  const std::string locale = currentLocale();
+std::string mapped(std::string_view text, Case to, const std::string& locale = currentLocale()) {
   if (!isASCII(text) || !mapsASCIILikeEnglish(locale)) return mappedByLocale(text, locale, to);
   std::string result(text);
   const auto map = to == Case::lower ? lowercaseASCII : uppercaseASCII;
@@ -165,6 +164,10 @@ std::string lowercaseText(std::string_view text) {
 
 std::string uppercaseText(std::string_view text) {
   return mapped(text, Case::upper);
+}
+
+std::string lowercaseIdentifier(std::string_view text) {
+  return mapped(text, Case::lower, "und");
 }
 
 std::string firstComposedCharacter(std::string_view text) {

@@ -39,6 +39,8 @@ bool isBlankText(std::string_view text);
 /// Case mapping for the user's locale.
 std::string lowercaseText(std::string_view text);
 std::string uppercaseText(std::string_view text);
+/// The same small letters in every language: for what programs read.
+std::string lowercaseIdentifier(std::string_view text);
 /// The first extended grapheme cluster (UAX 29); empty for an empty text.
 std::string firstComposedCharacter(std::string_view text);
 /// Is every character a letter, or a mark that belongs to one? False for an empty text.
@@ -51,8 +53,13 @@ QNSecret charactersOfTextInSet(std::string_view text, std::string_view set);
 /// The day of that moment (seconds since 1970) in the user's locale and time zone: "Jul 4, 2024".
 /// Years beyond some millions are shown as the last that the calendar has.
 QNSecret qn_formatDate(std::int64_t seconds);
+/// Day and time of that moment: "Jul 4, 2024, 3:04:05 PM". Nothing if the locale has no such form.
+std::optional<std::string> qn_formatDateAndTime(std::int64_t seconds);
 /// The same day as "2024-07-04", in every language.
 QNSecret qn_formatISODate(std::int64_t seconds);
+/// The moment as a log or a diagnosis shows it, the same in every language and time zone:
+/// "2024-07-04 12:30:05 +0000".
+std::string qn_describedDate(std::uint64_t seconds);
 /// A moment of a day that a person typed, "2024-07-04" or in the user's language: 11:00 UTC, one
 /// day from UTC-11 to UTC+12:59; for users beyond, the nearest hour that is that day there. Nothing
 /// for a day that isn't there, and for a year of less than four digits.

@@ -89,6 +89,15 @@ TEST(QNText, MapsTheDotsOfTurkishAndAzeri) {
   }
 }
 
+TEST(QNText, MapsAnIdentifierAlikeInEveryLanguage) {
+  for (const char* const tag : {"en-US", "tr-TR", "lt-LT"}) {
+    const QNScopedLocale locale(tag);
+
+    EXPECT_EQ(lowercaseIdentifier("/Users/ILICA/Ärger"), "/users/ilica/ärger") << tag;
+    EXPECT_EQ(lowercaseIdentifier("ILICA"), "ilica") << tag;
+  }
+}
+
 TEST(QNText, ALanguageThatOnlyBeginsLikeTurkishMapsLikeEnglish) {
   const QNScopedLocale locale("trv-TW");
 

@@ -35,6 +35,8 @@ class QNTestServerProfile final : public QNServerProfile,
   void setFeatures(std::set<std::uint32_t> features) { _features = std::move(features); }
   /// For every category.
   void setTemplate(std::shared_ptr<QNTemplate> known) { _template = std::move(known); }
+  void setAccountUUID(std::optional<std::string> uuid) { _accountUUID = std::move(uuid); }
+  void setUserAccount(std::shared_ptr<H9UserAccount> account) { _account = std::move(account); }
   void setSuspended(bool suspended) { _suspended = suspended; }
   /// Successful calls so far, by any way.
   [[nodiscard]] std::uint64_t numberOfSealings() const { return _sealings; }
@@ -110,8 +112,8 @@ class QNTestServerProfile final : public QNServerProfile,
   }
   [[nodiscard]] std::set<std::string> vaultUUIDs() const override { return {*_uuid}; }
   [[nodiscard]] std::uint64_t accountId() const override { return 1; }
-  [[nodiscard]] std::optional<std::string> accountUUID() const override { return "ACCOUNT"; }
-  [[nodiscard]] std::shared_ptr<H9UserAccount> userAccount() const override { return nullptr; }
+  [[nodiscard]] std::optional<std::string> accountUUID() const override { return _accountUUID; }
+  [[nodiscard]] std::shared_ptr<H9UserAccount> userAccount() const override { return _account; }
   [[nodiscard]] bool isSuspended() const override { return _suspended; }
 
   // Names and looks: an account vault has no hint
@@ -219,6 +221,8 @@ class QNTestServerProfile final : public QNServerProfile,
 
   QNAESKeyRef _key = QNAESKey::initWithRandomKey();
   std::shared_ptr<QNTemplate> _template;
+  std::optional<std::string> _accountUUID = "ACCOUNT";
+  std::shared_ptr<H9UserAccount> _account;
   std::uint64_t _oid;
   std::uint64_t _profileType = kProfileTypeAccountVault;
   std::string _vaultType = "U";

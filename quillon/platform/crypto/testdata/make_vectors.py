@@ -209,4 +209,5 @@ def main():
         path.write_bytes(content)
 
 
-main()
+if __name__ == "__main__":
+    main()

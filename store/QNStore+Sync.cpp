@@ -1,0 +1,347 @@
+#include <algorithm>
+#include <array>
+
+#include "quillon/sync/QNSyncSource.h"
+#include "quillon/sync/QNSyncState.h"
+#include "store/QNStore.h"
+#include "store/internal/QNStoreState.h"
+
+namespace quillon {
+
+namespace {
+
+// In the order in which syncSourceRow() reads them.
+#define QN_SYNC_SOURCE_COLUMNS                                                       \
+  "oid, revision, legacy, keychain_identifier, keychain_type, remote_profile_uuid, " \
+  "remote_profile_timestamp, remote_profile_attributes, local_profile_uuid, "        \
+  "local_profile_timestamp, local_profile_attributes, seal"
+constexpr std::string_view kSelectSourcesOfVault =
+    "SELECT " QN_SYNC_SOURCE_COLUMNS " FROM sync_sources WHERE vault_id = ?1 ORDER BY oid";
+
+QNSyncSourceRow syncSourceRow(const QNQuery& query) {
+  QNSyncSourceRow row;
+  row.oid = query.number(0);
+  row.revision = query.number(1);
+  row.legacy = query.number(2);
+  row.keychainIdentifier = query.optionalText(3);
+  row.keychainType = query.optionalText(4);
+  row.remoteProfileUUID = query.optionalText(5);
+  row.remoteProfileTimestamp = query.number(6);
+  row.remoteProfileAttributes = query.optionalBytes(7);
+  row.localProfileUUID = query.optionalText(8);
+  row.localProfileTimestamp = query.number(9);
+  row.localProfileAttributes = query.optionalBytes(10);
+  row.seal = query.bytes(11);
+  return row;
+}
+
+QNSyncSourceRow columnsOf(const QNSyncSource& source, ByteView statesHash) {
+  QNSyncSourceRow row;
+  row.oid = source.oid();
+  row.legacy = source.legacySyncSource() ? 1 : 0;
+  row.keychainIdentifier = source.keychainIdentifier();
+  row.keychainType = source.keychainType();
+  row.remoteProfileUUID = source.remoteProfileUUID();
+  row.remoteProfileTimestamp = source.remoteProfileTimestamp();
+  row.remoteProfileAttributes = source.remoteProfileAttributesEncryptedWithLocal();
+  row.localProfileUUID = source.localProfileUUID();
+  row.localProfileTimestamp = source.localProfileTimestamp();
+  row.localProfileAttributes = source.localProfileAttributesEncryptedWithRemote();
+  row.statesHash = statesHash;
+  return row;
+}
+
+template <class Owned, class View>
+std::optional<Owned> owned(const std::optional<View>& view) {
+  return view ? std::optional<Owned>(std::in_place, view->begin(), view->end()) : std::nullopt;
+}
+
+std::shared_ptr<QNSyncSource> sourceOf(const QNSyncSourceRow& row) {
+  auto source = std::make_shared<QNSyncSource>(QNExisting{row.oid});
+  source->restoreKeychainIdentifier(owned<std::string>(row.keychainIdentifier), row.legacy != 0);
+  source->setKeychainType(owned<std::string>(row.keychainType));
+  source->setRemoteProfileUUID(owned<std::string>(row.remoteProfileUUID));
+  source->setRemoteProfileTimestamp(row.remoteProfileTimestamp);
+  source->setRemoteProfileAttributesEncryptedWithLocal(owned<Bytes>(row.remoteProfileAttributes));
+  source->setLocalProfileUUID(owned<std::string>(row.localProfileUUID));
+  source->setLocalProfileTimestamp(row.localProfileTimestamp);
+  source->setLocalProfileAttributesEncryptedWithRemote(owned<Bytes>(row.localProfileAttributes));
+  return source;
+}
+
+// States
+
+QNSyncStateRow syncStateRow(const QNQuery& query) {
+  QNSyncStateRow row;
+  row.kind = query.number(0);
+  row.objectType = query.number(1);
+  row.objectID = query.number(2);
+  row.objectUUID = query.optionalText(3);
+  row.syncedAt = query.number(4);
+  row.sourceTimestamp = query.number(5);
+  row.localTimestamp = query.number(6);
+  return row;
+}
+
+std::shared_ptr<QNSyncState> stateOf(const QNSyncStateRow& row) {
+  auto state = std::make_shared<QNSyncState>();
+  state->setObjectType(static_cast<std::int32_t>(row.objectType));
+  state->setObjectID(row.objectID);
+  state->setObjectUUID(owned<std::string>(row.objectUUID));
+  state->setSyncedAt(row.syncedAt);
+  state->setSourceTimestamp(row.sourceTimestamp);
+  state->setLocalTimestamp(row.localTimestamp);
+  return state;
+}
+
+constexpr std::size_t kKinds = 3;  // items, folders, attachments: 1, 2, 3 in a row
+using StatesByKind = std::array<QNSyncSource::States, kKinds>;
+
+/// In the order in which they are stored and sealed.
+std::vector<QNSyncStateRow> rowsOf(const StatesByKind& states) {
+  std::vector<QNSyncStateRow> rows;
+  for (std::size_t kind = 0; kind < kKinds; ++kind) {
+    for (const auto& state : states[kind]) {
+      rows.push_back({kind + 1, static_cast<std::uint32_t>(state->objectType()), state->objectID(),
+                      state->objectUUID(), state->syncedAt(), state->sourceTimestamp(),
+                      state->localTimestamp()});
+    }
+  }
+  return rows;
+}
+
+StatesByKind statesOf(const QNSyncSource& source) {
+  return {source.itemStates(), source.folderStates(), source.attachmentStates()};
+}
+
+StatesByKind readStates(QNDatabase& file, std::uint64_t sourceOid) {
+  QNQuery query = file.query(
+      "SELECT kind, object_type, object_id, object_uuid, synced_at, source_timestamp, "
+      "local_timestamp FROM sync_states WHERE source_id = ?1 ORDER BY kind, place",
+      sourceOid);
+  StatesByKind states;
+  while (query.next()) {
+    const QNSyncStateRow row = syncStateRow(query);
+    // A kind that nobody knows isn't read, and so the seal doesn't fit.
+    if (row.kind >= 1 && row.kind <= kKinds) states[row.kind - 1].push_back(stateOf(row));
+  }
+  return states;
+}
+
+void setStates(const std::shared_ptr<QNSyncSource>& source, const StatesByKind& states) {
+  for (const auto& ofKind : states) {
+    for (const auto& state : ofKind) state->setSource(source);
+  }
+  source->setItemStates(states[0]);
+  source->setFolderStates(states[1]);
+  source->setAttachmentStates(states[2]);
+}
+
+QNStoredChange::Kind kindOf(const QNItemRow& row) {
+  if (isTombstone(row)) return QNStoredChange::Kind::deleted;
+  return row.status == 1 ? QNStoredChange::Kind::trashed : QNStoredChange::Kind::saved;
+}
+
+QNResult<std::shared_ptr<QNProfile>> vaultOf(const QNSyncSource& source) {
+  auto vault = std::dynamic_pointer_cast<QNProfile>(source.profile());
+  if (vault == nullptr) {
+    return storeError(QNStoreErrorCode::notFound, "the source has no vault of a store");
+  }
+  return vault;
+}
+
+}  // namespace
+
+// Changes
+
+QNResult<QNChangeFeed> QNStore::changesSince(const std::shared_ptr<QNProfile>& vault,
+                                             std::uint64_t txTimestamp) {
+  return _database->read([&]() -> QNResult<QNChangeFeed> {
+    const auto ledger = _database->ledgerNow(*vault);
+    if (!ledger.ok()) return ledger.error();
+    QNChangeFeed feed;
+    feed.txTimestamp = ledger.value().lastTx;
+    QNRowSealer sealer(*vault);
+    // SQL compares numbers with their sign: no row has a time from 2^63 on, unless it was altered.
+    QNQuery query = _database->file->query(kSelectChanges, vault->oid(),
+                                           std::min<std::uint64_t>(txTimestamp, INT64_MAX));
+    while (query.next()) {
+      const QNItemRow row = itemRow(query);
+      if (sealFits(sealer.seal(row), row.seal)) {
+        feed.changes.push_back({std::string(row.uuid), kindOf(row), row.txTimestamp});
+      } else {
+        feed.damaged.emplace_back(row.uuid);
+      }
+    }
+    return feed;
+  });
+}
+
+// Loading
+
+QNResult<std::vector<std::shared_ptr<QNSyncSource>>> QNStore::syncSources(
+    const std::shared_ptr<QNProfile>& vault) {
+  using Sources = std::vector<std::shared_ptr<QNSyncSource>>;
+  return _database->read([&]() -> QNResult<Sources> {
+    const auto ledger = _database->ledgerNow(*vault);
+    if (!ledger.ok()) return ledger.error();
+    std::erase_if(_database->sources, [](const auto& known) { return known.source.expired(); });
+    Sources sources;
+    QNQuery query = _database->file->query(kSelectSourcesOfVault, vault->oid());
+    while (query.next()) {
+      const QNSyncSourceRow row = syncSourceRow(query);
+      const auto source = _database->syncSourceOf(row, vault);
+      if (source == nullptr) {
+        return storeError(QNStoreErrorCode::damaged, "a sync source or its states were altered");
+      }
+      _database->sources.push_back({source, row.revision});
+      sources.push_back(source);
+    }
+    return sources;
+  });
+}
+
+std::shared_ptr<QNSyncSource> QNStore::Database::syncSourceOf(
+    const QNSyncSourceRow& row, const std::shared_ptr<QNProfile>& vault) {
+  const StatesByKind states = readStates(*file, row.oid);
+  const auto hash = statesHash(rowsOf(states));
+  QNSyncSourceRow whole = row;
+  whole.statesHash = hash;
+  if (!sealFits(QNRowSealer(*vault).seal(whole), row.seal)) return nullptr;
+  auto source = sourceOf(row);
+  source->setProfile(vault);
+  setStates(source, states);
+  source->didLoad();
+  return source;
+}
+
+// Saving
+
+QNResult<QNDone> QNStore::saveSyncSource(const std::shared_ptr<QNSyncSource>& source) {
+  return inTransaction([this, &source]() -> QNResult<QNDone> {
+    const auto vault = vaultOf(*source);
+    if (!vault.ok()) return vault.error();
+    const auto ledger = _database->ledgerNow(*vault.value());
+    if (!ledger.ok()) return ledger.error();
+    source->willSave();
+    const auto saved = source->hasOid() ? _database->updateSyncSource(source, *vault.value())
+                                        : _database->insertSyncSource(source, *vault.value());
+    if (!saved.ok()) return saved.error();
+    _database->writeSyncStates(*source);
+    _database->afterCommit.emplace_back([source] { source->didSave(); });
+    return QNDone{};
+  });
+}
+
+QNStore::Database::KnownSource* QNStore::Database::knownSource(const QNSyncSource& source) {
+  const auto found = std::find_if(sources.begin(), sources.end(), [&source](const auto& known) {
+    return known.source.lock().get() == &source;
+  });
+  return found == sources.end() ? nullptr : &*found;
+}
+
+QNResult<QNDone> QNStore::Database::insertSyncSource(const std::shared_ptr<QNSyncSource>& source,
+                                                     QNProfile& vault) {
+  const auto hash = statesHash(rowsOf(statesOf(*source)));
+  QNSyncSourceRow row = columnsOf(*source, hash);
+  row.oid = file->number("SELECT coalesce(max(oid), 0) + 1 FROM sync_sources");
+  row.revision = 1;
+  const auto seal = QNRowSealer(vault).seal(row);
+  if (!seal) return storeError(QNStoreErrorCode::locked, "the vault's keys aren't there");
+  file->change("INSERT INTO sync_sources (" QN_SYNC_SOURCE_COLUMNS
+               ", vault_id) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13)",
+               row.oid, row.revision, row.legacy, row.keychainIdentifier, row.keychainType,
+               row.remoteProfileUUID, row.remoteProfileTimestamp, row.remoteProfileAttributes,
+               row.localProfileUUID, row.localProfileTimestamp, row.localProfileAttributes,
+               ByteView(seal->tag), vault.oid());
+  source->_setOid(row.oid);
+  sources.push_back({source, row.revision});
+  undo.emplace_back([this, source] {
+    source->_setOid(0);
+    std::erase_if(sources, [&](const auto& known) { return known.source.lock() == source; });
+  });
+  return QNDone{};
+}
+
+QNResult<QNDone> QNStore::Database::updateSyncSource(const std::shared_ptr<QNSyncSource>& source,
+                                                     QNProfile& vault) {
+  KnownSource* const known = knownSource(*source);
+  if (known == nullptr) {
+    return storeError(QNStoreErrorCode::notFound, "the source isn't in this store");
+  }
+  const auto hash = statesHash(rowsOf(statesOf(*source)));
+  QNSyncSourceRow row = columnsOf(*source, hash);
+  row.revision = known->revision + 1;
+  const auto seal = QNRowSealer(vault).seal(row);
+  if (!seal) return storeError(QNStoreErrorCode::locked, "the vault's keys aren't there");
+  const std::uint64_t changed = file->change(
+      "UPDATE sync_sources SET revision = ?2, legacy = ?3, keychain_identifier = ?4, "
+      "keychain_type = ?5, remote_profile_uuid = ?6, remote_profile_timestamp = ?7, "
+      "remote_profile_attributes = ?8, local_profile_uuid = ?9, local_profile_timestamp = ?10, "
+      "local_profile_attributes = ?11, seal = ?12 WHERE oid = ?1 AND vault_id = ?13 AND "
+      "revision = ?14",
+      row.oid, row.revision, row.legacy, row.keychainIdentifier, row.keychainType,
+      row.remoteProfileUUID, row.remoteProfileTimestamp, row.remoteProfileAttributes,
+      row.localProfileUUID, row.localProfileTimestamp, row.localProfileAttributes,
+      ByteView(seal->tag), vault.oid(), known->revision);
+  if (changed != 1) {
+    return storeError(QNStoreErrorCode::lostRace, "the source was saved by somebody else");
+  }
+  known->revision = row.revision;
+  undo.emplace_back([this, source] { --knownSource(*source)->revision; });
+  return QNDone{};
+}
+
+/// All of them anew: a source is saved once a sync, and nearly every state has changed then.
+void QNStore::Database::writeSyncStates(const QNSyncSource& source) {
+  file->change("DELETE FROM sync_states WHERE source_id = ?1", source.oid());
+  std::uint64_t place = 0;
+  for (const QNSyncStateRow& row : rowsOf(statesOf(source))) {
+    file->change(
+        "INSERT INTO sync_states (source_id, kind, place, object_type, object_id, object_uuid, "
+        "synced_at, source_timestamp, local_timestamp) "
+        "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9)",
+        source.oid(), row.kind, ++place, row.objectType, row.objectID, row.objectUUID, row.syncedAt,
+        row.sourceTimestamp, row.localTimestamp);
+  }
+}
+
+// Deleting
+
+QNResult<QNDone> QNStore::deleteSyncSource(const std::shared_ptr<QNSyncSource>& source) {
+  return inTransaction([this, &source] { return _database->deleteSyncSource(source); });
+}
+
+QNResult<QNDone> QNStore::Database::deleteSyncSource(const std::shared_ptr<QNSyncSource>& source) {
+  const KnownSource* const known = knownSource(*source);
+  if (known == nullptr || !source->hasOid()) {
+    return storeError(QNStoreErrorCode::notFound, "the source isn't in this store");
+  }
+  const std::uint64_t removed = file->change(
+      "DELETE FROM sync_sources WHERE oid = ?1 AND revision = ?2", source->oid(), known->revision);
+  if (removed != 1) {
+    return storeError(QNStoreErrorCode::lostRace, "the source was saved by somebody else");
+  }
+  afterCommit.emplace_back([this, source] {
+    source->_setOid(0);
+    std::erase_if(sources, [&](const auto& each) { return each.source.lock() == source; });
+  });
+  return QNDone{};
+}
+
+// Checking
+
+void QNStore::Database::checkSyncSources(const std::shared_ptr<QNProfile>& vault,
+                                         QNCheckReport& report) {
+  QNQuery query = file->query(kSelectSourcesOfVault, vault->oid());
+  while (query.next()) {
+    const QNSyncSourceRow row = syncSourceRow(query);
+    ++report.syncSourcesChecked;
+    if (syncSourceOf(row, vault) == nullptr) {
+      report.problems.push_back("sync source " + std::to_string(row.oid) +
+                                ": it or its states were altered");
+    }
+  }
+}
+
+}  // namespace quillon
