@@ -167,7 +167,7 @@ QNResult<QNDone> QNStore::saveAll(std::span<const std::shared_ptr<QNItem>> items
   });
 }
 
-QNResult<QNDone> QNStore::Database::saveItem(const std::shared_ptr<QNItem>& item) {
+QNResult<QNDone> QNStore::Database::saveItem(const std::shared_ptr<QNItem>& item, Times times) {
   const auto vault = std::dynamic_pointer_cast<QNProfile>(item->profile());
   if (vault == nullptr) {
     return storeError(QNStoreErrorCode::notFound, "the item has no vault of a store");
@@ -181,12 +181,24 @@ QNResult<QNDone> QNStore::Database::saveItem(const std::shared_ptr<QNItem>& item
 
   noteForUndo(item);
   const std::uint64_t now = secondsNow();
-  item->setUpdatedAt(now);
+  if (times == Times::now) item->setUpdatedAt(now);
   item->setTxTimestamp(ledger.value()->nextTx(now));
   if (!prepare(*item) || !prepareURLs(urlsOf(*item))) {
     return storeError(QNStoreErrorCode::unreadableItem, "the item can't be encrypted");
   }
   return writeItem(item, vault, before.value());
+}
+
+QNResult<QNStore::Database::Before> QNStore::Database::rowWithOid(
+    std::uint64_t oid, const std::shared_ptr<QNProfile>& vault) {
+  QNQuery query = file->query(
+      "SELECT " QN_ITEM_COLUMNS " FROM items WHERE oid = ?1 AND vault_id = ?2", oid, vault->oid());
+  const QNItemRow row = query.next() ? itemRow(query) : QNItemRow();
+  Before before = beforeOf(row, vault);
+  if (!sealFits(before.seal, row.seal)) {
+    return storeError(QNStoreErrorCode::damaged, "the item's row was altered");
+  }
+  return before;
 }
 
 QNStore::Database::Before QNStore::Database::beforeOf(const QNItemRow& row,
@@ -232,7 +244,8 @@ QNResult<QNDone> QNStore::Database::writeItem(const std::shared_ptr<QNItem>& ite
                                               Before before) {
   const bool isNew = before.vault != vault;
   if (isNew) {
-    const auto buried = before.vault == nullptr ? QNResult<QNDone>(QNDone{}) : bury(before);
+    const auto buried =
+        before.vault == nullptr ? QNResult<QNDone>(QNDone{}) : bury(before, secondsNow());
     if (!buried.ok()) return buried.error();
     const auto tombstone = tombstoneBefore(vault, *item->uuid());
     if (!tombstone.ok()) return tombstone.error();

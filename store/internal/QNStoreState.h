@@ -56,7 +56,9 @@ struct QNStore::Database {
   void writeCategory(const std::shared_ptr<QNProfile>& vault, std::string_view uuid);
 
   // Saving: QNStore+Save.cpp
-  QNResult<QNDone> saveItem(const std::shared_ptr<QNItem>& item);
+  /// Is a save a change of now, or does it bring over one of another store, with its time?
+  enum class Times { now, kept };
+  QNResult<QNDone> saveItem(const std::shared_ptr<QNItem>& item, Times times = Times::now);
   /// What is known of the row that a save replaces.
   struct Before {
     std::optional<QNSeal> seal;  // nothing for an item without a row
@@ -67,6 +69,8 @@ struct QNStore::Database {
     Bytes bodyHash;
     std::shared_ptr<QNProfile> vault;  // that it lies in, unlocked
   };
+  /// Error: damaged.
+  QNResult<Before> rowWithOid(std::uint64_t oid, const std::shared_ptr<QNProfile>& vault);
   Before beforeOf(const QNItemRow& row, const std::shared_ptr<QNProfile>& vault);
   /// Errors: lostRace, locked, unreadableItem, damaged.
   QNResult<Before> rowBefore(QNItem& item, const std::shared_ptr<QNProfile>& vault);
@@ -101,8 +105,8 @@ struct QNStore::Database {
   QNResult<QNDone> deleteItem(const std::shared_ptr<QNItem>& item);
   QNResult<QNDone> saveTombstone(const std::shared_ptr<QNItem>& item,
                                  const std::shared_ptr<QNProfile>& vault);
-  /// Makes a tombstone of a row, with the time of now.
-  QNResult<QNDone> bury(const Before& before);
+  /// Makes a tombstone of a row.
+  QNResult<QNDone> bury(const Before& before, std::uint64_t deletedAt);
   /// What a tombstone keeps.
   struct Remains {
     std::uint64_t oid = 0;
@@ -125,6 +129,7 @@ struct QNStore::Database {
                                            const std::shared_ptr<QNProfile>& vault);
   /// Fills key, details and URLs in, if they are what `hash` was made of.
   QNResult<QNDone> readBody(const std::shared_ptr<QNItem>& item, ByteView hash);
+  Bytes wrappedKeyOf(std::uint64_t itemOid);
   /// Nothing if the hash was made of another body.
   std::optional<Bytes> wrappedKeyOf(std::uint64_t itemOid, ByteView hash);
   std::vector<std::shared_ptr<QNItemURL>> readURLs(std::uint64_t itemOid);
