@@ -14,7 +14,8 @@ struct QNMergedField {
     taken,         // the other side's value came over
     kept,          // the own value stayed, and the other side's is gone
     joined,        // it is made of both
-    conflictCopy,  // the own value stayed, and the other side's is kept among the conflicts
+    conflictCopy,  // the own value stayed, and the other side's is a conflict's field, or in the
+                   // history of passwords
   };
   std::string name;
   Outcome outcome = Outcome::kept;

@@ -2,6 +2,8 @@
 
 #include <map>
 
+#include "quillon/fields/QNFieldSection.h"
+#include "quillon/fields/QNItemStringField.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/sync/QNSyncState.h"
@@ -253,6 +255,36 @@ TEST_F(QNStoreMerge, WhatBothChangedIsJoinedOnBothSides) {
     EXPECT_EQ(item->notesPlain(), "my notes\n\n===\n\ntheir notes");
     EXPECT_EQ(item->numberOfURLs(), 2u);
   }
+}
+
+TEST_F(QNStoreMerge, AFieldThatBothChangedIsKeptAmongTheConflicts) {
+  const auto item = itemIn(mine, uuidOfFirst());
+  for (const char* const name : {"pin", "code"}) {
+    const auto field = QNItemStringField::fieldWithIdentifier(name);
+    field->setValue("before");
+    item->fieldSectionWithName("s", "Section")->addField(field);
+  }
+  ASSERT_TRUE(mine.store->save(item).ok());
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& own) {
+    own.setStringFieldValue("mine", "pin");
+    own.setUsername("mine@example.com");
+  });
+  edit(theirs, uuid, [](QNItem& other) {
+    other.setStringFieldValue("theirs", "pin");
+    other.setStringFieldValue("after", "code");
+    other.setUsername("theirs@example.com");
+  });
+
+  const QNMergeReport report = merged();
+
+  const auto fields = fieldsOf(report.items.at(0));
+  EXPECT_EQ(fields.at("s.pin"), Outcome::conflictCopy);
+  EXPECT_EQ(fields.at("username"), Outcome::conflictCopy);
+  EXPECT_EQ(itemIn(theirs, uuid)->findFieldWithIdentifier("pin")->displayStringValue().reveal(),
+            "mine");
 }
 
 TEST_F(QNStoreMerge, ATitleThatBothChangedStaysMine) {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <set>
 
 #include "quillon/items/QNFingerprintConstants.h"
 #include "quillon/platform/json/QNJsonEquality.h"
@@ -19,8 +20,8 @@ namespace quillon {
 
 namespace {
 
-constexpr std::string_view kConflictMark = "_conflict_";
 constexpr std::string_view kConflictsPrefix = "conflicts.";
+constexpr std::string_view kPassword = "password";
 
 void add(QNItemParts& parts, std::string name, const Json& value) {
   // Two fields of one name are two parts.
@@ -92,14 +93,36 @@ bool equalParts(const Json* a, const Json* b) {
   return a == b || (a != nullptr && b != nullptr && equalJson(*a, *b));
 }
 
-/// Has the part's value of the other side come into the section of conflicts?
-bool hasNewConflictFor(const std::string& name, const QNItemParts& mine,
-                       const QNItemParts& result) {
-  const std::string identifier = name.substr(name.rfind('.') + 1);
-  const std::string base = identifier.substr(0, identifier.find(kConflictMark));
-  const std::string prefix = std::string(kConflictsPrefix) + base;
+/// What a field, an entry of a form or of the history, or a plain member has for a value.
+const Json* valueOf(const Json& part) {
+  if (!part.is_object()) return &part;
+  for (const std::string_view key : {"v", "value"}) {
+    if (const Json* const value = part.get_object().if_contains(key)) return value;
+  }
+  return nullptr;
+}
+
+bool hasValueOf(const Json& part, const Json& other) {
+  const Json* const value = valueOf(part);
+  const Json* const wanted = valueOf(other);
+  return value != nullptr && wanted != nullptr && equalJson(*value, *wanted);
+}
+
+bool isInHistory(const Json& value, const QNItemParts& result) {
+  const Json* const history = partNamed(result, std::string(kDetailsPasswordHistory));
+  if (history == nullptr || !history->is_array()) return false;
+  const JsonArray& entries = history->get_array();
+  return std::any_of(entries.begin(), entries.end(),
+                     [&](const Json& entry) { return hasValueOf(entry, value); });
+}
+
+/// Has the other side's value come into the section of conflicts, or into the history?
+bool isKeptElsewhere(const std::string& name, const Json& theirs, const QNItemParts& mine,
+                     const QNItemParts& result) {
+  if (name == kPassword && isInHistory(theirs, result)) return true;
   return std::any_of(result.begin(), result.end(), [&](const auto& part) {
-    return part.first.starts_with(prefix) && !mine.contains(part.first);
+    return part.first.starts_with(kConflictsPrefix) && !mine.contains(part.first) &&
+           hasValueOf(part.second, theirs);
   });
 }
 
@@ -136,9 +159,12 @@ std::vector<QNMergedField> outcomes(const QNItemParts& mine, const QNItemParts& 
                                     const QNItemParts& result) {
   using Outcome = QNMergedField::Outcome;
   std::vector<QNMergedField> fields;
-  QNItemParts names = mine;
-  names.insert(theirs.begin(), theirs.end());
-  for (const auto& [name, unused] : names) {
+  // A copy of a part wouldn't lie in the wiping resource.
+  std::set<std::string> names;
+  for (const QNItemParts* parts : {&mine, &theirs}) {
+    for (const auto& [name, part] : *parts) names.insert(name);
+  }
+  for (const std::string& name : names) {
     const Json* const own = partNamed(mine, name);
     const Json* const other = partNamed(theirs, name);
     const Json* const left = partNamed(result, name);
@@ -148,7 +174,7 @@ std::vector<QNMergedField> outcomes(const QNItemParts& mine, const QNItemParts& 
     } else if (!equalParts(left, own)) {
       fields.push_back({name, Outcome::joined});
     } else {
-      const bool isCopied = other != nullptr && hasNewConflictFor(name, mine, result);
+      const bool isCopied = other != nullptr && isKeptElsewhere(name, *other, mine, result);
       fields.push_back({name, isCopied ? Outcome::conflictCopy : Outcome::kept});
     }
   }
