@@ -37,7 +37,7 @@ QNResult<QNDone> QNStore::Database::deleteItem(const std::shared_ptr<QNItem>& it
   if (!ledger.ok()) return ledger.error();
   const auto before = rowBefore(*item, vault);
   if (!before.ok()) return before.error();
-  const auto buried = bury(before.value());
+  const auto buried = bury(before.value(), secondsNow());
   if (!buried.ok()) return buried.error();
   afterCommit.emplace_back([item] {
     if (item->detailsLoaded()) {
@@ -50,14 +50,13 @@ QNResult<QNDone> QNStore::Database::deleteItem(const std::shared_ptr<QNItem>& it
   return QNDone{};
 }
 
-QNResult<QNDone> QNStore::Database::bury(const Before& before) {
+QNResult<QNDone> QNStore::Database::bury(const Before& before, std::uint64_t deletedAt) {
   const auto ledger = openLedger(before.vault);
   if (!ledger.ok()) return ledger.error();
   const Bytes key = wrappedKeyOf(before.oid, before.bodyHash).value_or(Bytes());
-  const std::uint64_t now = secondsNow();
-  return writeTombstone(
-      {before.oid, before.uuid, before.createdAt, now, ledger.value()->nextTx(now), key},
-      before.vault, before);
+  return writeTombstone({before.oid, before.uuid, before.createdAt, deletedAt,
+                         ledger.value()->nextTx(secondsNow()), key},
+                        before.vault, before);
 }
 
 QNResult<QNDone> QNStore::Database::saveTombstone(const std::shared_ptr<QNItem>& item) {

@@ -151,7 +151,8 @@ std::vector<std::string> stateOf(const std::filesystem::path& file) {
     state.push_back(item->title() + "/" + std::string(item->password()->reveal()));
   };
   EXPECT_TRUE(session.store->list(session.vault, QNStore::Which::all, visit).ok());
-  for (const auto& source : session.store->syncSources(session.vault).value()) {
+  const auto sources = std::move(session.store->syncSources(session.vault)).value();
+  for (const auto& source : sources) {
     state.push_back("source with states: " + std::to_string(source->itemStates().size()));
   }
   return state;

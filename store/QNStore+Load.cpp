@@ -241,6 +241,11 @@ QNResult<QNDone> QNStore::Database::readBody(const std::shared_ptr<QNItem>& item
   return QNDone{};
 }
 
+Bytes QNStore::Database::wrappedKeyOf(std::uint64_t itemOid) {
+  QNQuery query = file->query(kSelectDetails, itemOid);
+  return query.next() ? toBytes(query.bytes(0)) : Bytes();
+}
+
 std::optional<Bytes> QNStore::Database::wrappedKeyOf(std::uint64_t itemOid, ByteView hash) {
   QNQuery query = file->query(kSelectDetails, itemOid);
   if (!query.next()) return std::nullopt;

@@ -158,33 +158,40 @@ void QNStore::Database::writeLedgers() {
 
 QNResult<QNDone> QNStore::save(const std::shared_ptr<QNItem>& item) {
   if (!needsSaving(*item)) return QNDone{};
-  return inTransaction([this, &item] { return _database->saveItems({&item, 1}); });
+  return inTransaction([this, &item] {
+    return _database->saveItems({&item, 1}, Database::Times::now);
+  });
 }
 
 QNResult<QNDone> QNStore::saveAll(std::span<const std::shared_ptr<QNItem>> items) {
   return inTransaction([this, items]() -> QNResult<QNDone> {
-    for (std::size_t i = 0; i < items.size(); i += kItemsAtOnce) {
-      const auto saved =
-          _database->saveItems(items.subspan(i, std::min(kItemsAtOnce, items.size() - i)));
+    std::vector<std::shared_ptr<QNItem>> changed;
+    std::copy_if(items.begin(), items.end(), std::back_inserter(changed),
+                 [](const auto& item) { return needsSaving(*item); });
+    for (std::span<const std::shared_ptr<QNItem>> rest = changed; !rest.empty();) {
+      const std::size_t count = std::min(kItemsAtOnce, rest.size());
+      const auto saved = _database->saveItems(rest.first(count), Database::Times::now);
       if (!saved.ok()) return saved.error();
+      rest = rest.subspan(count);
     }
     return QNDone{};
   });
 }
 
-QNResult<QNDone> QNStore::Database::saveItems(std::span<const std::shared_ptr<QNItem>> items) {
+QNResult<QNDone> QNStore::Database::saveItems(std::span<const std::shared_ptr<QNItem>> items,
+                                              Times times) {
   std::vector<Prepared> prepared;
   prepared.reserve(items.size());
   for (const auto& item : items) {
     const bool isRepeated = std::any_of(prepared.begin(), prepared.end(),
                                         [&](const Prepared& one) { return one.item == item; });
-    if (isRepeated || !needsSaving(*item)) continue;
+    if (isRepeated) continue;
     if (item->isTombstone()) {
       const auto buried = saveTombstone(item);
       if (!buried.ok()) return buried.error();
       continue;
     }
-    auto ready = prepareItem(item);
+    auto ready = prepareItem(item, times);
     if (!ready.ok()) return ready.error();
     prepared.push_back(std::move(ready).value());
   }
@@ -206,7 +213,7 @@ QNResult<std::shared_ptr<QNProfile>> QNStore::Database::vaultOf(const QNItem& it
 }
 
 QNResult<QNStore::Database::Prepared> QNStore::Database::prepareItem(
-    const std::shared_ptr<QNItem>& item) {
+    const std::shared_ptr<QNItem>& item, Times times) {
   const auto vault = vaultOf(*item);
   if (!vault.ok()) return vault.error();
   if (!opens(*item)) return storeError(QNStoreErrorCode::unreadableItem, "the item doesn't open");
@@ -215,12 +222,24 @@ QNResult<QNStore::Database::Prepared> QNStore::Database::prepareItem(
 
   noteForUndo(item);
   const std::uint64_t now = secondsNow();
-  item->setUpdatedAt(now);
+  if (times == Times::now) item->setUpdatedAt(now);
   item->setTxTimestamp(ledgers.at(vault.value()->oid()).ledger.nextTx(now));
   if (!prepare(*item) || !prepareURLs(urlsOf(*item))) {
     return storeError(QNStoreErrorCode::unreadableItem, "the item can't be encrypted");
   }
   return Prepared{item, vault.value(), std::move(before).value()};
+}
+
+QNResult<QNStore::Database::Before> QNStore::Database::rowWithOid(
+    std::uint64_t oid, const std::shared_ptr<QNProfile>& vault) {
+  QNQuery query = file->query(
+      "SELECT " QN_ITEM_COLUMNS " FROM items WHERE oid = ?1 AND vault_id = ?2", oid, vault->oid());
+  const QNItemRow row = query.next() ? itemRow(query) : QNItemRow();
+  Before before = beforeOf(row, vault);
+  if (!sealFits(before.seal, row.seal)) {
+    return storeError(QNStoreErrorCode::damaged, "the item's row was altered");
+  }
+  return before;
 }
 
 QNStore::Database::Before QNStore::Database::beforeOf(const QNItemRow& row,
@@ -266,7 +285,8 @@ QNResult<QNDone> QNStore::Database::writeItem(const Prepared& prepared) {
   Before before = found;
   const bool isNew = before.vault != vault;
   if (isNew) {
-    const auto buried = before.vault == nullptr ? QNResult<QNDone>(QNDone{}) : bury(before);
+    const auto buried =
+        before.vault == nullptr ? QNResult<QNDone>(QNDone{}) : bury(before, secondsNow());
     if (!buried.ok()) return buried.error();
     const auto tombstone = tombstoneBefore(vault, *item->uuid());
     if (!tombstone.ok()) return tombstone.error();

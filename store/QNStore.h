@@ -16,6 +16,7 @@
 #include "quillon/platform/errors/QNError.h"
 #include "quillon/sync/QNSyncSource.h"
 #include "quillon/vaults/QNProfile.h"
+#include "store/QNMergeReport.h"
 #include "store/QNStoreError.h"
 
 namespace quillon {
@@ -53,6 +54,15 @@ struct QNChangeFeed {
   std::vector<std::string> damaged;
   /// What to ask from the next time: the last change's time, whether it stands here or not.
   std::uint64_t txTimestamp = 0;
+};
+
+class QNStore;
+/// One of two vaults that are brought into step.
+struct QNMergeSide {
+  QNStore* store = nullptr;
+  std::shared_ptr<QNProfile> vault;  // of that store, unlocked
+  /// The name under which the other side remembers this one: where the file lies, for instance.
+  std::string place;
 };
 
 /// What an integrity check found; every text names rows by identifier and place only.
@@ -155,6 +165,15 @@ class QNStore final {
   /// Forgets a source and its states. The source has no row id any more.
   QNResult<QNDone> deleteSyncSource(const std::shared_ptr<QNSyncSource>& source);
 
+  // Merging: QNStore+Merge.cpp
+  enum class MergeMode { write, dryRun };
+  /// Brings two vaults of two stores into step: afterwards both hold the same items, and a second
+  /// run changes nothing. One transaction on each side. A dry run does the same and takes it back,
+  /// so it needs the right to write too. Errors: locked, damaged if either vault isn't sound,
+  /// busy, unreadableItem, ...
+  static QNResult<QNMergeReport> merge(const QNMergeSide& mine, const QNMergeSide& theirs,
+                                       MergeMode mode = MergeMode::write);
+
   // Care: QNStore+Care.cpp
   /// SQLite's own check, then every row's seal, ledger, key, details and URLs, tombstones and sync
   /// sources too.
@@ -170,6 +189,7 @@ class QNStore final {
 
  private:
   struct Database;
+  class Merge;
   explicit QNStore(std::unique_ptr<Database> database);
   std::unique_ptr<Database> _database;
 };

@@ -58,8 +58,10 @@ struct QNStore::Database {
   void writeCategory(const std::shared_ptr<QNProfile>& vault, std::string_view uuid);
 
   // Saving: QNStore+Save.cpp
-  /// Saves those that need it. What is there twice is saved once.
-  QNResult<QNDone> saveItems(std::span<const std::shared_ptr<QNItem>> items);
+  /// Is a save a change of now, or does it bring over one of another store, with its time?
+  enum class Times { now, kept };
+  /// Saves all, changed or not; one that is there twice once.
+  QNResult<QNDone> saveItems(std::span<const std::shared_ptr<QNItem>> items, Times times);
   /// The vault that an item goes to, with its ledger open.
   QNResult<std::shared_ptr<QNProfile>> vaultOf(const QNItem& item);
   /// What is known of the row that a save replaces.
@@ -72,6 +74,8 @@ struct QNStore::Database {
     Bytes bodyHash;
     std::shared_ptr<QNProfile> vault;  // that it lies in, unlocked
   };
+  /// Error: damaged.
+  QNResult<Before> rowWithOid(std::uint64_t oid, const std::shared_ptr<QNProfile>& vault);
   Before beforeOf(const QNItemRow& row, const std::shared_ptr<QNProfile>& vault);
   /// Errors: lostRace, locked, unreadableItem, damaged.
   QNResult<Before> rowBefore(QNItem& item, const std::shared_ptr<QNProfile>& vault);
@@ -81,7 +85,7 @@ struct QNStore::Database {
     std::shared_ptr<QNProfile> vault;
     Before before;
   };
-  QNResult<Prepared> prepareItem(const std::shared_ptr<QNItem>& item);
+  QNResult<Prepared> prepareItem(const std::shared_ptr<QNItem>& item, Times times);
   QNResult<QNDone> writeItem(const Prepared& prepared);
   /// Seals a row, writes it over what it was before or as a new one, and enters it into the
   /// ledger. Its oid, body hash and columns are there already.
@@ -111,8 +115,8 @@ struct QNStore::Database {
   // Deleting: QNStore+Delete.cpp
   QNResult<QNDone> deleteItem(const std::shared_ptr<QNItem>& item);
   QNResult<QNDone> saveTombstone(const std::shared_ptr<QNItem>& item);
-  /// Makes a tombstone of a row, with the time of now.
-  QNResult<QNDone> bury(const Before& before);
+  /// Makes a tombstone of a row.
+  QNResult<QNDone> bury(const Before& before, std::uint64_t deletedAt);
   /// What a tombstone keeps.
   struct Remains {
     std::uint64_t oid = 0;
@@ -135,6 +139,7 @@ struct QNStore::Database {
                                            const std::shared_ptr<QNProfile>& vault);
   /// Fills key, details and URLs in, if they are what `hash` was made of.
   QNResult<QNDone> readBody(const std::shared_ptr<QNItem>& item, ByteView hash);
+  Bytes wrappedKeyOf(std::uint64_t itemOid);
   /// Nothing if the hash was made of another body.
   std::optional<Bytes> wrappedKeyOf(std::uint64_t itemOid, ByteView hash);
   std::vector<std::shared_ptr<QNItemURL>> readURLs(std::uint64_t itemOid);

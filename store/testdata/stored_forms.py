@@ -150,8 +150,9 @@ def vectors():
                    for name, value in full_source.items()}
     sources = []
     for row, of_row in ((full_source, states), (bare_source, [])):
-        tag, term = seal(raw, sync_source_form("vault-uuid", row, of_row))
-        sources.append(dict(row=row, states=of_row, hash=states_hash(of_row).hex(), tag=tag.hex()))
+        code = seal(raw, sync_source_form("vault-uuid", row, of_row))[0]
+        sources.append(dict(row=row, states=of_row, hash=states_hash(of_row).hex(),
+                            tag=code.hex()))
     return {
         "syncSources": sources,
         "overviewKey": KEY.hex(), "bodyHash": BYTES["body_hash"].hex(),

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+/// What became of one part of an item that both sides had changed, or that took the place of
+/// another. Names parts by their keys, never by what stands in them: "notesPlain", "password",
+/// "SECTION.FIELD".
+struct QNMergedField {
+  enum class Outcome {
+    taken,         // the other side's value came over
+    kept,          // the own value stayed, and the other side's is gone
+    joined,        // it is made of both
+    conflictCopy,  // the own value stayed, and the other side's is a conflict's field, or in the
+                   // history of passwords
+  };
+  std::string name;
+  Outcome outcome = Outcome::kept;
+};
+
+/// What a merge did with one item. "Mine" is the side that it was called for.
+struct QNMergedItem {
+  enum class Kind {
+    copiedToMine,
+    copiedToTheirs,
+    replacedMine,    // only theirs had changed
+    replacedTheirs,  // only mine had changed
+    joined,          // both had changed
+    deletedMine,
+    deletedTheirs,
+    deletionRefused,  // one side had deleted what the other has changed since: it is back
+    notJoined,        // of different categories: each side keeps its own
+  };
+  std::string uuid;
+  Kind kind = Kind::joined;
+  std::vector<QNMergedField> fields;  // of `joined`, replacedMine and replacedTheirs; by name
+};
+
+struct QNMergeReport {
+  std::vector<QNMergedItem> items;  // that were touched, by uuid; what was in step isn't named
+  std::uint64_t compared = 0;       // uuids of both sides together
+  std::uint64_t opened = 0;         // items whose details were read
+};
+
+}  // namespace quillon

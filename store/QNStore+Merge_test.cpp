@@ -1,0 +1,576 @@
+#include <gmock/gmock.h>
+
+#include <map>
+
+#include "quillon/fields/QNFieldSection.h"
+#include "quillon/fields/QNItemStringField.h"
+#include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/log/MRLogger.h"
+#include "quillon/sync/QNSyncState.h"
+#include "store/internal/QNDatabase.h"
+#include "store/internal/QNItemParts.h"
+#include "store/internal/QNStoreTesting.h"
+
+namespace quillon {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Kind = QNMergedItem::Kind;
+using Outcome = QNMergedField::Outcome;
+
+/// Two stores. The second is a copy of the first, unless it is made anew.
+class QNStoreMerge : public ::testing::Test {
+ protected:
+  QNStoreMerge() { savedLogin(mine, "first", "https://first.example", "pass 1"); }
+
+  /// From here on there are two files of one vault.
+  void copyFile() {
+    ASSERT_EQ(errorOf(mine.store->backupTo(theirFile)), "");
+    theirs = openSession(theirFile);
+  }
+  /// From here on there is a second vault of other keys.
+  void makeAnother() { theirs = makeSession(theirFile); }
+
+  QNResult<QNMergeReport> tryMerge(QNStore::MergeMode mode = QNStore::MergeMode::write) {
+    return QNStore::merge({mine.store.get(), mine.vault, "mine"},
+                          {theirs.store.get(), theirs.vault, "theirs"}, mode);
+  }
+  /// Merges, and expects both sides to be sound, equal, and left alone by a second run.
+  QNMergeReport merged() {
+    auto report = tryMerge();
+    EXPECT_TRUE(report.ok()) << report.error().message;
+    if (!report.ok()) return {};
+    EXPECT_EQ(problemsIn(mine), std::vector<std::string>());
+    EXPECT_EQ(problemsIn(theirs), std::vector<std::string>());
+    expectEqualSides();
+    const std::string before = bytesOfBoth();
+    const auto again = std::move(tryMerge()).value();
+    EXPECT_THAT(again.items, IsEmpty());
+    EXPECT_EQ(again.opened, 0u);
+    EXPECT_TRUE(bytesOfBoth() == before);
+    return report.value();
+  }
+  std::string bytesOfBoth() const {
+    std::string bytes;
+    for (const auto& file : {myFile, theirFile}) {
+      bytes += bytesOfFile(file) + bytesOfFile(file.string() + "-wal");
+    }
+    return bytes;
+  }
+  static std::map<std::string, QNItemParts> itemsOf(Session& session) {
+    std::map<std::string, QNItemParts> items;
+    const auto feed = std::move(session.store->changesSince(session.vault, 0)).value();
+    for (const auto& change : feed.changes) {
+      auto& parts = items[change.uuid];
+      if (change.kind == QNStoredChange::Kind::deleted) continue;
+      const auto item = std::move(session.store->item(session.vault, change.uuid)).value();
+      parts = partsOf(*item).value();
+      parts.emplace("updated", Json(item->updatedAt()));
+      parts.emplace("created", Json(item->createdAt()));
+    }
+    return items;
+  }
+  void expectEqualSides() {
+    const auto own = itemsOf(mine);
+    const auto other = itemsOf(theirs);
+    EXPECT_EQ(own.size(), other.size());
+    for (const auto& [uuid, parts] : own) {
+      ASSERT_TRUE(other.contains(uuid)) << uuid;
+      EXPECT_TRUE(equalParts(parts, other.at(uuid))) << uuid;
+    }
+  }
+  static std::shared_ptr<QNItem> itemIn(Session& session, std::string_view uuid) {
+    auto item = session.store->item(session.vault, uuid);
+    EXPECT_TRUE(item.ok()) << item.error().message;
+    return item.ok() ? item.value() : nullptr;
+  }
+  std::string uuidOfFirst() {
+    return std::move(mine.store->changesSince(mine.vault, 0)).value().changes.at(0).uuid;
+  }
+  template <class Edit>
+  void edit(Session& session, std::string_view uuid, const Edit& change) {
+    clock.setSeconds(secondsNow() + 10);
+    const auto item = itemIn(session, uuid);
+    change(*item);
+    ASSERT_EQ(errorOf(session.store->save(item)), "");
+  }
+  void remove(Session& session, std::string_view uuid) {
+    clock.setSeconds(secondsNow() + 10);
+    ASSERT_EQ(errorOf(session.store->deleteItem(itemIn(session, uuid))), "");
+  }
+  static std::map<std::string, Outcome> fieldsOf(const QNMergedItem& item) {
+    std::map<std::string, Outcome> fields;
+    for (const auto& field : item.fields) fields.emplace(field.name, field.outcome);
+    return fields;
+  }
+
+  const TemporaryFolder folder;
+  const std::filesystem::path myFile = folder / "mine", theirFile = folder / "theirs";
+  QNScopedClock clock{1'700'000'000};
+  Session mine = makeSession(myFile), theirs;
+};
+
+// Nothing to do
+
+TEST_F(QNStoreMerge, OpensNothingOfACopiedFile) {
+  copyFile();
+
+  const QNMergeReport report = merged();
+
+  EXPECT_THAT(report.items, IsEmpty());
+  EXPECT_EQ(report.compared, 1u);
+  EXPECT_EQ(report.opened, 0u);
+}
+
+TEST_F(QNStoreMerge, RemembersOnBothSidesHowFarTheOtherWas) {
+  copyFile();
+  ASSERT_TRUE(tryMerge().ok());
+
+  const auto own = std::move(mine.store->syncSources(mine.vault)).value().at(0);
+  const auto other = std::move(theirs.store->syncSources(theirs.vault)).value().at(0);
+
+  EXPECT_EQ(own->keychainIdentifier(), "theirs");
+  EXPECT_EQ(other->keychainIdentifier(), "mine");
+  EXPECT_EQ(own->keychainType(), "store");
+  EXPECT_EQ(own->remoteProfileUUID(), *theirs.vault->uuid());
+  ASSERT_EQ(own->itemStates().size(), 1u);
+  EXPECT_EQ(own->itemStates()[0]->objectUUID(), uuidOfFirst());
+  EXPECT_EQ(own->itemStates()[0]->objectType(), 1);
+  EXPECT_EQ(own->itemStates()[0]->localTimestamp(), other->itemStates()[0]->sourceTimestamp());
+}
+
+TEST_F(QNStoreMerge, OpensOnlyWhatHasChanged) {
+  for (int i = 0; i < 10; ++i) savedLogin(mine, "other");
+  copyFile();
+  ASSERT_TRUE(tryMerge().ok());
+  edit(mine, uuidOfFirst(), [](QNItem& item) { item.setTitle("changed"); });
+  const std::uint64_t readBefore = theirs.store->detailsRead();
+
+  const auto report = std::move(tryMerge()).value();
+
+  EXPECT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.opened, 2u);
+  EXPECT_EQ(theirs.store->detailsRead(), readBefore + 1);
+  merged();
+}
+
+TEST_F(QNStoreMerge, LeavesEqualContentUnderOtherKeysAlone) {
+  makeAnother();
+  merged();
+  for (Session* session : {&mine, &theirs}) {
+    const auto item = itemIn(*session, uuidOfFirst());
+    item->markRowDirty();
+    ASSERT_TRUE(session->store->save(item).ok());
+  }
+
+  const auto report = std::move(tryMerge()).value();
+
+  EXPECT_THAT(report.items, IsEmpty());
+  EXPECT_EQ(report.opened, 2u);
+}
+
+// One side has changed
+
+TEST_F(QNStoreMerge, WhatOnlyMineChangedReplacesTheirs) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) {
+    item.setTitle("new title");
+    item.setPassword("pass 2");
+    item.setURLString("https://moved.example");
+    item.setTags({"work"});
+  });
+
+  const QNMergeReport report = merged();
+
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].uuid, uuid);
+  EXPECT_EQ(report.items[0].kind, Kind::replacedTheirs);
+  const auto fields = fieldsOf(report.items[0]);
+  for (const char* const name : {"overview.title", "password", "tags", "overview.urls"}) {
+    ASSERT_TRUE(fields.contains(name)) << name;
+    EXPECT_EQ(fields.at(name), Outcome::taken) << name;
+  }
+  const auto item = itemIn(theirs, uuid);
+  EXPECT_EQ(item->title(), "new title");
+  EXPECT_TRUE(item->password()->equals("pass 2"));
+  EXPECT_EQ(item->URLString(), "https://moved.example");
+}
+
+TEST_F(QNStoreMerge, WhatOnlyTheirsChangedReplacesMine) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("theirs"); });
+
+  const QNMergeReport report = merged();
+
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].kind, Kind::replacedMine);
+  EXPECT_EQ(fieldsOf(report.items[0]),
+            (std::map<std::string, Outcome>{{"notesPlain", Outcome::taken}}));
+  EXPECT_EQ(itemIn(mine, uuid)->notesPlain(), "theirs");
+}
+
+TEST_F(QNStoreMerge, TrashGoesOver) {
+  copyFile();
+  merged();
+  edit(mine, uuidOfFirst(), [](QNItem& item) { item.setTrashed(true); });
+
+  merged();
+
+  EXPECT_EQ(titlesIn(theirs, QNStore::Which::trashed), std::vector<std::string>{"first"});
+}
+
+// Both have changed
+
+TEST_F(QNStoreMerge, WhatBothChangedIsJoinedOnBothSides) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) {
+    item.setPassword("mine");
+    item.setNotesPlain("my notes");
+  });
+  edit(theirs, uuid, [](QNItem& item) {
+    item.setPassword("theirs");
+    item.setNotesPlain("their notes");
+    item.addURLString("https://second.example");
+  });
+
+  const QNMergeReport report = merged();
+
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].kind, Kind::joined);
+  const auto fields = fieldsOf(report.items[0]);
+  ASSERT_TRUE(fields.contains("password"));
+  EXPECT_EQ(fields.at("password"), Outcome::conflictCopy);
+  EXPECT_EQ(fields.at("notesPlain"), Outcome::joined);
+  EXPECT_EQ(fields.at("overview.urls"), Outcome::taken);
+  for (Session* session : {&mine, &theirs}) {
+    const auto item = itemIn(*session, uuid);
+    EXPECT_TRUE(item->password()->equals("mine"));
+    EXPECT_EQ(item->notesPlain(), "my notes\n\n===\n\ntheir notes");
+    EXPECT_EQ(item->numberOfURLs(), 2u);
+  }
+}
+
+TEST_F(QNStoreMerge, AFieldThatBothChangedIsKeptAmongTheConflicts) {
+  const auto item = itemIn(mine, uuidOfFirst());
+  for (const char* const name : {"pin", "code"}) {
+    const auto field = QNItemStringField::fieldWithIdentifier(name);
+    field->setValue("before");
+    item->fieldSectionWithName("s", "Section")->addField(field);
+  }
+  ASSERT_TRUE(mine.store->save(item).ok());
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& own) {
+    own.setStringFieldValue("mine", "pin");
+    own.setUsername("mine@example.com");
+  });
+  edit(theirs, uuid, [](QNItem& other) {
+    other.setStringFieldValue("theirs", "pin");
+    other.setStringFieldValue("after", "code");
+    other.setUsername("theirs@example.com");
+  });
+
+  const QNMergeReport report = merged();
+
+  const auto fields = fieldsOf(report.items.at(0));
+  EXPECT_EQ(fields.at("s.pin"), Outcome::conflictCopy);
+  EXPECT_EQ(fields.at("username"), Outcome::conflictCopy);
+  EXPECT_EQ(itemIn(theirs, uuid)->findFieldWithIdentifier("pin")->displayStringValue().reveal(),
+            "mine");
+}
+
+TEST_F(QNStoreMerge, ATitleThatBothChangedStaysMine) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("mine"); });
+  edit(theirs, uuid, [](QNItem& item) { item.setTitle("theirs"); });
+
+  const QNMergeReport report = merged();
+
+  EXPECT_EQ(fieldsOf(report.items.at(0)).at("overview.title"), Outcome::kept);
+  EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"mine"});
+}
+
+TEST_F(QNStoreMerge, WithoutAMemoryBothHaveChanged) {
+  copyFile();
+  const std::string uuid = uuidOfFirst();
+  edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("theirs"); });
+
+  const QNMergeReport report = merged();
+
+  EXPECT_EQ(report.items.at(0).kind, Kind::joined);
+  EXPECT_EQ(itemIn(mine, uuid)->notesPlain(), "theirs");
+}
+
+// Theirs was committed, and then mine failed: mine is what it was.
+TEST_F(QNStoreMerge, LosesNothingIfOneSideCouldNotBeWritten) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setNotesPlain("mine"); });
+  edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("theirs"); });
+  ASSERT_TRUE(mine.store->backupTo(folder / "before").ok());
+  ASSERT_TRUE(tryMerge().ok());
+  mine = Session();
+  std::filesystem::remove(myFile);
+  std::filesystem::copy_file(folder / "before", myFile);
+  mine = openSession(myFile);
+
+  const QNMergeReport report = merged();
+
+  EXPECT_EQ(report.items.at(0).kind, Kind::joined);
+  EXPECT_EQ(itemIn(mine, uuid)->notesPlain(), "mine\n\n===\n\ntheirs");
+}
+
+TEST_F(QNStoreMerge, ItemsOfDifferentCategoriesStayAsTheyAre) {
+  const MRCapturingSink silence;
+  makeAnother();
+  const auto note = theirs.vault->newItemForCategoryUUID(QNCategoryUUIDSecureNote);
+  note->setProfile(theirs.vault);
+  note->setTitle("note");
+  note->setUuid(sharedString(uuidOfFirst()));
+  ASSERT_TRUE(theirs.store->save(note).ok());
+
+  const auto report = std::move(tryMerge()).value();
+
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].kind, Kind::notJoined);
+  EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"first"});
+  EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"note"});
+  EXPECT_EQ(problemsIn(mine), std::vector<std::string>());
+  EXPECT_EQ(problemsIn(theirs), std::vector<std::string>());
+}
+
+// Only one side has it
+
+TEST_F(QNStoreMerge, NewItemsGoBothWays) {
+  copyFile();
+  merged();
+  clock.setSeconds(1'700'000'100);
+  const std::string own = *savedLogin(mine, "mine", "https://mine.example", "pass m")->uuid();
+  const std::string other = *savedLogin(theirs, "theirs")->uuid();
+
+  const QNMergeReport report = merged();
+
+  std::map<std::string, Kind> kinds;
+  for (const auto& item : report.items) kinds.emplace(item.uuid, item.kind);
+  EXPECT_EQ(kinds, (std::map<std::string, Kind>{{own, Kind::copiedToTheirs},
+                                                {other, Kind::copiedToMine}}));
+  const auto copied = itemIn(theirs, own);
+  EXPECT_EQ(copied->title(), "mine");
+  EXPECT_TRUE(copied->password()->equals("pass m"));
+  EXPECT_EQ(copied->updatedAt(), 1'700'000'100u);
+  EXPECT_EQ(titlesIn(mine).size(), 3u);
+}
+
+TEST_F(QNStoreMerge, GoesOverIntoAVaultOfOtherKeys) {
+  makeAnother();
+  savedLogin(theirs, "theirs");
+  const std::string uuid = uuidOfFirst();
+
+  const QNMergeReport report = merged();
+
+  EXPECT_EQ(report.items.size(), 2u);
+  const auto copied = itemIn(theirs, uuid);
+  EXPECT_EQ(copied->title(), "first");
+  EXPECT_TRUE(copied->password()->equals("pass 1"));
+  const auto set =
+      std::move(theirs.store->itemSetForURL(theirs.vault, "https://first.example")).value();
+  EXPECT_EQ(set->derivedLogins.size(), 1u);
+}
+
+TEST_F(QNStoreMerge, JoinsAndReplacesUnderOtherKeysToo) {
+  makeAnother();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.addURLString("https://mine.example"); });
+  EXPECT_EQ(merged().items.at(0).kind, Kind::replacedTheirs);
+  edit(theirs, uuid, [](QNItem& item) { item.addURLString("https://theirs.example"); });
+  edit(mine, uuid, [](QNItem& item) { item.setPassword("pass 2"); });
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::joined);
+
+  EXPECT_EQ(itemIn(mine, uuid)->numberOfURLs(), 3u);
+  EXPECT_TRUE(itemIn(theirs, uuid)->password()->equals("pass 2"));
+}
+
+// Deletions
+
+TEST_F(QNStoreMerge, ADeletionGoesOver) {
+  copyFile();
+  merged();
+  remove(mine, uuidOfFirst());
+
+  const QNMergeReport report = merged();
+
+  EXPECT_EQ(report.items.at(0).kind, Kind::deletedTheirs);
+  EXPECT_TRUE(titlesIn(theirs, QNStore::Which::all).empty());
+  EXPECT_EQ(report.opened, 0u);
+}
+
+TEST_F(QNStoreMerge, ADeletionComesOver) {
+  copyFile();
+  merged();
+  remove(theirs, uuidOfFirst());
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::deletedMine);
+
+  EXPECT_TRUE(titlesIn(mine, QNStore::Which::all).empty());
+}
+
+TEST_F(QNStoreMerge, ADeletionOfWhatWasChangedLaterIsRefusedAndUndone) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  remove(mine, uuid);
+  edit(theirs, uuid, [](QNItem& item) { item.setTitle("needed"); });
+
+  const QNMergeReport report = merged();
+
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].kind, Kind::deletionRefused);
+  EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"needed"});
+}
+
+TEST_F(QNStoreMerge, ADeletionOfWhatTheOtherHadChangedUnseenIsRefused) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(theirs, uuid, [](QNItem& item) { item.setTitle("needed"); });
+  remove(mine, uuid);
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::deletionRefused);
+
+  EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"needed"});
+}
+
+TEST_F(QNStoreMerge, WithoutAMemoryALaterDeletionRemovesAnItem) {
+  copyFile();
+  remove(mine, uuidOfFirst());
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::deletedTheirs);
+}
+
+TEST_F(QNStoreMerge, WithoutAMemoryAnEarlierDeletionRemovesNothing) {
+  copyFile();
+  const std::string uuid = uuidOfFirst();
+  remove(mine, uuid);
+  edit(theirs, uuid, [](QNItem& item) { item.setTitle("later"); });
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::deletionRefused);
+
+  EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"later"});
+}
+
+TEST_F(QNStoreMerge, ADeletionThatTheOtherNeverHadIsTold) {
+  makeAnother();
+  remove(mine, uuidOfFirst());
+  const std::string uuid = uuidOfFirst();
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::deletedTheirs);
+
+  const auto feed = std::move(theirs.store->changesSince(theirs.vault, 0)).value();
+  ASSERT_EQ(feed.changes.size(), 1u);
+  EXPECT_EQ(feed.changes[0].uuid, uuid);
+  EXPECT_EQ(feed.changes[0].kind, QNStoredChange::Kind::deleted);
+}
+
+TEST_F(QNStoreMerge, WhatBothDeletedIsInStep) {
+  copyFile();
+  const std::string uuid = uuidOfFirst();
+  remove(mine, uuid);
+  remove(theirs, uuid);
+
+  EXPECT_THAT(merged().items, IsEmpty());
+}
+
+// Dry runs and failures
+
+TEST_F(QNStoreMerge, ADryRunTellsTheSameAndChangesNothing) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setNotesPlain("mine"); });
+  edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("theirs"); });
+  savedLogin(mine, "new");
+  const auto own = itemsOf(mine);
+  const auto other = itemsOf(theirs);
+
+  const auto dry = std::move(tryMerge(QNStore::MergeMode::dryRun)).value();
+
+  EXPECT_EQ(itemsOf(mine).size(), own.size());
+  EXPECT_EQ(itemsOf(theirs).size(), other.size());
+  EXPECT_EQ(itemIn(mine, uuid)->notesPlain(), "mine");
+  EXPECT_EQ(itemIn(theirs, uuid)->notesPlain(), "theirs");
+  EXPECT_EQ(problemsIn(mine), std::vector<std::string>());
+  EXPECT_EQ(problemsIn(theirs), std::vector<std::string>());
+  const QNMergeReport real = merged();
+  ASSERT_EQ(dry.items.size(), real.items.size());
+  for (std::size_t i = 0; i < real.items.size(); ++i) {
+    EXPECT_EQ(dry.items[i].uuid, real.items[i].uuid);
+    EXPECT_EQ(dry.items[i].kind, real.items[i].kind);
+    EXPECT_EQ(fieldsOf(dry.items[i]), fieldsOf(real.items[i]));
+  }
+}
+
+TEST_F(QNStoreMerge, ChangesNeitherSideIfOneIsDamaged) {
+  const MRCapturingSink silence;
+  copyFile();
+  savedLogin(mine, "new");
+  theirs = Session();
+  auto database = std::move(QNDatabase::open(theirFile, QNDatabase::Mode::readWrite)).value();
+  database->run("UPDATE items SET fave_index = 9");
+  database.reset();
+  theirs = openSession(theirFile);
+
+  EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::damaged));
+
+  EXPECT_EQ(titlesIn(mine), (std::vector<std::string>{"first", "new"}));
+  EXPECT_TRUE(mine.store->syncSources(mine.vault).value().empty());
+}
+
+TEST_F(QNStoreMerge, ChangesNeitherSideIfARowIsMissing) {
+  copyFile();
+  auto database = std::move(QNDatabase::open(theirFile, QNDatabase::Mode::readWrite)).value();
+  database->run("DELETE FROM items");
+  database.reset();
+
+  EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::damaged));
+}
+
+TEST_F(QNStoreMerge, MergesNoLockedVault) {
+  copyFile();
+  theirs.vault->lock();
+
+  EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::locked));
+}
+
+TEST_F(QNStoreMerge, TakesEverythingBackIfOneItemDoesNotOpen) {
+  const MRCapturingSink silence;
+  copyFile();
+  merged();
+  savedLogin(mine, "new 1");
+  const std::string broken = *savedLogin(mine, "new 2")->uuid();
+  auto database = std::move(QNDatabase::open(myFile, QNDatabase::Mode::readWrite)).value();
+  database->run(
+      "UPDATE details SET details = x'00' WHERE item_id = (SELECT oid FROM items WHERE uuid = '" +
+      broken + "')");
+  database.reset();
+
+  EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::damaged));
+
+  EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"first"});
+  EXPECT_EQ(problemsIn(theirs), std::vector<std::string>());
+}
+
+}  // namespace
+}  // namespace quillon
