@@ -34,6 +34,9 @@ void use(const void* result);
 /// A login as an import of a browser's export makes it: an overview of about 150 bytes of JSON.
 std::shared_ptr<QNItem> makeLogin(const std::shared_ptr<QNProfile>& vault, std::size_t number);
 
+/// Details with 40 fields of the usual kinds in five sections.
+std::string detailsOfManyFields();
+
 /// A store in a folder of its own, removed at the end. Demonstration password, so that the key
 /// derivation doesn't hide what is measured.
 class BenchStore {
@@ -69,6 +72,7 @@ void benchList(std::size_t count);
 void benchSave(std::size_t count);
 void benchImport(std::size_t count);
 void benchMemory(std::size_t count);
+void benchRows();
 void benchSections();
 void benchTemplates();
 void benchUnlock();

@@ -1,4 +1,4 @@
-// quillon_bench [list|save|import|memory|otp|sections|templates|unlock|all] [ITEMS...]
+// quillon_bench [list|save|import|memory|otp|rows|sections|templates|unlock|all] [ITEMS...]
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -27,6 +27,7 @@ bool runNamed(std::string_view name, std::size_t count) {
     bench();
   };
   runOnce("otp", benchOTP);
+  runOnce("rows", benchRows);
   runOnce("sections", benchSections);
   runOnce("templates", benchTemplates);
   runOnce("unlock", benchUnlock);
@@ -44,7 +45,8 @@ int main(int argc, char** argv) {
     if (count == 0 || !runNamed(name, count)) {
       std::fprintf(stderr,
                    "usage: quillon_bench "
-                   "[list|save|import|memory|otp|sections|templates|unlock|all] [ITEMS...]\n");
+                   "[list|save|import|memory|otp|rows|sections|templates|unlock|all] "
+                   "[ITEMS...]\n");
       return 2;
     }
   }

@@ -12,7 +12,25 @@ constexpr std::size_t kSections = 5;
 constexpr std::size_t kFieldsPerSection = 8;
 constexpr int kRounds = 2000;
 
-// 40 fields of the usual kinds, with the titles and identifiers that an imported item has.
+// What opening an item, changing one field and saving it does to its details, but for the cipher.
+void readChangeAndWrite(ByteView text, std::size_t round) {
+  auto details = mr_objectFromJSONDataWithError(text);
+  Json& stored = details->at(kDetailsSections);
+  const auto sections = QNItem::fieldSectionsFromJSON(&stored);
+  const std::string value = fmt::format("new value {}", round);
+  sections[2]->fieldAtIndex(3)->setRawValue(std::string_view(value));
+  std::size_t changed = 0;
+  for (std::size_t i = 0; i < sections.size(); ++i) {
+    changed += sections[i]->storeInto(stored.get_array()[i]) ? 1 : 0;
+  }
+  const auto written = mr_JSONDataWithError(*details);
+  if (changed != 1 || !written) std::abort();
+  use(written->data());
+}
+
+}  // namespace
+
+// With the titles and identifiers that an imported item has.
 std::string detailsOfManyFields() {
   std::string text = R"({"notesPlain":"","sections":[)";
   for (std::size_t s = 0; s < kSections; ++s) {
@@ -34,24 +52,6 @@ std::string detailsOfManyFields() {
   }
   return text + "]}";
 }
-
-// What opening an item, changing one field and saving it does to its details, but for the cipher.
-void readChangeAndWrite(ByteView text, std::size_t round) {
-  auto details = mr_objectFromJSONDataWithError(text);
-  Json& stored = details->at(kDetailsSections);
-  const auto sections = QNItem::fieldSectionsFromJSON(&stored);
-  const std::string value = fmt::format("new value {}", round);
-  sections[2]->fieldAtIndex(3)->setRawValue(std::string_view(value));
-  std::size_t changed = 0;
-  for (std::size_t i = 0; i < sections.size(); ++i) {
-    changed += sections[i]->storeInto(stored.get_array()[i]) ? 1 : 0;
-  }
-  const auto written = mr_JSONDataWithError(*details);
-  if (changed != 1 || !written) std::abort();
-  use(written->data());
-}
-
-}  // namespace
 
 void benchSections() {
   const std::string text = detailsOfManyFields();

@@ -63,8 +63,7 @@ ItemURLs decodedURLs(QNDecoder& coder, std::string_view key) {
   return urls;
 }
 
-// Compared as signed, as whoever wrote the first archives did: what is beyond is no favourite's
-// place, and stays.
+// Compared as a signed number: one of 2^63 or more stays as it is.
 std::uint64_t decodedFaveIndex(QNDecoder& coder) {
   const std::uint64_t index = coder.decodeInt64("faveIndex").value_or(0);
   const bool isBeyond =

@@ -214,6 +214,18 @@ TEST(QNItemArchive, OfAnAccountItemOpensInItsVault) {
   EXPECT_EQ(read->h9ItemProperties()->changerUUID(), "USER");
 }
 
+TEST(QNItemArchive, GivesNoUuidToAVaultOfAnotherType) {
+  const auto item = newLogin(localVault());
+  save(*item);
+  const auto read = itemIn(archiveOf(*item));
+  ASSERT_NE(read, nullptr);
+
+  read->setProfile(accountVault());
+
+  EXPECT_NE(*read->uuid(), *item->uuid());
+  EXPECT_EQ(read->uuid()->size(), 22u);
+}
+
 TEST(QNItemArchive, GivesTheAddressesTheirItem) {
   const auto vault = localVault();
   const auto read = itemIn(archiveOf(*filledLogin(vault)));

@@ -136,11 +136,11 @@ std::optional<JsonObject> QNItem::fingerprintDetails() {
 
 // In bytes that wipe themselves: the text is the item in clear.
 std::optional<Bytes> QNItem::fingerprintText(bool ignoringDocumentFingerprint) {
-  const auto document =
+  auto document =
       fingerprint_jsonDictionaryIgnoringDocumentFingerprint(ignoringDocumentFingerprint);
-  auto text = document
-                  ? mr_JSONDataWithError(mr_arrayByDeepSortingDictionariesInJSONObject(*document))
-                  : std::nullopt;
+  auto text = document ? mr_JSONDataWithError(
+                             mr_arrayByDeepSortingDictionariesInJSONObject(std::move(*document)))
+                       : std::nullopt;
   if (!text) {
     MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(),
                                    "Failed to obtain JSON from item: {}", description());

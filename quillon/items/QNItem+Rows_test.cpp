@@ -100,6 +100,21 @@ TEST(QNItemRows, OfDetailsThatArentLoadedSaySoAndGoOn) {
   EXPECT_EQ(attributes.at("overview").at("title"), Json("Träger"));
 }
 
+TEST(QNItemRows, LeaveOutWhatDoesNotOpen) {
+  const auto vault = localVault();
+  const auto row = filledItem(vault);
+  save(*row);
+  const auto item = opened(*row, vault);
+  vault->lock();
+  const MRCapturingSink sink;
+
+  const JsonObject attributes = item->allAttributes();
+
+  EXPECT_THAT(keysOf(attributes), Not(Contains("overview")));
+  EXPECT_THAT(keysOf(attributes), Not(Contains("details")));
+  EXPECT_EQ(attributes.at("uuid"), Json(*row->uuid()));
+}
+
 TEST(QNItemRows, NeverShowAnIconThatWaitsForItsUpload) {
   const auto vault = accountVault();
   const auto item = newItem(vault);

@@ -15,38 +15,48 @@ Json plainNumber(double number) {
   return static_cast<std::uint64_t>(number);
 }
 
-JsonArray sortedElements(const JsonArray& array) {
-  JsonArray sorted(jsonStorage());
-  sorted.reserve(array.size());
-  for (const Json& element : array) {
-    sorted.push_back(mr_arrayByDeepSortingDictionariesInJSONObject(element));
+bool precedes(const boost::json::key_value_pair* a, const boost::json::key_value_pair* b) {
+  return a->key() < b->key();
+}
+
+void sortMembers(JsonObject& object);
+
+void sort(Json& value) {
+  if (JsonObject* const object = value.if_object()) return sortMembers(*object);
+  if (const double* const number = value.if_double()) {
+    value = plainNumber(*number);
+    return;
   }
-  return sorted;
+  if (!value.is_array()) return;
+  for (Json& element : value.get_array()) sort(element);
+}
+
+void sortMembers(JsonObject& object) {
+  std::vector<boost::json::key_value_pair*> members;
+  members.reserve(object.size());
+  for (auto& member : object) {
+    sort(member.value());
+    members.push_back(&member);
+  }
+  if (std::is_sorted(members.begin(), members.end(), precedes)) return;
+  std::sort(members.begin(), members.end(), precedes);
+  JsonObject sorted(object.storage());
+  sorted.reserve(object.size());
+  for (auto* const member : members) sorted.emplace(member->key(), std::move(member->value()));
+  object = std::move(sorted);
 }
 
 }  // namespace
 
 Json mr_arrayByDeepSortingDictionariesInJSONObject(const Json& value) {
-  if (const JsonObject* const object = value.if_object()) {
-    return mr_arrayByDeepSortingDictionariesInJSONObject(*object);
-  }
-  if (const JsonArray* const array = value.if_array()) return sortedElements(*array);
-  if (const double* const number = value.if_double()) return plainNumber(*number);
-  return mr_deepMutableCopy(value);
+  Json sorted = mr_deepMutableCopy(value);
+  sort(sorted);
+  return sorted;
 }
 
-JsonObject mr_arrayByDeepSortingDictionariesInJSONObject(const JsonObject& object) {
-  std::vector<const boost::json::key_value_pair*> members;
-  members.reserve(object.size());
-  for (const auto& member : object) members.push_back(&member);
-  std::sort(members.begin(), members.end(),
-            [](const auto* a, const auto* b) { return a->key() < b->key(); });
-  JsonObject sorted(jsonStorage());
-  sorted.reserve(object.size());
-  for (const auto* const member : members) {
-    sorted.emplace(member->key(), mr_arrayByDeepSortingDictionariesInJSONObject(member->value()));
-  }
-  return sorted;
+JsonObject mr_arrayByDeepSortingDictionariesInJSONObject(JsonObject&& object) {
+  sortMembers(object);
+  return std::move(object);
 }
 
 }  // namespace quillon

@@ -53,5 +53,14 @@ TEST(QNJsonSorting, SharesNothingWithItsSource) {
   EXPECT_EQ(sorted.storage(), jsonStorage());
 }
 
+TEST(QNJsonSorting, SortsAnObjectThatIsGivenAwayInItsPlace) {
+  JsonObject object = *mr_objectFromJSONStringWithError(R"({"b":[{"d":1,"c":2.0}],"a":"text"})");
+
+  const JsonObject sorted = mr_arrayByDeepSortingDictionariesInJSONObject(std::move(object));
+
+  EXPECT_EQ(mr_JSONStringWithError(sorted), R"({"a":"text","b":[{"c":2,"d":1}]})");
+  EXPECT_EQ(sorted.storage(), jsonStorage());
+}
+
 }  // namespace
 }  // namespace quillon
