@@ -159,7 +159,7 @@ TEST_F(QNPasswordToLogin, LeavesAttachmentsOfARowInSilence) {
   item->_setOid(4);
   const MRCapturingSink sink;
 
-  item->convertToLogin();
+  EXPECT_NE(item->convertToLogin(), nullptr);
 
   EXPECT_THAT(sink.records(), IsEmpty());
 }
@@ -344,7 +344,7 @@ TEST_F(QNPasswordToLogin, LeavesTheLoginItsOwnEntries) {
   theirs->setUsername("ann");
   theirs->setPassword("former");
 
-  passwordOf("pw")->convertToLoginBasedOnLogin(theirs);
+  EXPECT_NE(passwordOf("pw")->convertToLoginBasedOnLogin(theirs), nullptr);
 
   EXPECT_EQ(theirs->username(), "ann");
   EXPECT_TRUE(theirs->password()->equals("former"));
