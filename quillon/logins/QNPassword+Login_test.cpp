@@ -119,6 +119,19 @@ TEST_F(QNPasswordToLogin, KeepsTheKeysThatAttachmentsMayBeSealedUnder) {
   EXPECT_EQ(made->backupKeysBase64Encoded().count(QNSecret("Zm9ybWVy")), 1u);
 }
 
+TEST_F(QNPasswordToLogin, BringsNoKeyThatSealedNothing) {
+  const auto item = passwordOf("pw");
+  save(*item);
+
+  const auto made = item->convertToLogin();
+  save(*made);
+
+  EXPECT_EQ(made->backupKeysBase64Encoded().size(), 1u);
+  EXPECT_EQ(
+      made->backupKeysBase64Encoded().count(QNSecret(mr_base64encode(item->key()->rawKeyData()))),
+      1u);
+}
+
 TEST_F(QNPasswordToLogin, WorksForOtherItems) {
   const auto item = newItem(_vault);
   item->name = "ann";
