@@ -485,7 +485,7 @@ class History final {
 
   void checkReplaced(const Replica& mineRow, const Replica& theirRow, QNItem& replaced) {
     const auto winner = openedRow(theirRow.row, _vault);
-    winner->removeDuplicateURLs();
+    if (!mineRow.isTombstone) winner->removeDuplicateURLs();  // in place of one it comes as it is
     const Content theirs = contentOf(*winner);
     const Content now = contentOf(replaced);
     ASSERT_EQ(now.title, theirs.title);
