@@ -54,6 +54,7 @@ void QNItem::moveDetailsToLogin(QNLogin& login) {
                        passwordBitsEntropy().value_or(0));
   login.setUsername(username());
   for (auto& entry : previouslyUsedPasswords()) login.addPreviouslyUsedPassword(entry.clone());
+  login.clearBackupKeys();  // the key that it was made with has sealed nothing
   login.addBackupKeysBase64Encoded(backupKeysBase64Encoded());
   const auto& original = openState().originalPassword;
   if (original) login.openState().originalPassword = original->clone();

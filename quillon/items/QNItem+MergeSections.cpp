@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <set>
 
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/items/internal/QNItemState.h"
@@ -99,16 +100,16 @@ std::shared_ptr<QNItemField> QNItem::newConflictFieldBasedOnField(const QNItemFi
 
 std::string QNItem::uniqueFieldIdentifierForConflict(const QNItemField& field,
                                                      const QNFieldSection& inSection) {
-  const std::string whole(field.identifier().value_or(""));
-  const auto isFree = [&inSection](std::string_view identifier) {
-    return inSection.fieldWithIdentifier(identifier) == nullptr;
-  };
-  const bool isCopy = whole.find(kConflictIdentifierSeparator) != std::string::npos;
-  if (isCopy && isFree(whole)) return whole;
+  const std::string_view whole = field.identifier().value_or("");
   const std::string prefix = conflictPrefixOf(field);
+  std::set<std::string_view> taken;
+  for (const auto& copy : inSection.fieldsWithIdentifierPrefix(prefix)) {
+    taken.insert(copy->identifier().value_or(""));
+  }
+  if (whole.starts_with(prefix) && !taken.contains(whole)) return std::string(whole);
   for (int number = 1; number <= kLastNumber; ++number) {
     std::string candidate = prefix + std::to_string(number);
-    if (isFree(candidate)) return candidate;
+    if (!taken.contains(candidate)) return candidate;
   }
   return std::string(whole).append(kConflictIdentifierSeparator).append(kOverflowNumber);
 }

@@ -226,17 +226,19 @@ TEST_F(QNItemMerge, KeepsEachOfItsColumnsAndDirtiesTheRow) {
   }
 }
 
-TEST_F(QNItemMerge, LooksNeitherAtFavouritesNorAtTags) {
+TEST_F(QNItemMerge, LooksNeitherAtFavouritesNorAtTagsNorAtAttachments) {
   const auto theirs = twinOf(*_mine, _vault);
   theirs->setFaveIndex(3);
   theirs->setTags({"t"});
   theirs->setAdditionalInformation("theirs");
+  theirs->setNumberOfAttachments(5);
 
   _mine->mergeWithConflict(theirs);
 
   EXPECT_FALSE(_mine->isFavorite());
   EXPECT_THAT(_mine->tags(), IsEmpty());
   EXPECT_NE(_mine->additionalInformation(), "theirs");
+  EXPECT_EQ(_mine->numberOfAttachments(), 0);
   EXPECT_FALSE(_mine->dirtyRow());
 }
 

@@ -243,6 +243,15 @@ TEST_F(QNItemReplace, RetiresThePasswordThatGivesWay) {
   EXPECT_NE(mine->previouslyUsedPasswordWithValue("mine"), nullptr);
 }
 
+TEST_F(QNItemReplace, LeavesTheCountOfAttachmentsAlone) {
+  _mine->setNumberOfAttachments(2);
+  _theirs->setNumberOfAttachments(5);
+
+  _mine->objectByReplacingWith(_theirs);
+
+  EXPECT_EQ(_mine->numberOfAttachments(), 2);
+}
+
 TEST_F(QNItemReplace, OfAnAccountTakesTheBookkeeping) {
   const auto vault = accountVault();
   const auto mine = versionIn(vault);

@@ -119,6 +119,19 @@ TEST_F(QNPasswordToLogin, KeepsTheKeysThatAttachmentsMayBeSealedUnder) {
   EXPECT_EQ(made->backupKeysBase64Encoded().count(QNSecret("Zm9ybWVy")), 1u);
 }
 
+TEST_F(QNPasswordToLogin, BringsNoKeyThatSealedNothing) {
+  const auto item = passwordOf("pw");
+  save(*item);
+
+  const auto made = item->convertToLogin();
+  save(*made);
+
+  EXPECT_EQ(made->backupKeysBase64Encoded().size(), 1u);
+  EXPECT_EQ(
+      made->backupKeysBase64Encoded().count(QNSecret(mr_base64encode(item->key()->rawKeyData()))),
+      1u);
+}
+
 TEST_F(QNPasswordToLogin, WorksForOtherItems) {
   const auto item = newItem(_vault);
   item->name = "ann";
@@ -159,7 +172,7 @@ TEST_F(QNPasswordToLogin, LeavesAttachmentsOfARowInSilence) {
   item->_setOid(4);
   const MRCapturingSink sink;
 
-  item->convertToLogin();
+  EXPECT_NE(item->convertToLogin(), nullptr);
 
   EXPECT_THAT(sink.records(), IsEmpty());
 }
@@ -344,7 +357,7 @@ TEST_F(QNPasswordToLogin, LeavesTheLoginItsOwnEntries) {
   theirs->setUsername("ann");
   theirs->setPassword("former");
 
-  passwordOf("pw")->convertToLoginBasedOnLogin(theirs);
+  EXPECT_NE(passwordOf("pw")->convertToLoginBasedOnLogin(theirs), nullptr);
 
   EXPECT_EQ(theirs->username(), "ann");
   EXPECT_TRUE(theirs->password()->equals("former"));
