@@ -312,5 +312,58 @@ TEST_F(QNStoreFaults, AnOlderFileIsBroughtForwardWholeOrNotAtAllWhateverCallFail
   }
 }
 
+// Two files can't be committed at once: whatever was written of a merge, the next one finds both
+// sides' changes and ends as if nothing had failed.
+TEST_F(QNStoreFaults, AMergeLosesNothingWhateverCallFails) {
+  const std::filesystem::path theirFile = folder / "theirs.quillon";
+  const auto merge = [](Session& mine, Session& theirs) {
+    return QNStore::merge({mine.store.get(), mine.vault, "mine"},
+                          {theirs.store.get(), theirs.vault, "theirs"});
+  };
+  const auto setNotes = [&](Session& session, std::string_view notes) {
+    const auto item = std::move(session.store->item(session.vault, uuid)).value();
+    item->setNotesPlain(notes);
+    ASSERT_TRUE(session.store->save(item).ok());
+  };
+  const auto notesIn = [&](Session& session) {
+    return std::move(session.store->item(session.vault, uuid)).value()->notesPlain();
+  };
+  {
+    Session mine = openSession(file);
+    ASSERT_TRUE(mine.store->backupTo(theirFile).ok());
+    Session theirs = openSession(theirFile);
+    ASSERT_TRUE(merge(mine, theirs).ok());
+    setNotes(mine, "mine");
+    setNotes(theirs, "theirs");
+  }
+  original = bytesOfFile(file);
+  const std::string theirOriginal = bytesOfFile(theirFile);
+  for (std::uint64_t calls = 0; !HasFailure(); ++calls) {
+    SCOPED_TRACE(calls);
+    restore();
+    for (const char* suffix : {"-wal", "-shm"}) {
+      std::filesystem::remove(theirFile.string() + suffix);
+    }
+    writeFile(theirFile, theirOriginal);
+    bool failed = false;
+    {
+      Session mine = openSession(file), theirs = openSession(theirFile);
+      fileSystem.failAfter(calls, true);
+      static_cast<void>(merge(mine, theirs));
+      failed = fileSystem.stop();
+    }
+
+    Session mine = openSession(file), theirs = openSession(theirFile);
+    EXPECT_EQ(errorOf(merge(mine, theirs)), "");
+    for (Session* session : {&mine, &theirs}) {
+      EXPECT_EQ(notesIn(*session), "mine\n\n===\n\ntheirs");
+      EXPECT_EQ(problemsIn(*session), std::vector<std::string>());
+    }
+    if (failed) continue;
+    EXPECT_GT(calls, 5u);
+    break;
+  }
+}
+
 }  // namespace
 }  // namespace quillon

@@ -256,13 +256,14 @@ TEST_F(QNItemReplace, OfAnAccountTakesTheBookkeeping) {
   const auto vault = accountVault();
   const auto mine = versionIn(vault);
   const auto theirs = versionIn(vault);
-  *theirs->h9ItemProperties() = {4, 2};
+  theirs->h9ItemProperties()->setItemVersion(4);
+  theirs->h9ItemProperties()->setLocalEditCount(2);
   const MRCapturingSink sink;
 
   mine->objectByReplacingWith(theirs);
 
-  EXPECT_EQ(mine->h9ItemProperties()->itemVersion, 4u);
-  EXPECT_EQ(mine->h9ItemProperties()->localEditCount, 2u);
+  EXPECT_EQ(mine->h9ItemProperties()->itemVersion(), 4u);
+  EXPECT_EQ(mine->h9ItemProperties()->localEditCount(), 2u);
   EXPECT_THAT(sink.records(), IsEmpty());
 }
 
