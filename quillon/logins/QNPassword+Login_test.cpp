@@ -146,12 +146,13 @@ TEST_F(QNPasswordToLogin, WorksForOtherItems) {
 TEST_F(QNPasswordToLogin, CopiesTheBookkeepingOfAnAccount) {
   const auto vault = accountVault();
   const auto item = newItem(vault);
-  *item->h9ItemProperties() = {4, 2};
+  item->h9ItemProperties()->setItemVersion(4);
+  item->h9ItemProperties()->setLocalEditCount(2);
 
   const auto made = item->convertToLogin();
 
-  EXPECT_EQ(made->h9ItemProperties()->itemVersion, 4u);
-  EXPECT_EQ(made->h9ItemProperties()->localEditCount, 2u);
+  EXPECT_EQ(made->h9ItemProperties()->itemVersion(), 4u);
+  EXPECT_EQ(made->h9ItemProperties()->localEditCount(), 2u);
   EXPECT_EQ(*made->uuid(), *item->uuid());
 }
 
