@@ -266,13 +266,6 @@ std::vector<std::shared_ptr<QNItemURL>> QNStore::Database::readURLs(std::uint64_
 
 // By website
 
-// The cross join keeps the hash's index in front.
-#define QN_ITEMS_WITH_HASH(COLUMN)                                                    \
-  "SELECT DISTINCT items.oid FROM urls CROSS JOIN items ON items.oid = urls.item_id " \
-  "WHERE substr(urls." COLUMN ", 1, 12) = substr(?1, 1, 12) AND urls." COLUMN         \
-  " = ?1 AND items.vault_id = ?2 AND items.status = 0 AND "                           \
-  "items.category_uuid IN ('001', '800', '005') ORDER BY items.oid"
-
 QNResult<std::unique_ptr<QNItemSetForURL>> QNStore::itemSetForURL(
     const std::shared_ptr<QNProfile>& vault, std::string_view url) {
   return _database->read([&]() -> QNResult<std::unique_ptr<QNItemSetForURL>> {
@@ -280,12 +273,11 @@ QNResult<std::unique_ptr<QNItemSetForURL>> QNStore::itemSetForURL(
     if (!ledger.ok()) return ledger.error();
     const QNURLTools& tools = QNURLTools::shared();
     const std::string& salt = *vault->uuid();
-    const auto derived = _database->itemsWithHash(vault, QN_ITEMS_WITH_HASH("derived_hash"),
+    const auto derived = _database->itemsWithHash(vault, kSelectItemsWithDerivedHash,
                                                   tools.derivedHashWithSalt(salt, url), {});
     if (!derived.ok()) return derived.error();
-    const auto naked =
-        _database->itemsWithHash(vault, QN_ITEMS_WITH_HASH("naked_hash"),
-                                 tools.nakedHashWithSalt(salt, url), derived.value());
+    const auto naked = _database->itemsWithHash(
+        vault, kSelectItemsWithNakedHash, tools.nakedHashWithSalt(salt, url), derived.value());
     if (!naked.ok()) return naked.error();
     auto set = std::make_unique<QNItemSetForURL>(std::string(url));
     set->profile = vault;

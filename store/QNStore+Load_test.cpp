@@ -1,5 +1,6 @@
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/templates/QNCategory.h"
+#include "store/internal/QNStoreState.h"
 #include "store/internal/QNStoreTesting.h"
 
 namespace quillon {
@@ -284,6 +285,23 @@ TEST(QNStoreLoad, FindsAnItemOnceThatHasSeveralAddressesOfASite) {
 
   EXPECT_EQ(set->derivedLogins.size(), 1u);
   EXPECT_TRUE(set->nakedLogins.empty());
+}
+
+TEST(QNStoreLoad, FindsItemsOfAPageThroughTheIndexesOfHashes) {
+  const TemporaryFolder folder;
+  const Session session = makeSession(folder / "a.quillon");
+  const auto database =
+      std::move(QNDatabase::open(folder / "a.quillon", QNDatabase::Mode::readOnly)).value();
+  const auto firstStepOf = [&](std::string_view sql) {
+    const std::string explain = "EXPLAIN QUERY PLAN " + std::string(sql);
+    QNQuery plan = database->query(explain, std::string_view("hash"), std::uint64_t{1});
+    return plan.next() ? std::string(plan.text(3)) : std::string();
+  };
+
+  EXPECT_EQ(firstStepOf(kSelectItemsWithDerivedHash),
+            "SEARCH urls USING INDEX urls_by_derived_hash (<expr>=?)");
+  EXPECT_EQ(firstStepOf(kSelectItemsWithNakedHash),
+            "SEARCH urls USING INDEX urls_by_naked_hash (<expr>=?)");
 }
 
 TEST(QNStoreLoad, FindsNothingForAnAddressWithoutAHost) {

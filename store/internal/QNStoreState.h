@@ -25,6 +25,16 @@ QNItemRow itemRow(const QNQuery& query);
 /// A vault's rows in row order. The plus keeps SQLite from going through the index.
 inline constexpr std::string_view kSelectItemsOfVault =
     "SELECT " QN_ITEM_COLUMNS " FROM items WHERE +vault_id = ?1 ORDER BY oid";
+/// Items of a host, by the start of its hash that the index holds. The cross join keeps that index
+/// in front.
+#define QN_ITEMS_WITH_HASH(COLUMN)                                                    \
+  "SELECT DISTINCT items.oid FROM urls CROSS JOIN items ON items.oid = urls.item_id " \
+  "WHERE substr(urls." COLUMN ", 1, 12) = substr(?1, 1, 12) AND urls." COLUMN         \
+  " = ?1 AND items.vault_id = ?2 AND items.status = 0 AND "                           \
+  "items.category_uuid IN ('001', '800', '005') ORDER BY items.oid"
+inline constexpr std::string_view kSelectItemsWithDerivedHash = QN_ITEMS_WITH_HASH("derived_hash");
+inline constexpr std::string_view kSelectItemsWithNakedHash = QN_ITEMS_WITH_HASH("naked_hash");
+#undef QN_ITEMS_WITH_HASH
 /// In the order of their times, through the index.
 inline constexpr std::string_view kSelectChanges =
     "SELECT " QN_ITEM_COLUMNS
