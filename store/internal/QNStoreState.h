@@ -26,10 +26,10 @@ QNItemRow itemRow(const QNQuery& query);
 inline constexpr std::string_view kSelectItemsOfVault =
     "SELECT " QN_ITEM_COLUMNS " FROM items WHERE +vault_id = ?1 ORDER BY oid";
 /// Items of a host, by the start of its hash that the index holds. The cross join keeps that index
-/// in front.
+/// in front, and the plus keeps SQLite from putting the whole hash into the first comparison.
 #define QN_ITEMS_WITH_HASH(COLUMN)                                                    \
   "SELECT DISTINCT items.oid FROM urls CROSS JOIN items ON items.oid = urls.item_id " \
-  "WHERE substr(urls." COLUMN ", 1, 12) = substr(?1, 1, 12) AND urls." COLUMN         \
+  "WHERE substr(urls." COLUMN ", 1, 12) = substr(?1, 1, 12) AND +urls." COLUMN        \
   " = ?1 AND items.vault_id = ?2 AND items.status = 0 AND "                           \
   "items.category_uuid IN ('001', '800', '005') ORDER BY items.oid"
 inline constexpr std::string_view kSelectItemsWithDerivedHash = QN_ITEMS_WITH_HASH("derived_hash");
