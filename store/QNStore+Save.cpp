@@ -281,23 +281,18 @@ QNResult<QNStore::Database::Before> QNStore::Database::rowBefore(
 }
 
 QNResult<QNDone> QNStore::Database::writeItem(const Prepared& prepared) {
-  const auto& [item, vault, found] = prepared;
-  Before before = found;
+  const auto& [item, vault, before] = prepared;
   const bool isNew = before.vault != vault;
   if (isNew) {
     const auto buried =
         before.vault == nullptr ? QNResult<QNDone>(QNDone{}) : bury(before, secondsNow());
     if (!buried.ok()) return buried.error();
-    const auto tombstone = tombstoneBefore(vault, *item->uuid());
-    if (!tombstone.ok()) return tombstone.error();
-    before = tombstone.value();
   }
   ItemColumns columns(*item);
   QNItemRow& row = columns.row;
-  row.oid = before.seal ? before.oid : freshOid();
   const auto freshHash = item->detailsLoaded() ? std::optional(bodyHashOf(*item)) : std::nullopt;
   row.bodyHash = freshHash ? ByteView(*freshHash) : ByteView(before.bodyHash);
-  const auto written = writeRow(row, vault, before);
+  const auto written = isNew ? writeNewRow(row, vault) : writeRow(row, vault, before);
   if (!written.ok()) return written.error();
   item->_setOid(row.oid);
   if (item->detailsLoaded()) writeBody(*item, isNew);
@@ -316,6 +311,19 @@ std::uint64_t QNStore::Database::freshOid() {
   return ++lastItemOid;
 }
 
+// Looked for only when the row can't be added: an import needn't ask for each item.
+QNResult<QNDone> QNStore::Database::writeNewRow(QNItemRow& row,
+                                                const std::shared_ptr<QNProfile>& vault) {
+  row.oid = freshOid();
+  const auto added = writeRow(row, vault, Before{});
+  if (added.ok() || added.error().code != static_cast<int>(QNStoreErrorCode::exists)) return added;
+  const auto tombstone = tombstoneBefore(vault, row.uuid);
+  if (!tombstone.ok()) return tombstone.error();
+  if (!tombstone.value().seal) return added;
+  row.oid = tombstone.value().oid;
+  return writeRow(row, vault, tombstone.value());
+}
+
 QNResult<QNDone> QNStore::Database::writeRow(QNItemRow& row,
                                              const std::shared_ptr<QNProfile>& vault,
                                              const Before& before) {
@@ -328,12 +336,16 @@ QNResult<QNDone> QNStore::Database::writeRow(QNItemRow& row,
       "?17, ?18) ON CONFLICT (oid) DO UPDATE SET status = ?2, fave_index = ?3, created_at = ?4, "
       "updated_at = ?5, tx_timestamp = ?6, times_used = ?7, last_used = ?8, inbox = ?9, "
       "attachments = ?10, category_uuid = ?11, scope = ?12, folder_uuid = ?13, uuid = ?14, "
-      "body_hash = ?15, seal = ?16, overview = ?17 WHERE vault_id = ?18 AND tx_timestamp = ?19",
+      "body_hash = ?15, seal = ?16, overview = ?17 WHERE vault_id = ?18 AND tx_timestamp = ?19 "
+      "ON CONFLICT (vault_id, uuid) DO NOTHING",
       row.oid, row.status, row.faveIndex, row.createdAt, row.updatedAt, row.txTimestamp,
       row.timesUsed, row.lastUsed, row.inbox, row.attachments, row.categoryUUID, row.scope,
       row.folderUUID, row.uuid, row.bodyHash, row.seal, row.overview, vault->oid(),
       before.txTimestamp);
-  if (changed != 1) return storeError(QNStoreErrorCode::lostRace, "the item's row was changed");
+  if (changed != 1) {
+    return before.seal ? storeError(QNStoreErrorCode::lostRace, "the item's row was changed")
+                       : storeError(QNStoreErrorCode::exists, "an item of this uuid is there");
+  }
   QNLedger& ledger = ledgers.at(vault->oid()).ledger;
   if (before.seal) ledger.remove(*before.seal);
   ledger.add(*seal);

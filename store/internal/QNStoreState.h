@@ -101,6 +101,8 @@ struct QNStore::Database {
   /// ledger. Its oid, body hash and columns are there already.
   QNResult<QNDone> writeRow(QNItemRow& row, const std::shared_ptr<QNProfile>& vault,
                             const Before& before);
+  /// The same for an item without a row: a new one, or that of a deleted item of its uuid.
+  QNResult<QNDone> writeNewRow(QNItemRow& row, const std::shared_ptr<QNProfile>& vault);
   std::uint64_t freshOid();
   void writeDetails(std::uint64_t itemOid, ByteView wrappedKey, ByteView details);
   void writeBody(QNItem& item, bool isNew);
