@@ -48,13 +48,13 @@ QNItemField::QNItemField(const Start& start)
       _kind(start.kind) {
   if (start.stored != nullptr) return;
   _stored.reserve(6);  // every member that a field has
-  if (start.identifier) {
-    storeText(kItemFieldIdentifier, start.identifier);
-  } else {
-    storeText(kItemFieldIdentifier, uniqueFieldIdentifier());
+  // Into an empty object: nothing has to be looked for.
+  setJsonText(_stored, kItemFieldIdentifier,
+              start.identifier ? *start.identifier : std::string_view(uniqueFieldIdentifier()));
+  setJsonText(_stored, kItemFieldTitle, "");
+  if (_kind != QNItemFieldKind::unknown) {
+    setJsonText(_stored, kItemFieldType, fieldClass().typeName);
   }
-  storeText(kItemFieldTitle, "");
-  if (_kind != QNItemFieldKind::unknown) storeText(kItemFieldType, fieldClass().typeName);
 }
 
 std::string_view QNItemField::typeName() {

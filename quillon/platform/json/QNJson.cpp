@@ -1,6 +1,7 @@
 #include "quillon/platform/json/QNJson.h"
 
 #include <cmath>
+#include <functional>
 
 #include "quillon/platform/text/QNText.h"
 
@@ -104,6 +105,17 @@ void removeNulls(Json& value) {
   if (value.is_array()) removeNulls(value.get_array());
 }
 
+// Does a text that may lie in the object outlive the writing of a member? The object moves all
+// members when it grows, and ends the value that it replaces.
+bool textSurvives(const JsonObject& object, const Json* present, std::string_view text) {
+  if (present == nullptr) return object.size() < object.capacity();
+  const auto* const replaced = present->if_string();
+  if (replaced == nullptr) return !present->is_structured();
+  const std::less<> before;
+  return before(text.data() + text.size(), replaced->data()) ||
+         before(replaced->data() + replaced->size(), text.data());
+}
+
 }  // namespace
 
 boost::json::storage_ptr jsonStorage() noexcept {
@@ -197,8 +209,13 @@ std::optional<std::uint64_t> mr_unsignedValueForKey(const JsonObject& object,
 }
 
 void setJsonText(JsonObject& object, std::string_view key, std::string_view text) {
-  // The text may lie within the object, which moves as it grows. A copy in a string of the JSON
-  // kind would stay on the stack if it is short.
+  Json* const present = object.if_contains(key);
+  if (textSurvives(object, present, text)) {
+    Json& value = present == nullptr ? object[key] : *present;
+    value.emplace_string().assign(text);
+    return;
+  }
+  // A copy in a string of the JSON kind would stay on the stack if it is short.
   const Bytes copy = toBytes(bytesOf(text));
   object[key].emplace_string().assign(textOf(copy));
 }
