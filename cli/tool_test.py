@@ -33,9 +33,10 @@ PASSWORD = "try quillon"
 OTHER = "a sentence of mine, with ümläuts"
 UUID = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}$")
 DOTS = "••••••••••"
-COMMANDS = ["init", "import", "list", "find", "show", "add", "edit", "trash", "restore", "delete",
-             "categories", "template", "passwd", "info", "check", "backup", "vault", "otp",
-             "generate", "completion"]
+COMMANDS = ["init", "import", "export", "list", "find", "show", "add", "edit", "trash", "restore",
+            "delete", "history", "duplicate", "copy", "fingerprint", "categories", "template",
+            "passwd", "info", "check", "backup", "merge", "conflicts", "resolve", "vault", "otp",
+            "generate", "completion"]
 NESTED = {"add": [None, "login"], "vault": ["list", "add", "icon", "color"]}
 
 
@@ -256,7 +257,12 @@ class ExitCodes(ToolTest):
         for arguments in ([], ["nonsense"], ["show"], ["add"], ["add", "login"], ["find"],
                           ["edit", "x"], ["list", "--sort", "color"], ["generate", "--length", "2"],
                           ["add", "nonsense", "--title", "T"], ["list", "--lang", "?"],
-                          ["list", "--category", "nonsense"], ["template", "nonsense"]):
+                          ["list", "--category", "nonsense"], ["template", "nonsense"], ["history"],
+                          ["copy", "x"], ["export"], ["merge"], ["resolve", "x"],
+                          ["resolve", "x", "--keep", "both"], ["resolve", "x", "--field", "a=b"],
+                          ["resolve", "x", "--field", "=mine"],
+                          ["resolve", "x", "--keep", "mine", "--field", "a=mine"],
+                          ["copy", "x", "--to", "work", "--to-password-stdin"]):
             result = self.run_raw(*arguments)
             self.assertEqual((result.code, result.out), (2, ""), arguments)
             self.assertNotEqual(result.err, "")
@@ -1597,7 +1603,14 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
 
     def test_bash_completes_what_fits(self):
         self.assertEqual(self.complete("quillon", "tr"), ["trash"])
-        self.assertEqual(self.complete("quillon", "--store", "x", "re"), ["restore"])
+        self.assertEqual(self.complete("quillon", "--store", "x", "res"), ["restore", "resolve"])
+        self.assertEqual(self.complete("quillon", "resolve", "--keep", ""), ["mine", "theirs"])
+        self.assertEqual(self.complete("quillon", "resolve", "--field", ""), [])
+        self.assertEqual(self.complete("quillon", "history", "--re"), ["--reveal"])
+        self.assertEqual(self.complete("quillon", "copy", "--to-s"), ["--to-store"])
+        self.assertEqual(self.complete("quillon", "merge", "--other-v"), ["--other-vault"])
+        self.assertEqual(self.complete("quillon", "export", "--p"),
+                         ["--plaintext", "--password-file", "--password-fd", "--password-stdin"])
         self.assertEqual(self.complete("quillon", "vault", ""), ["list", "add", "icon", "color"])
         self.assertEqual(self.complete("quillon", "vault", "add", "--ow"),
                          ["--own-password", "--own-password-file", "--own-password-fd",
@@ -1616,7 +1629,10 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
         self.assertEqual(self.complete("quillon", "list", "--sort", ""),
                          ["title", "updated", "created"])
         self.write("export.csv", "")
-        self.assertEqual(self.complete("quillon", "import", "exp"), ["export.csv"])
+        for command in ("import", "export", "merge"):
+            self.assertEqual(self.complete("quillon", command, "exp"), ["export.csv"])
+        for option in ("--to-store", "--to-password-file"):
+            self.assertEqual(self.complete("quillon", "copy", option, "exp"), ["export.csv"])
         self.assertEqual(self.complete("quillon", "vault", "icon", "--set", "exp"), ["export.csv"])
         self.assertEqual(self.complete("quillon", "completion", "f"), ["fish"])
 
