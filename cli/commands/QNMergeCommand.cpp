@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <map>
 
@@ -73,6 +74,12 @@ QNMergeSide sideOf(const QNVaultSession& session, const std::filesystem::path& f
   return {&session.store(), session.vault(), failed ? file.string() : place.string()};
 }
 
+QNError reasonFor(const QNError& error) {
+  if (!isStoreError(error, QNStoreErrorCode::busy)) return error;
+  return toolError(QNExit::failed,
+                   "another process writes to one of the two stores; nothing was changed");
+}
+
 std::string titleOf(const Titles& titles, const std::string& uuid) {
   const auto found = titles.find(uuid);
   return found == titles.end() ? "" : found->second;
@@ -113,13 +120,19 @@ void print(QNOutput& out, const QNMergedItem& item, const Titles& titles) {
   }
 }
 
+std::size_t changedIn(const QNMergeReport& report) {
+  return static_cast<std::size_t>(
+      std::count_if(report.items.begin(), report.items.end(),
+                    [](const QNMergedItem& item) { return item.kind != Kind::notJoined; }));
+}
+
 QNCommandResult printReport(Global global, const QNMergeReport& report, const Titles& titles,
                             bool dryRun) {
   if (global.json) return printJson(jsonOf(report, titles, dryRun));
   QNOutput out;
   for (const QNMergedItem& item : report.items) print(out, item, titles);
   out.line(fmt::format("items compared: {}, {}: {}", report.compared,
-                       dryRun ? "would be changed" : "changed", report.items.size()));
+                       dryRun ? "would be changed" : "changed", changedIn(report)));
   return out.finish();
 }
 
@@ -143,7 +156,7 @@ QNCommandResult runCommand(Global global, const QNMergeArguments& arguments) {
   const auto mode = arguments.dryRun ? QNStore::MergeMode::dryRun : QNStore::MergeMode::write;
   const auto report = QNStore::merge(sideOf(mine.value(), global.store),
                                      sideOf(theirs.value(), arguments.other), mode);
-  if (!report) return report.error();
+  if (!report) return reasonFor(report.error());
   return printReport(global, report.value(), titles, arguments.dryRun);
 }
 
