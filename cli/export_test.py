@@ -153,6 +153,22 @@ class ImportOfAnExport(ExportTest):
         self.assertTrue(shown["favorite"])
         self.assertEqual(shown["password"], "pa55-2")
 
+    def test_items_of_every_category_and_of_every_csv_come_back_the_same(self):
+        for category in self.run_tool("categories", "--json").json:
+            if category["available"]:
+                self.run_tool("add", category["uuid"], "--title", category["title"], "--add-field",
+                              "S.Seed:totp=-", "--add-field", "S.Text:concealed=-",
+                              stdin="GEZDGNBVGY3TQOJQ\nsecret\n")
+        for name in ("bitwarden.csv", "chromium.csv", "extra-fields.csv", "control-characters.csv"):
+            self.import_data(name)
+        before = self.export().bytes
+        file = self.write("e.json", before)
+        self.another_store()
+        self.run_tool("import", file)
+        self.assertEqual(self.export().bytes, before)
+        self.assertIn("added: 0", self.run_tool("import", file).out)
+        self.assertTrue(self.run_tool("check", "--json").json["clean"])
+
     def test_what_was_deleted_comes_back_as_it_was(self):
         self.fill()
         before = self.export().bytes

@@ -188,6 +188,18 @@ class Json(ToolTest):
         self.value("trash", uuid)
         self.assertEqual(self.value("delete", uuid), {"uuid": uuid, "deleted": True})
         self.assertEqual(self.value("check"), {"itemsChecked": 2, "clean": True, "problems": []})
+        first = self.titles()[0]
+        self.assertEqual(self.value("history", first), [])
+        self.assertEqual(self.value("conflicts"), [])
+        self.assertEqual(list(self.value("fingerprint", first)), ["uuid", "fingerprint"])
+        self.assertEqual(list(self.value("duplicate", first)), ["uuid"])
+        self.value("vault", "add", "work")
+        self.assertEqual(list(self.value("copy", first, "--to", "work")), ["uuid", "vault"])
+        self.assertEqual(len(self.value("export", "--plaintext")["items"]), 3)
+        self.value("backup", self.path("other.qn"))
+        self.assertEqual(self.value("merge", self.path("other.qn"), "--other-password-stdin",
+                                    stdin=PASSWORD + "\n"),
+                         {"dryRun": False, "compared": 4, "items": []})  # one is deleted
         copy = self.path("copy.qn")
         self.assertEqual(self.value("backup", copy), {"backup": copy})
         made = self.value("generate", "--count", "2")
@@ -271,6 +283,9 @@ class ExitCodes(ToolTest):
         self.run_tool("init", "--hint", "the \x1b[31mbird")
         for arguments in (["list"], ["show", "x"], ["check"], ["passwd", "--new-password-stdin"],
                           ["add", "login", "--title", "T"], ["trash", "x"], ["find", "x"],
+                          ["history", "x"], ["duplicate", "x"], ["fingerprint", "x"],
+                          ["copy", "x", "--to", "y"], ["export", "--plaintext"], ["conflicts"],
+                          ["resolve", "x", "--keep", "mine"],
                           ["import", os.path.join(DATA, "safari.csv")]):
             result = self.run_tool(*arguments, password="wrong", code=3)
             self.assertEqual(result.out, "")
@@ -505,6 +520,10 @@ class Output(ToolTest):
             (["add", "login", "--title", "New", "--password=-"], secrets[1]),
             (["edit", "New", "--set", "password=-"], secrets[0]),
             (["edit", "New", "--generate", "--json"], ""), (["check"], ""), (["info"], ""),
+            (["history", "New"], ""), (["history", "New", "--json"], ""), (["conflicts"], ""),
+            (["duplicate", "New"], ""), (["fingerprint", "New"], ""), (["vault", "add", "x"], ""),
+            (["copy", "New", "--to", "x"], ""), (["export", "--plaintext", csv + ".json"], ""),
+            (["import", csv + ".json"], ""),
             (["trash", "New"], ""), (["restore", "New"], ""),
             (["delete", "New", "--force", "--json"], ""),
             (["passwd", "--new-password-stdin"], secrets[3] + "\n")]

@@ -1,8 +1,11 @@
 #include "cli/import/QNItemRow.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "cli/fields/QNCategoryNames.h"
+#include "quillon/fields/QNItemStringField.h"
 #include "quillon/platform/json/QNJson.h"
 
 // An item of an export:
@@ -18,6 +21,7 @@ namespace quillon {
 namespace {
 
 constexpr std::string_view kRow = "row";
+constexpr std::string_view kDetails = "details";  // of the row
 constexpr std::string_view kTrashed = "trashed";
 constexpr std::string_view kFaveIndex = "faveIndex";
 constexpr std::string_view kLastUsed = "lastUsed";
@@ -53,6 +57,36 @@ QNResult<JsonObject> rowOf(const Json& exported) {
   return attributes;
 }
 
+// The list in that member; null for none.
+JsonArray* listIn(Json* holder, std::string_view key) {
+  JsonObject* const object = holder == nullptr ? nullptr : holder->if_object();
+  Json* const list = object == nullptr ? nullptr : object->if_contains(key);
+  return list == nullptr ? nullptr : list->if_array();
+}
+
+bool isOneTimePassword(const JsonObject& field) {
+  const auto identifier = mr_validStringValueForKey(field, kItemFieldIdentifier);
+  return identifier && identifier->starts_with(QNItemTOTPField::totpIdentifierPrefix());
+}
+
+// The identifier of a one-time password is drawn anew each time that its field is read. Numbered,
+// two exports of one item are equal.
+void numberOneTimePasswords(JsonObject& row) {
+  std::size_t count = 0;
+  const auto number = [&count](Json& field) {
+    JsonObject* const stored = field.if_object();
+    if (stored == nullptr || !isOneTimePassword(*stored)) return;
+    setJsonText(*stored, kItemFieldIdentifier,
+                fmt::format("{}{}", QNItemTOTPField::totpIdentifierPrefix(), ++count));
+  };
+  JsonArray* const sections = listIn(row.if_contains(kDetails), kDetailsSections);
+  if (sections == nullptr) return;
+  for (Json& section : *sections) {
+    JsonArray* const fields = listIn(&section, kFieldSectionFields);
+    if (fields != nullptr) std::for_each(fields->begin(), fields->end(), number);
+  }
+}
+
 // Of a kind that isn't known, a vault takes anything.
 bool isTaken(const QNItem& item) {
   const std::string category = item.categoryUUID().value_or("");
@@ -65,7 +99,9 @@ JsonObject exportedJson(QNItem& item) {
   item.disableBackupKeys();
   item.clearBackupKeys();
   JsonObject object(jsonStorage());
-  object.emplace(kRow, item.allAttributes());
+  JsonObject row = item.allAttributes();
+  numberOneTimePasswords(row);
+  object.emplace(kRow, std::move(row));
   object[kTrashed] = item.trashed();
   object[kFaveIndex] = item.faveIndex();
   object[kLastUsed] = item.lastUsedTimestamp();
