@@ -156,8 +156,8 @@ class Merge(MergeTest):
             self.assertNotIn("pa55", result.out + result.err)
         lines = result.out.splitlines()
         self.assertEqual(lines[0], "joined            Bank")
-        self.assertIn("  notesPlain                      joined", lines)
-        self.assertIn("  password                        kept, and the other one beside it", lines)
+        self.assertIn("  notesPlain                          joined", lines)
+        self.assertIn("  password                            kept, and the other one beside it", lines)
         self.assertEqual(lines[-1], "items compared: 1, changed: 1")
 
     def test_names_of_fields_are_escaped(self):

@@ -48,7 +48,7 @@ constexpr std::array<OutcomeText, 4> kOutcomes = {{
 }};
 
 constexpr std::size_t kTextWidth = 16;
-constexpr std::size_t kFieldWidth = 30;
+constexpr std::size_t kFieldWidth = 34;
 
 const KindText& textOf(Kind kind) {
   return kKinds.at(static_cast<std::size_t>(kind));
