@@ -97,6 +97,13 @@ class Duplicate(CopyTest):
         self.assertEqual(self.run_tool("history", made, "--json").json, [])
         self.assertEqual(len(self.run_tool("history", uuid, "--json").json), 1)
 
+    def test_the_duplicate_of_a_trashed_item_is_in_the_trash(self):
+        self.bank()
+        self.run_tool("trash", "Bank")
+        self.run_tool("duplicate", "Bank")
+        self.assertEqual(self.titles(), [])
+        self.assertEqual(self.titles("--trashed"), ["Bank", "Bank - Copy"])
+
     def test_a_duplicate_is_changed_without_the_other(self):
         uuid = self.bank()
         made = self.run_tool("duplicate", uuid).out.strip()

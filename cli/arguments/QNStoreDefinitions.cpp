@@ -34,8 +34,7 @@ void defineInit(CLI::App& app, QNArguments& out) {
 }
 
 void defineImport(CLI::App& app, QNArguments& out) {
-  auto [command, given] =
-      define<QNImportArguments>(app, out, "import", "Add the items of a file");
+  auto [command, given] = define<QNImportArguments>(app, out, "import", "Add the items of a file");
   command
       ->add_option("FILE", given->file,
                    "CSV of a browser or password manager, or what quillon export made")
