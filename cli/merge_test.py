@@ -450,6 +450,8 @@ class Resolve(MergeTest):
         self.assertIn(f"  pin\n    mine:    {DOTS}\n    theirs:  {DOTS}\n", told.out)
         self.assertIn("mine:    2222\n    theirs:  1111",
                       self.run_tool("conflicts", "--reveal").out)
+        # The keys of both sides are with the item now, but not with an export of it.
+        self.assertNotIn("backupKeys", self.run_tool("export", "--plaintext").out)
         self.run_tool("resolve", uuid, "--field", "pin=theirs")
         self.assertEqual([field["value"] for field in self.show(uuid)["formFields"]], ["1111"])
         self.assertEqual(self.run_tool("conflicts").out, "")

@@ -156,7 +156,6 @@ std::vector<QNConflict> conflictsNamed(const std::vector<QNConflict>& conflicts,
 }
 
 QNResult<QNDone> settle(QNItem& item, const QNConflict& conflict, QNConflictSide side) {
-  item.markRowDirty();  // notes the password before it changes
   if (side == QNConflictSide::mine) {
     keepInHistory(item, conflict);
   } else if (const auto taken = takeTheirs(item, conflict); !taken) {

@@ -96,7 +96,6 @@ bool isTaken(const QNItem& item) {
 }  // namespace
 
 JsonObject exportedJson(QNItem& item) {
-  item.disableBackupKeys();
   item.clearBackupKeys();
   JsonObject object(jsonStorage());
   JsonObject row = item.allAttributes();
