@@ -33,9 +33,10 @@ PASSWORD = "try quillon"
 OTHER = "a sentence of mine, with ümläuts"
 UUID = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}$")
 DOTS = "••••••••••"
-COMMANDS = ["init", "import", "list", "find", "show", "add", "edit", "trash", "restore", "delete",
-             "categories", "template", "passwd", "info", "check", "backup", "vault", "otp",
-             "generate", "completion"]
+COMMANDS = ["init", "import", "export", "list", "find", "show", "add", "edit", "trash", "restore",
+            "delete", "history", "duplicate", "copy", "fingerprint", "categories", "template",
+            "passwd", "info", "check", "backup", "merge", "conflicts", "resolve", "vault", "otp",
+            "generate", "completion"]
 NESTED = {"add": [None, "login"], "vault": ["list", "add", "icon", "color"]}
 
 
@@ -187,6 +188,18 @@ class Json(ToolTest):
         self.value("trash", uuid)
         self.assertEqual(self.value("delete", uuid), {"uuid": uuid, "deleted": True})
         self.assertEqual(self.value("check"), {"itemsChecked": 2, "clean": True, "problems": []})
+        first = self.titles()[0]
+        self.assertEqual(self.value("history", first), [])
+        self.assertEqual(self.value("conflicts"), [])
+        self.assertEqual(list(self.value("fingerprint", first)), ["uuid", "fingerprint"])
+        self.assertEqual(list(self.value("duplicate", first)), ["uuid"])
+        self.value("vault", "add", "work")
+        self.assertEqual(list(self.value("copy", first, "--to", "work")), ["uuid", "vault"])
+        self.assertEqual(len(self.value("export", "--plaintext")["items"]), 3)
+        self.value("backup", self.path("other.qn"))
+        self.assertEqual(self.value("merge", self.path("other.qn"), "--other-password-stdin",
+                                    stdin=PASSWORD + "\n"),
+                         {"dryRun": False, "compared": 4, "items": []})  # one is deleted
         copy = self.path("copy.qn")
         self.assertEqual(self.value("backup", copy), {"backup": copy})
         made = self.value("generate", "--count", "2")
@@ -256,7 +269,12 @@ class ExitCodes(ToolTest):
         for arguments in ([], ["nonsense"], ["show"], ["add"], ["add", "login"], ["find"],
                           ["edit", "x"], ["list", "--sort", "color"], ["generate", "--length", "2"],
                           ["add", "nonsense", "--title", "T"], ["list", "--lang", "?"],
-                          ["list", "--category", "nonsense"], ["template", "nonsense"]):
+                          ["list", "--category", "nonsense"], ["template", "nonsense"], ["history"],
+                          ["copy", "x"], ["export"], ["merge"], ["resolve", "x"],
+                          ["resolve", "x", "--keep", "both"], ["resolve", "x", "--field", "a=b"],
+                          ["resolve", "x", "--field", "=mine"],
+                          ["resolve", "x", "--keep", "mine", "--field", "a=mine"],
+                          ["copy", "x", "--to", "work", "--to-password-stdin"]):
             result = self.run_raw(*arguments)
             self.assertEqual((result.code, result.out), (2, ""), arguments)
             self.assertNotEqual(result.err, "")
@@ -265,6 +283,9 @@ class ExitCodes(ToolTest):
         self.run_tool("init", "--hint", "the \x1b[31mbird")
         for arguments in (["list"], ["show", "x"], ["check"], ["passwd", "--new-password-stdin"],
                           ["add", "login", "--title", "T"], ["trash", "x"], ["find", "x"],
+                          ["history", "x"], ["duplicate", "x"], ["fingerprint", "x"],
+                          ["copy", "x", "--to", "y"], ["export", "--plaintext"], ["conflicts"],
+                          ["resolve", "x", "--keep", "mine"],
                           ["import", os.path.join(DATA, "safari.csv")]):
             result = self.run_tool(*arguments, password="wrong", code=3)
             self.assertEqual(result.out, "")
@@ -499,6 +520,10 @@ class Output(ToolTest):
             (["add", "login", "--title", "New", "--password=-"], secrets[1]),
             (["edit", "New", "--set", "password=-"], secrets[0]),
             (["edit", "New", "--generate", "--json"], ""), (["check"], ""), (["info"], ""),
+            (["history", "New"], ""), (["history", "New", "--json"], ""), (["conflicts"], ""),
+            (["duplicate", "New"], ""), (["fingerprint", "New"], ""), (["vault", "add", "x"], ""),
+            (["copy", "New", "--to", "x"], ""), (["export", "--plaintext", csv + ".json"], ""),
+            (["import", csv + ".json"], ""),
             (["trash", "New"], ""), (["restore", "New"], ""),
             (["delete", "New", "--force", "--json"], ""),
             (["passwd", "--new-password-stdin"], secrets[3] + "\n")]
@@ -1597,7 +1622,14 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
 
     def test_bash_completes_what_fits(self):
         self.assertEqual(self.complete("quillon", "tr"), ["trash"])
-        self.assertEqual(self.complete("quillon", "--store", "x", "re"), ["restore"])
+        self.assertEqual(self.complete("quillon", "--store", "x", "res"), ["restore", "resolve"])
+        self.assertEqual(self.complete("quillon", "resolve", "--keep", ""), ["mine", "theirs"])
+        self.assertEqual(self.complete("quillon", "resolve", "--field", ""), [])
+        self.assertEqual(self.complete("quillon", "history", "--re"), ["--reveal"])
+        self.assertEqual(self.complete("quillon", "copy", "--to-s"), ["--to-store"])
+        self.assertEqual(self.complete("quillon", "merge", "--other-v"), ["--other-vault"])
+        self.assertEqual(self.complete("quillon", "export", "--p"),
+                         ["--plaintext", "--password-file", "--password-fd", "--password-stdin"])
         self.assertEqual(self.complete("quillon", "vault", ""), ["list", "add", "icon", "color"])
         self.assertEqual(self.complete("quillon", "vault", "add", "--ow"),
                          ["--own-password", "--own-password-file", "--own-password-fd",
@@ -1616,7 +1648,10 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
         self.assertEqual(self.complete("quillon", "list", "--sort", ""),
                          ["title", "updated", "created"])
         self.write("export.csv", "")
-        self.assertEqual(self.complete("quillon", "import", "exp"), ["export.csv"])
+        for command in ("import", "export", "merge"):
+            self.assertEqual(self.complete("quillon", command, "exp"), ["export.csv"])
+        for option in ("--to-store", "--to-password-file"):
+            self.assertEqual(self.complete("quillon", "copy", option, "exp"), ["export.csv"])
         self.assertEqual(self.complete("quillon", "vault", "icon", "--set", "exp"), ["export.csv"])
         self.assertEqual(self.complete("quillon", "completion", "f"), ["fish"])
 

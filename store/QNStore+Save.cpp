@@ -164,18 +164,25 @@ QNResult<QNDone> QNStore::save(const std::shared_ptr<QNItem>& item) {
 }
 
 QNResult<QNDone> QNStore::saveAll(std::span<const std::shared_ptr<QNItem>> items) {
-  return inTransaction([this, items]() -> QNResult<QNDone> {
-    std::vector<std::shared_ptr<QNItem>> changed;
-    std::copy_if(items.begin(), items.end(), std::back_inserter(changed),
-                 [](const auto& item) { return needsSaving(*item); });
-    for (std::span<const std::shared_ptr<QNItem>> rest = changed; !rest.empty();) {
-      const std::size_t count = std::min(kItemsAtOnce, rest.size());
-      const auto saved = _database->saveItems(rest.first(count), Database::Times::now);
-      if (!saved.ok()) return saved.error();
-      rest = rest.subspan(count);
-    }
-    return QNDone{};
-  });
+  return inTransaction([&] { return _database->saveChanged(items, Database::Times::now); });
+}
+
+QNResult<QNDone> QNStore::saveAllWithTheirTimes(std::span<const std::shared_ptr<QNItem>> items) {
+  return inTransaction([&] { return _database->saveChanged(items, Database::Times::kept); });
+}
+
+QNResult<QNDone> QNStore::Database::saveChanged(std::span<const std::shared_ptr<QNItem>> items,
+                                                Times times) {
+  std::vector<std::shared_ptr<QNItem>> changed;
+  std::copy_if(items.begin(), items.end(), std::back_inserter(changed),
+               [](const auto& item) { return needsSaving(*item); });
+  for (std::span<const std::shared_ptr<QNItem>> rest = changed; !rest.empty();) {
+    const std::size_t count = std::min(kItemsAtOnce, rest.size());
+    const auto saved = saveItems(rest.first(count), times);
+    if (!saved.ok()) return saved.error();
+    rest = rest.subspan(count);
+  }
+  return QNDone{};
 }
 
 QNResult<QNDone> QNStore::Database::saveItems(std::span<const std::shared_ptr<QNItem>> items,

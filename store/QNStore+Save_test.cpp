@@ -55,6 +55,27 @@ TEST(QNStoreSave, GivesBackEverythingOfAnItem) {
   EXPECT_FALSE(read->URLAtIndex(0)->dirtyRow());
 }
 
+TEST(QNStoreSave, WithTheirTimesKeepsThemAndStillCountsAsAChange) {
+  const TemporaryFolder folder;
+  const QNScopedClock clock(1'700'000'000);
+  Session session = makeSession(folder / "a.quillon");
+  const auto item = makeLogin(session.vault, "Bank", "https://bank.example", "s3cret");
+  item->setCreatedAt(1'500'000'000);
+  item->setUpdatedAt(1'600'000'000);
+  const std::shared_ptr<QNItem> items[] = {item};
+  ASSERT_TRUE(session.store->saveAllWithTheirTimes(items).ok());
+
+  const auto read = std::move(session.store->item(session.vault, *item->uuid())).value();
+
+  EXPECT_EQ(read->createdAt(), 1'500'000'000u);
+  EXPECT_EQ(read->updatedAt(), 1'600'000'000u);
+  EXPECT_GE(read->txTimestamp(), 1'700'000'000u);
+  EXPECT_FALSE(item->dirtyRow());
+  read->setTitle("Other");
+  ASSERT_TRUE(session.store->saveAll(std::array{std::shared_ptr<QNItem>(read)}).ok());
+  EXPECT_EQ(read->updatedAt(), 1'700'000'000u);
+}
+
 TEST(QNStoreSave, KeepsNumbersThatFillTheirFields) {
   const TemporaryFolder folder;
   Session session = makeSession(folder / "a.quillon");

@@ -120,6 +120,8 @@ class QNStore final {
   QNResult<QNDone> save(const std::shared_ptr<QNItem>& item);
   /// All of them in one transaction, or none.
   QNResult<QNDone> saveAll(std::span<const std::shared_ptr<QNItem>> items);
+  /// The same, but each keeps the updatedAt that it has: for items that come back out of a file.
+  QNResult<QNDone> saveAllWithTheirTimes(std::span<const std::shared_ptr<QNItem>> items);
   /// Runs several operations as one transaction. An error of `work`, or of any change inside it,
   /// rolls everything back. Until the end, saved items stay dirty.
   QNResult<QNDone> inTransaction(const std::function<QNResult<QNDone>()>& work);

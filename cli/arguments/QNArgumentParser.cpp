@@ -30,9 +30,12 @@ void defineCompletion(CLI::App& app, QNArguments& out) {
 void defineCommands(CLI::App& app, QNArguments& out) {
   defineInit(app, out);
   defineImport(app, out);
+  defineExport(app, out);
   defineItems(app, out);
+  defineCopies(app, out);
   defineTemplates(app, out);
   defineCare(app, out);
+  defineMerge(app, out);
   defineVault(app, out);
   defineOTP(app, out);
   defineGenerate(app, out);

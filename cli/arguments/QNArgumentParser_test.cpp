@@ -464,5 +464,67 @@ TEST(QNArgumentParser, RefusesCommandsForVaultsThatContradictThemselves) {
   refusal({"vault", "color", "#123abc", "--clear"});
 }
 
+TEST(QNArgumentParser, ReadsWhereACopyGoes) {
+  const auto sibling = parsedAs<QNCopyArguments>({"copy", "Bank", "--to", "work"});
+  EXPECT_EQ(sibling.item, "Bank");
+  EXPECT_EQ(sibling.vault, "work");
+  EXPECT_TRUE(sibling.store.empty());
+
+  const auto other = parsedAs<QNCopyArguments>(
+      {"copy", "Bank", "--to", "work", "--to-store", "b.qn", "--to-password-file", "pw"});
+  EXPECT_EQ(other.store, "b.qn");
+  EXPECT_EQ(other.password.kind, QNPasswordSource::Kind::file);
+  EXPECT_EQ(other.password.prefix, "to-password");
+  EXPECT_THAT(refusal({"copy", "Bank", "--to", "work", "--to-password-fd", "3"}),
+              HasSubstr("--to-store"));
+  EXPECT_THAT(refusal({"copy", "Bank"}), HasSubstr("--to"));
+}
+
+TEST(QNArgumentParser, RefusesAnExportThatNobodyConfirmed) {
+  EXPECT_THAT(refusal({"export", "all.json"}), HasSubstr("every password in clear"));
+
+  const auto given = parsedAs<QNExportArguments>({"export", "--plaintext", "--force", "all.json"});
+  EXPECT_EQ(given.file, "all.json");
+  EXPECT_TRUE(given.force);
+  EXPECT_TRUE(parsedAs<QNExportArguments>({"export", "--plaintext"}).file.empty());
+}
+
+TEST(QNArgumentParser, ReadsTheOtherSideOfAMerge) {
+  const auto given = parsedAs<QNMergeArguments>(
+      {"merge", "b.qn", "--other-vault", "work", "--other-password-stdin", "--dry-run"});
+  EXPECT_EQ(given.other, "b.qn");
+  EXPECT_EQ(given.vault, "work");
+  EXPECT_EQ(given.password.kind, QNPasswordSource::Kind::standardInput);
+  EXPECT_EQ(given.password.prefix, "other-password");
+  EXPECT_TRUE(given.dryRun);
+  EXPECT_THAT(refusal({"merge"}), HasSubstr("OTHER"));
+}
+
+TEST(QNArgumentParser, ReadsWhoseValuesSettleConflicts) {
+  EXPECT_EQ(parsedAs<QNResolveArguments>({"resolve", "x", "--keep", "mine"}).keep,
+            QNConflictSide::mine);
+  EXPECT_EQ(parsedAs<QNResolveArguments>({"resolve", "x", "--keep", "theirs"}).keep,
+            QNConflictSide::theirs);
+
+  const auto given =
+      parsedAs<QNResolveArguments>({"resolve", "x", "--field", "a=b=mine", "--field", "c=theirs"});
+  EXPECT_FALSE(given.keep);
+  ASSERT_EQ(given.choices.size(), 2u);
+  EXPECT_EQ(given.choices[0].field, "a=b");
+  EXPECT_EQ(given.choices[0].side, QNConflictSide::mine);
+  EXPECT_EQ(given.choices[1].field, "c");
+  EXPECT_EQ(given.choices[1].side, QNConflictSide::theirs);
+}
+
+TEST(QNArgumentParser, RefusesToSettleConflictsByHalf) {
+  EXPECT_THAT(refusal({"resolve", "x"}), HasSubstr("--keep mine"));
+  EXPECT_THAT(refusal({"resolve", "x", "--keep", "both"}), HasSubstr("--keep"));
+  for (const char* const choice : {"a", "a=", "a=both", "=mine", "mine"}) {
+    EXPECT_THAT(refusal({"resolve", "x", "--field", choice}), HasSubstr("FIELD=mine"));
+  }
+  EXPECT_THAT(refusal({"resolve", "x", "--keep", "mine", "--field", "a=mine"}),
+              HasSubstr("excludes"));
+}
+
 }  // namespace
 }  // namespace quillon

@@ -137,6 +137,48 @@ struct QNDeleteArguments {
   std::string item;
   bool force = false;  // also an item that isn't in the trash
 };
+struct QNHistoryArguments {
+  std::string item;
+  bool reveal = false;
+};
+struct QNDuplicateArguments {
+  std::string item;
+};
+struct QNFingerprintArguments {
+  std::string item;
+};
+struct QNCopyArguments {
+  std::string item;
+  std::string vault;            // where it goes
+  std::filesystem::path store;  // empty for the store that the item is in
+  QNPasswordSource password;    // of that other store
+};
+struct QNExportArguments {
+  std::filesystem::path file;  // empty for standard output
+  bool plaintext = false;      // must be given
+  bool force = false;          // even to a terminal
+};
+struct QNMergeArguments {
+  std::filesystem::path other;
+  std::string vault;          // of the other store; empty for the name of the own one
+  QNPasswordSource password;  // of the other store
+  bool dryRun = false;
+};
+struct QNConflictsArguments {
+  bool reveal = false;
+};
+/// Whose value an item gets: what it has, or what a merge put aside.
+enum class QNConflictSide { mine, theirs };
+struct QNConflictChoice {
+  std::string field;
+  QNConflictSide side = QNConflictSide::mine;
+};
+/// Either one side for all of them, or one for each field that is named.
+struct QNResolveArguments {
+  std::string item;
+  std::optional<QNConflictSide> keep;
+  std::vector<QNConflictChoice> choices;
+};
 struct QNPasswdArguments {
   QNPasswordSource newPassword;
 };
@@ -198,7 +240,9 @@ struct QNArguments {
                QNCategoriesArguments, QNTemplateArguments, QNPasswdArguments, QNInfoArguments,
                QNCheckArguments, QNBackupArguments, QNOTPArguments, QNVaultListArguments,
                QNVaultAddArguments, QNVaultIconArguments, QNVaultColorArguments,
-               QNGenerateArguments, QNCompletionArguments>
+               QNGenerateArguments, QNCompletionArguments, QNHistoryArguments, QNDuplicateArguments,
+               QNFingerprintArguments, QNCopyArguments, QNExportArguments, QNMergeArguments,
+               QNConflictsArguments, QNResolveArguments>
       command;
 };
 

@@ -34,9 +34,10 @@ void defineInit(CLI::App& app, QNArguments& out) {
 }
 
 void defineImport(CLI::App& app, QNArguments& out) {
-  auto [command, given] =
-      define<QNImportArguments>(app, out, "import", "Add the logins of a CSV file");
-  command->add_option("FILE", given->file, "An export of a browser or password manager")
+  auto [command, given] = define<QNImportArguments>(app, out, "import", "Add the items of a file");
+  command
+      ->add_option("FILE", given->file,
+                   "CSV of a browser or password manager, or what quillon export made")
       ->required();
   command->add_flag("--dry-run", given->dryRun, "Tell what would be added, and add nothing");
 }

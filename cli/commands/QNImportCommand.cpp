@@ -2,7 +2,7 @@
 
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNVaultSession.h"
-#include "cli/import/QNCSVImporter.h"
+#include "cli/import/QNRowImporter.h"
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
 #include "cli/terminal/QNInput.h"
@@ -44,6 +44,53 @@ QNResult<QNImportReport> importFile(const QNVaultSession& session,
   return report;
 }
 
+QNCommandResult importCSVFile(Global global, const QNVaultSession& session,
+                              const QNImportArguments& arguments, Bytes content) {
+  const auto report = importFile(session, arguments, std::move(content));
+  if (!report) return report.error();
+  const QNExit exit = warnOfDamage(report.value().vault);
+  if (global.json) return printJson(jsonOf(report.value(), arguments.dryRun), exit);
+  QNOutput out;
+  print(out, report.value(), arguments.dryRun);
+  return out.finish(exit);
+}
+
+JsonObject jsonOf(const QNRowImportReport& report, bool dryRun) {
+  return {{"format", kExportFormat},
+          {"dryRun", dryRun},
+          {"added", report.added},
+          {"alreadyThere", report.alreadyThere},
+          {"differing", report.differing}};
+}
+
+void print(QNOutput& out, const QNRowImportReport& report, bool dryRun) {
+  out.line(fmt::format("{}: {}", dryRun ? "would add" : "added", report.added));
+  if (report.alreadyThere > 0) out.line(fmt::format("already there: {}", report.alreadyThere));
+  if (report.differing > 0) {
+    out.line(fmt::format("there with other content, and left alone: {}", report.differing));
+  }
+}
+
+QNResult<QNRowImportReport> importExport(const QNVaultSession& session,
+                                         const QNImportArguments& arguments, ByteView content) {
+  const auto file = QNExportFile::read(content);
+  if (!file) return file.error();
+  QNProgressBar bar(arguments.dryRun ? "Reading" : "Importing", file.value().items().size());
+  return importRows(session.store(), session.vault(), file.value().items(),
+                    arguments.dryRun ? QNImportMode::onlyTell : QNImportMode::add,
+                    [&bar](std::size_t done) { bar.advanceTo(done); });
+}
+
+QNCommandResult importExportFile(Global global, const QNVaultSession& session,
+                                 const QNImportArguments& arguments, ByteView content) {
+  const auto report = importExport(session, arguments, content);
+  if (!report) return report.error().within(shownText(arguments.file.string()));
+  if (global.json) return printJson(jsonOf(report.value(), arguments.dryRun));
+  QNOutput out;
+  print(out, report.value(), arguments.dryRun);
+  return out.finish();
+}
+
 }  // namespace
 
 QNCommandResult runCommand(Global global, const QNImportArguments& arguments) {
@@ -52,13 +99,9 @@ QNCommandResult runCommand(Global global, const QNImportArguments& arguments) {
   const auto access = arguments.dryRun ? QNStore::Access::readOnly : QNStore::Access::readWrite;
   const auto session = QNVaultSession::open(global, access);
   if (!session) return session.error();
-  const auto report = importFile(session.value(), arguments, std::move(content).value());
-  if (!report) return report.error();
-  const QNExit exit = warnOfDamage(report.value().vault);
-  if (global.json) return printJson(jsonOf(report.value(), arguments.dryRun), exit);
-  QNOutput out;
-  print(out, report.value(), arguments.dryRun);
-  return out.finish(exit);
+  return looksLikeExport(content.value())
+             ? importExportFile(global, session.value(), arguments, content.value())
+             : importCSVFile(global, session.value(), arguments, std::move(content).value());
 }
 
 }  // namespace quillon

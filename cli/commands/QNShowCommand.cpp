@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ctime>
 
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNItemChoice.h"
@@ -13,20 +12,13 @@
 #include "cli/output/QNLabels.h"
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
+#include "cli/output/QNTimeText.h"
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/logins/QNLogin.h"
 #include "quillon/platform/text/QNLocalization.h"
 
 namespace quillon {
 namespace {
-
-std::string timeText(std::uint64_t seconds) {
-  const auto time = static_cast<std::time_t>(seconds);
-  std::tm local{};
-  if (seconds == 0 || localtime_r(&time, &local) == nullptr) return "";
-  char text[64];
-  return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local));
-}
 
 constexpr std::size_t kNameWidth = 12;
 

@@ -77,14 +77,14 @@ QNResult<std::shared_ptr<QNProfile>> lockedVault(QNStore& store, const QNGlobalA
 }
 
 QNResult<QNVaultSession> QNVaultSession::open(const QNGlobalArguments& global,
-                                              QNStore::Access access) {
+                                              QNStore::Access access, std::string_view prompt) {
   auto store = openStore(global, access);
   if (!store) return store.error();
   auto vault = lockedVault(*store.value(), global);
   if (!vault) return vault.error();
   auto primary = vault.value()->isPrimaryProfile() ? vault : lockedPrimary(*store.value());
   if (!primary) return primary.error();
-  const auto password = readPassword(global.password, "Password: ");
+  const auto password = readPassword(global.password, prompt);
   if (!password) return password.error();
   // The key is derived from it, and the vault keeps it sealed while it is open.
   const std::string_view text = password.value().reveal();
@@ -99,6 +99,31 @@ QNResult<QNVaultSession> QNVaultSession::open(const QNGlobalArguments& global,
     return wrongPassword(vault.value()->passwordHint() ? *vault.value() : *primary.value(), text);
   }
   return session;
+}
+
+QNResult<QNDone> requireTwoStores(const QNGlobalArguments& global,
+                                  const std::filesystem::path& other) {
+  std::error_code ignored;  // a file that isn't there is told of when it is opened
+  if (!std::filesystem::equivalent(global.store, other, ignored)) return QNDone{};
+  return toolError(QNExit::wrongUsage,
+                   fmt::format("{}: is the same store", shownText(other.string())));
+}
+
+QNResult<QNVaultSession> QNVaultSession::openBeside(const QNGlobalArguments& global,
+                                                    const std::filesystem::path& file,
+                                                    const std::string& vault,
+                                                    const QNPasswordSource& password) {
+  const auto two = requireTwoStores(global, file);
+  if (!two) return two.error();
+  QNGlobalArguments other = global;
+  other.store = file;
+  other.vault = vault;
+  other.password = password;
+  auto session = open(other, QNStore::Access::readWrite, "Password of the other store: ");
+  if (session) return session;
+  const std::string where = shownText(file.string());
+  const bool isNamed = session.error().message.starts_with(where);
+  return isNamed ? session.error() : session.error().within(where);
 }
 
 QNVaultSession::~QNVaultSession() {

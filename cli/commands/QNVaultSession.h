@@ -12,7 +12,15 @@ class QNVaultSession final {
  public:
   /// Opens the file, asks for the password, and unlocks. Errors: exit code 3 for a wrong password,
   /// 4 for a vault that isn't there, 6 for a damaged store, 7 for a file that isn't there.
-  static QNResult<QNVaultSession> open(const QNGlobalArguments& global, QNStore::Access access);
+  static QNResult<QNVaultSession> open(const QNGlobalArguments& global, QNStore::Access access) {
+    return open(global, access, "Password: ");
+  }
+  /// A vault of another store, to be written too; `global` is of the first one, which is open by
+  /// now. Errors name the file; exit code 2 if it is the same file.
+  static QNResult<QNVaultSession> openBeside(const QNGlobalArguments& global,
+                                             const std::filesystem::path& file,
+                                             const std::string& vault,
+                                             const QNPasswordSource& password);
   ~QNVaultSession();
   QNVaultSession(QNVaultSession&&) noexcept = default;
   QNVaultSession& operator=(QNVaultSession&&) = delete;
@@ -23,6 +31,8 @@ class QNVaultSession final {
   [[nodiscard]] const std::shared_ptr<QNProfile>& primaryVault() const { return _primary; }
 
  private:
+  static QNResult<QNVaultSession> open(const QNGlobalArguments& global, QNStore::Access access,
+                                       std::string_view prompt);
   QNVaultSession(std::unique_ptr<QNStore> store, std::shared_ptr<QNProfile> vault,
                  std::shared_ptr<QNProfile> primary)
       : _store(std::move(store)), _vault(std::move(vault)), _primary(std::move(primary)) {}
@@ -36,6 +46,10 @@ QNResult<std::unique_ptr<QNStore>> openStore(const QNGlobalArguments& global,
                                              QNStore::Access access);
 /// The chosen vault of the store, locked; exit code 4 if there is none of that name.
 QNResult<std::shared_ptr<QNProfile>> lockedVault(QNStore& store, const QNGlobalArguments& global);
+
+/// Exit code 2 if both names are of one file.
+QNResult<QNDone> requireTwoStores(const QNGlobalArguments& global,
+                                  const std::filesystem::path& other);
 
 /// Tells the user of rows that a list left out. `done` if there are none, else `damaged`.
 QNExit warnOfDamage(const QNListReport& report);

@@ -13,6 +13,16 @@ _quillon_options() {
   case $1 in
     init) echo "--hint $_quillon_global" ;;
     import) echo "--dry-run $_quillon_global" ;;
+    export) echo "--plaintext --force $_quillon_global" ;;
+    history | conflicts) echo "--reveal $_quillon_global" ;;
+    copy)
+      echo "--to --to-store --to-password-file --to-password-fd --to-password-stdin $_quillon_global"
+      ;;
+    merge)
+      echo "--dry-run --other-vault --other-password-file --other-password-fd --other-password-stdin \
+$_quillon_global"
+      ;;
+    resolve) echo "--keep --field $_quillon_global" ;;
     list) echo "--trashed --long --category --tag --sort $_quillon_global" ;;
     find) echo "--url --long --category --tag $_quillon_global" ;;
     show) echo "--reveal --field $_quillon_global" ;;
@@ -76,7 +86,8 @@ _quillon() {
   command=$(_quillon_command)
   COMPREPLY=()
   case $before in
-    --store | --password-file | --new-password-file | --own-password-file | --url-file | --save)
+    --store | --password-file | --new-password-file | --own-password-file | --url-file | --save | \
+      --to-store | --to-password-file | --other-password-file)
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return
@@ -92,9 +103,13 @@ _quillon() {
     --category) words="$_quillon_categories $_quillon_others" ;;
     --lang) words='ar de en es fr ja pt' ;;
     --sort) words='title updated created' ;;
-    --field) words='title username password url notes' ;;
+    --keep) words='mine theirs' ;;
+    --field)
+      [[ $command == resolve ]] && return
+      words='title username password url notes'
+      ;;
     --hint | --title | --username | --url | --notes | --length | --count | --vault | --words | \
-      --separator | --pin | --at | *-fd)
+      --separator | --pin | --at | --to | --other-vault | *-fd)
       return
       ;;
     --set-file | --add-field | --unset | --tag | --untag) return ;;
@@ -104,14 +119,15 @@ _quillon() {
         *)
           case $command in
             '')
-              words='init import list find show add edit trash restore delete categories template
-                passwd info check backup vault otp generate completion'
+              words='init import export list find show add edit trash restore delete history duplicate
+                copy fingerprint categories template passwd info check backup merge conflicts resolve
+                vault otp generate completion'
               ;;
             add) words=$_quillon_categories ;;
             vault) words='list add icon color' ;;
             template) words="$_quillon_categories $_quillon_others" ;;
             completion) words='bash zsh fish' ;;
-            import | backup)
+            import | export | backup | merge)
               compopt -o filenames 2>/dev/null
               mapfile -t COMPREPLY < <(compgen -f -- "$current")
               return

@@ -1,6 +1,6 @@
 # Completions of quillon for fish. Titles aren't completed: that would need the password.
 
-set -l commands init import list find show add edit trash restore delete categories template passwd info check backup vault otp generate completion
+set -l commands init import export list find show add edit trash restore delete history duplicate copy fingerprint categories template passwd info check backup merge conflicts resolve vault otp generate completion
 
 set -l categories login secure-note credit-card identity password bank-account database driver-license email membership outdoor-license passport reward-program router server social-security-number software-license
 set -l others document api-credential medical-record ssh-key crypto-wallet
@@ -17,7 +17,8 @@ complete -c quillon -l help -d 'Explain the command'
 
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -l version -d 'Print the version'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a init -d 'Make a new store'
-complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a import -d 'Add the logins of a CSV file'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a import -d 'Add the items of a file'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a export -d 'Write all items as JSON, in clear'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a list -d 'List titles and subtitles'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a find -d 'Find items by title or website'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a show -d 'Show one item'
@@ -26,26 +27,35 @@ complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a edit -d 'C
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a trash -d 'Move one item to the trash'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a restore -d 'Take one item out of the trash'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a delete -d 'Delete one trashed item for good'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a history -d 'Tell the former passwords of one item'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a duplicate -d 'Make a second item of one'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a copy -d 'Copy one item into another vault'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a fingerprint -d 'Tell a number that equal items share'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a categories -d 'List the categories'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a template -d 'Tell the fields of a category'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a passwd -d 'Change the password of the vault'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a info -d 'Tell what the store holds'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a check -d 'Test every row of the store'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a backup -d 'Copy the store'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a merge -d 'Bring the vault and another store into step'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a conflicts -d 'List what merges left to be decided'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a resolve -d 'Settle the conflicts of one item'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a vault -d 'The vaults of the store'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a otp -d 'Print a one-time password'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a generate -d 'Print random passwords'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a completion -d 'Print the completions of a shell'
 
 complete -c quillon -n '__fish_seen_subcommand_from init' -l hint -x -d 'What reminds you of the password'
-complete -c quillon -n '__fish_seen_subcommand_from import backup' -F
-complete -c quillon -n '__fish_seen_subcommand_from import' -l dry-run -d 'Add nothing'
+complete -c quillon -n '__fish_seen_subcommand_from import export backup merge' -F
+complete -c quillon -n '__fish_seen_subcommand_from import merge' -l dry-run -d 'Change nothing'
+complete -c quillon -n '__fish_seen_subcommand_from export' -l plaintext -d 'Yes, in clear'
+complete -c quillon -n '__fish_seen_subcommand_from export' -l force -d 'Even to a terminal'
 complete -c quillon -n '__fish_seen_subcommand_from list' -l trashed -d 'List the trash'
 complete -c quillon -n '__fish_seen_subcommand_from list' -l sort -x -a 'title updated created' -d Order
 complete -c quillon -n '__fish_seen_subcommand_from list find' -l long -d 'Show uuids'
 complete -c quillon -n '__fish_seen_subcommand_from list find' -l category -x -a "$categories $others" -d 'Only of one category'
 complete -c quillon -n '__fish_seen_subcommand_from find add' -l url -x -d Address
-complete -c quillon -n '__fish_seen_subcommand_from show' -l reveal -d 'Show secrets'
+complete -c quillon -n '__fish_seen_subcommand_from show history conflicts' -l reveal -d 'Show secrets'
 complete -c quillon -n '__fish_seen_subcommand_from show' -l field -x -a 'title username password url notes' -d 'Print one field alone'
 complete -c quillon -n "__fish_seen_subcommand_from add; and not __fish_seen_subcommand_from $categories vault" -a "$categories" -d Category
 complete -c quillon -n '__fish_seen_subcommand_from template' -a "$categories $others" -d Category
@@ -63,6 +73,17 @@ complete -c quillon -n '__fish_seen_subcommand_from add edit' -l set-file -x -d 
 complete -c quillon -n '__fish_seen_subcommand_from add edit' -l add-field -x -d 'Make a field'
 complete -c quillon -n '__fish_seen_subcommand_from edit' -l unset -x -d 'Take a field away'
 complete -c quillon -n '__fish_seen_subcommand_from delete' -l force -d 'Even if it is not in the trash'
+complete -c quillon -n '__fish_seen_subcommand_from copy' -l to -x -d 'The vault that gets it'
+complete -c quillon -n '__fish_seen_subcommand_from copy' -l to-store -r -F -d 'The store of that vault'
+complete -c quillon -n '__fish_seen_subcommand_from copy' -l to-password-file -r -F -d 'Read its password from a file'
+complete -c quillon -n '__fish_seen_subcommand_from copy' -l to-password-fd -x -d 'Read its password from a descriptor'
+complete -c quillon -n '__fish_seen_subcommand_from copy' -l to-password-stdin -d 'Read its password from standard input'
+complete -c quillon -n '__fish_seen_subcommand_from merge' -l other-vault -x -d 'The vault of the other store'
+complete -c quillon -n '__fish_seen_subcommand_from merge' -l other-password-file -r -F -d 'Read its password from a file'
+complete -c quillon -n '__fish_seen_subcommand_from merge' -l other-password-fd -x -d 'Read its password from a descriptor'
+complete -c quillon -n '__fish_seen_subcommand_from merge' -l other-password-stdin -d 'Read its password from standard input'
+complete -c quillon -n '__fish_seen_subcommand_from resolve' -l keep -x -a 'mine theirs' -d 'For all of them'
+complete -c quillon -n '__fish_seen_subcommand_from resolve' -l field -x -d 'Settle this one'
 complete -c quillon -n '__fish_seen_subcommand_from passwd' -l new-password-file -r -F -d 'Read the new password from a file'
 complete -c quillon -n '__fish_seen_subcommand_from passwd' -l new-password-fd -x -d 'Read the new password from a descriptor'
 complete -c quillon -n '__fish_seen_subcommand_from passwd' -l new-password-stdin -d 'Read the new password from standard input'

@@ -72,6 +72,8 @@ struct QNStore::Database {
   enum class Times { now, kept };
   /// Saves all, changed or not; one that is there twice once.
   QNResult<QNDone> saveItems(std::span<const std::shared_ptr<QNItem>> items, Times times);
+  /// Saves those that have changed, in groups.
+  QNResult<QNDone> saveChanged(std::span<const std::shared_ptr<QNItem>> items, Times times);
   /// The vault that an item goes to, with its ledger open.
   QNResult<std::shared_ptr<QNProfile>> vaultOf(const QNItem& item);
   /// What is known of the row that a save replaces.

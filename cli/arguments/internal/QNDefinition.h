@@ -62,9 +62,12 @@ CLI::Option* addRepeated(CLI::App& command, const std::string& name, const std::
 // The commands, in the order in which help lists them. `out` lives as long as the application.
 void defineInit(CLI::App& app, QNArguments& out);
 void defineImport(CLI::App& app, QNArguments& out);
+void defineExport(CLI::App& app, QNArguments& out);
 void defineItems(CLI::App& app, QNArguments& out);      // list to delete
+void defineCopies(CLI::App& app, QNArguments& out);     // history to fingerprint
 void defineTemplates(CLI::App& app, QNArguments& out);  // categories, template
 void defineCare(CLI::App& app, QNArguments& out);       // passwd to backup
+void defineMerge(CLI::App& app, QNArguments& out);      // merge, conflicts, resolve
 void defineVault(CLI::App& app, QNArguments& out);
 void defineOTP(CLI::App& app, QNArguments& out);
 void defineGenerate(CLI::App& app, QNArguments& out);

@@ -1,0 +1,94 @@
+#include <fmt/format.h>
+
+#include "cli/commands/QNCommands.h"
+#include "cli/commands/QNVaultSession.h"
+#include "cli/import/QNItemRow.h"
+#include "cli/import/QNRowImporter.h"
+#include "cli/output/QNNewFile.h"
+#include "cli/output/QNOutput.h"
+#include "cli/output/QNShownText.h"
+#include "cli/terminal/QNMessages.h"
+
+namespace quillon {
+namespace {
+
+struct Exported {
+  Bytes content;
+  std::size_t items = 0;
+  QNExit exit = QNExit::done;
+};
+
+void append(Bytes& bytes, std::string_view text) {
+  const ByteView more = bytesOf(text);
+  bytes.insert(bytes.end(), more.begin(), more.end());
+}
+
+// An item a line, so that nothing but one of them is held twice. One that doesn't open is reported
+// and left out, as the list does with its row.
+class Exporting {
+ public:
+  explicit Exporting(QNStore& store) : _store(store) {
+    append(_exported.content, fmt::format("{{\"format\":\"{}\",\"version\":{},\"items\":[",
+                                          kExportFormat, kExportVersion));
+  }
+
+  void add(const std::shared_ptr<QNItem>& item) {
+    const auto text = _store.loadDetails(item) ? mr_JSONDataWithError(exportedJson(*item))
+                                               : std::optional<Bytes>();
+    if (!text) return _unread.push_back(*item->uuid());
+    append(_exported.content, _exported.items++ == 0 ? "\n" : ",\n");
+    append(_exported.content, textOf(*text));
+  }
+
+  Exported finish(QNListReport report) {
+    append(_exported.content, "\n]}\n");
+    report.damaged.insert(report.damaged.end(), _unread.begin(), _unread.end());
+    _exported.exit = warnOfDamage(report);
+    return std::move(_exported);
+  }
+
+ private:
+  QNStore& _store;
+  Exported _exported;
+  std::vector<std::string> _unread;
+};
+
+QNResult<Exported> exportAll(const QNVaultSession& session) {
+  Exporting exporting(session.store());
+  const auto report =
+      session.store().list(session.vault(), QNStore::Which::all,
+                           [&](const std::shared_ptr<QNItem>& item) { exporting.add(item); });
+  if (!report) return report.error();
+  return exporting.finish(report.value());
+}
+
+QNCommandResult writeFile(Global global, const Exported& exported,
+                          const std::filesystem::path& file) {
+  const auto written = writeNewFile(file, exported.content);
+  if (!written) return written.error();
+  if (global.json) {
+    return printJson({{"export", file.string()}, {"items", exported.items}}, exported.exit);
+  }
+  say(fmt::format("items in clear in {}: {}", shownText(file.string()), exported.items));
+  return exported.exit;
+}
+
+}  // namespace
+
+QNCommandResult runCommand(Global global, const QNExportArguments& arguments) {
+  const bool isPrinted = arguments.file.empty();
+  if (isPrinted && QNOutput().isTerminal() && !arguments.force) {
+    return toolError(QNExit::wrongUsage,
+                     "every password would stand on the terminal: name a file, or give --force");
+  }
+  const auto session = QNVaultSession::open(global, QNStore::Access::readOnly);
+  if (!session) return session.error();
+  const auto exported = exportAll(session.value());
+  if (!exported) return exported.error();
+  if (!isPrinted) return writeFile(global, exported.value(), arguments.file);
+  QNOutput out;
+  out.text(textOf(exported.value().content));
+  return out.finish(exported.value().exit);
+}
+
+}  // namespace quillon

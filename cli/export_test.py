@@ -1,0 +1,265 @@
+#!/usr/bin/env python3
+"""Exports in clear and their way back, as the built tool makes them: export_test.py TOOL [TEST...]
+"""
+import json
+import os
+import sqlite3
+import stat
+import sys
+import time
+import unittest
+
+import tool_test
+from tool_test import DATA, OTHER, PASSWORD, Terminal, ToolTest
+
+
+class ExportTest(ToolTest):
+    def setUp(self):
+        super().setUp()
+        self.make_store()
+
+    def fill(self):
+        """Items of several kinds, with all that a row dictionary has and what it lacks."""
+        self.import_data("firefox.csv")  # with times of creation and last use
+        uuid = self.add("Bank \x1b[31m", "--username", "jo", "--url", "https://a.example", "--url",
+                        "https://b.example", "--notes", "first\nsecond", "--tag", "home",
+                        "--favorite", "--password=-", stdin="pa55-1")
+        self.run_tool("edit", uuid, "--set", "password=-", stdin="pa55-2")
+        self.run_tool("add", "credit-card", "--title", "Card", "--set",
+                      "ccnum=4111 1111 1111 1111", "--set", "expiry=2029-07", "--add-field",
+                      "Mine.Day:date=2024-07-05", "--add-field", "Mine.Where:address=", "--set",
+                      "Where.city=Berlin", "--set", "pin=-", stdin="1234")
+        self.run_tool("trash", self.add("Old"))
+
+    def export(self, *options, **others):
+        return self.run_tool("export", "--plaintext", *options, **others)
+
+    def another_store(self):
+        self.environment["QUILLON_STORE"] = self.store = self.path("other.qn")
+        self.make_store()
+
+    def rows(self):
+        """Of each item the text of its line."""
+        lines = self.export().out.splitlines()
+        self.assertEqual(lines[0], '{"format":"quillon","version":1,"items":[')
+        self.assertEqual(lines[-1], "]}")
+        return [line.rstrip(",") for line in lines[1:-1]]
+
+
+class Export(ExportTest):
+    def test_without_the_word_for_it_nothing_is_written_and_the_reason_is_told(self):
+        for options in ([], ["--json"], [self.path("e.json")], ["--force"]):
+            result = self.run_raw("export", *options)
+            self.assertEqual((result.code, result.out), (2, ""))
+            self.assertIn("every password in clear", result.err)
+            self.assertIn("--plaintext", result.err)
+            self.assertIn("quillon backup", result.err)
+        self.assertFalse(os.path.exists(self.path("e.json")))
+
+    def test_all_items_come_with_everything_in_clear(self):
+        self.fill()
+        exported = self.export("--json").json
+        self.assertEqual((exported["format"], exported["version"]), ("quillon", 1))
+        items = {item["row"]["overview"]["title"]: item for item in exported["items"]}
+        self.assertEqual(len(items), 5)
+        bank = items["Bank \x1b[31m"]
+        self.assertEqual(bank["row"]["uuid"], self.show("Bank \x1b[31m")["uuid"])
+        self.assertEqual(bank["row"]["details"]["notesPlain"], "first\nsecond")
+        self.assertEqual([one["value"] for one in bank["row"]["details"]["passwordHistory"]],
+                         ["pa55-1"])
+        self.assertIn("pa55-2", json.dumps(bank["row"]["details"]["fields"]))
+        self.assertEqual(len(bank["row"]["URLs"]), 2)
+        self.assertGreater(bank["faveIndex"], 0)
+        self.assertEqual((bank["trashed"], items["Old"]["trashed"]), (False, True))
+
+    def test_no_key_is_in_it(self):
+        self.fill()
+        self.assertNotIn("backupKeys", self.export().out)
+
+    def test_a_file_is_nobody_elses_and_never_replaces_one(self):
+        self.fill()
+        file = self.path("e.json")
+        os.umask(0)
+        try:
+            result = self.export(file)
+        finally:
+            os.umask(0o022)
+        self.assertEqual(result.out, "")
+        self.assertIn("items in clear in " + file + ": 5", result.err)
+        self.assertEqual(stat.S_IMODE(os.stat(file).st_mode), 0o600)
+        self.assertEqual(self.read("e.json").decode(), self.export().out)
+        letter = self.write("letter.txt", "Dear Sir")
+        self.assertIn("is there already", self.export(letter, code=1).err)
+        self.assertEqual(self.read("letter.txt"), b"Dear Sir")
+        self.export("/proc/none/e.json", code=7)
+
+    def test_json_tells_of_the_file(self):
+        self.fill()
+        file = self.path("e.json")
+        self.assertEqual(self.export(file, "--json").json, {"export": file, "items": 5})
+
+    def test_a_terminal_gets_it_only_by_force(self):
+        self.add("Bank", "--password=-", stdin="pa55-1")
+        password = self.write("pw", PASSWORD)
+        terminal = Terminal(self, "export", "--plaintext", "--password-file", password)
+        self.assertEqual(terminal.end(), 2)
+        self.assertIn(b"--force", terminal.output)
+        self.assertNotIn(b"pa55-1", terminal.output)
+        terminal = Terminal(self, "export", "--plaintext", "--force", "--password-file", password)
+        self.assertEqual(terminal.end(), 0)
+        self.assertIn(b"pa55-1", terminal.output)
+
+    def test_an_empty_vault_gives_an_empty_list(self):
+        self.assertEqual(self.export().json["items"], [])
+
+    def test_a_vault_is_exported_alone(self):
+        self.run_tool("vault", "add", "work")
+        self.add("Wiki", "--vault", "work")
+        self.assertEqual(self.export().json["items"], [])
+        self.assertEqual(len(self.export("--vault", "work").json["items"]), 1)
+
+    def test_a_wrong_password_is_3_and_makes_no_file(self):
+        self.export(self.path("e.json"), password="wrong", code=3)
+        self.assertFalse(os.path.exists(self.path("e.json")))
+
+    def test_damaged_items_are_left_out_and_told(self):
+        self.add("Bank")
+        self.add("Forum")
+        self.add("Wiki")
+        with sqlite3.connect(self.store) as database:
+            database.execute("UPDATE items SET overview = x'00' WHERE oid = 1")
+            database.execute("UPDATE details SET details = x'00' WHERE item_id = 2")
+        database.close()
+        result = self.export(code=6)
+        self.assertIn("damaged items left out: 2", result.err)
+        self.assertEqual([item["row"]["overview"]["title"] for item in result.json["items"]],
+                         ["Wiki"])
+
+
+class ImportOfAnExport(ExportTest):
+    def test_export_wipe_and_import_give_the_same_bytes(self):
+        self.fill()
+        before = self.export().bytes
+        rows = self.rows()
+        file = self.write("e.json", before)
+        time.sleep(1.1)  # what took its time of now would differ
+        self.another_store()
+        self.assertEqual(self.run_tool("import", file).out, "added: 5\n")
+        self.assertEqual(self.rows(), rows)
+        self.assertEqual(self.export().bytes, before)
+        self.assertTrue(self.run_tool("check", "--json").json["clean"])
+        self.assertEqual(self.titles("--trashed"), ["Old"])
+        shown = self.show("Bank \x1b[31m")
+        self.assertTrue(shown["favorite"])
+        self.assertEqual(shown["password"], "pa55-2")
+
+    def test_items_of_every_category_and_of_every_csv_come_back_the_same(self):
+        for category in self.run_tool("categories", "--json").json:
+            if category["available"]:
+                self.run_tool("add", category["uuid"], "--title", category["title"], "--add-field",
+                              "S.Seed:totp=-", "--add-field", "S.Text:concealed=-",
+                              stdin="GEZDGNBVGY3TQOJQ\nsecret\n")
+        for name in ("bitwarden.csv", "chromium.csv", "extra-fields.csv", "control-characters.csv"):
+            self.import_data(name)
+        before = self.export().bytes
+        file = self.write("e.json", before)
+        self.another_store()
+        self.run_tool("import", file)
+        self.assertEqual(self.export().bytes, before)
+        self.assertIn("added: 0", self.run_tool("import", file).out)
+        self.assertTrue(self.run_tool("check", "--json").json["clean"])
+
+    def test_what_was_deleted_comes_back_as_it_was(self):
+        self.fill()
+        before = self.export().bytes
+        file = self.write("e.json", before)
+        for item in self.run_tool("list", "--json").json:
+            self.run_tool("delete", "--force", item["uuid"])
+        self.run_tool("delete", "Old")
+        self.assertEqual(self.export().json["items"], [])
+        self.assertEqual(self.run_tool("import", file).out, "added: 5\n")
+        self.assertEqual(self.export().bytes, before)
+        self.assertTrue(self.run_tool("check", "--json").json["clean"])
+
+    def test_the_same_file_twice_adds_nothing(self):
+        self.fill()
+        file = self.write("e.json", self.export().bytes)
+        self.assertEqual(self.run_tool("import", file, "--json").json,
+                         {"format": "quillon", "dryRun": False, "added": 0, "alreadyThere": 5,
+                          "differing": 0})
+        self.another_store()
+        self.run_tool("import", file)
+        before = self.export().bytes
+        self.assertEqual(self.run_tool("import", file).out, "added: 0\nalready there: 5\n")
+        self.assertEqual(self.export().bytes, before)
+
+    def test_an_item_with_other_content_is_left_alone(self):
+        self.fill()
+        file = self.write("e.json", self.export().bytes)
+        self.run_tool("edit", "Card", "--set", "notes=newer")
+        self.run_tool("restore", "Old")
+        before = self.export().bytes
+        self.assertEqual(self.run_tool("import", file).out,
+                         "added: 0\nalready there: 3\n"
+                         "there with other content, and left alone: 2\n")
+        self.assertEqual(self.export().bytes, before)
+
+    def test_a_dry_run_tells_and_changes_nothing(self):
+        self.fill()
+        file = self.write("e.json", self.export().bytes)
+        self.another_store()
+        self.assertEqual(self.run_tool("import", file, "--dry-run").out, "would add: 5\n")
+        self.assertEqual(self.export().json["items"], [])
+
+    def test_it_goes_into_a_store_of_another_password_and_into_another_vault(self):
+        self.fill()
+        file = self.write("e.json", self.export().bytes)
+        self.run_tool("vault", "add", "work")
+        self.run_tool("import", file, "--vault", "work")
+        self.assertEqual(self.export("--vault", "work").bytes, self.read("e.json"))
+        self.environment["QUILLON_STORE"] = self.path("third.qn")
+        self.make_store(OTHER)
+        self.run_tool("import", file, password=OTHER)
+        self.assertEqual(self.export(password=OTHER).bytes, self.read("e.json"))
+
+    def test_a_file_that_is_wrong_adds_nothing_and_says_why(self):
+        self.fill()
+        good = self.export().json
+        self.another_store()
+        second = json.loads(json.dumps(good))
+        second["items"][1]["row"].pop("uuid")
+        twice = json.loads(json.dumps(good))
+        twice["items"].append(twice["items"][0])
+        foreign = json.loads(json.dumps(good))
+        foreign["items"][2]["row"]["categoryUUID"] = "006"
+        for content, reason in (
+                ("{", "e.json"), ("{}", "isn't what quillon export writes"),
+                ('{"format":"quillon","version":2,"items":[]}', "another version"),
+                ('{"format":"quillon","version":1}', "no list of items"),
+                ('{"format":"quillon","version":1,"items":[7]}', "item 1: it has no row"),
+                (json.dumps(second), "item 2: it has no uuid"),
+                (json.dumps(twice), "item 6: an earlier one has its uuid"),
+                (json.dumps(foreign), "item 3: a local vault takes no item of its category")):
+            result = self.run_tool("import", self.write("e.json", content), code=1)
+            self.assertIn("e.json: ", result.err)
+            self.assertIn(reason, result.err)
+            self.assertEqual(self.export().json["items"], [])
+
+    def test_a_row_id_in_a_file_names_no_row(self):
+        uuid = self.add("Bank")
+        exported = self.export().json
+        exported["items"][0]["row"].update(oid=1, uuid="01234567-89ab-4cde-8f01-23456789abcd")
+        self.run_tool("import", self.write("e.json", json.dumps(exported)))
+        self.assertEqual(self.titles(), ["Bank", "Bank"])
+        self.assertEqual(self.show(uuid)["title"], "Bank")
+        self.assertTrue(self.run_tool("check", "--json").json["clean"])
+
+    def test_csv_is_still_known_by_its_content(self):
+        self.write("odd.json", self.read(os.path.join(DATA, "safari.csv")))
+        self.assertEqual(self.run_tool("import", self.path("odd.json"), "--json").json["format"],
+                         "safari")
+
+
+if __name__ == "__main__":
+    tool_test.TOOL = os.path.abspath(sys.argv.pop(1))
+    unittest.main()
