@@ -137,7 +137,7 @@ TEST_F(QNItemMergeURLs, WithoutATextAreToldApartByTheirLabels) {
   merge();
   merge();
 
-  EXPECT_THAT(addressesOf(*_mine), ElementsAre("(none)", "(none)", "both"));
+  ASSERT_THAT(addressesOf(*_mine), ElementsAre("(none)", "(none)", "both"));
   EXPECT_EQ(_mine->URLAtIndex(1)->label(), "theirs");
   EXPECT_FALSE(_mine->dirtyRow());
 }

@@ -5,6 +5,7 @@
 namespace quillon {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -103,8 +104,8 @@ TEST_F(QNPasswordToLogin, IsNoneOfWhatDoesNotOpen) {
     EXPECT_EQ(item->convertToLoginBasedOnLogin(login()), nullptr);
     EXPECT_EQ(item->URLAtIndex(0)->item(), item);
   }
-  EXPECT_EQ(assertions(sink).front(),
-            "Item " + damaged->description() + " doesn't open and can't be made a login");
+  EXPECT_THAT(assertions(sink), Contains("Item " + damaged->description() +
+                                         " doesn't open and can't be made a login"));
 }
 
 TEST_F(QNPasswordToLogin, WritesNoTitleForNone) {
