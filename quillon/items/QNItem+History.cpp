@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <charconv>
 
 #include "quillon/items/internal/QNItemState.h"
@@ -13,8 +14,11 @@ namespace {
 constexpr std::string_view kTime = "time";
 constexpr std::string_view kValue = "value";
 
-// The number that a text begins with; 0 for none, and for one that is no time.
+// The number that a text begins with, behind blanks and one plus sign; 0 for none, and for one that
+// is no time.
 std::uint64_t secondsFromText(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  if (text.starts_with('+')) text.remove_prefix(1);
   double seconds = 0;
   std::from_chars(text.data(), text.data() + text.size(), seconds);
   constexpr double kTwoTo64 = 18446744073709551616.0;

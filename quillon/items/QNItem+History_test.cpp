@@ -43,19 +43,23 @@ TEST(QNItemHistory, ReadsTheStoredEntriesInOrder) {
 TEST(QNItemHistory, ReadsATimeThatIsAText) {
   const auto item = itemWithHistory(
       R"([{"time":"1500000000","value":"a"},{"time":"1500000000.9","value":"b"},
-          {"time":"12 days","value":"c"}])");
+          {"time":"12 days","value":"c"},{"time":" \t\n13","value":"d"},
+          {"time":"+14","value":"e"},{"time":" +15","value":"f"}])");
 
   EXPECT_THAT(entriesOf(*item),
-              ElementsAre(Pair("a", 1500000000), Pair("b", 1500000000), Pair("c", 12)));
+              ElementsAre(Pair("a", 1500000000), Pair("b", 1500000000), Pair("c", 12),
+                          Pair("d", 13), Pair("e", 14), Pair("f", 15)));
 }
 
 TEST(QNItemHistory, ATimeThatIsNoNumberIsZero) {
   const auto item = itemWithHistory(
       R"([{"time":"never","value":"a"},{"time":null,"value":"b"},{"value":"c"},
-          {"time":-5,"value":"d"},{"time":{},"value":"e"},{"time":"1e40","value":"f"}])");
+          {"time":-5,"value":"d"},{"time":{},"value":"e"},{"time":"1e40","value":"f"},
+          {"time":"++5","value":"g"},{"time":" ","value":"h"},{"time":"","value":"i"}])");
 
-  EXPECT_THAT(entriesOf(*item), ElementsAre(Pair("a", 0), Pair("b", 0), Pair("c", 0), Pair("d", 0),
-                                            Pair("e", 0), Pair("f", 0)));
+  EXPECT_THAT(entriesOf(*item),
+              ElementsAre(Pair("a", 0), Pair("b", 0), Pair("c", 0), Pair("d", 0), Pair("e", 0),
+                          Pair("f", 0), Pair("g", 0), Pair("h", 0), Pair("i", 0)));
 }
 
 TEST(QNItemHistory, AValueThatIsNoTextReadsAsItsText) {

@@ -6,6 +6,12 @@
 namespace quillon {
 
 std::shared_ptr<QNLogin> QNItem::convertToLogin() {
+  if (mutableOverview() == nullptr || details() == nullptr) {
+    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                       "Item {} doesn't open and can't be made a login",
+                                       description());
+    return nullptr;
+  }
   auto login = std::make_shared<QNLogin>(initNew);
   login->copyOidFrom(shared_from_this());
   login->setProfile(profile());
@@ -24,6 +30,9 @@ void QNItem::copyColumnsToLogin(QNLogin& login) const {
   login.setCreatedAt(_createdAt);
   login.setTxTimestamp(_txTimestamp);
   login.setUpdatedAt(_updatedAt);
+  login.setLastUsedTimestamp(_lastUsedTimestamp);
+  login.setNumberOfTimesUsed(_numberOfTimesUsed);
+  if (hasOid()) login.setNumberOfAttachments(_numberOfAttachments);  // they stay with the row
   login.setScope(scope());
   login.setFolderId(_folderId);
   login.setFolderUUID(folderUUID());
@@ -47,6 +56,7 @@ void QNItem::moveDetailsToLogin(QNLogin& login) {
   const auto notes = notesSecret();
   login.setNotesPlain(notes ? std::optional(notes->reveal()) : std::nullopt);
   for (const auto& url : URLs()) login.addURL(url);
+  login.openState().deletedURLs = deletedURLs();
   for (const auto& section : fieldSections()) login.addFieldSection(section);
   const auto secret = password();
   login.updatePassword(secret ? std::optional(secret->reveal()) : std::nullopt,

@@ -4,24 +4,33 @@
 #include "quillon/items/internal/QNItemState.h"
 #include "quillon/logins/QNItemURL.h"
 
-// Addresses are told apart by their text. One whose overview doesn't open has none: it is neither
-// taken over nor removed.
+// Addresses are told apart by their text, those that have a label alone by that. One whose overview
+// doesn't open has neither: it is neither taken over nor removed.
 
 namespace quillon {
 namespace {
 
 using URLs = std::vector<std::shared_ptr<QNItemURL>>;
 
+/// Is the text an address? Otherwise it is a label.
+using Key = std::pair<bool, std::string>;
+
 struct Placed {
   std::shared_ptr<QNItemURL> url;
   std::size_t place = 0;
 };
 
-/// By address; of equal ones the first.
-std::map<std::string, Placed> byAddress(const URLs& urls) {
-  std::map<std::string, Placed> found;
+std::optional<Key> keyOf(QNItemURL& url) {
+  if (auto address = url.URLString()) return Key(true, *std::move(address));
+  if (auto label = url.label()) return Key(false, *std::move(label));
+  return std::nullopt;
+}
+
+/// Of equal ones the first.
+std::map<Key, Placed> byKey(const URLs& urls) {
+  std::map<Key, Placed> found;
   for (std::size_t i = 0; i < urls.size(); ++i) {
-    if (const auto address = urls[i]->URLString()) found.try_emplace(*address, Placed{urls[i], i});
+    if (auto key = keyOf(*urls[i])) found.try_emplace(*std::move(key), Placed{urls[i], i});
   }
   return found;
 }
@@ -38,11 +47,11 @@ std::shared_ptr<QNItemURL> newURLLike(QNItemURL& theirs,
 }  // namespace
 
 void QNItem::mergeURLsWithConflict(const std::vector<std::shared_ptr<QNItemURL>>& theirs) {
-  auto mine = byAddress(URLs());
+  auto mine = byKey(URLs());
   for (const auto& url : theirs) {
-    const auto address = url->URLString();
-    if (!address) continue;
-    const auto [known, isNew] = mine.try_emplace(*address);
+    const auto key = keyOf(*url);
+    if (!key) continue;
+    const auto [known, isNew] = mine.try_emplace(*key);
     std::shared_ptr<QNItemURL>& here = known->second.url;
     if (isNew) {
       here = newURLLike(*url, profile());
@@ -59,14 +68,14 @@ void QNItem::mergeURLsWithConflict(const std::vector<std::shared_ptr<QNItemURL>>
 void QNItem::replaceURLsWithThoseOf(QNItem& other) {
   removeDuplicateURLs();
   other.removeDuplicateURLs();
-  const auto theirs = byAddress(other.URLs());
+  const auto theirs = byKey(other.URLs());
   for (const auto& url : URLs()) {
-    const auto address = url->URLString();
-    if (address && !theirs.contains(*address)) removeURL(url);
+    const auto key = keyOf(*url);
+    if (key && !theirs.contains(*key)) removeURL(url);
   }
-  const auto mine = byAddress(URLs());
-  for (const auto& [address, their] : theirs) {
-    const auto found = mine.find(address);
+  const auto mine = byKey(URLs());
+  for (const auto& [key, their] : theirs) {
+    const auto found = mine.find(key);
     if (found == mine.end()) {
       addURL(their.url);
     } else {
@@ -74,7 +83,8 @@ void QNItem::replaceURLsWithThoseOf(QNItem& other) {
     }
   }
   const auto placeOf = [&theirs](const std::shared_ptr<QNItemURL>& url) {
-    const auto found = theirs.find(url->URLString().value_or(""));
+    const auto key = keyOf(*url);
+    const auto found = key ? theirs.find(*key) : theirs.end();
     return found == theirs.end() ? theirs.size() : found->second.place;
   };
   if (auto& urls = openState().URLs) {

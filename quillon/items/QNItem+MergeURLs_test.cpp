@@ -128,6 +128,20 @@ TEST_F(QNItemMergeURLs, AddNothingTheSecondTime) {
   EXPECT_FALSE(_mine->dirtyRow());
 }
 
+TEST_F(QNItemMergeURLs, WithoutATextAreToldApartByTheirLabels) {
+  addLabel(*_mine, "both");
+  addLabel(*_theirs, "both");
+  addLabel(*_theirs, "theirs");
+  _theirs->addURLString("both");
+
+  merge();
+  merge();
+
+  ASSERT_THAT(addressesOf(*_mine), ElementsAre("(none)", "(none)", "both"));
+  EXPECT_EQ(_mine->URLAtIndex(1)->label(), "theirs");
+  EXPECT_FALSE(_mine->dirtyRow());
+}
+
 TEST_F(QNItemMergeURLs, ThatDoNotOpenAreLeftAlone) {
   _mine->addURLString("https://a.example");
   const auto broken = std::make_shared<QNItemURL>(QNExisting{8});

@@ -18,6 +18,7 @@ std::shared_ptr<QNDatabaseObject> QNItem::objectByReplacingWith(
     return winner;
   }
   if (winner.get() == this) return winner;
+  if (!opensToReplaceThis(*winner)) return shared_from_this();
   copyColumnsOf(*winner);
   copyContentOf(*winner);
   replaceURLsWithThoseOf(*winner);
@@ -27,6 +28,14 @@ std::shared_ptr<QNDatabaseObject> QNItem::objectByReplacingWith(
   }
   if (!hasOid()) copyOidFrom(winner);
   return shared_from_this();
+}
+
+bool QNItem::opensToReplaceThis(QNItem& winner) const {
+  if (winner.mutableOverview() != nullptr && winner.mutableDetails() != nullptr) return true;
+  MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(),
+                                 "Attempted to replace {} with {}, which doesn't open",
+                                 description(), winner.description());
+  return false;
 }
 
 // Some of these setters dirty nothing by themselves.
@@ -46,12 +55,21 @@ void QNItem::copyColumnsOf(const QNItem& other) {
 }
 
 // The key stays this item's, and so do the keys before it: attachments may be sealed under each.
-// What doesn't open replaces nothing.
 void QNItem::copyContentOf(QNItem& other) {
   QNSecretSet ownKeys = backupKeysBase64Encoded();
   if (const auto overview = other.overviewCopy()) copyOverview(*overview);
   if (const auto details = other.detailsCopy()) copyDetails(*details);
   addBackupKeysBase64Encoded(std::move(ownKeys));
+  forgetOriginalPasswordThatIsHistory();
+}
+
+// The password that gave way retires at the next save, unless the winner's history has it already.
+void QNItem::forgetOriginalPasswordThatIsHistory() {
+  const std::lock_guard lock(monitor());
+  const auto& noted = openState().originalPassword;
+  if (!noted) return;
+  const QNSecret original = noted->clone();  // to look for it may note another one
+  if (containsPasswordValue(original.reveal())) noteOriginalPassword();
 }
 
 }  // namespace quillon

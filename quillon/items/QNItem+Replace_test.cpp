@@ -1,8 +1,10 @@
 #include "quillon/items/internal/QNMergeTesting.h"
+#include "quillon/platform/environment/QNEnvironment.h"
 
 namespace quillon {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
@@ -217,16 +219,30 @@ TEST_F(QNItemReplace, IsSealedUnderItsOwnKey) {
 TEST_F(QNItemReplace, LetsNothingWinThatDoesNotOpen) {
   _mine->setTitle("mine");
   _mine->setNotesPlain("mine");
+  _mine->addURLString("a");
   save(*_mine);
-  const auto broken = opened(*_mine, _vault);
-  broken->setOverviewData(Bytes(64, 1));
-  broken->setDetailsData(Bytes(64, 1));
-  const MRCapturingSink sink;
+  const auto noOverview = opened(*_mine, _vault);
+  noOverview->setOverviewData(Bytes(64, 1));
+  const auto noDetails = opened(*_mine, _vault);
+  noDetails->setDetailsData(Bytes(64, 1));
+  const auto notLoaded = listed(*_mine, _vault);
+  for (const auto& broken : {noOverview, noDetails, notLoaded}) {
+    broken->setCategoryUUID("004");
+    broken->setTrashed(true);
+    if (broken != notLoaded) broken->addURLString("b");
+    const MRCapturingSink sink;
 
-  _mine->objectByReplacingWith(broken);
+    EXPECT_EQ(_mine->objectByReplacingWith(broken), _mine);
 
-  EXPECT_EQ(_mine->title(), "mine");
-  EXPECT_EQ(_mine->notesPlain(), "mine");
+    EXPECT_FALSE(_mine->dirtyRow());
+    EXPECT_EQ(_mine->title(), "mine");
+    EXPECT_EQ(_mine->notesPlain(), "mine");
+    EXPECT_EQ(_mine->categoryUUID(), "003");
+    EXPECT_FALSE(_mine->trashed());
+    EXPECT_THAT(addressesOf(*_mine), ElementsAre("a"));
+    EXPECT_THAT(errors(sink), Contains("Attempted to replace " + _mine->description() + " with " +
+                                       broken->description() + ", which doesn't open"));
+  }
 }
 
 TEST_F(QNItemReplace, RetiresThePasswordThatGivesWay) {
@@ -241,6 +257,23 @@ TEST_F(QNItemReplace, RetiresThePasswordThatGivesWay) {
   EXPECT_TRUE(mine->password()->equals("theirs"));
   ASSERT_EQ(mine->numberOfPreviouslyUsedPasswords(), 1u);
   EXPECT_NE(mine->previouslyUsedPasswordWithValue("mine"), nullptr);
+}
+
+TEST_F(QNItemReplace, RetiresNoPasswordASecondTimeThatTheWinnerRetired) {
+  QNScopedClock clock{1000};
+  _mine->setPassword("old");
+  save(*_mine);
+  const auto mine = opened(*_mine, _vault);
+  const auto theirs = opened(*_mine, _vault);
+  theirs->setPassword("new");
+  save(*theirs);
+  clock.setSeconds(2000);
+
+  mine->objectByReplacingWith(theirs);
+  save(*mine);
+
+  EXPECT_TRUE(mine->password()->equals("new"));
+  EXPECT_THAT(historyOf(*mine), ElementsAre("old@1000"));
 }
 
 TEST_F(QNItemReplace, LeavesTheCountOfAttachmentsAlone) {
@@ -334,6 +367,20 @@ TEST_F(QNItemReplace, LosesDuplicateAddressesOnBothSides) {
   EXPECT_THAT(addressesOf(*_mine), ElementsAre("a"));
   EXPECT_THAT(addressesOf(*_theirs), ElementsAre("a"));
   EXPECT_EQ(_mine->URLAtIndex(0)->label(), "first");
+}
+
+TEST_F(QNItemReplace, TellsAddressesWithoutATextApartByTheirLabels) {
+  const auto kept = addLabel(*_mine, "kept");
+  addLabel(*_mine, "gone");
+  addLabel(*_theirs, "new");
+  _theirs->addURLString("kept");
+  addLabel(*_theirs, "kept");
+  const auto taken = _theirs->URLs();
+
+  _mine->objectByReplacingWith(_theirs);
+
+  EXPECT_THAT(_mine->URLs(), ElementsAre(taken[0], taken[1], kept));
+  EXPECT_EQ(_mine->URLAtIndex(0)->label(), "new");
 }
 
 TEST_F(QNItemReplace, KeepsARowThatAnAddressTookOver) {

@@ -466,7 +466,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void setTrashed(bool trashed) override { QNDatabaseObject::setTrashed(trashed); }
 
   // Merging: QNItem+Merge.cpp, +MergeSections.cpp, +MergeURLs.cpp, +Replace.cpp. What becomes of
-  // each part: docs/merge.md. Both items must be loaded, and nobody may edit either meanwhile.
+  // each part: docs/merge.md. Both items must be loaded, and nobody may use either meanwhile.
   // Fields and addresses of `other` come over as the very objects: let go of `other` afterwards.
   /// Keeps this item and folds in what only `other` has. Gives the item that stays: this one, or a
   /// live `other` in place of a tombstone. Null, with an assertion log, for another category. What
@@ -475,7 +475,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
       const std::shared_ptr<QNDatabaseObject>& other) override;
   /// Lets `other` win as it was last saved, in this object, which keeps its row, uuid and key.
   /// Gives the item that stays: this one, its tombstone in place of a tombstone, or `other` in
-  /// place of this one's own tombstone.
+  /// place of this one's own tombstone. One that doesn't open wins nothing, with an error log.
   std::shared_ptr<QNDatabaseObject> objectByReplacingWith(
       const std::shared_ptr<QNDatabaseObject>& other) override;
   void mergeNotesWithConflict(std::optional<std::string_view> theirs);
@@ -494,7 +494,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   /// content; its save deletes the rows of the addresses. QNItem+Tombstone.cpp
   [[nodiscard]] std::shared_ptr<QNTombstone> makeTombstone();
   /// A login of this item's row and content. Addresses and sections move: let go of this item
-  /// afterwards. Attachments stay with the row. QNItem+Login.cpp
+  /// afterwards. Attachments stay with the row. Null, with an assertion log and nothing moved, if
+  /// overview or details don't open. Nobody may use this item meanwhile. QNItem+Login.cpp
   [[nodiscard]] std::shared_ptr<QNLogin> convertToLogin();
 
  protected:
@@ -502,6 +503,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   std::shared_ptr<QNItem> itemToMerge(const std::shared_ptr<QNDatabaseObject>& other) const;
   /// An assertion log with both items and their categories, for which `text` has four "{}".
   void reportForeignCategory(MRLogText text, const QNItem& other) const;
+  /// Has it content to replace this item's? Otherwise there is an error log.
+  bool opensToReplaceThis(QNItem& winner) const;
   /// What notesPlain() gives.
   [[nodiscard]] std::optional<QNSecret> notesSecret();
   /// For a new item: the sections that it starts with, none for nothing.
@@ -551,6 +554,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   std::shared_ptr<QNFieldSection> sectionLike(const QNFieldSection& theirs);
   void copyColumnsOf(const QNItem& other);
   void copyContentOf(QNItem& other);
+  void forgetOriginalPasswordThatIsHistory();
   void replaceURLsWithThoseOf(QNItem& other);
   void keepRowsOfURLs();
   void buryURLsOf(QNItem& item);

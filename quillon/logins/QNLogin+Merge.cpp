@@ -3,12 +3,26 @@
 #include "quillon/logins/QNLogin.h"
 #include "quillon/logins/QNPassword.h"
 #include "quillon/platform/text/QNLocalization.h"
+#include "quillon/templates/QNCategoryUUID.h"
 
 // The username and the password that this login has stay. Another username becomes a field of the
 // section of conflicts, another password an entry of the history.
 
 namespace quillon {
 namespace {
+
+/// The category of the login that it is or stands for; nothing for what is none.
+std::optional<std::string> categoryAsLogin(const QNItem& item) {
+  if (dynamic_cast<const QNPassword*>(&item) != nullptr) return std::string(QNCategoryUUIDLogin);
+  return dynamic_cast<const QNLogin*>(&item) == nullptr ? std::nullopt : item.categoryUUID();
+}
+
+/// Null for what is no login and can't be made one. A password's addresses and sections move.
+std::shared_ptr<QNLogin> asLogin(const std::shared_ptr<QNItem>& item) {
+  const auto password = std::dynamic_pointer_cast<QNPassword>(item);
+  return password == nullptr ? std::dynamic_pointer_cast<QNLogin>(item)
+                             : password->convertToLoginBasedOnLogin(nullptr);
+}
 
 /// What the list can take from another one, and not lose a designation of its own by it.
 void addKeepingDesignations(QNLoginFieldList& list, const QNLoginFieldList::Field& entry) {
@@ -17,6 +31,15 @@ void addKeepingDesignations(QNLoginFieldList& list, const QNLoginFieldList::Fiel
     entry->_removeDesignation();
   }
   list.addLoginField(entry);
+}
+
+/// Those that can conflict. Two lists may have any number of them, which no name tells apart.
+QNLoginFieldList::Fields namelessOnes(const QNLoginFieldList& list) {
+  QNLoginFieldList::Fields found;
+  for (const auto& entry : list.fields()) {
+    if (!entry->name() && entry->canConflict()) found.push_back(entry);
+  }
+  return found;
 }
 
 QNItemFieldRef conflictField(bool concealed, std::string_view title, std::string_view value) {
@@ -37,25 +60,25 @@ std::shared_ptr<QNDatabaseObject> QNLogin::mergeWithConflict(
     const std::shared_ptr<QNDatabaseObject>& other) {
   const auto item = itemToMerge(other);
   if (item == nullptr) return shared_from_this();
-  const auto password = std::dynamic_pointer_cast<QNPassword>(item);
-  const std::shared_ptr<QNItem> theirs =
-      password == nullptr ? item : password->convertToLoginBasedOnLogin(nullptr);
-  if (theirs->isTombstone()) {
+  if (item->isTombstone()) {
     markRowDirty();
+  } else if (categoryUUID() != categoryAsLogin(*item)) {
+    reportForeignCategory(
+        "Attempt to merge login {} ({}) with item from different category {} ({})", *item);
+    return nullptr;
   } else {
-    const auto login = std::dynamic_pointer_cast<QNLogin>(theirs);
-    if (login == nullptr || categoryUUID() != login->categoryUUID()) {
-      reportForeignCategory(
-          "Attempt to merge login {} ({}) with item from different category {} ({})", *theirs);
-      return nullptr;
-    }
+    const auto login = asLogin(item);
+    if (login == nullptr) return nullptr;
     QNItem::mergeWithConflict(login);
-    if (password != nullptr) password->markRowDirty();
+    if (login != item) {
+      item->markRowDirty();
+      markRowDirty();
+    }
     mergeUsernameWithConflict(*login);
     mergePasswordWithConflict(*login);
     mergeLoginFieldsWithConflict(*login);
   }
-  if (!hasOid()) copyOidFrom(theirs);
+  if (!hasOid()) copyOidFrom(item);
   return shared_from_this();
 }
 
@@ -92,12 +115,20 @@ void QNLogin::mergeLoginFieldsWithConflict(QNLogin& other) {
     addKeepingDesignations(mine, entry);
   }
   for (const auto& entry : other.loginFields().loginFieldsConflictingWith(mine)) {
-    const auto value = entry->value();
-    if (!value || value->empty() || keepsValueOf(*entry, value->reveal())) continue;
-    markRowDirty();
-    sectionForConflictsCreatedIfNeeded()->addField(
-        conflictField(entry->isConcealed(), entry->name().value_or(""), value->reveal()));
+    keepAsConflict(*entry);
   }
+  for (const auto& entry : namelessOnes(other.loginFields())) {
+    const auto value = entry->value();
+    if (value && !mine.findLoginFieldWithValue(value->reveal())) keepAsConflict(*entry);
+  }
+}
+
+void QNLogin::keepAsConflict(const QNLoginField& entry) {
+  const auto value = entry.value();
+  if (!value || value->empty() || keepsValueOf(entry, value->reveal())) return;
+  markRowDirty();
+  sectionForConflictsCreatedIfNeeded()->addField(
+      conflictField(entry.isConcealed(), entry.name().value_or(""), value->reveal()));
 }
 
 // Is it in another place than the list?
@@ -113,6 +144,7 @@ std::shared_ptr<QNDatabaseObject> QNLogin::objectByReplacingWith(
   const auto password = std::dynamic_pointer_cast<QNPassword>(other);
   if (password == nullptr) return QNItem::objectByReplacingWith(other);
   const auto login = password->convertToLoginBasedOnLogin(nullptr);
+  if (login == nullptr) return shared_from_this();
   login->willSave();
   return QNItem::objectByReplacingWith(login);
 }

@@ -277,7 +277,7 @@ class Editor final {
       return;
     }
     auto entry = std::make_shared<QNLoginField>();
-    entry->setName("n" + std::to_string(below(4)));
+    if (!oneIn(4)) entry->setName("n" + std::to_string(below(4)));
     entry->setType(oneIn(2) ? QNLoginFieldTypePassword : QNLoginFieldTypeText);
     entry->setValue(word("entry"));
     login->loginFields().addLoginField(entry);

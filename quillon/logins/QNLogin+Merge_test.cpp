@@ -120,6 +120,24 @@ TEST_F(QNLoginMerge, OfALoginOfAnotherCategoryGivesNothing) {
   EXPECT_EQ(assertions(sink).size(), 1u);
 }
 
+TEST_F(QNLoginMerge, OfAnotherCategoryLeavesAGeneratedPasswordAsItIs) {
+  const auto mine = clean<QNPrivacyComLogin>();
+  const auto password = clean<QNPassword>();
+  password->addURLString("https://a.example/deep");
+  password->didSave();
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(mine->mergeWithConflict(password), nullptr);
+
+  EXPECT_FALSE(mine->dirtyRow());
+  EXPECT_FALSE(password->dirtyRow());
+  EXPECT_EQ(password->URLAtIndex(0)->item(), password);
+  EXPECT_THAT(addressesOf(*password), ElementsAre("https://a.example/deep"));
+  EXPECT_THAT(assertions(sink), ElementsAre("Attempt to merge login " + mine->description() +
+                                            " (800) with item from different category " +
+                                            password->description() + " (005)"));
+}
+
 TEST_F(QNLoginMerge, BeatsATombstoneAndTakesItsRow) {
   const auto login = loginOf("ann", "pw");
   const auto tombstone = std::make_shared<QNTombstone>(QNExisting{9});
@@ -140,6 +158,17 @@ TEST_F(QNLoginMerge, TakesTheOthersRowIfItHasNone) {
 
   EXPECT_EQ(mine->oid(), 9u);
   EXPECT_EQ(mine->key(), theirs->key());
+}
+
+TEST_F(QNLoginMerge, KeepsItsOwnRow) {
+  const auto mine = loginOf("ann", "pw");
+  mine->_setOid(4);
+  const auto theirs = loginOf("ann", "pw");
+  theirs->_setOid(9);
+
+  mine->mergeWithConflict(theirs);
+
+  EXPECT_EQ(mine->oid(), 4u);
 }
 
 TEST_F(QNLoginMerge, WithItselfLeavesTheRowClean) {
@@ -321,6 +350,53 @@ TEST_F(QNLoginMerge, TakesAnEntryWithoutItsDesignationIfThatIsInUse) {
   EXPECT_EQ(mine->username(), "ann");
 }
 
+TEST_F(QNLoginMerge, KeepsAThirdDesignationThatBothUse) {
+  const auto mine = loginWith({R"({"name":"code","value":"1","designation":"totp"})"});
+  const auto theirs = loginWith({R"({"name":"otp","value":"2","designation":"totp"})"});
+
+  mine->mergeLoginFieldsWithConflict(*theirs);
+
+  EXPECT_THAT(formOf(*mine), ElementsAre("code=1 totp", "otp=2"));
+}
+
+TEST_F(QNLoginMerge, KeepsAValueThatItHasUnderAnotherNameAsAConflict) {
+  const auto mine = loginWith({R"({"name":"town","value":"Ulm"})"});
+  const auto theirs = loginWith({R"({"name":"city","value":"Ulm"})"});
+
+  mine->mergeLoginFieldsWithConflict(*theirs);
+  mine->mergeLoginFieldsWithConflict(*theirs);
+
+  EXPECT_THAT(formOf(*mine), ElementsAre("town=Ulm"));
+  EXPECT_THAT(conflictsOf(*mine), ElementsAre("city=Ulm (string)"));
+}
+
+TEST_F(QNLoginMerge, TakesEntriesWithoutANameIfItHasNone) {
+  const auto mine = loginWith({kUser});
+  const auto theirs = loginWith({R"({"value":"1"})", R"({"value":"2"})"});
+
+  mine->mergeLoginFieldsWithConflict(*theirs);
+  mine->mergeLoginFieldsWithConflict(*theirs);
+
+  EXPECT_THAT(formOf(*mine), ElementsAre("username=ann username", "(none)=1", "(none)=2"));
+  EXPECT_THAT(conflictsOf(*mine), IsEmpty());
+}
+
+TEST_F(QNLoginMerge, KeepsEntriesWithoutANameAsConflictsIfItHasOneToo) {
+  const auto mine = loginWith({R"({"value":"mine"})"});
+  const auto theirs =
+      loginWith({R"({"value":"mine","x":1})", R"({"value":"1","type":"P"})", R"({"value":"2"})",
+                 R"({"value":""})", R"({"x":2})", R"({"value":"on","type":"C"})"});
+
+  mine->mergeLoginFieldsWithConflict(*theirs);
+  EXPECT_TRUE(mine->dirtyRow());
+  mine->didSave();
+  mine->mergeLoginFieldsWithConflict(*theirs);
+
+  EXPECT_THAT(formOf(*mine), ElementsAre("(none)=mine"));
+  EXPECT_THAT(conflictsOf(*mine), ElementsAre("=1 (concealed)", "=2 (string)"));
+  EXPECT_FALSE(mine->dirtyRow());
+}
+
 TEST_F(QNLoginMerge, TakesAPasswordEntryAsItsOwnIfItHasNone) {
   const auto mine = loginWith({kUser});
   const auto theirs = loginWith({kUser, kPassword});
@@ -424,6 +500,41 @@ TEST_F(QNLoginMerge, TakesAGeneratedPasswordAsHistory) {
   EXPECT_TRUE(password->dirtyRow());
 }
 
+TEST_F(QNLoginMerge, IsDirtyAfterAGeneratedPasswordThatBroughtNothing) {
+  const auto vault = accountVault();  // without backup keys, which differ
+  const auto mine = std::make_shared<QNLogin>(initNew);
+  const auto password = std::make_shared<QNPassword>(initNew);
+  for (QNItem* const item : std::initializer_list<QNItem*>{mine.get(), password.get()}) {
+    item->setProfile(vault);
+    item->setCreatedAt(5);
+    item->setUpdatedAt(6);
+    item->setPassword("pw");
+    item->didSave();
+  }
+
+  mine->setUsername("");
+  mine->didSave();
+
+  mine->mergeWithConflict(password);
+
+  EXPECT_TRUE(mine->dirtyRow());
+  EXPECT_TRUE(password->dirtyRow());
+}
+
+TEST_F(QNLoginMerge, OfAGeneratedPasswordThatDoesNotOpenGivesNothing) {
+  const auto mine = loginOf("ann", "pw");
+  const auto password = damagedTwinOf<QNPassword>(*clean<QNPassword>(), _vault);
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(mine->mergeWithConflict(password), nullptr);
+
+  EXPECT_FALSE(mine->dirtyRow());
+  EXPECT_FALSE(mine->hasOid());
+  EXPECT_EQ(password->URLAtIndex(0)->item(), password);
+  EXPECT_THAT(assertions(sink), ElementsAre("Item " + password->description() +
+                                            " doesn't open and can't be made a login"));
+}
+
 TEST_F(QNLoginMerge, TakesTheRowOfAGeneratedPassword) {
   const auto mine = loginOf("ann", "pw");
   const auto password = clean<QNPassword>();
@@ -461,6 +572,22 @@ TEST_F(QNLoginMerge, IsReplacedByAGeneratedPasswordAsALogin) {
   EXPECT_EQ(mine->title(), "generated title");
   EXPECT_TRUE(mine->password()->equals("generated"));
   EXPECT_THAT(addressesOf(*mine), ElementsAre("https://a.example"));
+}
+
+TEST_F(QNLoginMerge, IsNotReplacedByAGeneratedPasswordThatDoesNotOpen) {
+  const auto mine = loginOf("ann", "pw");
+  mine->addURLString("https://a.example");
+  const auto password = damagedTwinOf<QNPassword>(*clean<QNPassword>(), _vault);
+  const MRCapturingSink sink;
+  mine->didSave();
+
+  EXPECT_EQ(mine->objectByReplacingWith(password), mine);
+
+  EXPECT_FALSE(mine->dirtyRow());
+  EXPECT_EQ(mine->username(), "ann");
+  EXPECT_TRUE(mine->password()->equals("pw"));
+  EXPECT_THAT(addressesOf(*mine), ElementsAre("https://a.example"));
+  EXPECT_EQ(password->URLAtIndex(0)->item(), password);
 }
 
 }  // namespace

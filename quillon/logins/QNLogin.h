@@ -66,7 +66,8 @@ class QNLogin : public QNItem {
   }
 
   // Merging: QNLogin+Merge.cpp. A generated password joins, and wins, as the login that it stands
-  // for: let go of it afterwards.
+  // for: nobody may use it meanwhile, and let go of it afterwards. One that doesn't open stands for
+  // none: a merge gives null, a replacement leaves this login as it is.
   std::shared_ptr<QNDatabaseObject> mergeWithConflict(
       const std::shared_ptr<QNDatabaseObject>& other) override;
   std::shared_ptr<QNDatabaseObject> objectByReplacingWith(
@@ -98,6 +99,7 @@ class QNLogin : public QNItem {
   void dropLoginFields();
   void removeHtmlFormValueForKey(std::string_view key);
   bool keepsValueOf(const QNLoginField& entry, std::string_view value);
+  void keepAsConflict(const QNLoginField& entry);
 
   bool _loginFieldsAreLoaded = false;
   std::unique_ptr<QNLoginFieldList> _cachedLoginFields;

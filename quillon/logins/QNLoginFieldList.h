@@ -57,7 +57,8 @@ class QNLoginFieldList final {
   [[nodiscard]] Field findLoginFieldWithValue(std::string_view value) const;
   [[nodiscard]] Field findLoginFieldWithName(std::optional<std::string_view> name) const;
   [[nodiscard]] Fields loginFieldsWithName(std::string_view name) const;
-  /// The entries for whose names the other list has none. No name equals no name.
+  /// The entries for whose names the other list has none. No name equals no name, so what this
+  /// leaves out may hold another value than any there.
   [[nodiscard]] Fields loginFieldsNotContainedWithin(const QNLoginFieldList& other) const;
   /// The entries that can conflict, have a name and a value, and to which no entry of the other
   /// list is equal in all members, unknown ones included. So an entry whose name the other list

@@ -2,6 +2,7 @@
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/logins/QNLogin.h"
 #include "quillon/logins/QNPassword.h"
+#include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/text/QNFormat.h"
 #include "quillon/platform/urls/QNURLTools.h"
@@ -11,6 +12,11 @@ namespace {
 
 std::string_view shown(const QNSharedString& uuid) {
   return uuid == nullptr ? std::string_view("(null)") : std::string_view(*uuid);
+}
+
+// No title at all would read as a localized one, and that isn't to be stored.
+void copyTitle(QNLogin& from, QNLogin& to) {
+  if (const auto title = from.overviewTextForKey(kOverviewTitle)) to.setTitle(title);
 }
 
 // Entries are copied: `from` keeps its own password when this login gets another.
@@ -81,9 +87,10 @@ std::shared_ptr<QNLogin> QNPassword::convertToLoginBasedOnLogin(
     return nullptr;
   }
   auto result = convertToLogin();
+  if (result == nullptr) return nullptr;
   result->copyOidFrom(hasOid() ? shared_from_this() : login);
   if (login != nullptr) {
-    result->setTitle(login->title());
+    copyTitle(*login, *result);
     copyForm(*login, *result);
     copyTagsAndFolder(*login, *result);
     moveURLsBeforeOthers(*login, *result);
@@ -94,13 +101,14 @@ std::shared_ptr<QNLogin> QNPassword::convertToLoginBasedOnLogin(
   return result;
 }
 
-// The form that came over may have brought a password of its own: that one retires at the next
-// save.
+// The form that came over may have brought a password of its own: that one retires here, since the
+// next save retires the one that this item had before.
 void QNPassword::keepOwnPassword(QNLogin& login) {
   const auto own = password();
   if (!own || login.containsPasswordValue(own->reveal())) return;
-  login.noteOriginalPassword();
+  const auto former = login.password();
   login.setPassword(own->reveal());
+  if (former) login.addPreviouslyUsedPassword({former->clone(), secondsNow()});
 }
 
 }  // namespace quillon

@@ -5,6 +5,7 @@
 namespace quillon {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -67,6 +68,44 @@ TEST_F(QNPasswordToLogin, CopiesColumnsAndOverview) {
   EXPECT_THAT(made->tags(), ElementsAre("t", "u"));
   EXPECT_EQ(made->title(), "mine");
   EXPECT_EQ(made->overviewTextForKey(kCustomIcon), "aWNvbg==");
+}
+
+TEST_F(QNPasswordToLogin, CopiesWhatCountsItsUse) {
+  const auto item = passwordOf("pw");
+  item->setLastUsedTimestamp(5);
+  item->setNumberOfTimesUsed(6);
+
+  const auto made = item->convertToLogin();
+
+  EXPECT_EQ(made->lastUsedTimestamp(), 5u);
+  EXPECT_EQ(made->numberOfTimesUsed(), 6);
+}
+
+TEST_F(QNPasswordToLogin, DeletesTheAddressesThatTheItemWouldHaveDeleted) {
+  const auto item = passwordOf("pw");
+  item->addURLString("https://a.example");
+  const auto url = item->URLAtIndex(0);
+  url->_setOid(8);
+  item->removeURLAtIndex(0);
+
+  EXPECT_THAT(item->convertToLogin()->deletedURLs(), ElementsAre(url));
+}
+
+TEST_F(QNPasswordToLogin, IsNoneOfWhatDoesNotOpen) {
+  const auto damaged = damagedTwinOf<QNPassword>(*passwordOf("pw"), _vault);
+  const auto row = passwordOf("pw");
+  save(*row);
+  row->setOverviewData(Bytes(64, 1));
+  row->addURLString("https://a.example");
+  const MRCapturingSink sink;
+
+  for (const auto& item : {damaged, row}) {
+    EXPECT_EQ(item->convertToLogin(), nullptr);
+    EXPECT_EQ(item->convertToLoginBasedOnLogin(login()), nullptr);
+    EXPECT_EQ(item->URLAtIndex(0)->item(), item);
+  }
+  EXPECT_THAT(assertions(sink), Contains("Item " + damaged->description() +
+                                         " doesn't open and can't be made a login"));
 }
 
 TEST_F(QNPasswordToLogin, WritesNoTitleForNone) {
@@ -167,13 +206,13 @@ TEST_F(QNPasswordToLogin, LeavesAttachmentsAndReportsThoseWithoutARow) {
   EXPECT_THAT(assertions(sink), ElementsAre("Unexpected attachments in unsaved object. Skipping."));
 }
 
-TEST_F(QNPasswordToLogin, LeavesAttachmentsOfARowInSilence) {
+TEST_F(QNPasswordToLogin, KeepsTheAttachmentsOfItsRowInSilence) {
   const auto item = passwordOf("pw");
   item->setNumberOfAttachments(2);
   item->_setOid(4);
   const MRCapturingSink sink;
 
-  EXPECT_NE(item->convertToLogin(), nullptr);
+  EXPECT_EQ(item->convertToLogin()->numberOfAttachments(), 2);
 
   EXPECT_THAT(sink.records(), IsEmpty());
 }
@@ -351,6 +390,35 @@ TEST_F(QNPasswordToLogin, KeepsItsPasswordAndRetiresTheLogins) {
   EXPECT_TRUE(made->password()->equals("pw"));
   EXPECT_NE(made->previouslyUsedPasswordWithValue("former"), nullptr);
   EXPECT_EQ(made->numberOfPreviouslyUsedPasswords(), 1u);
+}
+
+TEST_F(QNPasswordToLogin, RetiresBothTheLoginsPasswordAndTheOneThatItHadBefore) {
+  const auto row = passwordOf("first");
+  save(*row);
+  const auto item = std::make_shared<QNPassword>(QNExisting{row->oid()});
+  item->setProfile(_vault);
+  item->setEncryptedKey(row->encryptedKey());
+  item->setDetailsData(row->detailsData());
+  item->markDetailsLoaded();
+  item->setPassword("second");
+  const auto theirs = login();
+  theirs->setPassword("former");
+
+  const auto made = item->convertToLoginBasedOnLogin(theirs);
+  save(*made);
+  save(*made);
+
+  EXPECT_TRUE(made->password()->equals("second"));
+  EXPECT_NE(made->previouslyUsedPasswordWithValue("first"), nullptr);
+  EXPECT_NE(made->previouslyUsedPasswordWithValue("former"), nullptr);
+  EXPECT_EQ(made->numberOfPreviouslyUsedPasswords(), 2u);
+}
+
+TEST_F(QNPasswordToLogin, KeepsItsTitleIfTheLoginHasNone) {
+  const auto theirs = login();
+  theirs->setTitle(std::nullopt);
+
+  EXPECT_EQ(passwordOf("pw")->convertToLoginBasedOnLogin(theirs)->title(), "mine");
 }
 
 TEST_F(QNPasswordToLogin, LeavesTheLoginItsOwnEntries) {

@@ -1,6 +1,7 @@
 #include "quillon/logins/QNLogin.h"
 #include "quillon/logins/QNPassword.h"
 #include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/templates/QNCategoryUUID.h"
 
 namespace quillon {
 
@@ -10,11 +11,13 @@ std::shared_ptr<QNDatabaseObject> QNPassword::mergeWithConflict(
   if (item == nullptr) return shared_from_this();
   std::shared_ptr<QNItem> result = shared_from_this();
   const auto password = std::dynamic_pointer_cast<QNPassword>(item);
+  const bool isLogin = std::dynamic_pointer_cast<QNLogin>(item) != nullptr;
   if (item->isTombstone()) {
     markRowDirty();
-  } else if (std::dynamic_pointer_cast<QNLogin>(item) != nullptr) {
+  } else if (isLogin && item->categoryUUID() == QNCategoryUUIDLogin) {
     result = convertToLoginBasedOnLogin(nullptr);
-    result->mergeWithConflict(item);  // works on the login itself
+    // Works on the login itself.
+    if (result == nullptr || result->mergeWithConflict(item) == nullptr) return nullptr;
     result->markRowDirty();
   } else if (password == nullptr || categoryUUID() != item->categoryUUID()) {
     reportForeignCategory(
@@ -36,10 +39,12 @@ void QNPassword::mergePasswordWithConflict(QNPassword& other) {
 
 std::shared_ptr<QNDatabaseObject> QNPassword::objectByReplacingWith(
     const std::shared_ptr<QNDatabaseObject>& other) {
-  if (std::dynamic_pointer_cast<QNLogin>(other) == nullptr) {
-    return QNItem::objectByReplacingWith(other);
-  }
-  return convertToLoginBasedOnLogin(nullptr)->objectByReplacingWith(other);
+  const auto winner = std::dynamic_pointer_cast<QNLogin>(other);
+  if (winner == nullptr) return QNItem::objectByReplacingWith(other);
+  if (!opensToReplaceThis(*winner)) return shared_from_this();
+  const auto login = convertToLoginBasedOnLogin(nullptr);
+  if (login == nullptr) return shared_from_this();
+  return login->objectByReplacingWith(winner);
 }
 
 }  // namespace quillon

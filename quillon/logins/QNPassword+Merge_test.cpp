@@ -69,6 +69,40 @@ TEST_F(QNPasswordMerge, OfWhatIsNoPasswordThoughItSaysSoGivesNothing) {
   EXPECT_EQ(assertions(sink).size(), 1u);
 }
 
+TEST_F(QNPasswordMerge, OfALoginOfAnotherCategoryGivesNothingAndMovesNothing) {
+  const auto mine = passwordOf("pw");
+  mine->addURLString("https://a.example/deep");
+  mine->didSave();
+  const auto theirs = std::make_shared<QNPrivacyComLogin>(initNew);
+  theirs->setProfile(_vault);
+  theirs->didSave();
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(mine->mergeWithConflict(theirs), nullptr);
+
+  EXPECT_FALSE(mine->dirtyRow());
+  EXPECT_FALSE(theirs->dirtyRow());
+  EXPECT_EQ(mine->URLAtIndex(0)->item(), mine);
+  EXPECT_THAT(addressesOf(*mine), ElementsAre("https://a.example/deep"));
+  EXPECT_THAT(assertions(sink), ElementsAre("Attempt to merge password " + mine->description() +
+                                            " (005) with item from different category " +
+                                            theirs->description() + " (800)"));
+}
+
+TEST_F(QNPasswordMerge, OfALoginGivesNothingIfItDoesNotOpenItself) {
+  const auto mine = damagedTwinOf<QNPassword>(*passwordOf("pw"), _vault);
+  const auto theirs = loginOf("ann", "other");
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(mine->mergeWithConflict(theirs), nullptr);
+
+  EXPECT_EQ(mine->URLAtIndex(0)->item(), mine);
+  EXPECT_FALSE(mine->dirtyRow());
+  EXPECT_FALSE(theirs->dirtyRow());
+  EXPECT_THAT(assertions(sink), ElementsAre("Item " + mine->description() +
+                                            " doesn't open and can't be made a login"));
+}
+
 TEST_F(QNPasswordMerge, BeatsATombstoneAndTakesItsRow) {
   const auto mine = passwordOf("pw");
   const auto tombstone = std::make_shared<QNTombstone>(QNExisting{9});
@@ -141,6 +175,17 @@ TEST_F(QNPasswordMerge, TakesTheOthersRowIfItHasNone) {
   EXPECT_EQ(mine->oid(), 9u);
 }
 
+TEST_F(QNPasswordMerge, KeepsItsOwnRow) {
+  const auto mine = passwordOf("pw");
+  mine->_setOid(4);
+  const auto theirs = passwordOf("pw");
+  theirs->_setOid(9);
+
+  mine->mergeWithConflict(theirs);
+
+  EXPECT_EQ(mine->oid(), 4u);
+}
+
 TEST_F(QNPasswordMerge, BecomesALoginWithOne) {
   const auto mine = passwordOf("pw");
   mine->_setOid(4);
@@ -184,6 +229,49 @@ TEST_F(QNPasswordMerge, IsReplacedByALoginAsALogin) {
   EXPECT_EQ(*result->uuid(), *mine->uuid());
   EXPECT_EQ(result->username(), "ann");
   EXPECT_TRUE(result->password()->equals("other"));
+}
+
+TEST_F(QNPasswordMerge, IsNotReplacedByALoginIfEitherDoesNotOpen) {
+  const auto mine = passwordOf("pw");
+  mine->addURLString("https://a.example/deep");
+  const auto damaged = damagedTwinOf<QNPassword>(*passwordOf("pw"), _vault);
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(mine->objectByReplacingWith(damagedTwinOf<QNLogin>(*loginOf("ann", "other"), _vault)),
+            mine);
+  EXPECT_EQ(damaged->objectByReplacingWith(loginOf("ann", "other")), damaged);
+
+  EXPECT_EQ(mine->URLAtIndex(0)->item(), mine);
+  EXPECT_TRUE(mine->password()->equals("pw"));
+  EXPECT_EQ(damaged->URLAtIndex(0)->item(), damaged);
+  EXPECT_FALSE(damaged->dirtyRow());
+}
+
+TEST_F(QNPasswordMerge, RetiresNoPasswordASecondTimeThatTheWinnerRetired) {
+  const auto row = passwordOf("old");
+  save(*row);
+  const auto opened = [&] {
+    auto item = std::make_shared<QNPassword>(QNExisting{row->oid()});
+    item->setProfile(_vault);
+    item->setOverviewData(row->overviewData());
+    item->markLoadingDetails();
+    item->setEncryptedKey(row->encryptedKey());
+    item->setDetailsData(row->detailsData());
+    item->markDetailsLoaded();
+    item->didLoad();
+    return item;
+  };
+  const auto mine = opened();
+  const auto theirs = opened();
+  theirs->setPassword("new");
+  save(*theirs);
+  _clock.setSeconds(2000);
+
+  mine->objectByReplacingWith(theirs);
+  save(*mine);
+
+  EXPECT_TRUE(mine->password()->equals("new"));
+  EXPECT_THAT(historyOf(*mine), ElementsAre("old@1000"));
 }
 
 TEST_F(QNPasswordMerge, IsReplacedByAPasswordInItself) {

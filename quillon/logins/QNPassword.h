@@ -30,13 +30,15 @@ class QNPassword final : public QNItem {
 
   /// A login of this password and its row, which takes over what `login` has, if one is given:
   /// title, form, tags, folder, addresses (before its own) and sections. Null, with an assertion
-  /// log and nothing changed, if that is of another vault. Both items' objects move: let go of them
-  /// afterwards. QNPassword+Login.cpp
+  /// log and nothing changed, if that is of another vault or this item doesn't open. Both items'
+  /// objects move: nobody may use either meanwhile, and let go of them afterwards.
+  /// QNPassword+Login.cpp
   [[nodiscard]] std::shared_ptr<QNLogin> convertToLoginBasedOnLogin(
       const std::shared_ptr<QNLogin>& login);
 
-  // Merging: QNPassword+Merge.cpp. With a login, this becomes one; a login never becomes a
-  // password.
+  // Merging: QNPassword+Merge.cpp. With a login of category "001", this becomes one; a login never
+  // becomes a password. If this item doesn't open, it can't: a merge gives null, a replacement
+  // leaves it as it is.
   std::shared_ptr<QNDatabaseObject> mergeWithConflict(
       const std::shared_ptr<QNDatabaseObject>& other) override;
   std::shared_ptr<QNDatabaseObject> objectByReplacingWith(

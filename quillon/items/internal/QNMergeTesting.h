@@ -26,6 +26,33 @@ inline QNSampleItemRef twinOf(QNItem& item, const std::shared_ptr<QNGenericProfi
   return twin;
 }
 
+/// The row read again, as one of that class whose details don't open, with one address.
+template <class Class>
+std::shared_ptr<Class> damagedTwinOf(QNItem& row, const std::shared_ptr<QNGenericProfile>& vault) {
+  save(row);
+  auto twin = std::make_shared<Class>(QNExisting{row.oid()});
+  twin->setProfile(vault);
+  twin->setUuid(row.uuid());
+  twin->setOverviewData(row.overviewData());
+  twin->markLoadingDetails();
+  twin->setEncryptedKey(row.encryptedKey());
+  twin->setDetailsData(Bytes(64, 1));
+  twin->addURLString("https://damaged.example/deep");
+  twin->markDetailsLoaded();
+  twin->markAttachmentsLoaded();
+  twin->didLoad();
+  return twin;
+}
+
+/// An address of that item that is a label and no more.
+inline std::shared_ptr<QNItemURL> addLabel(QNItem& item, std::string_view label) {
+  auto url = std::make_shared<QNItemURL>(initNew);
+  url->setProfile(item.profile());
+  url->setLabel(label);
+  item.addURL(url);
+  return url;
+}
+
 /// Into the section of that name, which is made if it isn't there.
 inline QNItemFieldRef addField(QNItem& item, std::string_view section,
                                std::optional<std::string_view> identifier, std::string_view value,
