@@ -143,6 +143,32 @@ TEST(QNItemArchive, KeepsTheBuffersOfACleanItemAsTheyAre) {
   EXPECT_TRUE(sink.records().empty());
 }
 
+TEST(QNItemArchive, SavesADirtyAddressFirstAndKeepsACleanOnesBuffer) {
+  const auto item = newLogin(localVault());
+  item->addURLString("https://a.example/");
+  item->addURLString("https://b.example/");
+  save(*item);
+  for (const auto& url : item->URLs()) {
+    url->willSave();
+    url->didSave();
+  }
+  const auto dirty = item->URLAtIndex(0);
+  const auto clean = item->URLAtIndex(1);
+  const auto formerOfDirty = dirty->overviewData();
+  const auto formerOfClean = clean->overviewData();
+  dirty->setLabel("A");
+
+  const JsonObject root = rootOf(archiveOf(*item));
+
+  const auto sealed = [&root](std::size_t index) {
+    return root.at("URLs").at(index).at("kOverviewData").at("$bytes");
+  };
+  EXPECT_NE(dirty->overviewData(), formerOfDirty);
+  EXPECT_EQ(sealed(0), Json(mr_base64encode(*dirty->overviewData())));
+  EXPECT_EQ(clean->overviewData(), formerOfClean);
+  EXPECT_EQ(sealed(1), Json(mr_base64encode(*formerOfClean)));
+}
+
 TEST(QNItemArchive, CapsAFavouritesPlaceWhenItIsWritten) {
   const auto item = newLogin(localVault());
   item->setDisplayOrder(3'000'000'000u);
@@ -437,6 +463,9 @@ TEST(QNItemArchive, LeavesNoSecretInMemory) {
     const auto again = QNItem::itemWithAttributes(row, vault);
     ASSERT_NE(again->detailsObjectForKey("notesPlain"), nullptr);
     ASSERT_TRUE(again->fingerprint_fingerprint());
+    auto debug = again->fingerprint_debugJSON();
+    ASSERT_TRUE(debug);
+    wipe(debug->data(), debug->size());
   }
 
   EXPECT_EQ(watch.found(), 0u);

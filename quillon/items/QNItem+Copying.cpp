@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "quillon/files/H9Document.h"
 #include "quillon/items/QNTombstone.h"
 #include "quillon/items/internal/QNItemState.h"
@@ -16,11 +18,58 @@ constexpr std::string_view kDocumentAttributes = "documentAttributes";
 constexpr std::string_view kCustomIconDetail = "detail";
 constexpr std::string_view kSigningKey = "signingKey";
 
+// The sealed forms that an item's archive makes anew. A save doesn't say where it can't make them,
+// for instance of a text that isn't UTF-8, and leaves the former ones.
+class StaleForms {
+ public:
+  explicit StaleForms(QNItem& item) : _item(item) {
+    if (item.dirtyRow()) {
+      _overviews.emplace_back(&item, item.overviewData());
+      _details = item.detailsData();
+    }
+    for (const auto& url : item.URLs()) {
+      if (url->dirtyRow()) _overviews.emplace_back(url.get(), url->overviewData());
+    }
+  }
+  bool none() const { return _overviews.empty(); }
+  bool areReplaced() const {
+    return (!_item.dirtyRow() || isAnew(_item.detailsData(), _details)) &&
+           std::all_of(_overviews.begin(), _overviews.end(), [](const auto& form) {
+             return isAnew(form.first->overviewData(), form.second);
+           });
+  }
+
+ private:
+  using Sealed = std::optional<Bytes>;
+  // Two sealings of one text differ.
+  static bool isAnew(const Sealed& present, const Sealed& former) {
+    return present && present != former;
+  }
+
+  QNItem& _item;
+  std::vector<std::pair<const QNDatabaseObjectWithOverview*, Sealed>> _overviews;
+  Sealed _details;
+};
+
+// Nothing if what changed can't be sealed anew. A change to a field dirties nothing until the
+// sections are written into the details.
+std::optional<Bytes> freshArchiveOf(QNItem& item) {
+  const std::lock_guard lock(item.monitor());
+  item.saveFieldSections();
+  const StaleForms stale(item);
+  const auto vault = item.profile();
+  // A locked vault would take the sealed overview away from the item itself.
+  if (!stale.none() && (vault == nullptr || vault->isLocked())) return std::nullopt;
+  auto archive = QNKeyedArchiver::archivedDataWithRootObject(item);
+  if (!archive.ok() || !stale.areReplaced()) return std::nullopt;
+  return std::move(archive).value();
+}
+
 std::shared_ptr<QNItem> copyThroughArchive(QNItem& item) {
-  const auto archive = QNKeyedArchiver::archivedDataWithRootObject(item);
-  if (!archive.ok()) return nullptr;
+  const auto archive = freshArchiveOf(item);
+  if (!archive) return nullptr;
   const auto read =
-      QNKeyedUnarchiver::unarchivedObjectOfClasses(QNItem::decodableClasses(), archive.value());
+      QNKeyedUnarchiver::unarchivedObjectOfClasses(QNItem::decodableClasses(), *archive);
   return read.ok() ? std::dynamic_pointer_cast<QNItem>(read.value()) : nullptr;
 }
 
@@ -41,6 +90,11 @@ bool areOnOneServer(const QNServerProfile& a, const QNServerProfile& b) {
     return account == nullptr ? std::string() : account->server();
   };
   return H9UserAccount::isServerURLOnSameServerAsServerURL(serverOf(a), serverOf(b));
+}
+
+// Files that can't be seen must not be lost on a guess.
+bool mayHideFiles(QNItem& item, const QNGenericProfile& from) {
+  return from.profileType() == kProfileTypeAccountVault && item.mutableDetails() == nullptr;
 }
 
 const JsonObject* objectIn(const Json* holder, std::string_view key) {
@@ -82,6 +136,10 @@ std::shared_ptr<QNItem> QNItem::makeCopyWithAttachments(bool /*attachments*/) {
 std::shared_ptr<QNItem> QNItem::makeDuplicateWithoutAttachments() {
   const auto duplicate = makeCopyWithoutAttachments();
   if (duplicate == nullptr) return nullptr;
+  // In a locked vault it would keep the title and the history.
+  if (duplicate->mutableOverview() == nullptr || duplicate->mutableDetails() == nullptr) {
+    return nullptr;
+  }
   duplicate->regenerateUuid();
   duplicate->setTitle(localizedFormat("%@ - Copy", title()));
   duplicate->setCreatedAt(secondsNow());
@@ -95,9 +153,9 @@ QNCopyRequirement QNItem::requirementForCopyingFromProfile(
   if (from == nullptr || toProfile == nullptr) return QNCopyRequirement::nothing;
   if (from->profileType() == kProfileTypeLocalVault) return QNCopyRequirement::nothing;
   const bool isDocument = _categoryUUID == QNCategoryUUIDDocument;
-  const bool isRefused =
-      isDocument ? !toProfile->supportsFeature(kFeatureDocuments)
-                 : toProfile->profileType() == kProfileTypeLocalVault && hasFileFields();
+  const bool isRefused = isDocument ? !toProfile->supportsFeature(kFeatureDocuments)
+                                    : toProfile->profileType() == kProfileTypeLocalVault &&
+                                          (mayHideFiles(*this, *from) || hasFileFields());
   if (isRefused) return QNCopyRequirement::vaultForFiles;
   const auto source = accountVault(from);
   const auto target = accountVault(toProfile);
@@ -105,10 +163,12 @@ QNCopyRequirement QNItem::requirementForCopyingFromProfile(
     return QNCopyRequirement::nothing;
   }
   if (areOnOneServer(*source, *target)) {
-    return hasFileReferencesWithoutSigningKeys() ? QNCopyRequirement::signingKeys
-                                                 : QNCopyRequirement::nothing;
+    return mayHideFiles(*this, *from) || hasFileReferencesWithoutSigningKeys()
+               ? QNCopyRequirement::signingKeys
+               : QNCopyRequirement::nothing;
   }
-  return isDocument || hasFileFields() ? QNCopyRequirement::sameServer : QNCopyRequirement::nothing;
+  return isDocument || mayHideFiles(*this, *from) || hasFileFields() ? QNCopyRequirement::sameServer
+                                                                     : QNCopyRequirement::nothing;
 }
 
 bool QNItem::hasFileReferencesWithoutSigningKeys() {

@@ -11,6 +11,7 @@ namespace quillon {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 std::shared_ptr<QNLogin> savedLogin(const std::shared_ptr<QNGenericProfile>& vault) {
@@ -30,6 +31,29 @@ std::shared_ptr<QNLogin> savedLogin(const std::shared_ptr<QNGenericProfile>& vau
   item->setUpdatedAt(1'700'000'000);
   save(*item);
   return item;
+}
+
+// An item as its store leaves it, addresses included.
+std::shared_ptr<QNLogin> cleanLogin(const std::shared_ptr<QNGenericProfile>& vault) {
+  auto item = savedLogin(vault);
+  for (const auto& url : item->URLs()) {
+    url->willSave();
+    url->didSave();
+  }
+  return item;
+}
+
+using Forms = std::vector<std::optional<Bytes>>;
+
+Forms sealedFormsOf(QNItem& item) {
+  Forms forms{item.overviewData(), item.detailsData()};
+  for (const auto& url : item.URLs()) forms.push_back(url->overviewData());
+  return forms;
+}
+
+std::shared_ptr<QNGenericProfile> vaultOfType(std::uint64_t type) {
+  if (type == kProfileTypeLocalVault) return localVault();
+  return accountVault();
 }
 
 // Copies
@@ -152,6 +176,115 @@ TEST(QNItemCopy, OfWhatCannotBeArchivedIsNothing) {
   item->setScope("\xff");
 
   EXPECT_EQ(item->makeCopy(), nullptr);
+}
+
+TEST(QNItemCopy, OfACleanItemHasTheChangesOfItsFields) {
+  const auto item = cleanLogin(localVault());
+  const Json sections =
+      jsonValue(R"([{"name":"s","fields":[{"n":"1","k":"string","t":"","v":"former"}]}])");
+  item->addFieldSections(QNItem::fieldSectionsFromJSON(&sections));
+  save(*item);
+  item->setStringFieldValue("changed", "1");
+  ASSERT_FALSE(item->dirtyRow());
+
+  const auto copy = item->makeCopy();
+
+  ASSERT_NE(copy, nullptr);
+  EXPECT_THAT(jsonText(copy->detailsObjectForKey(kDetailsSections)), HasSubstr("changed"));
+}
+
+// Copies of what can't be sealed anew
+
+class QNItemCopyInALockedVault : public testing::TestWithParam<std::uint64_t> {
+ protected:
+  std::shared_ptr<QNGenericProfile> _vault = vaultOfType(GetParam());
+  std::shared_ptr<QNLogin> _item = cleanLogin(_vault);
+  Forms _sealed = sealedFormsOf(*_item);
+};
+
+TEST_P(QNItemCopyInALockedVault, OfACleanItemHasItsSealedForms) {
+  _vault->lock();
+
+  const auto copy = _item->makeCopy();
+
+  ASSERT_NE(copy, nullptr);
+  EXPECT_EQ(sealedFormsOf(*copy), _sealed);
+}
+
+TEST_P(QNItemCopyInALockedVault, OfADirtyItemIsNothingAndLeavesTheItem) {
+  _item->setTitle("changed");
+  _item->setNotesPlain("changed");
+  _vault->lock();
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(_item->makeCopy(), nullptr);
+  EXPECT_EQ(_item->makeCopyWithoutAttachments(), nullptr);
+
+  EXPECT_TRUE(sink.records().empty());
+  EXPECT_EQ(sealedFormsOf(*_item), _sealed);
+  EXPECT_EQ(_item->title(), "changed");
+}
+
+TEST_P(QNItemCopyInALockedVault, OfADirtyAddressIsNothingAndLeavesTheAddress) {
+  _item->URLAtIndex(1)->setLabel("changed");
+  ASSERT_FALSE(_item->dirtyRow());
+  _vault->lock();
+
+  EXPECT_EQ(_item->makeCopy(), nullptr);
+
+  EXPECT_EQ(sealedFormsOf(*_item), _sealed);
+}
+
+TEST_P(QNItemCopyInALockedVault, OfAChangedFieldIsNothing) {
+  const auto section = _item->fieldSectionWithName("s", "S");
+  ASSERT_NE(section, nullptr);
+  ASSERT_FALSE(_item->dirtyRow());
+  _vault->lock();
+
+  EXPECT_EQ(_item->makeCopy(), nullptr);
+
+  EXPECT_EQ(sealedFormsOf(*_item), _sealed);
+}
+
+TEST_P(QNItemCopyInALockedVault, IsNoDuplicate) {
+  _vault->lock();
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(_item->makeDuplicateWithoutAttachments(), nullptr);
+
+  EXPECT_EQ(sealedFormsOf(*_item), _sealed);
+}
+
+INSTANTIATE_TEST_SUITE_P(Generations, QNItemCopyInALockedVault,
+                         testing::Values(kProfileTypeLocalVault, kProfileTypeAccountVault));
+
+TEST(QNItemCopy, OfATextThatIsNotUTF8IsNothing) {
+  const auto titled = cleanLogin(localVault());
+  const auto noted = cleanLogin(localVault());
+  const auto labelled = cleanLogin(localVault());
+  titled->setTitle("\xff");
+  noted->setNotesPlain("\xff");
+  labelled->URLAtIndex(0)->setLabel("\xff");
+  const MRCapturingSink sink;
+
+  for (const auto& item : {titled, noted, labelled}) {
+    const Forms sealed = sealedFormsOf(*item);
+    EXPECT_EQ(item->makeCopy(), nullptr);
+    EXPECT_EQ(item->makeDuplicateWithoutAttachments(), nullptr);
+    const std::size_t damaged = item == titled ? 0 : item == noted ? 1 : 2;
+    EXPECT_EQ(sealedFormsOf(*item)[damaged], sealed[damaged]);
+  }
+}
+
+TEST(QNItemCopy, OfANewItemWithoutAVaultIsNothing) {
+  const auto item = std::make_shared<QNLogin>(initNew);
+  item->setTitle("T");
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(item->makeCopy(), nullptr);
+
+  EXPECT_TRUE(sink.records().empty());
+  EXPECT_EQ(item->title(), "T");
 }
 
 // Duplicates
@@ -378,6 +511,26 @@ TEST_F(QNItemCopying, FromAnyOtherProfileNeedsNothing) {
 
   EXPECT_EQ(requirement(newItem(_neighbour), _source, _elsewhere), QNCopyRequirement::nothing);
   EXPECT_EQ(requirement(newItem(_neighbour), nullptr, _elsewhere), QNCopyRequirement::nothing);
+}
+
+TEST_F(QNItemCopying, OfDetailsThatArentOpenTakesFilesToBeThere) {
+  const auto row = newItem(_source);
+  save(*row);
+  const auto shell = listed(*row, _source);
+  const auto sealed = opened(*row, _source);
+  const auto sameAccount = vaultOfAccount("A", "https://my.example.com");
+  _source->lock();
+  const MRCapturingSink sink;
+
+  for (const auto& item : {shell, sealed}) {
+    EXPECT_EQ(requirement(item, _source, _local), QNCopyRequirement::vaultForFiles);
+    EXPECT_EQ(requirement(item, _source, _neighbour), QNCopyRequirement::signingKeys);
+    EXPECT_EQ(requirement(item, _source, _elsewhere), QNCopyRequirement::sameServer);
+    EXPECT_EQ(requirement(item, _source, sameAccount), QNCopyRequirement::nothing);
+    EXPECT_EQ(requirement(item, _local, _elsewhere), QNCopyRequirement::nothing);
+  }
+  _source->setProfileType(kProfileTypeUnion);
+  EXPECT_EQ(requirement(sealed, _source, _local), QNCopyRequirement::nothing);
 }
 
 // References to files

@@ -106,14 +106,15 @@ std::optional<JsonObject> QNItem::fingerprint_jsonDictionaryIgnoringDocumentFing
 
 std::optional<JsonObject> QNItem::fingerprintOverview() {
   auto overview = overviewCopy();
-  if (!overview) return std::nullopt;
+  const auto urls = URLs();
+  if (!overview || !allOpen(urls)) return std::nullopt;
   for (const std::string_view key : {FingerprintOverviewTags, FingerprintOverviewIcons,
                                      FingerprintOverviewAdditionalInformation}) {
     overview->stable_erase(key);
   }
   hashIcon(*overview);
-  JsonArray urls = listOfURLs(URLs());
-  if (!urls.empty()) (*overview)[FingerprintOverviewURLs] = std::move(urls);
+  JsonArray list = listOfURLs(urls);
+  if (!list.empty()) (*overview)[FingerprintOverviewURLs] = std::move(list);
   if (const auto text = scope()) setJsonText(*overview, FingerprintOverviewScope, *text);
   return overview;
 }
@@ -159,13 +160,17 @@ std::optional<std::string> QNItem::fingerprint_fingerprint() {
   return text ? std::optional(mr_SHA256hex(*text)) : std::nullopt;
 }
 
-// A text and its fingerprint each from a call of their own would differ for a document.
+// A text and its fingerprint each from a call of their own would differ for a document. The whole
+// length at once: a text that grows leaves what it held in memory that nobody wipes.
 std::optional<std::string> QNItem::fingerprint_debugJSON() {
   const auto text = fingerprintText(false);
   if (!text) return std::nullopt;
-  std::string debug = "[";
-  debug += textOf(*text);
-  return debug + ", \"" + mr_SHA256hex(*text) + "\"]";
+  constexpr std::string_view begin = "[", between = ", \"", end = "\"]";
+  const std::string hash = mr_SHA256hex(*text);
+  std::string debug;
+  debug.reserve(begin.size() + text->size() + between.size() + hash.size() + end.size());
+  debug.append(begin).append(textOf(*text)).append(between).append(hash).append(end);
+  return debug;
 }
 
 }  // namespace quillon

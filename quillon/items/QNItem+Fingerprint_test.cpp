@@ -381,6 +381,17 @@ TEST(QNItemFingerprint, OfDetailsThatDontOpenIsNothing) {
   EXPECT_EQ(item->fingerprint_fingerprint(), std::nullopt);
 }
 
+TEST(QNItemFingerprint, OfAnAddressThatDoesNotOpenIsNothing) {
+  const auto item = newNote(localVault());
+  item->addURLString("https://a.example/");
+  item->addURLString("https://b.example/");
+  item->URLAtIndex(1)->setOverviewData(localVault()->encryptOverview(bytesOf("{}")));
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(item->fingerprint_jsonDictionary(), std::nullopt);
+  EXPECT_EQ(item->fingerprint_fingerprint(), std::nullopt);
+}
+
 TEST(QNItemFingerprint, HasConstantsThatNeverChange) {
   const std::pair<std::string_view, std::string_view> names[] = {
       {FingerprintCategoryUUID, "templateUUID"},

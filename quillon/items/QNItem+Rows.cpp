@@ -1,6 +1,7 @@
 #include "quillon/items/internal/QNItemState.h"
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/json/QNJsonEquality.h"
 #include "quillon/platform/log/MRLogger.h"
 
 // A row dictionary, in clear; in this order, whole in docs/formats.md:
@@ -14,7 +15,8 @@
 //   "scope"         text                                      absent
 //   "sectionName"   text                                      absent: in an item never saved
 //   "details"       object                                    details aren't loaded, or don't open
-//   "URLs"          list of the addresses' row dictionaries   the same, and without addresses
+//   "URLs"          list of the addresses' row dictionaries   details aren't loaded, there is none,
+//                                                             or one doesn't open
 //
 // Read by itemWithAttributes() alone: "oid", a number, and "templateUuid", a text that stands for
 // a missing "categoryUUID".
@@ -78,12 +80,17 @@ void QNItem::saveAllAttributes(JsonObject& attributes) {
     return removePendingIconFromAttributesDictionary(attributes);
   }
   if (auto details = detailsCopy()) attributes[kRowDetails] = std::move(*details);
-  if (hasURLs()) {
-    JsonArray rows(jsonStorage());
-    for (const auto& url : URLs()) rows.emplace_back(url->allAttributes());
-    attributes[kRowURLs] = std::move(rows);
-  }
+  saveURLs(attributes);
   removePendingIconFromAttributesDictionary(attributes);
+}
+
+// All or none: a reader takes a shorter list for the whole.
+void QNItem::saveURLs(JsonObject& attributes) {
+  const auto urls = URLs();
+  if (urls.empty() || !allOpen(urls)) return;
+  JsonArray rows(jsonStorage());
+  for (const auto& url : urls) rows.emplace_back(url->allAttributes());
+  attributes[kRowURLs] = std::move(rows);
 }
 
 // An icon that waits for its upload never leaves the device.
@@ -94,8 +101,6 @@ void QNItem::removePendingIconFromAttributesDictionary(JsonObject& attributes) {
   }
 }
 
-// Former keys are taken before the details count as loading: details that are still sealed open
-// for the last time here, and attachments may be sealed under any of those keys.
 void QNItem::restoreAllAttributes(const JsonObject& attributes) {
   QNDatabaseObjectWithOverview::restoreAllAttributes(attributes);
   setCategoryUUID(textOfRow(attributes, kRowCategoryUUID));
@@ -106,25 +111,38 @@ void QNItem::restoreAllAttributes(const JsonObject& attributes) {
   setCreatedAt(numberOfRow(attributes, kRowCreatedAt));
   setScope(textOfRow(attributes, kRowScope));
   setSectionName(textOfRow(attributes, kRowSectionName));
-  QNSecretSet formerKeys = detailsLoaded() ? backupKeysBase64Encoded() : QNSecretSet();
+  // Former keys in details that don't open would be lost with them.
+  const bool isSealed = detailsLoaded() && detailsData() && mutableDetails() == nullptr;
+  if (!isSealed) restoreDetails(attributes);
   markLoadingDetails();
-  if (const Json* const stored = mr_objectForKey(attributes, kRowDetails, JsonKind::object)) {
-    copyDetails(stored->get_object());
-  }
-  addBackupKeysBase64Encoded(std::move(formerKeys));
   restoreURLs(attributes);
   const std::lock_guard lock(monitor());
   markDetailsLoaded();
-  didParseDetails();
+  if (!isSealed) didParseDetails();
+}
+
+// Former keys are taken before the details count as loading: details that are still sealed open
+// for the last time here, and attachments may be sealed under any of those keys.
+void QNItem::restoreDetails(const JsonObject& attributes) {
+  QNSecretSet formerKeys = detailsLoaded() ? backupKeysBase64Encoded() : QNSecretSet();
+  markLoadingDetails();
+  if (const Json* const stored = mr_objectForKey(attributes, kRowDetails, JsonKind::object)) {
+    const std::lock_guard lock(monitor());
+    copyDetails(stored->get_object());
+    dropObjectsOfDetails();  // of equal details too: edits of theirs aren't in the dictionary
+  }
+  addBackupKeysBase64Encoded(std::move(formerKeys));
 }
 
 void QNItem::restoreURLs(const JsonObject& attributes) {
   OpenState& open = openState();
   if (open.URLs) open.URLs->clear();
   open.deletedURLs.clear();
+  dropURLCaches();
   const Json* const rows = mr_objectForKey(attributes, kRowURLs, JsonKind::array);
-  if (rows == nullptr) return;
+  if (rows == nullptr || rows->get_array().empty()) return;
   const auto self = weak_from_this().lock();
+  if (self == nullptr) return reportUnsharedItem();
   for (const Json& row : rows->get_array()) {
     if (const auto* const stored = row.if_object()) addURL(QNItemURL::urlForItem(self, *stored));
   }
@@ -136,9 +154,19 @@ bool QNItem::validateAndRepairImportedProperties() {
   if ((_uuid == nullptr || _uuid->empty()) && profileType() != 0) regenerateUuid();
   if (_updatedAt == 0) setUpdatedAt(secondsNow());
   if (_createdAt == 0) setCreatedAt(secondsNow());
-  const std::lock_guard lock(monitor());
-  if (JsonObject* const live = mutableDetails()) mr_removeNSNullValues(*live);
+  removeNullsFromDetails();
   return true;
+}
+
+// What was built from the details would bring its nulls back with the next save.
+void QNItem::removeNullsFromDetails() {
+  const std::lock_guard lock(monitor());
+  const JsonObject* const live = mutableDetails();
+  if (live == nullptr) return;
+  saveObjectsOfDetails();
+  JsonObject repaired = mr_deepMutableCopy(*live);
+  mr_removeNSNullValues(repaired);
+  if (!equalJson(repaired, *live)) copyDetails(repaired);
 }
 
 }  // namespace quillon

@@ -8,6 +8,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
@@ -113,6 +114,18 @@ TEST(QNItemRows, LeaveOutWhatDoesNotOpen) {
   EXPECT_THAT(keysOf(attributes), Not(Contains("overview")));
   EXPECT_THAT(keysOf(attributes), Not(Contains("details")));
   EXPECT_EQ(attributes.at("uuid"), Json(*row->uuid()));
+}
+
+TEST(QNItemRows, LeaveOutAllAddressesWhereOneDoesNotOpen) {
+  const auto item = filledItem(localVault());
+  item->URLAtIndex(1)->setOverviewData(localVault()->encryptOverview(bytesOf("{}")));
+  const MRCapturingSink sink;
+
+  const JsonObject attributes = item->allAttributes();
+
+  EXPECT_THAT(keysOf(attributes), Not(Contains("URLs")));
+  EXPECT_THAT(keysOf(attributes), Contains("details"));
+  EXPECT_FALSE(assertions(sink).empty());
 }
 
 TEST(QNItemRows, NeverShowAnIconThatWaitsForItsUpload) {
@@ -261,6 +274,88 @@ TEST(QNItemRows, ReplaceTheAddressesWithoutDeletingRows) {
   EXPECT_THAT(item->deletedURLs(), IsEmpty());
 }
 
+TEST(QNItemRows, WithoutAddressesLeaveNoDomainOfAFormerOne) {
+  const auto item = filledItem(localVault());
+  ASSERT_TRUE(item->nakedDomain());
+  ASSERT_TRUE(item->derivedDomain());
+
+  item->setAllAttributes(JsonObject());
+
+  EXPECT_EQ(item->nakedDomain(), std::nullopt);
+  EXPECT_EQ(item->derivedDomain(), std::nullopt);
+}
+
+TEST(QNItemRows, WithAddressesNeedAnItemThatIsShared) {
+  QNSampleItem item(initNew);
+  item.setProfile(localVault());
+  const MRCapturingSink sink;
+
+  item.setAllAttributes(jsonObject(R"({"URLs":[]})"));
+  EXPECT_THAT(assertions(sink), IsEmpty());
+  item.setAllAttributes(jsonObject(R"({"URLs":[{"overview":{"url":"https://a.example/"}}]})"));
+
+  EXPECT_THAT(assertions(sink), ElementsAre("An item with URLs is made with std::make_shared"));
+  EXPECT_EQ(item.numberOfURLs(), 0u);
+}
+
+TEST(QNItemRows, OfAnEarlierStateTakeBackEveryUnsavedEdit) {
+  const auto login = std::make_shared<QNLogin>(initNew);
+  login->setProfile(localVault());
+  login->copyDetails(jsonObject(
+      R"({"sections":[{"name":"s","fields":[{"n":"1","k":"string","t":"","v":"former"}]}]})"));
+  login->setUsername("ann");
+  const JsonObject before = login->allAttributes();
+  login->setUsername("changed");
+  login->setStringFieldValue("changed", "1");
+
+  login->setAllAttributes(before);
+
+  EXPECT_EQ(login->username(), "ann");
+  EXPECT_EQ(login->allAttributes(), before);
+}
+
+TEST(QNItemRows, LeaveDetailsThatDontOpenAsTheyAre) {
+  const Bytes overviewKey = mr_randomData(OVERVIEW_KEY_SIZE);
+  const Bytes masterKey = mr_randomData(MASTER_KEY_SIZE);
+  const auto vault = localVault();
+  const auto unlock = [&] {
+    vault->setOverviewKey(overviewKey);
+    vault->setMasterKey(masterKey);
+  };
+  unlock();
+  const auto row = filledItem(vault);
+  save(*row);
+  const auto item = opened(*row, vault);
+  vault->lock();
+  const MRCapturingSink sink;
+
+  item->setAllAttributes(jsonObject(
+      R"({"categoryUUID":"003","overview":{"title":"new"},"details":{"notesPlain":"new"},)"
+      R"("URLs":[{"overview":{"url":"https://c.example/"}}]})"));
+
+  EXPECT_EQ(item->detailsData(), row->detailsData());
+  EXPECT_TRUE(item->detailsLoaded());
+  EXPECT_EQ(item->title(), "new");
+  EXPECT_EQ(item->URLString(), "https://c.example/");
+  unlock();
+  EXPECT_EQ(item->notesPlain(), "the notes");
+  EXPECT_EQ(item->backupKeysBase64Encoded().size(), 1u);
+}
+
+TEST(QNItemRows, LeaveDetailsOfALockedAccountAsTheyAre) {
+  const auto vault = accountVault();
+  const auto row = filledItem(vault);
+  save(*row);
+  const auto item = opened(*row, vault);
+  vault->lock();
+  const MRCapturingSink sink;
+
+  item->setAllAttributes(jsonObject(R"({"details":{"notesPlain":"new"}})"));
+
+  vault->setLocked(false);
+  EXPECT_EQ(item->notesPlain(), "the notes");
+}
+
 TEST(QNItemRows, WithoutBackupKeysLeaveThemInPlace) {
   const auto item = newItem(localVault());
   const auto before = item->backupKeysBase64Encoded();
@@ -343,6 +438,26 @@ TEST(QNItemRows, WithARowIdMakeTheShellOfThatRow) {
   EXPECT_EQ(item->oid(), 7u);
   EXPECT_EQ(item->title(), "T");
   EXPECT_EQ(item->createdAt(), 5u);
+}
+
+TEST(QNItemRows, WithARowIdOfAnotherKindMakeANewItem) {
+  for (const auto* const oid : {R"("7")", "-1", "null", "[7]"}) {
+    const auto item = QNItem::itemWithAttributes(
+        jsonObject(fmt::format(R"({{"oid":{},"categoryUUID":"001"}})", oid)), localVault());
+
+    ASSERT_NE(item, nullptr) << oid;
+    EXPECT_FALSE(item->hasOid()) << oid;
+  }
+}
+
+TEST(QNItemRows, WithARowIdMayNameTheCategoryByItsTemplate) {
+  const auto item =
+      QNItem::itemWithAttributes(jsonObject(R"({"oid":7,"templateUuid":"005"})"), localVault());
+
+  ASSERT_NE(item, nullptr);
+  EXPECT_EQ(item->className(), "QNPassword");
+  EXPECT_EQ(item->oid(), 7u);
+  EXPECT_EQ(item->categoryUUID(), "005");
 }
 
 TEST(QNItemRows, OfANewItemWithoutTimesHaveNone) {
@@ -482,6 +597,39 @@ TEST(QNItemRepair, TakesNullsOutOfOverviewAndDetails) {
   EXPECT_EQ(mr_JSONStringWithError(*item->overviewCopy()), R"({"title":"T"})");
   EXPECT_EQ(mr_JSONStringWithError(*item->detailsCopy()),
             R"({"sections":[{"fields":[{"n":"i"}]}]})");
+}
+
+TEST(QNItemRepair, OfNullsStaysDoneInASave) {
+  const auto item = QNItem::itemWithAttributes(
+      jsonObject(
+          R"({"categoryUUID":"001","details":{"fields":[{"name":"u","value":"ann","id":null,)"
+          R"("designation":"username"},{"name":"p","value":null,"designation":"password"}],)"
+          R"("sections":[{"name":"s","title":null,"fields":[{"n":"i","k":"string","v":null}]}]}})"),
+      localVault());
+  ASSERT_NE(item, nullptr);
+  ASSERT_EQ(item->numberOfFieldSections(), 1u);
+
+  EXPECT_TRUE(item->validateAndRepairImportedProperties());
+  item->willSerialize();
+
+  EXPECT_THAT(*mr_JSONStringWithError(*item->detailsCopy()), Not(HasSubstr("null")));
+  EXPECT_EQ(item->username(), "ann");
+}
+
+TEST(QNItemRepair, KeepsEditsThatNoSaveHasWrittenYet) {
+  const auto item = QNItem::itemWithAttributes(
+      jsonObject(R"({"categoryUUID":"001","details":{"x":null,"sections":[{"name":"s","fields":)"
+                 R"([{"n":"1","k":"string","t":"","v":"former"}]}]}})"),
+      localVault());
+  ASSERT_NE(item, nullptr);
+  item->setUsername("ann");
+  item->setStringFieldValue("changed", "1");
+
+  EXPECT_TRUE(item->validateAndRepairImportedProperties());
+
+  EXPECT_EQ(item->username(), "ann");
+  EXPECT_EQ(item->detailsObjectForKey("x"), nullptr);
+  EXPECT_THAT(jsonText(item->detailsObjectForKey(kDetailsSections)), HasSubstr("changed"));
 }
 
 }  // namespace

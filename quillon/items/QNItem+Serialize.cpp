@@ -30,6 +30,10 @@ void QNItem::serializeDetails() {
   const auto present = password();
   updateStrength(present);
   retireOriginalPassword(present);
+  QNItem::saveObjectsOfDetails();  // a subclass has written its own by now
+}
+
+void QNItem::saveObjectsOfDetails() {
   _savePreviouslyUsedPasswords();
   saveFieldSections();
 }

@@ -22,6 +22,17 @@ bool QNItem::URLsAreAvailable() const {
   return false;
 }
 
+// One that doesn't open reads as empty, and must not be told as empty.
+bool QNItem::allOpen(const std::vector<std::shared_ptr<QNItemURL>>& urls) {
+  return std::all_of(urls.begin(), urls.end(),
+                     [](const auto& url) { return url->mutableOverview() != nullptr; });
+}
+
+void QNItem::reportUnsharedItem() const {
+  MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
+                                     "An item with URLs is made with std::make_shared");
+}
+
 std::vector<std::shared_ptr<QNItemURL>>& QNItem::mutableURLs() {
   auto& urls = openState().URLs;
   return urls ? *urls : urls.emplace();
@@ -95,10 +106,7 @@ void QNItem::addURL(const std::shared_ptr<QNItemURL>& url) {
     url->setProfile(profile());
     return;
   }
-  if (self == nullptr) {
-    MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
-                                       "An item with URLs is made with std::make_shared");
-  }
+  if (self == nullptr) reportUnsharedItem();
   markRowDirty();
   std::erase(openState().deletedURLs, url);  // a removal that is undone keeps its row
   url->setItem(self);

@@ -192,7 +192,9 @@ class QNItem : public QNDatabaseObjectWithOverview,
       const JsonObject& attributes, const std::shared_ptr<QNGenericProfile>& forProfile);
   void saveAllAttributes(JsonObject& attributes) override;
   /// An account vault's item keeps its uuid. Former keys stay, attachments too; all else of the
-  /// details and every address is replaced. Not beside a save on another thread.
+  /// details and every address is replaced, unsaved edits of sections and form entries included.
+  /// Details that don't open, as in a locked vault, stay as they are: the former keys lie in them.
+  /// Not beside a save on another thread.
   void restoreAllAttributes(const JsonObject& attributes) override;
   static void removePendingIconFromAttributesDictionary(JsonObject& attributes);
   /// Of an imported item: fills in what is missing, silently. False without a category.
@@ -211,7 +213,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
 
   // Fingerprint: QNItem+Fingerprint.cpp. Equal for equal content, whoever keeps it where and since
   // when. Each call runs willSerialize(), and marks a local item's attachments as loaded.
-  /// In clear. Nothing if overview or details don't open.
+  /// In clear. Nothing if overview, details or an address doesn't open.
   [[nodiscard]] std::optional<JsonObject> fingerprint_jsonDictionary() {
     return fingerprint_jsonDictionaryIgnoringDocumentFingerprint(false);
   }
@@ -227,7 +229,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   /// SHA-256 of that text, in 64 lower-case hexadecimal digits. DANGER: whoever has it can try
   /// guesses of what the item hides.
   [[nodiscard]] std::optional<std::string> fingerprint_fingerprint();
-  /// [TEXT, "FINGERPRINT"], in clear.
+  /// [TEXT, "FINGERPRINT"], in clear: yours to wipe.
   [[nodiscard]] std::optional<std::string> fingerprint_debugJSON();
 
   // Copies: QNItem+Copying.cpp. Of a loaded item, else an assertion log; a copy is null then.
@@ -235,10 +237,14 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::shared_ptr<QNItem> makeCopyWithoutAttachments() {
     return makeCopyWithAttachments(false);
   }
-  /// The same uuid in the same vault, without a row. A dirty item runs willSave() on the way.
+  /// The same uuid in the same vault, without a row. A dirty item runs willSave() on the way. Null
+  /// if what changed can't be sealed anew; without an unlocked vault nothing is touched then.
   [[nodiscard]] std::shared_ptr<QNItem> makeCopyWithAttachments(bool attachments);
   /// What a user takes for a copy: a uuid and a time of its own, no history, "- Copy" in its title.
+  /// Null in a locked vault.
   [[nodiscard]] std::shared_ptr<QNItem> makeDuplicateWithoutAttachments();
+  /// The details must be open. Files of an account vault's item that can't be seen are taken to be
+  /// there, and to have no signing keys.
   [[nodiscard]] QNCopyRequirement requirementForCopyingFromProfile(
       const std::shared_ptr<QNGenericProfile>& from,
       const std::shared_ptr<QNGenericProfile>& toProfile);
@@ -511,6 +517,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void _setFieldSections(std::optional<FieldSections> sections);
   /// Runs after details were parsed, inside the lock.
   virtual void didParseDetails();
+  /// Writes what was built from the details back into them.
+  virtual void saveObjectsOfDetails();
 
  private:
   struct OpenState;    // what an item has once somebody opens or edits it
@@ -531,7 +539,10 @@ class QNItem : public QNDatabaseObjectWithOverview,
   std::optional<Bytes> encryptedDetails(ByteView clear);
   void dropObjectsOfDetails();
 
+  void saveURLs(JsonObject& attributes);
+  void restoreDetails(const JsonObject& attributes);
   void restoreURLs(const JsonObject& attributes);
+  void removeNullsFromDetails();
   void decodeDetails(QNDecoder& coder);
   void encodeDetails(QNEncoder& coder);
   void adoptDecodedURLs();
@@ -567,6 +578,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   bool anyField(const Test& test);
 
   [[nodiscard]] bool URLsAreAvailable() const;
+  [[nodiscard]] static bool allOpen(const std::vector<std::shared_ptr<QNItemURL>>& urls);
+  void reportUnsharedItem() const;
   std::vector<std::shared_ptr<QNItemURL>>& mutableURLs();
   void dropURLCaches();
   void requireLoadedAttachments() const;

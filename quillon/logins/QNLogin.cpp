@@ -72,9 +72,19 @@ void QNLogin::copyDetails(const JsonObject& details) {
 
 void QNLogin::willSerialize() {
   const std::lock_guard guard(monitor());
+  saveLoginFields();
+  QNItem::willSerialize();
+}
+
+void QNLogin::saveObjectsOfDetails() {
+  const std::lock_guard guard(monitor());
+  saveLoginFields();
+  QNItem::saveObjectsOfDetails();
+}
+
+void QNLogin::saveLoginFields() {
   JsonObject* const stored = detailsLoaded() && _loginFieldsAreLoaded ? details() : nullptr;
   if (stored != nullptr) (*stored)[kDetailsFields] = _cachedLoginFields->jsonArray();
-  QNItem::willSerialize();
 }
 
 bool QNLogin::hasLoginFields() {

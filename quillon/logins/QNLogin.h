@@ -94,7 +94,11 @@ class QNLogin : public QNItem {
   void copyDetails(const JsonObject& details) override;
   void willSerialize() override;
 
+ protected:
+  void saveObjectsOfDetails() override;
+
  private:
+  void saveLoginFields();
   void _loadLoginFields();
   void dropLoginFields();
   void removeHtmlFormValueForKey(std::string_view key);

@@ -16,7 +16,8 @@ class H9UserAccount final {
 
   /// Do the hosts differ in their first label at most? "https://my.example.com" and
   /// "TEAM.example.com" are one server. An address without a host is no other's equal; hosts of
-  /// one label are all alike.
+  /// one label are all alike. IP addresses lose what stands before their first dot too: 10.0.0.1
+  /// and 192.0.0.1 are one server.
   static bool isServerURLOnSameServerAsServerURL(std::string_view server, std::string_view other);
 
  private:

@@ -34,6 +34,11 @@ TEST(H9UserAccount, IsOnNoServerWithoutAHost) {
   EXPECT_FALSE(same("https://my.example.com", ""));
 }
 
+TEST(H9UserAccount, TakesAnIPAddressForLabels) {
+  EXPECT_TRUE(same("https://10.0.0.1", "https://192.0.0.1"));
+  EXPECT_FALSE(same("https://10.0.0.1", "https://10.0.0.2"));
+}
+
 TEST(H9UserAccount, CannotTellHostsOfOneLabelApart) {
   EXPECT_TRUE(same("http://localhost", "http://server"));
 }
