@@ -28,7 +28,8 @@
 //                         one second), which then replaces the other
 //   deleted    unchanged  deleted, unless it is newer than the deletion
 //   deleted    changed    refused: copied back. Without a pair the times decide, and of one second
-//                         the item stays; so it does if the side that deleted saw another version
+//                         the item stays; so it does if all that the side that deleted remembers is
+//                         another version
 //   deleted    deleted    the later time for both
 //
 // Theirs is committed first, and both remember the pair of times that was reached. If mine then
@@ -242,8 +243,7 @@ QNResult<QNDone> QNStore::Merge::mergeDeletion(const std::string& uuid, Side& de
   const Head& item = *living.head(uuid);
   const bool isKnown = lastReached(uuid).has_value();
   const bool isNewer = item.updatedAt > deletedAt || (item.updatedAt == deletedAt && !isKnown);
-  const bool hasChangedSince =
-      (isKnown && hasChanged(living, uuid)) || !hasSeen(deleted, uuid, item);
+  const bool hasChangedSince = isKnown ? hasChanged(living, uuid) : !hasSeen(deleted, uuid, item);
   if (!isNewer && !hasChangedSince) return remove(uuid, living, deletedAt);
   note(uuid, Kind::deletionRefused);
   return copy(uuid, living, deleted);
