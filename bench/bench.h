@@ -72,6 +72,8 @@ void benchList(std::size_t count);
 void benchSave(std::size_t count);
 void benchImport(std::size_t count);
 void benchMemory(std::size_t count);
+/// Two stores that differ in one item of a hundred.
+void benchMerge(std::size_t count);
 void benchRows();
 void benchSections();
 void benchTemplates();

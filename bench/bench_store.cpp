@@ -141,6 +141,46 @@ void benchSave(std::size_t count) {
       count, edit * 1e3 / kSaves, load * 1e3 / kSaves);
 }
 
+void benchMerge(std::size_t count) {
+  BenchStore bench;
+  bench.import(count);
+  const std::filesystem::path other = bench.file().string() + "-other";
+  orFail(bench.store().backupTo(other));
+  const auto theirs = orFail(QNStore::open(other));
+  const auto vault = orFail(theirs->vaultNamed(QNProfile::primaryProfileName()));
+  if (!orFail(theirs->unlock(*vault, DEMO_PASSWORD))) std::abort();
+  const auto merge = [&] {
+    return orFail(
+        QNStore::merge({&bench.store(), bench.vault(), "mine"}, {theirs.get(), vault, "theirs"}));
+  };
+  merge();
+  std::vector<std::string> uuids;
+  const auto listBoth = [&] {
+    uuids.clear();
+    const auto visit = [&](const std::shared_ptr<QNItem>& item) { uuids.push_back(*item->uuid()); };
+    orFail(theirs->list(vault, QNStore::Which::all, visit));
+    orFail(bench.store().list(bench.vault(), QNStore::Which::all, visit));
+  };
+  const double lists = bestSecondsOf(3, listBoth);
+  std::size_t changed = 0;
+  orFail(bench.store().inTransaction([&]() -> QNResult<QNDone> {
+    for (std::size_t i = 0; i < count; i += 100, ++changed) {
+      const auto item = orFail(bench.store().item(bench.vault(), uuids[i]));
+      item->setTitle(fmt::format("Changed {}", i));
+      orFail(bench.store().save(item));
+    }
+    return QNDone{};
+  }));
+  QNMergeReport report;
+  const double seconds = secondsOf([&] { report = merge(); });
+  if (report.items.size() != changed) std::abort();
+  const double unchanged = bestSecondsOf(3, [&] { merge(); });
+  fmt::print(
+      "merge    {:>9} items  {:8.3f} s with {} changed, {:.3f} s with none; both lists {:.3f} s  "
+      "ratio {:4.2f}  (wanted: 1.5)\n",
+      count, seconds, changed, unchanged, lists, seconds / lists);
+}
+
 void benchMemory(std::size_t count) {
   BenchStore bench;
   bench.import(count);

@@ -26,6 +26,7 @@ QNExit exitForStore(QNStoreErrorCode code) {
     case QNStoreErrorCode::busy:
     case QNStoreErrorCode::lostRace:
     case QNStoreErrorCode::locked:
+    case QNStoreErrorCode::sameFile:
       return QNExit::failed;
   }
   return QNExit::failed;

@@ -11,7 +11,8 @@ namespace quillon {
 /// "SECTION.FIELD".
 struct QNMergedField {
   enum class Outcome {
-    taken,         // the other side's value came over
+    taken,         // the other side's value came over; of a joined item the own one may be a
+                   // conflict's field, or in the history
     kept,          // the own value stayed, and the other side's is gone
     joined,        // it is made of both
     conflictCopy,  // the own value stayed, and the other side's is a conflict's field, or in the
@@ -28,10 +29,11 @@ struct QNMergedItem {
     copiedToTheirs,
     replacedMine,    // only theirs had changed
     replacedTheirs,  // only mine had changed
-    joined,          // both had changed
+    joined,          // both had changed: made of both, on both sides
     deletedMine,
     deletedTheirs,
-    deletionRefused,  // one side had deleted what the other has changed since: it is back
+    deletionRefused,  // one side had deleted what the other has changed since, or what it hadn't
+                      // seen: that side has the other's item again
     notJoined,        // of different categories: each side keeps its own
   };
   std::string uuid;
@@ -40,9 +42,10 @@ struct QNMergedItem {
 };
 
 struct QNMergeReport {
-  std::vector<QNMergedItem> items;  // that were touched, by uuid; what was in step isn't named
+  std::vector<QNMergedItem> items;  // that were touched, by uuid; what was in step isn't named,
+                                    // nor what both had deleted
   std::uint64_t compared = 0;       // uuids of both sides together
-  std::uint64_t opened = 0;         // items whose details were read
+  std::uint64_t opened = 0;         // readings of details; an item that is joined is read 3 times
 };
 
 }  // namespace quillon

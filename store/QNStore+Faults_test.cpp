@@ -7,6 +7,7 @@
 
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/sync/QNSyncState.h"
+#include "store/internal/QNMergeTesting.h"
 #include "store/internal/QNStoreTesting.h"
 
 namespace quillon {
@@ -312,51 +313,44 @@ TEST_F(QNStoreFaults, AnOlderFileIsBroughtForwardWholeOrNotAtAllWhateverCallFail
   }
 }
 
-// Two files can't be committed at once: whatever was written of a merge, the next one finds both
-// sides' changes and ends as if nothing had failed.
+// Two files can't be committed at once: whatever was written of a merge, each file is the old or
+// the new one, and the next merge ends as if nothing had failed.
 TEST_F(QNStoreFaults, AMergeLosesNothingWhateverCallFails) {
-  const std::filesystem::path theirFile = folder / "theirs.quillon";
-  const auto merge = [](Session& mine, Session& theirs) {
-    return QNStore::merge({mine.store.get(), mine.vault, "mine"},
-                          {theirs.store.get(), theirs.vault, "theirs"});
+  QNScopedClock clock(1'700'000'000);
+  const std::filesystem::path myFile = folder / "mine", theirFile = folder / "theirs";
+  makeStoresApart(myFile, theirFile, clock);
+  const StoreSnapshot mySnapshot(myFile), theirSnapshot(theirFile);
+  const auto textsOf = [](const std::filesystem::path& path) {
+    Session session = openSession(path);
+    EXPECT_EQ(problemsIn(session), std::vector<std::string>());
+    return textsIn(session);
   };
-  const auto setNotes = [&](Session& session, std::string_view notes) {
-    const auto item = std::move(session.store->item(session.vault, uuid)).value();
-    item->setNotesPlain(notes);
-    ASSERT_TRUE(session.store->save(item).ok());
-  };
-  const auto notesIn = [&](Session& session) {
-    return std::move(session.store->item(session.vault, uuid)).value()->notesPlain();
-  };
+  const auto mineBefore = textsOf(myFile), theirsBefore = textsOf(theirFile);
   {
-    Session mine = openSession(file);
-    ASSERT_TRUE(mine.store->backupTo(theirFile).ok());
-    Session theirs = openSession(theirFile);
-    ASSERT_TRUE(merge(mine, theirs).ok());
-    setNotes(mine, "mine");
-    setNotes(theirs, "theirs");
+    Session mine = openSession(myFile), theirs = openSession(theirFile);
+    ASSERT_EQ(errorOf(mergeStores(mine, theirs)), "");
   }
-  original = bytesOfFile(file);
-  const std::string theirOriginal = bytesOfFile(theirFile);
+  const auto after = textsOf(myFile);
+  ASSERT_EQ(textsOf(theirFile), after);
   for (std::uint64_t calls = 0; !HasFailure(); ++calls) {
     SCOPED_TRACE(calls);
-    restore();
-    for (const char* suffix : {"-wal", "-shm"}) {
-      std::filesystem::remove(theirFile.string() + suffix);
-    }
-    writeFile(theirFile, theirOriginal);
+    mySnapshot.putBack();
+    theirSnapshot.putBack();
     bool failed = false;
     {
-      Session mine = openSession(file), theirs = openSession(theirFile);
+      Session mine = openSession(myFile), theirs = openSession(theirFile);
       fileSystem.failAfter(calls, true);
-      static_cast<void>(merge(mine, theirs));
+      static_cast<void>(mergeStores(mine, theirs));
       failed = fileSystem.stop();
     }
+    const auto mineNow = textsOf(myFile), theirsNow = textsOf(theirFile);
+    EXPECT_TRUE(mineNow == mineBefore || mineNow == after);
+    EXPECT_TRUE(theirsNow == theirsBefore || theirsNow == after);
 
-    Session mine = openSession(file), theirs = openSession(theirFile);
-    EXPECT_EQ(errorOf(merge(mine, theirs)), "");
+    Session mine = openSession(myFile), theirs = openSession(theirFile);
+    EXPECT_EQ(errorOf(mergeStores(mine, theirs)), "");
     for (Session* session : {&mine, &theirs}) {
-      EXPECT_EQ(notesIn(*session), "mine\n\n===\n\ntheirs");
+      EXPECT_EQ(textsIn(*session), after);
       EXPECT_EQ(problemsIn(*session), std::vector<std::string>());
     }
     if (failed) continue;

@@ -1,32 +1,39 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/platform/data/MRData.h"
 #include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/json/QNJsonEquality.h"
 #include "quillon/sync/QNSyncState.h"
 #include "store/QNStore.h"
 #include "store/internal/QNItemParts.h"
 #include "store/internal/QNStoreState.h"
 
-// What becomes of a uuid. "Changed" is a row whose tx_timestamp isn't the one that both sides
-// remember alike; without such a memory both have changed.
+// What becomes of a uuid. "Changed" is a row whose tx_timestamp isn't the one of the last pair that
+// both sides had reached; without such a pair both have changed.
 //
 //   mine       theirs     then
 //   unchanged  unchanged  nothing, and nothing is opened
 //   an item    none       copied, or a tombstone; the same the other way round
-//   equal      equal      nothing: the same bytes, or the same parts once opened
+//   equal      equal      nothing: the same bytes, or the same content once opened
 //   changed    unchanged  replaces theirs; the same the other way round
-//   changed    changed    joined into mine, which then replaces theirs
+//   changed    changed    joined into the one that was changed later (into mine, if both were in
+//                         one second), which then replaces the other
 //   deleted    unchanged  deleted, unless it is newer than the deletion
-//   deleted    changed    refused: copied back. Without a memory the times alone decide
+//   deleted    changed    refused: copied back. Without a pair the times decide, and of one second
+//                         the item stays; so it does if all that the side that deleted remembers is
+//                         another version
+//   deleted    deleted    the later time for both
 //
-// Theirs is committed first. If mine then fails, the two memories differ, and what was done counts
-// as changed on both sides the next time: joined again, which adds nothing.
+// Theirs is committed first, and both remember the pair of times that was reached. If mine then
+// fails, theirs remembers a pair that mine never had: the older one of two that differ counts.
 
 namespace quillon {
 
@@ -61,6 +68,16 @@ QNError vaultDamaged(std::string_view what) {
   return storeError(QNStoreErrorCode::damaged, what);
 }
 
+/// How far the two rows of a uuid were when they held the same.
+struct Reached {
+  std::uint64_t mine = 0;
+  std::uint64_t theirs = 0;
+};
+
+bool isNotAfter(const Reached& a, const Reached& b) {
+  return a.mine <= b.mine && a.theirs <= b.theirs;
+}
+
 }  // namespace
 
 class QNStore::Merge final {
@@ -89,21 +106,26 @@ class QNStore::Merge final {
   [[nodiscard]] std::set<std::string> uuids() const;
   QNResult<QNDone> mergeOne(const std::string& uuid);
   QNResult<QNDone> mergeDeletion(const std::string& uuid, Side& deleted, Side& living);
+  QNResult<QNDone> mergeTombstones(const std::string& uuid);
   QNResult<QNDone> mergeItems(const std::string& uuid);
   QNResult<QNDone> replace(const std::string& uuid, Side& side, QNItem& loser,
                            const std::shared_ptr<QNItem>& winner);
+  QNResult<QNDone> saveWithoutDuplicateURLs(const std::string& uuid, Side& side,
+                                            const std::shared_ptr<QNItem>& item);
   QNResult<QNDone> join(const std::string& uuid, const std::shared_ptr<QNItem>& mine,
                         const std::shared_ptr<QNItem>& theirs);
   QNResult<QNDone> copy(const std::string& uuid, Side& from, Side& to);
   QNResult<QNDone> copyTombstone(const std::string& uuid, Side& from, Side& to);
   QNResult<QNDone> remove(const std::string& uuid, Side& side, std::uint64_t deletedAt);
+  QNResult<QNDone> bury(const std::string& uuid, Side& side, std::uint64_t deletedAt);
   QNResult<QNDone> writeState(Side& side, Side& partner);
 
   Loaded load(const std::string& uuid, Side& side);
   QNResult<QNDone> saveIn(Side& side, const std::string& uuid, const std::shared_ptr<QNItem>& item,
                           Database::Times times);
   void noteWritten(Side& side, const std::string& uuid, std::uint64_t oid, const Head& content);
-  bool isRemembered(const std::string& uuid);
+  std::optional<Reached> lastReached(const std::string& uuid);
+  static bool hasSeen(const Side& side, const std::string& uuid, const Head& other);
   bool hasChanged(Side& side, const std::string& uuid);
   /// The last time that was given in that side's vault.
   static std::uint64_t lastTxOf(const Side& side);
@@ -177,18 +199,27 @@ std::set<std::string> QNStore::Merge::uuids() const {
   return all;
 }
 
-/// Do both sides remember the same of it?
-bool QNStore::Merge::isRemembered(const std::string& uuid) {
+/// Nothing if one side remembers nothing, or the two can't be told apart by age.
+std::optional<Reached> QNStore::Merge::lastReached(const std::string& uuid) {
   const auto mine = _mine.source->syncStateForItemUUID(uuid);
   const auto theirs = _theirs.source->syncStateForItemUUID(uuid);
-  return mine != nullptr && theirs != nullptr &&
-         mine->localTimestamp() == theirs->sourceTimestamp() &&
-         mine->sourceTimestamp() == theirs->localTimestamp();
+  if (mine == nullptr || theirs == nullptr) return std::nullopt;
+  const Reached own = {mine->localTimestamp(), mine->sourceTimestamp()};
+  const Reached other = {theirs->sourceTimestamp(), theirs->localTimestamp()};
+  if (isNotAfter(own, other)) return own;
+  return isNotAfter(other, own) ? std::optional(other) : std::nullopt;
 }
 
 bool QNStore::Merge::hasChanged(Side& side, const std::string& uuid) {
-  if (!isRemembered(uuid)) return true;
-  return side.head(uuid)->txTimestamp != side.source->syncStateForItemUUID(uuid)->localTimestamp();
+  const auto reached = lastReached(uuid);
+  if (!reached) return true;
+  return side.head(uuid)->txTimestamp != (&side == &_mine ? reached->mine : reached->theirs);
+}
+
+/// Does nothing that this side remembers speak against it having met that version of the other's?
+bool QNStore::Merge::hasSeen(const Side& side, const std::string& uuid, const Head& other) {
+  const auto state = side.source->syncStateForItemUUID(uuid);
+  return state == nullptr || state->sourceTimestamp() == other.txTimestamp;
 }
 
 // One uuid
@@ -198,7 +229,7 @@ QNResult<QNDone> QNStore::Merge::mergeOne(const std::string& uuid) {
   const Head* const theirs = _theirs.head(uuid);
   if (mine == nullptr) return copy(uuid, _theirs, _mine);
   if (theirs == nullptr) return copy(uuid, _mine, _theirs);
-  if (mine->isTombstone && theirs->isTombstone) return QNDone{};
+  if (mine->isTombstone && theirs->isTombstone) return mergeTombstones(uuid);
   if (mine->isTombstone) return mergeDeletion(uuid, _mine, _theirs);
   if (theirs->isTombstone) return mergeDeletion(uuid, _theirs, _mine);
   if (!hasChanged(_mine, uuid) && !hasChanged(_theirs, uuid)) return QNDone{};
@@ -209,11 +240,21 @@ QNResult<QNDone> QNStore::Merge::mergeOne(const std::string& uuid) {
 QNResult<QNDone> QNStore::Merge::mergeDeletion(const std::string& uuid, Side& deleted,
                                                Side& living) {
   const std::uint64_t deletedAt = deleted.head(uuid)->updatedAt;
-  const bool isNewer = living.head(uuid)->updatedAt > deletedAt;
-  const bool hasChangedSince = isRemembered(uuid) && hasChanged(living, uuid);
+  const Head& item = *living.head(uuid);
+  const bool isKnown = lastReached(uuid).has_value();
+  const bool isNewer = item.updatedAt > deletedAt || (item.updatedAt == deletedAt && !isKnown);
+  const bool hasChangedSince = isKnown ? hasChanged(living, uuid) : !hasSeen(deleted, uuid, item);
   if (!isNewer && !hasChangedSince) return remove(uuid, living, deletedAt);
   note(uuid, Kind::deletionRefused);
   return copy(uuid, living, deleted);
+}
+
+/// Not told: it was deleted on both sides before.
+QNResult<QNDone> QNStore::Merge::mergeTombstones(const std::string& uuid) {
+  const std::uint64_t mine = _mine.head(uuid)->updatedAt;
+  const std::uint64_t theirs = _theirs.head(uuid)->updatedAt;
+  if (mine == theirs) return QNDone{};
+  return bury(uuid, mine < theirs ? _mine : _theirs, std::max(mine, theirs));
 }
 
 QNResult<QNDone> QNStore::Merge::mergeItems(const std::string& uuid) {
@@ -221,16 +262,18 @@ QNResult<QNDone> QNStore::Merge::mergeItems(const std::string& uuid) {
   if (!mine.ok()) return mine.error();
   const Loaded theirs = load(uuid, _theirs);
   if (!theirs.ok()) return theirs.error();
-  const auto own = partsOf(*mine.value());
-  const auto other = partsOf(*theirs.value());
-  if (!own || !other) return vaultDamaged("an item doesn't open");
-  if (equalParts(*own, *other)) return QNDone{};
+  const auto ownContent = contentOf(*mine.value());
+  const auto otherContent = contentOf(*theirs.value());
+  if (!ownContent || !otherContent) return vaultDamaged("an item doesn't open");
+  if (equalJson(*ownContent, *otherContent)) return QNDone{};
+  const auto own = partsOf(*ownContent);
+  const auto other = partsOf(*otherContent);
   if (!hasChanged(_theirs, uuid)) {
-    note(uuid, Kind::replacedTheirs, outcomes(*other, *own, *own));
+    note(uuid, Kind::replacedTheirs, outcomes(other, own, own));
     return replace(uuid, _theirs, *theirs.value(), mine.value());
   }
   if (!hasChanged(_mine, uuid)) {
-    note(uuid, Kind::replacedMine, outcomes(*own, *other, *other));
+    note(uuid, Kind::replacedMine, outcomes(own, other, other));
     return replace(uuid, _mine, *mine.value(), theirs.value());
   }
   return join(uuid, mine.value(), theirs.value());
@@ -238,31 +281,54 @@ QNResult<QNDone> QNStore::Merge::mergeItems(const std::string& uuid) {
 
 QNResult<QNDone> QNStore::Merge::replace(const std::string& uuid, Side& side, QNItem& loser,
                                          const std::shared_ptr<QNItem>& winner) {
+  Side& partner = &side == &_mine ? _theirs : _mine;
+  const auto cleaned = saveWithoutDuplicateURLs(uuid, partner, winner);
+  if (!cleaned.ok()) return cleaned.error();
   const auto result = std::dynamic_pointer_cast<QNItem>(loser.objectByReplacingWith(winner));
   if (result == nullptr) return vaultDamaged("an item can't take another's place");
   result->setUpdatedAt(winner->updatedAt());
+  // What the loser had isn't retired now: the winner's history is the one that counts.
+  result->noteOriginalPassword();
   return saveIn(side, uuid, result, Database::Times::kept);
 }
 
-/// The merge takes objects of theirs over, so what theirs becomes is read once more.
+/// The replaced side gets each address once, so the winner's side must have it once too. Before the
+/// replacement, which takes objects of the winner over.
+QNResult<QNDone> QNStore::Merge::saveWithoutDuplicateURLs(const std::string& uuid, Side& side,
+                                                          const std::shared_ptr<QNItem>& item) {
+  const std::size_t before = item->numberOfURLs();
+  item->removeDuplicateURLs();
+  if (item->numberOfURLs() == before) return QNDone{};
+  return saveIn(side, uuid, item, Database::Times::kept);
+}
+
+/// The merge takes objects of the other over, so what the other becomes is read once more.
 QNResult<QNDone> QNStore::Merge::join(const std::string& uuid, const std::shared_ptr<QNItem>& mine,
                                       const std::shared_ptr<QNItem>& theirs) {
-  const auto own = partsOf(*mine);
-  const auto other = partsOf(*theirs);
-  const auto joined = std::dynamic_pointer_cast<QNItem>(mine->mergeWithConflict(theirs));
+  const auto own = contentOf(*mine);
+  const auto other = contentOf(*theirs);
+  const bool isTheirsLater = theirs->updatedAt() > mine->updatedAt();
+  Side& into = isTheirsLater ? _theirs : _mine;
+  Side& from = isTheirsLater ? _mine : _theirs;
+  const auto& later = isTheirsLater ? theirs : mine;
+  std::set<std::string> tags = mine->tags();
+  tags.merge(theirs->tags());
+  const auto joined =
+      std::dynamic_pointer_cast<QNItem>(later->mergeWithConflict(isTheirsLater ? mine : theirs));
   if (joined == nullptr) {
     note(uuid, Kind::notJoined);
     _apart.insert(uuid);
     return QNDone{};
   }
-  const auto saved = saveIn(_mine, uuid, joined, Database::Times::now);
+  if (joined->tags() != tags) joined->setTags(tags);
+  const auto saved = saveIn(into, uuid, joined, Database::Times::now);
   if (!saved.ok()) return saved.error();
-  const auto parts = partsOf(*joined);
-  if (!own || !other || !parts) return vaultDamaged("an item doesn't open");
-  note(uuid, Kind::joined, outcomes(*own, *other, *parts));
-  const Loaded again = load(uuid, _theirs);
+  const auto content = contentOf(*joined);
+  if (!own || !other || !content) return vaultDamaged("an item doesn't open");
+  note(uuid, Kind::joined, outcomes(partsOf(*own), partsOf(*other), partsOf(*content)));
+  const Loaded again = load(uuid, from);
   if (!again.ok()) return again.error();
-  return replace(uuid, _theirs, *again.value(), joined);
+  return replace(uuid, from, *again.value(), joined);
 }
 
 QNResult<QNDone> QNStore::Merge::copy(const std::string& uuid, Side& from, Side& to) {
@@ -277,7 +343,12 @@ QNResult<QNDone> QNStore::Merge::copy(const std::string& uuid, Side& from, Side&
 
 QNResult<QNDone> QNStore::Merge::copyTombstone(const std::string& uuid, Side& from, Side& to) {
   const Head& head = *from.head(uuid);
-  const auto key = from.vault()->decryptItemKey(from.database().wrappedKeyOf(head.oid));
+  const auto before = from.database().rowWithOid(head.oid, from.vault());
+  if (!before.ok()) return before.error();
+  // A key that isn't this row's may be another's.
+  const Bytes own =
+      from.database().wrappedKeyOf(head.oid, before.value().bodyHash).value_or(Bytes());
+  const auto key = own.empty() ? nullptr : from.vault()->decryptItemKey(own);
   const Bytes wrapped =
       key == nullptr ? Bytes() : to.vault()->encryptItemKey(key).value_or(Bytes());
   const auto ledger = to.database().openLedger(to.vault());
@@ -294,12 +365,17 @@ QNResult<QNDone> QNStore::Merge::copyTombstone(const std::string& uuid, Side& fr
 
 QNResult<QNDone> QNStore::Merge::remove(const std::string& uuid, Side& side,
                                         std::uint64_t deletedAt) {
+  note(uuid, &side == &_mine ? Kind::deletedMine : Kind::deletedTheirs);
+  return bury(uuid, side, deletedAt);
+}
+
+QNResult<QNDone> QNStore::Merge::bury(const std::string& uuid, Side& side,
+                                      std::uint64_t deletedAt) {
   Head head = *side.head(uuid);
   const auto before = side.database().rowWithOid(head.oid, side.vault());
   if (!before.ok()) return before.error();
   const auto buried = side.database().bury(before.value(), deletedAt);
   if (!buried.ok()) return buried.error();
-  note(uuid, &side == &_mine ? Kind::deletedMine : Kind::deletedTheirs);
   head.isTombstone = true;
   head.updatedAt = deletedAt;
   noteWritten(side, uuid, head.oid, head);
@@ -382,8 +458,29 @@ QNResult<QNDone> QNStore::Merge::writeState(Side& side, Side& partner) {
 
 // The whole
 
+/// One file would be locked against itself, and an open transaction would end after the merge has
+/// said that it is durable.
+QNResult<QNDone> QNStore::requireTwoStores(const QNMergeSide& mine, const QNMergeSide& theirs) {
+  for (const QNMergeSide* side : {&mine, &theirs}) {
+    if (side->store == nullptr || side->vault == nullptr) {
+      return storeError(QNStoreErrorCode::notFound, "a side has no store or no vault");
+    }
+    if (side->store->_database->file->inTransaction()) {
+      return storeError(QNStoreErrorCode::busy, "a transaction of this store is going on");
+    }
+  }
+  std::error_code unknown;
+  const bool isOne = mine.store == theirs.store ||
+                     std::filesystem::equivalent(mine.store->_database->file->path(),
+                                                 theirs.store->_database->file->path(), unknown);
+  if (isOne) return storeError(QNStoreErrorCode::sameFile, "both sides are one file");
+  return QNDone{};
+}
+
 QNResult<QNMergeReport> QNStore::merge(const QNMergeSide& mine, const QNMergeSide& theirs,
                                        MergeMode mode) {
+  const auto two = requireTwoStores(mine, theirs);
+  if (!two.ok()) return two.error();
   Merge merge(mine, theirs);
   const auto work = [&]() -> QNResult<QNDone> {
     const auto run = merge.run();

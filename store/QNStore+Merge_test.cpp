@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 
 #include <map>
+#include <set>
 
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/fields/QNItemStringField.h"
 #include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/json/QNJsonEquality.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/sync/QNSyncState.h"
 #include "store/internal/QNDatabase.h"
@@ -51,6 +53,13 @@ class QNStoreMerge : public ::testing::Test {
     EXPECT_TRUE(bytesOfBoth() == before);
     return report.value();
   }
+  static void setPasswordOf(QNItem& item, std::string_view password) {
+    if (item.categoryUUID() == QNCategoryUUIDPassword) return item.setPassword(password);
+    if (item.password()) return item.setStringFieldValue(password, "password");
+    const auto field = QNItemConcealedField::fieldWithIdentifier("password");
+    field->setValue(password);
+    item.fieldSectionWithName("s", "Section")->addField(field);
+  }
   std::string bytesOfBoth() const {
     std::string bytes;
     for (const auto& file : {myFile, theirFile}) {
@@ -58,27 +67,68 @@ class QNStoreMerge : public ::testing::Test {
     }
     return bytes;
   }
-  static std::map<std::string, QNItemParts> itemsOf(Session& session) {
-    std::map<std::string, QNItemParts> items;
+  /// What each item is, by uuid, or when it was deleted.
+  static std::map<std::string, JsonObject> itemsOf(Session& session,
+                                                   const std::filesystem::path& file) {
+    std::map<std::string, JsonObject> items;
     const auto feed = std::move(session.store->changesSince(session.vault, 0)).value();
     for (const auto& change : feed.changes) {
-      auto& parts = items[change.uuid];
-      if (change.kind == QNStoredChange::Kind::deleted) continue;
+      if (change.kind == QNStoredChange::Kind::deleted) {
+        items[change.uuid]["deleted"] = deletionOf(file, change.uuid);
+        continue;
+      }
       const auto item = std::move(session.store->item(session.vault, change.uuid)).value();
-      parts = partsOf(*item).value();
-      parts.emplace("updated", Json(item->updatedAt()));
-      parts.emplace("created", Json(item->createdAt()));
+      JsonObject content = contentOf(*item).value();
+      content["updated"] = item->updatedAt();
+      content["created"] = item->createdAt();
+      items.emplace(change.uuid, std::move(content));
     }
     return items;
   }
+  static std::uint64_t deletionOf(const std::filesystem::path& file, std::string_view uuid) {
+    const auto database = std::move(QNDatabase::open(file, QNDatabase::Mode::readOnly)).value();
+    QNQuery query = database->query(
+        "SELECT updated_at FROM items WHERE uuid = ?1 AND category_uuid = '099'", uuid);
+    return query.next() ? query.number(0) : 0;
+  }
   void expectEqualSides() {
-    const auto own = itemsOf(mine);
-    const auto other = itemsOf(theirs);
+    const auto own = itemsOf(mine, myFile);
+    const auto other = itemsOf(theirs, theirFile);
     EXPECT_EQ(own.size(), other.size());
-    for (const auto& [uuid, parts] : own) {
+    for (const auto& [uuid, content] : own) {
       ASSERT_TRUE(other.contains(uuid)) << uuid;
-      EXPECT_TRUE(equalParts(parts, other.at(uuid))) << uuid;
+      EXPECT_TRUE(equalJson(content, other.at(uuid))) << uuid;
     }
+  }
+  /// Theirs is written, and then mine fails: mine is what it was.
+  void mergeOnlyTheirs() {
+    const auto before = folder / "before";
+    ASSERT_EQ(errorOf(mine.store->backupTo(before)), "");
+    ASSERT_TRUE(tryMerge().ok());
+    mine = Session();
+    for (const char* const suffix : {"", "-wal", "-shm"}) {
+      std::filesystem::remove(myFile.string() + suffix);
+    }
+    std::filesystem::rename(before, myFile);
+    mine = openSession(myFile);
+  }
+  /// An item of the first side with two fields in a section.
+  std::string uuidOfSections() {
+    const auto item = itemIn(mine, uuidOfFirst());
+    for (const char* const name : {"pin", "code"}) {
+      const auto field = QNItemStringField::fieldWithIdentifier(name);
+      field->setValue("before");
+      item->fieldSectionWithName("s", "Section")->addField(field);
+    }
+    EXPECT_EQ(errorOf(mine.store->save(item)), "");
+    return *item->uuid();
+  }
+  static std::vector<std::string> historyOf(QNItem& item) {
+    std::vector<std::string> history;
+    for (const auto& entry : item.previouslyUsedPasswords()) {
+      history.emplace_back(entry.value()->reveal());
+    }
+    return history;
   }
   static std::shared_ptr<QNItem> itemIn(Session& session, std::string_view uuid) {
     auto item = session.store->item(session.vault, uuid);
@@ -246,36 +296,31 @@ TEST_F(QNStoreMerge, WhatBothChangedIsJoinedOnBothSides) {
   EXPECT_EQ(report.items[0].kind, Kind::joined);
   const auto fields = fieldsOf(report.items[0]);
   ASSERT_TRUE(fields.contains("password"));
-  EXPECT_EQ(fields.at("password"), Outcome::conflictCopy);
+  EXPECT_EQ(fields.at("password"), Outcome::taken);
   EXPECT_EQ(fields.at("notesPlain"), Outcome::joined);
   EXPECT_EQ(fields.at("overview.urls"), Outcome::taken);
   for (Session* session : {&mine, &theirs}) {
     const auto item = itemIn(*session, uuid);
-    EXPECT_TRUE(item->password()->equals("mine"));
-    EXPECT_EQ(item->notesPlain(), "my notes\n\n===\n\ntheir notes");
+    EXPECT_TRUE(item->password()->equals("theirs"));
+    // Retired here and there, at different times.
+    EXPECT_THAT(historyOf(*item), testing::UnorderedElementsAre("pass 1", "pass 1", "mine"));
+    EXPECT_EQ(item->notesPlain(), "their notes\n\n===\n\nmy notes");
     EXPECT_EQ(item->numberOfURLs(), 2u);
   }
 }
 
 TEST_F(QNStoreMerge, AFieldThatBothChangedIsKeptAmongTheConflicts) {
-  const auto item = itemIn(mine, uuidOfFirst());
-  for (const char* const name : {"pin", "code"}) {
-    const auto field = QNItemStringField::fieldWithIdentifier(name);
-    field->setValue("before");
-    item->fieldSectionWithName("s", "Section")->addField(field);
-  }
-  ASSERT_TRUE(mine.store->save(item).ok());
+  const std::string uuid = uuidOfSections();
   copyFile();
   merged();
-  const std::string uuid = uuidOfFirst();
-  edit(mine, uuid, [](QNItem& own) {
-    own.setStringFieldValue("mine", "pin");
-    own.setUsername("mine@example.com");
-  });
   edit(theirs, uuid, [](QNItem& other) {
     other.setStringFieldValue("theirs", "pin");
     other.setStringFieldValue("after", "code");
     other.setUsername("theirs@example.com");
+  });
+  edit(mine, uuid, [](QNItem& own) {
+    own.setStringFieldValue("mine", "pin");
+    own.setUsername("mine@example.com");
   });
 
   const QNMergeReport report = merged();
@@ -287,17 +332,51 @@ TEST_F(QNStoreMerge, AFieldThatBothChangedIsKeptAmongTheConflicts) {
             "mine");
 }
 
-TEST_F(QNStoreMerge, ATitleThatBothChangedStaysMine) {
+TEST_F(QNStoreMerge, WhatBothChangedInOneSecondIsJoinedIntoMine) {
   copyFile();
   merged();
   const std::string uuid = uuidOfFirst();
   edit(mine, uuid, [](QNItem& item) { item.setTitle("mine"); });
+  clock.setSeconds(secondsNow() - 10);
   edit(theirs, uuid, [](QNItem& item) { item.setTitle("theirs"); });
 
   const QNMergeReport report = merged();
 
   EXPECT_EQ(fieldsOf(report.items.at(0)).at("overview.title"), Outcome::kept);
   EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"mine"});
+}
+
+// Without a memory, as after a restored or copied file, one of both must win.
+TEST_F(QNStoreMerge, WithoutAMemoryTheLaterTitleAndPasswordWinAndTagsAreUnited) {
+  for (const bool isMineLater : {true, false}) {
+    SCOPED_TRACE(isMineLater);
+    const std::string uuid = *savedLogin(mine, "one", "https://one.example", "old")->uuid();
+    std::filesystem::remove(theirFile);
+    copyFile();
+    Session& later = isMineLater ? mine : theirs;
+    edit(isMineLater ? theirs : mine, uuid, [](QNItem& item) { item.setTags({"home", "shop"}); });
+    edit(later, uuid, [](QNItem& item) {
+      item.setTitle("later");
+      item.setPassword("new");
+      item.setTags({"home", "work"});
+    });
+
+    const QNMergeReport report = merged();
+
+    ASSERT_EQ(report.items.size(), 1u);
+    EXPECT_EQ(report.items[0].kind, Kind::joined);
+    for (Session* const session : {&mine, &theirs}) {
+      const auto item = itemIn(*session, uuid);
+      EXPECT_EQ(item->title(), "later");
+      EXPECT_TRUE(item->password()->equals("new"));
+      EXPECT_EQ(item->tags(), (std::set<std::string>{"home", "shop", "work"}));
+      EXPECT_EQ(historyOf(*item).at(0), "old");
+    }
+    theirs = Session();
+    mine = Session();
+    for (const auto& each : {myFile, theirFile}) std::filesystem::remove(each);
+    mine = makeSession(myFile);
+  }
 }
 
 TEST_F(QNStoreMerge, WithoutAMemoryBothHaveChanged) {
@@ -311,24 +390,183 @@ TEST_F(QNStoreMerge, WithoutAMemoryBothHaveChanged) {
   EXPECT_EQ(itemIn(mine, uuid)->notesPlain(), "theirs");
 }
 
-// Theirs was committed, and then mine failed: mine is what it was.
+TEST_F(QNStoreMerge, ARenamedSectionIsAChange) {
+  const std::string uuid = uuidOfSections();
+  copyFile();
+  merged();
+  edit(mine, uuid, [](QNItem& item) { item.fieldSectionWithName("s", "")->setTitle("renamed"); });
+
+  const QNMergeReport report = merged();
+
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].kind, Kind::replacedTheirs);
+  EXPECT_EQ(fieldsOf(report.items[0]), (std::map<std::string, Outcome>{{"s", Outcome::taken}}));
+  edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("theirs"); });
+  merged();
+  EXPECT_EQ(itemIn(mine, uuid)->fieldSectionWithName("s", "")->title(), "renamed");
+}
+
+TEST_F(QNStoreMerge, AnotherOrderOfFieldsIsAChange) {
+  const std::string uuid = uuidOfSections();
+  copyFile();
+  merged();
+  edit(mine, uuid, [](QNItem& item) {
+    const auto section = item.fieldSectionWithName("s", "");
+    const auto first = section->fields().at(0);
+    section->removeField(first);
+    section->addField(first);
+  });
+
+  const QNMergeReport report = merged();
+
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].kind, Kind::replacedTheirs);
+  edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("theirs"); });
+  merged();
+  const auto fields = itemIn(mine, uuid)->fieldSectionWithName("s", "")->fields();
+  EXPECT_EQ(fields.at(0)->identifier(), "code");
+}
+
+// Passwords in fields: the side that is replaced must not retire what it had once more.
+TEST_F(QNStoreMerge, PasswordsOfOtherCategoriesHaveOneHistory) {
+  for (const std::string_view category : {QNCategoryUUIDPassword, QNCategoryUUIDServer}) {
+    SCOPED_TRACE(category);
+    theirs = Session();
+    mine = Session();
+    for (const auto& each : {myFile, theirFile}) std::filesystem::remove(each);
+    mine = makeSession(myFile);
+    const auto made = mine.vault->newItemForCategoryUUID(std::string(category));
+    made->setProfile(mine.vault);
+    made->setTitle("one");
+    setPasswordOf(*made, "first");
+    ASSERT_EQ(errorOf(mine.store->save(made)), "");
+    const std::string uuid = *made->uuid();
+    copyFile();
+    merged();
+    edit(mine, uuid, [](QNItem& item) { setPasswordOf(item, "second"); });
+
+    EXPECT_EQ(merged().items.at(0).kind, Kind::replacedTheirs);
+
+    EXPECT_THAT(historyOf(*itemIn(theirs, uuid)), ElementsAre("first"));
+    edit(mine, uuid, [](QNItem& item) { setPasswordOf(item, "mine"); });
+    edit(theirs, uuid, [](QNItem& item) { setPasswordOf(item, "theirs"); });
+
+    EXPECT_EQ(merged().items.at(0).kind, Kind::joined);
+
+    EXPECT_TRUE(itemIn(mine, uuid)->password()->equals("theirs"));
+  }
+}
+
+TEST_F(QNStoreMerge, AnAddressThatStandsTwiceStandsOnceOnBothSides) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) {
+    item.addURLString("https://two.example", "one label");
+    item.addURLString("https://two.example", "another");
+  });
+
+  merged();
+
+  EXPECT_EQ(itemIn(mine, uuid)->numberOfURLs(), 2u);
+  EXPECT_EQ(itemIn(theirs, uuid)->numberOfURLs(), 2u);
+}
+
+// One of the two files isn't written
+
 TEST_F(QNStoreMerge, LosesNothingIfOneSideCouldNotBeWritten) {
   copyFile();
   merged();
   const std::string uuid = uuidOfFirst();
   edit(mine, uuid, [](QNItem& item) { item.setNotesPlain("mine"); });
   edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("theirs"); });
-  ASSERT_TRUE(mine.store->backupTo(folder / "before").ok());
-  ASSERT_TRUE(tryMerge().ok());
-  mine = Session();
-  std::filesystem::remove(myFile);
-  std::filesystem::copy_file(folder / "before", myFile);
-  mine = openSession(myFile);
+  mergeOnlyTheirs();
 
   const QNMergeReport report = merged();
 
   EXPECT_EQ(report.items.at(0).kind, Kind::joined);
-  EXPECT_EQ(itemIn(mine, uuid)->notesPlain(), "mine\n\n===\n\ntheirs");
+  EXPECT_EQ(itemIn(mine, uuid)->notesPlain(), "theirs\n\n===\n\nmine");
+}
+
+TEST_F(QNStoreMerge, AfterHalfAMergeWhatTheirsAloneHadChangedStillReplacesMine) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(theirs, uuid, [](QNItem& item) {
+    item.setTitle("theirs");
+    item.setPassword("pass 2");
+    item.setTags({"work"});
+  });
+  mergeOnlyTheirs();
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::replacedMine);
+
+  const auto item = itemIn(mine, uuid);
+  EXPECT_EQ(item->title(), "theirs");
+  EXPECT_TRUE(item->password()->equals("pass 2"));
+  EXPECT_EQ(item->tags(), std::set<std::string>{"work"});
+}
+
+TEST_F(QNStoreMerge, AfterHalfAMergeWhatMineAloneHadChangedIsInStep) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) {
+    item.setTitle("mine");
+    item.setPassword("pass 2");
+    item.setTags({"work"});
+  });
+  mergeOnlyTheirs();
+
+  EXPECT_THAT(merged().items, IsEmpty());
+
+  EXPECT_EQ(itemIn(theirs, uuid)->title(), "mine");
+}
+
+TEST_F(QNStoreMerge, AfterHalfAMergeALaterChangeIsNotUndone) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("mine"); });
+  mergeOnlyTheirs();
+  edit(theirs, uuid, [](QNItem& item) { item.setTitle("later"); });
+
+  merged();
+
+  EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"later"});
+}
+
+TEST_F(QNStoreMerge, AfterHalfAMergeADeletionOfAnUnseenChangeIsStillRefused) {
+  for (const bool isMineDeleted : {true, false}) {
+    SCOPED_TRACE(isMineDeleted);
+    const std::string uuid = *savedLogin(mine, "one")->uuid();
+    if (theirs.store == nullptr) copyFile();
+    merged();
+    edit(isMineDeleted ? theirs : mine, uuid, [](QNItem& item) { item.setTitle("needed"); });
+    remove(isMineDeleted ? mine : theirs, uuid);
+    mergeOnlyTheirs();
+
+    merged();
+
+    for (Session* const session : {&mine, &theirs}) {
+      const auto item = itemIn(*session, uuid);
+      ASSERT_NE(item, nullptr);
+      EXPECT_EQ(item->title(), "needed");
+    }
+  }
+}
+
+// Mine has no memory at all, so the times would decide.
+TEST_F(QNStoreMerge, ADeletionByASideThatSawAnotherVersionIsRefused) {
+  copyFile();
+  mergeOnlyTheirs();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("needed"); });
+  remove(theirs, uuid);
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::deletionRefused);
+
+  EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"needed"});
 }
 
 TEST_F(QNStoreMerge, ItemsOfDifferentCategoriesStayAsTheyAre) {
@@ -484,13 +722,61 @@ TEST_F(QNStoreMerge, ADeletionThatTheOtherNeverHadIsTold) {
   EXPECT_EQ(feed.changes[0].kind, QNStoredChange::Kind::deleted);
 }
 
-TEST_F(QNStoreMerge, WhatBothDeletedIsInStep) {
+TEST_F(QNStoreMerge, WithoutAMemoryADeletionInTheSecondOfAChangeRemovesNothing) {
+  copyFile();
+  const std::string uuid = uuidOfFirst();
+  remove(mine, uuid);
+  clock.setSeconds(secondsNow() - 10);
+  edit(theirs, uuid, [](QNItem& item) { item.setTitle("of that second"); });
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::deletionRefused);
+
+  EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"of that second"});
+}
+
+// The item was seen, so the deletion came after it.
+TEST_F(QNStoreMerge, WithAMemoryADeletionInTheSecondOfTheLastChangeGoesOver) {
+  copyFile();
+  merged();
+  clock.setSeconds(secondsNow() - 10);
+  remove(mine, uuidOfFirst());
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::deletedTheirs);
+}
+
+TEST_F(QNStoreMerge, WhatBothDeletedHasTheLaterTime) {
   copyFile();
   const std::string uuid = uuidOfFirst();
   remove(mine, uuid);
   remove(theirs, uuid);
+  const std::uint64_t later = secondsNow();
 
   EXPECT_THAT(merged().items, IsEmpty());
+
+  EXPECT_EQ(deletionOf(myFile, uuid), later);
+  EXPECT_EQ(deletionOf(theirFile, uuid), later);
+}
+
+TEST_F(QNStoreMerge, AKeyThatIsAnothersDoesNotGoOverWithADeletion) {
+  const MRCapturingSink silence;
+  savedLogin(mine, "second");
+  makeAnother();
+  const auto feed = std::move(mine.store->changesSince(mine.vault, 0)).value();
+  for (const auto& change : feed.changes) remove(mine, change.uuid);
+  auto database = std::move(QNDatabase::open(myFile, QNDatabase::Mode::readWrite)).value();
+  database->run(
+      "CREATE TEMP TABLE keys AS SELECT item_id, wrapped_key FROM details;"
+      "UPDATE details SET wrapped_key = (SELECT wrapped_key FROM keys WHERE keys.item_id != "
+      "details.item_id)");
+  ASSERT_FALSE(database->failed());
+  database.reset();
+
+  ASSERT_TRUE(tryMerge().ok());
+
+  database = std::move(QNDatabase::open(theirFile, QNDatabase::Mode::readOnly)).value();
+  EXPECT_EQ(database->number("SELECT count(*) FROM details"), 2u);
+  EXPECT_EQ(database->number("SELECT count(*) FROM details WHERE length(wrapped_key) > 0"), 0u);
+  EXPECT_EQ(problemsIn(theirs), std::vector<std::string>());
 }
 
 // Dry runs and failures
@@ -502,13 +788,13 @@ TEST_F(QNStoreMerge, ADryRunTellsTheSameAndChangesNothing) {
   edit(mine, uuid, [](QNItem& item) { item.setNotesPlain("mine"); });
   edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("theirs"); });
   savedLogin(mine, "new");
-  const auto own = itemsOf(mine);
-  const auto other = itemsOf(theirs);
+  const auto own = itemsOf(mine, myFile);
+  const auto other = itemsOf(theirs, theirFile);
 
   const auto dry = std::move(tryMerge(QNStore::MergeMode::dryRun)).value();
 
-  EXPECT_EQ(itemsOf(mine).size(), own.size());
-  EXPECT_EQ(itemsOf(theirs).size(), other.size());
+  EXPECT_EQ(itemsOf(mine, myFile), own);
+  EXPECT_EQ(itemsOf(theirs, theirFile), other);
   EXPECT_EQ(itemIn(mine, uuid)->notesPlain(), "mine");
   EXPECT_EQ(itemIn(theirs, uuid)->notesPlain(), "theirs");
   EXPECT_EQ(problemsIn(mine), std::vector<std::string>());
@@ -543,8 +829,83 @@ TEST_F(QNStoreMerge, ChangesNeitherSideIfARowIsMissing) {
   auto database = std::move(QNDatabase::open(theirFile, QNDatabase::Mode::readWrite)).value();
   database->run("DELETE FROM items");
   database.reset();
+  const auto before = itemsOf(mine, myFile);
 
   EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::damaged));
+
+  EXPECT_EQ(itemsOf(mine, myFile), before);
+  EXPECT_TRUE(mine.store->syncSources(mine.vault).value().empty());
+}
+
+TEST_F(QNStoreMerge, ChangesNeitherSideIfOneIsInUse) {
+  copyFile();
+  merged();
+  edit(mine, uuidOfFirst(), [](QNItem& item) { item.setTitle("mine"); });
+  savedLogin(theirs, "theirs");
+  const auto own = itemsOf(mine, myFile);
+  const auto other = itemsOf(theirs, theirFile);
+  for (const auto& file : {myFile, theirFile}) {
+    auto writer = std::move(QNDatabase::open(file, QNDatabase::Mode::readWrite)).value();
+    const QNTransaction writing(*writer, QNTransaction::Kind::write);
+
+    EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::busy));
+
+    EXPECT_EQ(itemsOf(mine, myFile), own);
+    EXPECT_EQ(itemsOf(theirs, theirFile), other);
+  }
+  merged();
+}
+
+TEST_F(QNStoreMerge, ChangesNeitherSideIfOneMayOnlyBeRead) {
+  copyFile();
+  savedLogin(mine, "new");
+  theirs = openSession(theirFile, QNStore::Access::readOnly);
+  const auto own = itemsOf(mine, myFile);
+  const auto other = itemsOf(theirs, theirFile);
+
+  EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::notWritable));
+
+  EXPECT_EQ(itemsOf(mine, myFile), own);
+  EXPECT_EQ(itemsOf(theirs, theirFile), other);
+  EXPECT_TRUE(mine.store->syncSources(mine.vault).value().empty());
+}
+
+TEST_F(QNStoreMerge, MergesNoFileWithItself) {
+  const std::string before = bytesOfFile(myFile) + bytesOfFile(myFile.string() + "-wal");
+  const QNMergeSide own = {mine.store.get(), mine.vault, "mine"};
+  std::filesystem::create_symlink(myFile, folder / "link");
+  Session again = openSession(myFile), linked = openSession(folder / "link");
+
+  for (Session* const other : {&mine, &again, &linked}) {
+    EXPECT_EQ(errorOf(QNStore::merge(own, {other->store.get(), other->vault, "theirs"})),
+              codeText(QNStoreErrorCode::sameFile));
+  }
+
+  EXPECT_TRUE(bytesOfFile(myFile) + bytesOfFile(myFile.string() + "-wal") == before);
+}
+
+TEST_F(QNStoreMerge, NeedsTwoStoresAndTwoVaults) {
+  copyFile();
+  const QNMergeSide own = {mine.store.get(), mine.vault, "mine"};
+
+  for (const QNMergeSide& none : {QNMergeSide{nullptr, theirs.vault, "theirs"},
+                                  QNMergeSide{theirs.store.get(), nullptr, "theirs"}}) {
+    EXPECT_EQ(errorOf(QNStore::merge(own, none)), codeText(QNStoreErrorCode::notFound));
+    EXPECT_EQ(errorOf(QNStore::merge(none, own)), codeText(QNStoreErrorCode::notFound));
+  }
+}
+
+TEST_F(QNStoreMerge, IsNoPartOfAnotherTransaction) {
+  copyFile();
+  for (Session* const session : {&mine, &theirs}) {
+    std::string inside;
+    const auto done = session->store->inTransaction([&]() -> QNResult<QNDone> {
+      inside = errorOf(tryMerge());
+      return QNDone{};
+    });
+    EXPECT_EQ(errorOf(done), "");
+    EXPECT_EQ(inside, codeText(QNStoreErrorCode::busy));
+  }
 }
 
 TEST_F(QNStoreMerge, MergesNoLockedVault) {

@@ -10,10 +10,12 @@
 
 #include <charconv>
 #include <csignal>
+#include <cstdlib>
 #include <map>
 #include <random>
 
 #include "quillon/platform/log/MRLogger.h"
+#include "store/internal/QNMergeTesting.h"
 #include "store/internal/QNStoreTesting.h"
 
 namespace quillon {
@@ -238,6 +240,77 @@ constexpr int kStores = 1;
 constexpr int kStores = 10;
 #endif
 INSTANTIATE_TEST_SUITE_P(Stores, QNStoreKilled, ::testing::Range(0, kStores));
+
+// Merges. QUILLON_MERGE_KILLS: how many are killed.
+
+int mergeKills() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  constexpr int kUsual = 5;
+#else
+  constexpr int kUsual = 60;
+#endif
+  const char* const wanted = std::getenv("QUILLON_MERGE_KILLS");
+  return wanted == nullptr ? kUsual : numberIn(wanted);
+}
+
+struct TwoTexts {
+  std::map<std::string, std::string> mine, theirs;
+};
+
+TwoTexts soundTextsOf(const std::filesystem::path& myFile, const std::filesystem::path& theirFile) {
+  Session mine = openSession(myFile), theirs = openSession(theirFile);
+  EXPECT_EQ(problemsIn(mine), std::vector<std::string>());
+  EXPECT_EQ(problemsIn(theirs), std::vector<std::string>());
+  return {textsIn(mine), textsIn(theirs)};
+}
+
+TEST(QNStoreProcesses, AKilledMergeLeavesEachFileWholeAndTheNextOneEndsIt) {
+  const TemporaryFolder folder;
+  const std::filesystem::path myFile = folder / "mine", theirFile = folder / "theirs";
+  QNScopedClock clock(1'700'000'000);
+  makeStoresApart(myFile, theirFile, clock);
+  const StoreSnapshot mySnapshot(myFile), theirSnapshot(theirFile);
+  const TwoTexts before = soundTextsOf(myFile, theirFile);
+  const auto merge = [&] {
+    Session mine = openSession(myFile), theirs = openSession(theirFile);
+    return errorOf(mergeStores(mine, theirs));
+  };
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_EQ(merge(), "");
+  const auto needed = std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::steady_clock::now() - start);
+  const auto after = soundTextsOf(myFile, theirFile).mine;
+  ASSERT_NE(before.mine, after);
+  ASSERT_NE(before.theirs, after);
+  std::mt19937 random(1);
+  std::uniform_int_distribution<std::int64_t> microseconds(0, needed.count());
+  int unfinished = 0;
+  for (int round = 0; round < mergeKills() && !::testing::Test::HasFailure(); ++round) {
+    SCOPED_TRACE(round);
+    mySnapshot.putBack();
+    theirSnapshot.putBack();
+    Child child([&](const Child::Report& report) {
+      Session mine = openSession(myFile), theirs = openSession(theirFile);
+      report("ready");
+      report(errorOf(mergeStores(mine, theirs)));
+    });
+    child.awaitReports(1);
+    usleep(static_cast<useconds_t>(microseconds(random)));
+    child.killIt();
+    if (child.finish().size() < 2) ++unfinished;
+
+    const TwoTexts now = soundTextsOf(myFile, theirFile);
+    EXPECT_TRUE(now.mine == before.mine || now.mine == after);
+    EXPECT_TRUE(now.theirs == before.theirs || now.theirs == after);
+    // Theirs is written first.
+    EXPECT_TRUE(now.mine == before.mine || now.theirs == after);
+    EXPECT_EQ(merge(), "");
+    const TwoTexts ended = soundTextsOf(myFile, theirFile);
+    EXPECT_EQ(ended.mine, after);
+    EXPECT_EQ(ended.theirs, after);
+  }
+  EXPECT_GT(unfinished, 0);  // the kills did fall into merges
+}
 
 // Two writers
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "quillon/platform/data/MRData.h"
 #include "quillon/sync/QNSyncSource.h"
 #include "quillon/sync/QNSyncState.h"
 #include "store/QNStore.h"
@@ -142,6 +143,14 @@ QNStoredChange::Kind kindOf(const QNItemRow& row) {
   return row.status == 1 ? QNStoredChange::Kind::trashed : QNStoredChange::Kind::saved;
 }
 
+/// Row ids are used again: whoever still holds a deleted source must not write over the one that
+/// has its row now. Below 2^62, so that it can grow.
+std::uint64_t firstRevision() {
+  std::uint64_t revision = 0;
+  for (const std::uint8_t byte : mr_randomData(sizeof revision)) revision = revision << 8 | byte;
+  return (revision >> 2) + 1;
+}
+
 QNResult<std::shared_ptr<QNProfile>> vaultOf(const QNSyncSource& source) {
   auto vault = std::dynamic_pointer_cast<QNProfile>(source.profile());
   if (vault == nullptr) {
@@ -245,7 +254,7 @@ QNResult<QNDone> QNStore::Database::insertSyncSource(const std::shared_ptr<QNSyn
   const auto hash = statesHash(rowsOf(statesOf(*source)));
   QNSyncSourceRow row = columnsOf(*source, hash);
   row.oid = file->number("SELECT coalesce(max(oid), 0) + 1 FROM sync_sources");
-  row.revision = 1;
+  row.revision = firstRevision();
   const auto seal = QNRowSealer(vault).seal(row);
   if (!seal) return storeError(QNStoreErrorCode::locked, "the vault's keys aren't there");
   file->change("INSERT INTO sync_sources (" QN_SYNC_SOURCE_COLUMNS

@@ -305,6 +305,20 @@ TEST_F(QNStoreSync, TellsTheSecondOfTwoWritersOfASource) {
   EXPECT_TRUE(mine->dirtyRow());
 }
 
+TEST_F(QNStoreSync, AWriterOfADeletedSourceTouchesNoneThatCameLater) {
+  const auto source = savedSource();
+  Session second = openSession(file);
+  const auto stale = std::move(second.store->syncSources(second.vault)).value().at(0);
+  ASSERT_EQ(errorOf(session.store->deleteSyncSource(source)), "");
+  savedSource();
+  stale->setKeychainType("stale");
+
+  EXPECT_EQ(errorOf(second.store->saveSyncSource(stale)), codeText(QNStoreErrorCode::lostRace));
+  EXPECT_EQ(errorOf(second.store->deleteSyncSource(stale)), codeText(QNStoreErrorCode::lostRace));
+
+  EXPECT_EQ(sources().at(0)->keychainType(), std::nullopt);
+}
+
 TEST_F(QNStoreSync, AFailedTransactionLeavesASourceAsItWas) {
   const auto source = savedSource();
   const auto fresh = newSource();

@@ -61,7 +61,9 @@ class QNStore;
 struct QNMergeSide {
   QNStore* store = nullptr;
   std::shared_ptr<QNProfile> vault;  // of that store, unlocked
-  /// The name under which the other side remembers this one: where the file lies, for instance.
+  /// The name under which the other side remembers this one: where the file lies, for instance. The
+  /// same at each merge, and one alone for each place (an absolute path without links): under
+  /// another name nothing is remembered, and each difference counts as changed on both sides.
   std::string place;
 };
 
@@ -169,10 +171,12 @@ class QNStore final {
 
   // Merging: QNStore+Merge.cpp
   enum class MergeMode { write, dryRun };
-  /// Brings two vaults of two stores into step: afterwards both hold the same items, and a second
-  /// run changes nothing. One transaction on each side. A dry run does the same and takes it back,
-  /// so it needs the right to write too. Errors: locked, damaged if either vault isn't sound,
-  /// busy, unreadableItem, ...
+  /// Brings two vaults of two stores into step: afterwards both hold the same items, but for those
+  /// of different categories (notJoined), and a second run changes nothing. Attachments, counters
+  /// of use and the place among the favourites aren't brought over. One transaction on each side,
+  /// and none may be open. A dry run does the same and takes it back, so it needs the right to
+  /// write too. Errors: sameFile, notFound for a side without store or vault, locked, damaged if
+  /// either vault isn't sound, busy, notWritable, unreadableItem, ...
   static QNResult<QNMergeReport> merge(const QNMergeSide& mine, const QNMergeSide& theirs,
                                        MergeMode mode = MergeMode::write);
 
@@ -192,6 +196,7 @@ class QNStore final {
  private:
   struct Database;
   class Merge;
+  static QNResult<QNDone> requireTwoStores(const QNMergeSide& mine, const QNMergeSide& theirs);
   explicit QNStore(std::unique_ptr<Database> database);
   std::unique_ptr<Database> _database;
 };

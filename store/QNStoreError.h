@@ -22,6 +22,7 @@ enum class QNStoreErrorCode : std::int64_t {
   locked = 10,          // the vault must be unlocked for this
   unreadableItem = 11,  // an item or vault that couldn't be opened again isn't saved
   inputOutput = 12,     // the system failed to read or write
+  sameFile = 13,        // a store was to be merged with itself
 };
 
 QNError storeError(QNStoreErrorCode code, std::string_view message);

@@ -230,6 +230,11 @@ bool QNDatabase::inTransaction() const {
   return sqlite3_get_autocommit(_connection) == 0;
 }
 
+std::filesystem::path QNDatabase::path() const {
+  const char* const name = sqlite3_db_filename(_connection, "main");
+  return name == nullptr ? "" : name;
+}
+
 // Transactions
 
 QNTransaction::QNTransaction(QNDatabase& database, Kind kind)

@@ -104,6 +104,8 @@ class QNDatabase final {
   /// Keeps `error` unless there is one already.
   void fail(QNError error);
   [[nodiscard]] bool inTransaction() const;
+  /// Absolute.
+  [[nodiscard]] std::filesystem::path path() const;
 
  private:
   friend class QNQuery;

@@ -8,13 +8,15 @@
 #include "quillon/items/QNFingerprintConstants.h"
 #include "quillon/platform/json/QNJsonEquality.h"
 
-// A part's name    of the fingerprint's document
-// templateUUID...  each member of the document itself
+// A part's name    of the content
+// templateUUID...  each member of the content itself: tags, folder too
 // overview.KEY     each member of its overview
 // KEY              each other member of its details
 // username, ...    an entry of the login form that is designated so; the others: form.NUMBER
-// SECTION.FIELD    each field of a section; without a name its place, from 1
-// tags, folder     of the item
+// SECTION          each section, without its fields: its title above all
+// SECTION.FIELD    each field of a section
+//
+// Sections and fields without a name have their place, from 1.
 
 namespace quillon {
 
@@ -22,6 +24,8 @@ namespace {
 
 constexpr std::string_view kConflictsPrefix = "conflicts.";
 constexpr std::string_view kPassword = "password";
+constexpr std::string_view kContentTags = "tags";
+constexpr std::string_view kContentFolder = "folder";
 
 void add(QNItemParts& parts, std::string name, const Json& value) {
   // Two fields of one name are two parts.
@@ -47,6 +51,14 @@ void addForm(QNItemParts& parts, const JsonArray& entries) {
   }
 }
 
+void addSectionItself(QNItemParts& parts, const std::string& name, const Json& section,
+                      bool hasFields) {
+  if (!hasFields) return add(parts, name, section);
+  JsonObject itself(section.get_object(), jsonStorage());
+  itself.stable_erase(FingerprintDetailsSectionFields);
+  add(parts, name, std::move(itself));
+}
+
 void addSections(QNItemParts& parts, const JsonArray& sections) {
   std::size_t sectionPlace = 0;
   for (const Json& section : sections) {
@@ -55,10 +67,8 @@ void addSections(QNItemParts& parts, const JsonArray& sections) {
         section.is_object() ? mr_objectForKey(section.get_object(), FingerprintDetailsSectionFields,
                                               JsonKind::array)
                             : nullptr;
-    if (fields == nullptr) {
-      add(parts, name, section);
-      continue;
-    }
+    addSectionItself(parts, name, section, fields != nullptr);
+    if (fields == nullptr) continue;
     std::size_t place = 0;
     for (const Json& field : fields->get_array()) {
       add(parts, name + "." + textOr(field, "n", ++place), field);
@@ -128,12 +138,18 @@ bool isKeptElsewhere(const std::string& name, const Json& theirs, const QNItemPa
 
 }  // namespace
 
-std::optional<QNItemParts> partsOf(QNItem& item) {
+std::optional<JsonObject> contentOf(QNItem& item) {
   // A document's own fingerprint never equals another.
-  const auto document = item.fingerprint_jsonDictionaryIgnoringDocumentFingerprint(true);
-  if (!document) return std::nullopt;
+  auto content = item.fingerprint_jsonDictionaryIgnoringDocumentFingerprint(true);
+  if (!content) return std::nullopt;
+  if (!item.tags().empty()) (*content)[kContentTags] = tagsOf(item);
+  if (const auto folder = item.folderUUID()) setJsonText(*content, kContentFolder, *folder);
+  return content;
+}
+
+QNItemParts partsOf(const JsonObject& content) {
   QNItemParts parts;
-  for (const auto& [key, value] : *document) {
+  for (const auto& [key, value] : content) {
     if (key == FingerprintOverview && value.is_object()) {
       for (const auto& [name, part] : value.get_object()) {
         add(parts, fmt::format("overview.{}", std::string_view(name)), part);
@@ -144,15 +160,7 @@ std::optional<QNItemParts> partsOf(QNItem& item) {
       add(parts, std::string(key), value);
     }
   }
-  if (!item.tags().empty()) add(parts, "tags", tagsOf(item));
-  if (const auto folder = item.folderUUID()) add(parts, "folder", Json(*folder));
   return parts;
-}
-
-bool equalParts(const QNItemParts& a, const QNItemParts& b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& one, const auto& other) {
-    return one.first == other.first && equalJson(one.second, other.second);
-  });
 }
 
 std::vector<QNMergedField> outcomes(const QNItemParts& mine, const QNItemParts& theirs,

@@ -11,13 +11,14 @@
 
 namespace quillon {
 
-/// Part by name, in clear, in the wiping resource. What an item's fingerprint leaves out isn't
-/// there, but tags and folder are.
-using QNItemParts = std::map<std::string, Json>;
+/// All that two versions can differ in: the document of the fingerprint, with the members "tags"
+/// and "folder" if there are any. Orders count. Nothing if the item doesn't open.
+std::optional<JsonObject> contentOf(QNItem& item);
 
-/// Nothing if the item doesn't open.
-std::optional<QNItemParts> partsOf(QNItem& item);
-bool equalParts(const QNItemParts& a, const QNItemParts& b);
+/// Part by name, in clear, in the wiping resource; for a report. Two contents of the same parts may
+/// differ still, for instance in an order: only the contents tell whether items are equal.
+using QNItemParts = std::map<std::string, Json>;
+QNItemParts partsOf(const JsonObject& content);
 
 /// What became of each part in which `mine` and `theirs` differ.
 std::vector<QNMergedField> outcomes(const QNItemParts& mine, const QNItemParts& theirs,

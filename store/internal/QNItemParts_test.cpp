@@ -4,6 +4,7 @@
 
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/fields/QNItemStringField.h"
+#include "quillon/platform/json/QNJsonEquality.h"
 #include "store/internal/QNStoreTesting.h"
 
 namespace quillon {
@@ -12,6 +13,10 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Outcome = QNMergedField::Outcome;
+
+bool haveEqualContent(QNItem& one, QNItem& other) {
+  return equalJson(contentOf(one).value(), contentOf(other).value());
+}
 
 class QNItemPartsOfALogin : public ::testing::Test {
  protected:
@@ -37,25 +42,41 @@ TEST_F(QNItemPartsOfALogin, AreNamedAfterTheirKeys) {
   item->setTags({"work"});
   item->setFolderUUID("f");
 
-  const QNItemParts parts = partsOf(*item).value();
+  const QNItemParts parts = partsOf(*contentOf(*item));
 
-  for (const char* const name : {"templateUUID", "trashed", "overview.title", "overview.urls",
-                                 "username", "password", "notesPlain", "s.pin", "tags", "folder"}) {
+  for (const char* const name :
+       {"templateUUID", "trashed", "overview.title", "overview.urls", "username", "password",
+        "notesPlain", "s", "s.pin", "tags", "folder"}) {
     EXPECT_TRUE(parts.contains(name)) << name;
   }
 }
 
-TEST_F(QNItemPartsOfALogin, AreEqualWhateverTheRowSays) {
+TEST_F(QNItemPartsOfALogin, HasEqualContentWhateverTheRowSays) {
   const auto one = login(), other = login();
   other->setCreatedAt(1);
   other->setUpdatedAt(2);
   other->setNumberOfTimesUsed(3);
   other->setUuid(sharedString("another"));
-  EXPECT_TRUE(equalParts(partsOf(*one).value(), partsOf(*other).value()));
+  EXPECT_TRUE(haveEqualContent(*one, *other));
 
   other->setTags({"work"});
 
-  EXPECT_FALSE(equalParts(partsOf(*one).value(), partsOf(*other).value()));
+  EXPECT_FALSE(haveEqualContent(*one, *other));
+}
+
+TEST_F(QNItemPartsOfALogin, HasOtherContentInAnotherOrderAndUnderAnotherTitle) {
+  const auto one = login(), other = login(), renamed = login();
+  for (const auto& item : {one, renamed}) {
+    addField(*item, "s", "pin", "1");
+    addField(*item, "s", "code", "1");
+  }
+  addField(*other, "s", "code", "1");
+  addField(*other, "s", "pin", "1");
+  renamed->fieldSectionWithName("s", "")->setTitle("renamed");
+
+  EXPECT_FALSE(haveEqualContent(*one, *other));
+  EXPECT_FALSE(haveEqualContent(*one, *renamed));
+  EXPECT_FALSE(equalJson(partsOf(*contentOf(*one)).at("s"), partsOf(*contentOf(*renamed)).at("s")));
 }
 
 TEST_F(QNItemPartsOfALogin, TwoFieldsOfOneNameAreTwoParts) {
@@ -63,7 +84,7 @@ TEST_F(QNItemPartsOfALogin, TwoFieldsOfOneNameAreTwoParts) {
   addField(*item, "s", "pin", "1");
   addField(*item, "s", "pin", "2");
 
-  const QNItemParts parts = partsOf(*item).value();
+  const QNItemParts parts = partsOf(*contentOf(*item));
 
   EXPECT_TRUE(parts.contains("s.pin"));
   EXPECT_TRUE(parts.contains("s.pin'"));
