@@ -94,7 +94,8 @@ CREATE INDEX urls_by_derived_hash ON urls (derived_hash);
 
 // A deleted item keeps its row, and so what changed since a moment can be told from `items` alone.
 // The states of a source are read and written as one: their place is all the key that they need.
-// Of a hash, the indexes hold a start that tells hosts apart: whole ones made a tenth of an import's work.
+// Of a hash, the indexes hold a start that tells hosts apart: whole ones cost an import some
+// percent.
 constexpr const char* kVersion2 = R"sql(
 DROP INDEX urls_by_naked_hash;
 DROP INDEX urls_by_derived_hash;
