@@ -238,12 +238,31 @@ class ImportOfAnExport(ExportTest):
                 ('{"format":"quillon","version":1}', "no list of items"),
                 ('{"format":"quillon","version":1,"items":[7]}', "item 1: it has no row"),
                 (json.dumps(second), "item 2: it has no uuid"),
+                (self.with_row(good, overview=7), "item 1: it has no overview"),
+                (self.with_row(good, details=[]), "item 1: it has no details"),
+                (self.with_row(good, URLs=[7]), "item 1: its URLs are no list of objects"),
                 (json.dumps(twice), "item 6: an earlier one has its uuid"),
                 (json.dumps(foreign), "item 3: a local vault takes no item of its category")):
             result = self.run_tool("import", self.write("e.json", content), code=1)
             self.assertIn("e.json: ", result.err)
             self.assertIn(reason, result.err)
             self.assertEqual(self.export().json["items"], [])
+
+    @staticmethod
+    def with_row(exported, **members):
+        changed = json.loads(json.dumps(exported))
+        changed["items"][0]["row"].update(members)
+        return json.dumps(changed)
+
+    def test_a_uuid_of_another_form_is_escaped_and_names_its_item(self):
+        self.add("Bank")
+        exported = self.export().json
+        odd = "\u001b[31mODD"
+        self.another_store()
+        self.run_tool("import", self.write("e.json", self.with_row(exported, uuid=odd)))
+        listed = self.run_tool("list", "--long")
+        self.assertNotIn("\u001b", listed.out)
+        self.assertEqual(self.show(odd)["title"], "Bank")
 
     def test_a_row_id_in_a_file_names_no_row(self):
         uuid = self.add("Bank")

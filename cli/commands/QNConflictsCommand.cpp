@@ -66,7 +66,7 @@ std::string nameAndTitle(const QNConflict& conflict, const QNFieldTexts& texts) 
 
 void print(QNOutput& out, QNItem& item, const Conflicts& conflicts, bool reveal) {
   const QNFieldTexts texts(item.categoryUUID());
-  out.line(fmt::format("{}  {}", *item.uuid(), shownText(item.title())));
+  out.line(fmt::format("{}  {}", shownText(*item.uuid()), shownText(item.title())));
   for (const QNConflict& conflict : conflicts) {
     const bool isShown = reveal || !conflict.isSecret();
     const auto shown = [&](const QNSecret& value) {

@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNVaultSession.h"
 #include "cli/import/QNItemRow.h"
@@ -8,6 +10,7 @@
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
 #include "cli/terminal/QNMessages.h"
+#include "quillon/logins/QNItemURL.h"
 
 namespace quillon {
 namespace {
@@ -23,6 +26,14 @@ void append(Bytes& bytes, std::string_view text) {
   bytes.insert(bytes.end(), more.begin(), more.end());
 }
 
+// Is everything there that a row dictionary would otherwise leave out without a word?
+bool opens(QNItem& item) {
+  if (item.mutableOverview() == nullptr || item.details() == nullptr) return false;
+  const auto urls = item.URLs();
+  return std::all_of(urls.begin(), urls.end(),
+                     [](const auto& url) { return url->mutableOverview() != nullptr; });
+}
+
 // An item a line, so that nothing but one of them is held twice. One that doesn't open is reported
 // and left out, as the list does with its row.
 class Exporting {
@@ -33,8 +44,9 @@ class Exporting {
   }
 
   void add(const std::shared_ptr<QNItem>& item) {
-    const auto text = _store.loadDetails(item) ? mr_JSONDataWithError(exportedJson(*item))
-                                               : std::optional<Bytes>();
+    const auto text = _store.loadDetails(item) && opens(*item)
+                          ? mr_JSONDataWithError(exportedJson(*item))
+                          : std::optional<Bytes>();
     if (!text) return _unread.push_back(*item->uuid());
     append(_exported.content, _exported.items++ == 0 ? "\n" : ",\n");
     append(_exported.content, textOf(*text));

@@ -54,6 +54,9 @@ QNCommandResult runCommand(Global global, const QNHistoryArguments& arguments) {
   if (!session) return session.error();
   const auto item = chooseItem(session.value(), arguments.item);
   if (!item) return item.error();
+  if (item.value()->details() == nullptr) {
+    return toolError(QNExit::damaged, "the item doesn't open");
+  }
   const Entries entries = newestFirst(item.value()->previouslyUsedPasswords());
   if (global.json) return printEntriesJson(entries, arguments.reveal);
   QNOutput out;

@@ -46,6 +46,7 @@ class MatchesByTitle {
   std::array<Matches, 4> _tiers;
 };
 
+// What people type in capitals too. An item from elsewhere may have a uuid of another form.
 bool looksLikeUUID(std::string_view name) {
   constexpr std::string_view kForm = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
   const auto fits = [](char c, char form) {
@@ -57,7 +58,7 @@ bool looksLikeUUID(std::string_view name) {
 
 QNError ambiguous(const Matches& matches) {
   for (const Match& match : matches) {
-    printRaw(fmt::format("{}  {}\n", match.uuid, shownText(match.title)));
+    printRaw(fmt::format("{}  {}\n", shownText(match.uuid), shownText(match.title)));
   }
   return toolError(QNExit::ambiguous,
                    fmt::format("{} items have that title; name one by its uuid", matches.size()));
@@ -81,11 +82,10 @@ QNResult<std::string> uuidOfTitle(const QNVaultSession& session, std::string_vie
 
 QNResult<std::shared_ptr<QNItem>> chooseItem(const QNVaultSession& session, std::string_view name,
                                              QNTrashPreference preference) {
-  std::string lowered = lowercaseText(name);
-  if (looksLikeUUID(lowered)) {
-    auto item = session.store().item(session.vault(), lowered);
-    if (item.ok() || !isStoreError(item.error(), QNStoreErrorCode::notFound)) return item;
-  }
+  const std::string lowered = lowercaseText(name);
+  const std::string_view asUUID = looksLikeUUID(lowered) ? std::string_view(lowered) : name;
+  auto item = session.store().item(session.vault(), asUUID);
+  if (item.ok() || !isStoreError(item.error(), QNStoreErrorCode::notFound)) return item;
   const auto uuid = uuidOfTitle(session, name, preference);
   if (!uuid) return uuid.error();
   return session.store().item(session.vault(), uuid.value());

@@ -10,7 +10,8 @@
 
 // An item of an export:
 //
-//   "row"         object, the row dictionary; its "uuid" is needed, an "oid" isn't read
+//   "row"         object, the row dictionary; its "uuid", "overview" and "details" are needed, an
+//                 "oid" isn't read
 //   "trashed"     true or false
 //   "faveIndex"   whole number, 0 for none
 //   "lastUsed"    whole number, seconds since 1970, 0 for never
@@ -21,7 +22,9 @@ namespace quillon {
 namespace {
 
 constexpr std::string_view kRow = "row";
-constexpr std::string_view kDetails = "details";  // of the row
+constexpr std::string_view kOverview = "overview";  // these three of the row
+constexpr std::string_view kDetails = "details";
+constexpr std::string_view kURLs = "URLs";
 constexpr std::string_view kTrashed = "trashed";
 constexpr std::string_view kFaveIndex = "faveIndex";
 constexpr std::string_view kLastUsed = "lastUsed";
@@ -44,6 +47,15 @@ void restoreColumns(QNItem& item, const JsonObject& exported) {
   item.setFolderUUID(ownedStringForKey(exported, kFolderUUID));
 }
 
+// What a vault would leave out without a word; an export has either all addresses or none.
+bool hasGoodURLs(const JsonObject& row) {
+  const Json* const urls = row.if_contains(kURLs);
+  if (urls == nullptr) return true;
+  const JsonArray* const list = urls->if_array();
+  return list != nullptr &&
+         std::all_of(list->begin(), list->end(), [](const Json& url) { return url.is_object(); });
+}
+
 // Its vault looks for it by the uuid, and by the row id only for what it has stored itself.
 QNResult<JsonObject> rowOf(const Json& exported) {
   const JsonObject* const object = exported.if_object();
@@ -53,6 +65,12 @@ QNResult<JsonObject> rowOf(const Json& exported) {
   JsonObject attributes = mr_deepMutableCopy(row->get_object());
   const auto uuid = mr_validStringValueForKey(attributes, "uuid");
   if (!uuid || uuid->empty()) return QNError::unreadable("it has no uuid");
+  for (const std::string_view part : {kOverview, kDetails}) {
+    if (mr_objectForKey(attributes, part, JsonKind::object) == nullptr) {
+      return QNError::unreadable(fmt::format("it has no {}", part));
+    }
+  }
+  if (!hasGoodURLs(attributes)) return QNError::unreadable("its URLs are no list of objects");
   attributes.stable_erase("oid");
   return attributes;
 }
@@ -66,7 +84,8 @@ JsonArray* listIn(Json* holder, std::string_view key) {
 
 bool isOneTimePassword(const JsonObject& field) {
   const auto identifier = mr_validStringValueForKey(field, kItemFieldIdentifier);
-  return identifier && identifier->starts_with(QNItemTOTPField::totpIdentifierPrefix());
+  return identifier && identifier->starts_with(QNItemTOTPField::totpIdentifierPrefix()) &&
+         mr_validStringValueForKey(field, kItemFieldType) == QNItemTOTPField::typeName();
 }
 
 // The identifier of a one-time password is drawn anew each time that its field is read. Numbered,

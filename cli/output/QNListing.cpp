@@ -44,7 +44,7 @@ std::string QNListing::keyOf(QNItem& item, std::uint32_t rank) const {
 Bytes QNListing::textOfItem(QNItem& item) const {
   if (_form == QNListForm::json) return mr_JSONDataWithError(listedJson(item)).value_or(Bytes());
   std::string line;
-  if (_form == QNListForm::tableWithUUIDs) line += *item.uuid() + "  ";
+  if (_form == QNListForm::tableWithUUIDs) line += shownText(*item.uuid()) + "  ";
   const std::string stored = item.additionalInformation().value_or("");
   const std::string subtitle = shownText(withoutIsolation(stored));
   std::string kind = shownText(titleOfCategory(item.categoryUUID().value_or("")));

@@ -31,6 +31,8 @@ QNResult<QNDone> writeNewFile(const std::filesystem::path& file, ByteView conten
   }
   if (descriptor < 0) return fileError(file, errno);
   int errorNumber = writeAll(descriptor, content);
+  // The original may be deleted next. What isn't a file of a disk has nothing to bring there.
+  if (errorNumber == 0 && ::fsync(descriptor) != 0 && errno != EINVAL) errorNumber = errno;
   if (::close(descriptor) != 0 && errorNumber == 0) errorNumber = errno;
   if (errorNumber == 0) return QNDone{};
   ::unlink(file.c_str());
