@@ -28,8 +28,8 @@
 //                         one second), which then replaces the other
 //   deleted    unchanged  deleted, unless it is newer than the deletion
 //   deleted    changed    refused: copied back. Without a pair the times decide, and of one second
-//                         the item stays; so it does if all that the side that deleted remembers is
-//                         another version
+//                         the item stays; so it does if all that either side remembers is another
+//                         version
 //   deleted    deleted    the later time for both
 //
 // Theirs is committed first, and both remember the pair of times that was reached. If mine then
@@ -126,6 +126,7 @@ class QNStore::Merge final {
   void noteWritten(Side& side, const std::string& uuid, std::uint64_t oid, const Head& content);
   std::optional<Reached> lastReached(const std::string& uuid);
   static bool hasSeen(const Side& side, const std::string& uuid, const Head& other);
+  static bool hasMovedOn(const Side& side, const std::string& uuid, const Head& own);
   bool hasChanged(Side& side, const std::string& uuid);
   /// The last time that was given in that side's vault.
   static std::uint64_t lastTxOf(const Side& side);
@@ -222,6 +223,12 @@ bool QNStore::Merge::hasSeen(const Side& side, const std::string& uuid, const He
   return state == nullptr || state->sourceTimestamp() == other.txTimestamp;
 }
 
+/// Has its row changed since the merge that this side alone remembers?
+bool QNStore::Merge::hasMovedOn(const Side& side, const std::string& uuid, const Head& own) {
+  const auto state = side.source->syncStateForItemUUID(uuid);
+  return state != nullptr && state->localTimestamp() != own.txTimestamp;
+}
+
 // One uuid
 
 QNResult<QNDone> QNStore::Merge::mergeOne(const std::string& uuid) {
@@ -243,7 +250,9 @@ QNResult<QNDone> QNStore::Merge::mergeDeletion(const std::string& uuid, Side& de
   const Head& item = *living.head(uuid);
   const bool isKnown = lastReached(uuid).has_value();
   const bool isNewer = item.updatedAt > deletedAt || (item.updatedAt == deletedAt && !isKnown);
-  const bool hasChangedSince = isKnown ? hasChanged(living, uuid) : !hasSeen(deleted, uuid, item);
+  const bool hasChangedSince =
+      isKnown ? hasChanged(living, uuid)
+              : !hasSeen(deleted, uuid, item) || hasMovedOn(living, uuid, item);
   if (!isNewer && !hasChangedSince) return remove(uuid, living, deletedAt);
   note(uuid, Kind::deletionRefused);
   return copy(uuid, living, deleted);
@@ -434,15 +443,16 @@ QNResult<QNDone> QNStore::Merge::writeState(Side& side, Side& partner) {
   QNSyncSource::States states;
   bool isNews = !side.source->hasOid();
   for (const auto& [uuid, head] : side.heads) {
-    if (_apart.contains(uuid)) continue;
+    // Of two that stay apart neither side has met the other's: no row ever has the time 0.
+    const bool isApart = _apart.contains(uuid);
     auto state = std::make_shared<QNSyncState>();
     state->setObjectType(static_cast<std::int32_t>(QNObjectType::item));
     state->setSource(side.source);
     state->setObjectID(head.oid);
     state->setObjectUUID(uuid);
     state->setSyncedAt(secondsNow());
-    state->setLocalTimestamp(head.txTimestamp);
-    state->setSourceTimestamp(partner.heads.at(uuid).txTimestamp);
+    state->setLocalTimestamp(isApart ? 0 : head.txTimestamp);
+    state->setSourceTimestamp(isApart ? 0 : partner.heads.at(uuid).txTimestamp);
     const auto before = side.source->syncStateForItemUUID(uuid);
     const bool isSame = before != nullptr && before->localTimestamp() == state->localTimestamp() &&
                         before->sourceTimestamp() == state->sourceTimestamp();

@@ -569,14 +569,52 @@ TEST_F(QNStoreMerge, ADeletionByASideThatSawAnotherVersionIsRefused) {
   EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"needed"});
 }
 
-TEST_F(QNStoreMerge, ItemsOfDifferentCategoriesStayAsTheyAre) {
+TEST_F(QNStoreMerge, AnEditAfterHalfAFirstMergeOutlivesADeletionThatDidNotSeeIt) {
+  copyFile();
+  merged();
+  const std::string uuid = *savedLogin(mine, "new")->uuid();
+  mergeOnlyTheirs();
+  edit(theirs, uuid, [](QNItem& item) { item.setTitle("edited"); });
+  clock.setSeconds(1'700'009'000);
+  remove(mine, uuid);
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::deletionRefused);
+
+  EXPECT_EQ(titlesIn(mine), (std::vector<std::string>{"first", "edited"}));
+  EXPECT_EQ(titlesIn(theirs), (std::vector<std::string>{"first", "edited"}));
+}
+
+class QNStoreMergeApart : public QNStoreMerge {
+ protected:
+  void makeNoteOfTheSameUUID() {
+    makeAnother();
+    const auto note = theirs.vault->newItemForCategoryUUID(QNCategoryUUIDSecureNote);
+    note->setProfile(theirs.vault);
+    note->setTitle("note");
+    note->setUuid(sharedString(uuidOfFirst()));
+    ASSERT_TRUE(theirs.store->save(note).ok());
+  }
+};
+
+TEST_F(QNStoreMergeApart, TheDeletionOfOneLeavesTheOtherThatItNeverMet) {
   const MRCapturingSink silence;
-  makeAnother();
-  const auto note = theirs.vault->newItemForCategoryUUID(QNCategoryUUIDSecureNote);
-  note->setProfile(theirs.vault);
-  note->setTitle("note");
-  note->setUuid(sharedString(uuidOfFirst()));
-  ASSERT_TRUE(theirs.store->save(note).ok());
+  makeNoteOfTheSameUUID();
+  const std::string uuid = uuidOfFirst();
+  ASSERT_TRUE(tryMerge().ok());
+  clock.setSeconds(1'700'009'000);
+  remove(mine, uuid);
+
+  const auto report = std::move(tryMerge()).value();
+
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].kind, Kind::deletionRefused);
+  EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"note"});
+  EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"note"});
+}
+
+TEST_F(QNStoreMergeApart, ItemsOfDifferentCategoriesStayAsTheyAre) {
+  const MRCapturingSink silence;
+  makeNoteOfTheSameUUID();
 
   const auto report = std::move(tryMerge()).value();
 
