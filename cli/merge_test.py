@@ -73,16 +73,16 @@ class MergeTest(ToolTest):
         self.at("import", file)
 
     def make_conflicts(self):
-        """An item in which both have changed everything, merged into mine."""
+        """An item in which both have changed everything, merged into mine: it is not the older."""
         uuid = self.run_tool(
             "add", "server", "--title", "Box", "--set", "ip_address=10.0.0.1", "--set",
             "ssh_port=22", "--add-field", "Net.Host\x1b[31m:string=old", "--set", "password=-",
             stdin="pa55-0").out.strip()
         self.copy_store()
-        self.run_tool("edit", uuid, "--set", "ip_address=10.0.0.2", "--set",
-                      "Host\x1b[31m=mine", "--set", "password=-", stdin="pa55-mine")
         self.at("edit", uuid, "--set", "ip_address=10.0.0.3", "--set", "Host\x1b[31m=theirs\x07",
                 "--set", "password=-", stdin="pa55-theirs")
+        self.run_tool("edit", uuid, "--set", "ip_address=10.0.0.2", "--set",
+                      "Host\x1b[31m=mine", "--set", "password=-", stdin="pa55-mine")
         self.merge()
         return uuid
 
@@ -129,10 +129,10 @@ class Merge(MergeTest):
     def test_what_both_changed_is_joined_field_by_field(self):
         uuid = self.add("Bank", "--username", "jo", "--notes", "N", "--password=-", stdin="pa55-0")
         self.copy_store()
-        self.run_tool("edit", uuid, "--set", "title=Mine", "--set", "notes=mine", "--set",
-                      "password=-", stdin="pa55-mine")
         self.at("edit", uuid, "--set", "title=Theirs", "--set", "notes=theirs", "--set",
                 "username=joe", "--set", "password=-", stdin="pa55-theirs")
+        self.run_tool("edit", uuid, "--set", "title=Mine", "--set", "notes=mine", "--set",
+                      "password=-", stdin="pa55-mine")
         what, fields = self.merged()["Mine"]
         self.assertEqual(what, "joined")
         self.assertEqual(fields["notesPlain"], "joined")
@@ -147,10 +147,10 @@ class Merge(MergeTest):
     def test_the_report_tells_each_field_and_no_secret(self):
         uuid = self.add("Bank", "--password=-", stdin="pa55-0")
         self.copy_store()
-        self.run_tool("edit", uuid, "--set", "notes=mine", "--set", "password=-",
-                      stdin="pa55-mine")
         self.at("edit", uuid, "--set", "notes=theirs", "--set", "password=-",
                 stdin="pa55-theirs")
+        self.run_tool("edit", uuid, "--set", "notes=mine", "--set", "password=-",
+                      stdin="pa55-mine")
         for options in (["--dry-run"], ["--dry-run", "--json"], []):
             result = self.merge(*options)
             self.assertNotIn("pa55", result.out + result.err)
@@ -163,8 +163,8 @@ class Merge(MergeTest):
     def test_names_of_fields_are_escaped(self):
         uuid = self.run_tool("add", "secure-note", "--title", "T", "--notes", "N").out.strip()
         self.copy_store()
-        self.run_tool("edit", uuid, "--set", "notes=mine")
         self.at("edit", uuid, "--set", "notes=theirs", "--add-field", "A\x1b[31m.B:string=x")
+        self.run_tool("edit", uuid, "--set", "notes=mine")
         result = self.merge()
         self.assertNotIn("\x1b", result.out)
 
@@ -425,8 +425,8 @@ class Resolve(MergeTest):
     def test_a_user_name_of_a_login_is_settled(self):
         uuid = self.add("Bank", "--username", "jo")
         self.copy_store()
-        self.run_tool("edit", uuid, "--set", "username=mine")
         self.at("edit", uuid, "--set", "username=theirs")
+        self.run_tool("edit", uuid, "--set", "username=mine")
         self.merge()
         self.assertIn("  username\n    mine:    mine\n    theirs:  theirs\n",
                       self.run_tool("conflicts").out)
