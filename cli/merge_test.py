@@ -160,6 +160,17 @@ class Merge(MergeTest):
         self.assertIn("  password                            kept, and the other one beside it", lines)
         self.assertEqual(lines[-1], "items compared: 1, changed: 1")
 
+    def test_the_tags_of_both_are_united(self):
+        uuid = self.add("Bank", "--tag", "home")
+        self.copy_store()
+        self.at("edit", uuid, "--tag", "travel")
+        self.run_tool("edit", uuid, "--tag", "money")
+        self.assertEqual(self.merged()["Bank"][1]["tags"], "joined")
+        for store in (self.store, self.theirs):
+            shown = self.run_tool("show", uuid, "--store", store)
+            for tag in ("home", "money", "travel"):
+                self.assertIn(tag, shown.out)
+
     def test_names_of_fields_are_escaped(self):
         uuid = self.run_tool("add", "secure-note", "--title", "T", "--notes", "N").out.strip()
         self.copy_store()
