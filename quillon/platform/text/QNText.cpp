@@ -187,6 +187,14 @@ bool isLettersOnly(std::string_view text) {
   return true;
 }
 
+bool beginsWithDigitOrSymbol(std::string_view text) {
+  if (text.empty()) return false;
+  std::size_t next = 0;
+  const UChar32 c = nextCodePoint(text, next);
+  constexpr uint32_t kDigitOrSymbol = U_GC_ND_MASK | U_GC_P_MASK | U_GC_S_MASK;
+  return c >= 0 && c <= 0xFFFF && (U_GET_GC_MASK(c) & kDigitOrSymbol) != 0;
+}
+
 std::string trimmedRight(std::string_view text) {
   return std::string(trimmedRightView(text));
 }
@@ -219,6 +227,20 @@ std::string mr_NonRTLString(std::string_view text) {
 
 bool isBlankText(std::string_view text) {
   return startOfUnblank(text) == text.size();
+}
+
+std::vector<std::string_view> componentsSeparatedByString(std::string_view text,
+                                                          std::string_view separator) {
+  std::vector<std::string_view> parts;
+  std::size_t start = 0;
+  while (!separator.empty()) {
+    const std::size_t end = text.find(separator, start);
+    if (end == std::string_view::npos) break;
+    parts.push_back(text.substr(start, end - start));
+    start = end + separator.size();
+  }
+  parts.push_back(text.substr(start));
+  return parts;
 }
 
 }  // namespace quillon

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "quillon/platform/memory/QNSecret.h"
 
@@ -35,6 +36,10 @@ std::string_view trimmedRightView(std::string_view text);
 std::string_view trimmedView(std::string_view text);
 /// Is it nothing but white space and new lines, or empty?
 bool isBlankText(std::string_view text);
+/// What stands between the separators, and before and behind them: one part more than there are
+/// separators, empty ones too. An empty separator stands nowhere. Views into the text.
+std::vector<std::string_view> componentsSeparatedByString(std::string_view text,
+                                                          std::string_view separator);
 
 /// Case mapping for the user's locale.
 std::string lowercaseText(std::string_view text);
@@ -45,6 +50,9 @@ std::string lowercaseIdentifier(std::string_view text);
 std::string firstComposedCharacter(std::string_view text);
 /// Is every character a letter, or a mark that belongs to one? False for an empty text.
 bool isLettersOnly(std::string_view text);
+/// Is the first UTF-16 code unit a decimal digit, a punctuation mark or a symbol? A symbol beyond
+/// U+FFFF is two units, and none of them. False for an empty text.
+bool beginsWithDigitOrSymbol(std::string_view text);
 
 /// The characters of `text` that stand in `set`, in order.
 QNSecret charactersOfTextInSet(std::string_view text, std::string_view set);
@@ -67,6 +75,10 @@ std::optional<std::int64_t> qn_parseDate(std::string_view text);
 /// A day of this year as the locale writes it in numbers, for telling what can be typed.
 std::string qn_exampleOfDate();
 
+// Numbers: QNText+Numbers.cpp
+/// The number as the user's locale writes it, in groups: "1,234" in English.
+std::string qn_formatNumber(std::uint64_t number);
+
 // Folding: QNText+Folding.cpp
 /// Folded for search: NFD, marks dropped, case folded, and a small table for letters that carry
 /// their stroke inside (ø, ł, đ, ħ and their like). Folding twice changes nothing.
@@ -86,5 +98,7 @@ int localizedCaseInsensitiveCompare(std::string_view a, std::string_view b);
 /// Bytes whose order is that of localizedCompare(): for sorting many texts, each looked at once.
 /// They hold for one locale and one version of ICU only.
 std::string collationKey(std::string_view text);
+/// The same for localizedCaseInsensitiveCompare().
+std::string caseInsensitiveCollationKey(std::string_view text);
 
 }  // namespace quillon
