@@ -169,7 +169,7 @@ QNResult<QNDone> QNStore::Merge::readHeads(Side& side) {
     if (!count.add(sealer.seal(row), row.seal)) return vaultDamaged("a row was altered");
     side.heads.emplace(row.uuid, headOf(row));
   }
-  if (!count.agreesWith(ledger.value())) return vaultDamaged("rows are missing or older");
+  if (!count.agreesWith(ledger.value().items)) return vaultDamaged("rows are missing or older");
   return QNDone{};
 }
 

@@ -353,9 +353,9 @@ QNResult<QNDone> QNStore::Database::writeRow(QNItemRow& row,
     return before.seal ? storeError(QNStoreErrorCode::lostRace, "the item's row was changed")
                        : storeError(QNStoreErrorCode::exists, "an item of this uuid is there");
   }
-  QNLedger& ledger = ledgers.at(vault->oid()).ledger;
-  if (before.seal) ledger.remove(*before.seal);
-  ledger.add(*seal);
+  QNRowSum& sum = ledgers.at(vault->oid()).ledger.items;
+  if (before.seal) sum.remove(*before.seal);
+  sum.add(*seal);
   return QNDone{};
 }
 

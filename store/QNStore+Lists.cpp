@@ -1,0 +1,99 @@
+#include <map>
+
+#include "quillon/organisation/QNTag.h"
+#include "quillon/organisation/predicates/QNPredicate.h"
+#include "store/QNStore.h"
+#include "store/internal/QNStoreState.h"
+
+namespace quillon {
+
+namespace {
+
+// Without an order of its own, since the index has one: normal items first, then trashed ones.
+constexpr std::string_view kSelectItemsOfFolder =
+    "SELECT " QN_ITEM_COLUMNS
+    " FROM items WHERE vault_id = ?1 AND folder_uuid = ?2 ORDER BY status, oid";
+
+bool isWanted(QNStore::Which which, const QNItemRow& row) {
+  if (isTombstone(row)) return false;
+  return which == QNStore::Which::all ||
+         row.status == (which == QNStore::Which::trashed ? std::uint64_t{1} : std::uint64_t{0});
+}
+
+/// While a list goes on, nothing else of the store may write.
+class ListingMark final {
+ public:
+  explicit ListingMark(bool& listing) : _listing(listing) { _listing = true; }
+  ~ListingMark() { _listing = false; }
+  ListingMark(const ListingMark&) = delete;
+  ListingMark& operator=(const ListingMark&) = delete;
+
+ private:
+  bool& _listing;
+};
+
+/// What became of an item that was shown.
+enum class Shown { listed, passedOver, damaged };
+
+}  // namespace
+
+/// Shows the sound rows of a query that are wanted.
+template <class Show>
+QNListReport QNStore::Database::listRows(QNQuery query, const std::shared_ptr<QNProfile>& vault,
+                                         Which which, QNRowCount& count, const Show& show) {
+  const ListingMark mark(listing);
+  QNListReport report;
+  QNRowSealer sealer(*vault);
+  while (query.next()) {
+    const QNItemRow row = itemRow(query);
+    const bool genuine = count.add(sealer.seal(row), row.seal);
+    if (genuine && !isWanted(which, row)) continue;
+    const auto item = genuine ? shellOf(row, vault) : nullptr;
+    const bool opens = item != nullptr && item->mutableOverview() != nullptr;
+    const Shown shown = opens ? show(item, row) : Shown::damaged;
+    if (shown == Shown::damaged) report.damaged.emplace_back(row.uuid);
+    if (shown == Shown::listed) ++report.listed;
+  }
+  return report;
+}
+
+/// The same for all rows of a vault, whose sum is known.
+template <class Show>
+QNResult<QNListReport> QNStore::Database::listVault(const std::shared_ptr<QNProfile>& vault,
+                                                    Which which, const Show& show) {
+  if (listing) return listingError();
+  return read([&]() -> QNResult<QNListReport> {
+    const auto ledger = ledgerNow(*vault);
+    if (!ledger.ok()) return ledger.error();
+    QNRowCount count;
+    QNListReport report =
+        listRows(file->query(kSelectItemsOfVault, vault->oid()), vault, which, count, show);
+    report.ledgerBroken = !count.agreesWith(ledger.value().items);
+    return report;
+  });
+}
+
+QNResult<QNListReport> QNStore::list(const std::shared_ptr<QNProfile>& vault, Which which,
+                                     const Visitor& visit) {
+  return _database->listVault(vault, which, [&visit](const auto& item, const QNItemRow&) {
+    visit(item);
+    return Shown::listed;
+  });
+}
+
+QNResult<QNListReport> QNStore::listFolder(const std::shared_ptr<QNProfile>& vault,
+                                           std::string_view folderUUID, Which which,
+                                           const Visitor& visit) {
+  if (_database->listing) return listingError();
+  return _database->read([&]() -> QNResult<QNListReport> {
+    const auto ledger = _database->ledgerNow(*vault);
+    if (!ledger.ok()) return ledger.error();
+    QNRowCount count;  // of a part of the rows: nothing to compare it with
+    return _database->listRows(
+        _database->file->query(kSelectItemsOfFolder, vault->oid(), folderUUID), vault, which, count,
+        [&visit](const auto& item, const QNItemRow&) {
+          visit(item);
+          return Shown::listed;
+        });
+  });
+}
