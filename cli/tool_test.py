@@ -253,7 +253,7 @@ class Json(ToolTest):
         self.assertEqual([(one["uuid"], one["name"], one["items"]) for one in info["categories"]],
                          [("001", "Logins", 1), ("003", "Secure Notes", 1)])
         self.assertEqual(info["kdf"], {"name": "argon2id", "memoryKiB": 100, "passes": 3})
-        self.assertEqual(info["schema"], 2)
+        self.assertEqual(info["schema"], 3)
 
     def test_an_error_prints_nothing_on_standard_output(self):
         self.make_store()
