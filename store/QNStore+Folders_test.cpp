@@ -234,9 +234,10 @@ TEST_F(QNStoreSealedFolders, NoticeAnotherNameOrPlace) {
 
 TEST_F(QNStoreSealedFolders, NoticeAnExchangeOfOverviewsOrIcons) {
   for (const char* column : {"overview", "icon"}) {
-    change(fmt::format("CREATE TABLE two AS SELECT oid, {0} FROM folders; UPDATE folders SET {0} = "
-                       "(SELECT {0} FROM two WHERE two.oid <> folders.oid); DROP TABLE two",
-                       column));
+    change(
+        fmt::format("CREATE TABLE two AS SELECT oid, {0} FROM folders; UPDATE folders SET {0} = "
+                    "(SELECT {0} FROM two WHERE two.oid <> folders.oid); DROP TABLE two",
+                    column));
 
     EXPECT_THAT(read().damaged, UnorderedElementsAre(firstUuid, secondUuid));
     restore();
@@ -262,9 +263,10 @@ TEST_F(QNStoreSealedFolders, NoticeARowOfAnOlderState) {
   first->setTitle("renamed");
   ASSERT_EQ(errorOf(session.store->saveFolder(first)), "");
   session = Session();
-  change(fmt::format("ATTACH '{}' AS older; DELETE FROM folders WHERE uuid = '{}';"
-                     "INSERT INTO folders SELECT * FROM older.folders WHERE uuid = '{}'",
-                     (folder / "older").string(), firstUuid, firstUuid));
+  change(
+      fmt::format("ATTACH '{}' AS older; DELETE FROM folders WHERE uuid = '{}';"
+                  "INSERT INTO folders SELECT * FROM older.folders WHERE uuid = '{}'",
+                  (folder / "older").string(), firstUuid, firstUuid));
 
   const QNFolderReport report = read();
 
@@ -279,9 +281,10 @@ TEST_F(QNStoreSealedFolders, NoticeADeletedOneThatWasBroughtBack) {
   const auto second = session.store->folder(session.vault, secondUuid).value();
   ASSERT_EQ(errorOf(session.store->deleteFolder(second)), "");
   session = Session();
-  change(fmt::format("ATTACH '{}' AS older; DELETE FROM folders WHERE uuid = '{}';"
-                     "INSERT INTO folders SELECT * FROM older.folders WHERE uuid = '{}'",
-                     (folder / "older").string(), secondUuid, secondUuid));
+  change(
+      fmt::format("ATTACH '{}' AS older; DELETE FROM folders WHERE uuid = '{}';"
+                  "INSERT INTO folders SELECT * FROM older.folders WHERE uuid = '{}'",
+                  (folder / "older").string(), secondUuid, secondUuid));
 
   EXPECT_TRUE(read().ledgerBroken);
 }

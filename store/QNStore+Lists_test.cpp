@@ -129,8 +129,8 @@ TEST_F(QNStoreLists, OfAFolderNameADamagedRow) {
   const auto damaged = savedLoginIn(session, *mine, "b");
   runSQL("UPDATE items SET fave_index = 9 WHERE oid = 2");
 
-  const auto listed = session.store->listFolder(session.vault, *mine->uuid(), Which::normal,
-                                                [](const auto&) {});
+  const auto listed =
+      session.store->listFolder(session.vault, *mine->uuid(), Which::normal, [](const auto&) {});
 
   ASSERT_TRUE(listed.ok());
   EXPECT_THAT(listed.value().damaged, ElementsAre(*damaged->uuid()));
@@ -187,9 +187,9 @@ TEST_F(QNStoreLists, ByAQuestionOpenDetailsOnlyWhereTheRestDoesNotDecide) {
 
   EXPECT_EQ(readBy(R"(notesPlain == "fruit" AND title BEGINSWITH "apple")", {"apple"}), 2u);
   EXPECT_EQ(readBy(R"(notesPlain == "cake" OR title == "plum")", {"apple pie", "plum"}), 3u);
-  EXPECT_EQ(readBy(R"(NOT (notesPlain == "fruit" AND title BEGINSWITH "p"))",
-                   {"apple", "apple pie"}),
-            2u);
+  EXPECT_EQ(
+      readBy(R"(NOT (notesPlain == "fruit" AND title BEGINSWITH "p"))", {"apple", "apple pie"}),
+      2u);
   EXPECT_EQ(readBy(R"(notesPlain == "fruit")", {"apple", "pear", "plum"}), 4u);
 }
 

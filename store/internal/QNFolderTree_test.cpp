@@ -31,13 +31,12 @@ TEST(QNFolderTree, PutsAnOrphanAtTheTopWithWhatHangsUnderIt) {
 }
 
 TEST(QNFolderTree, PutsAllOfACircleAtTheTopAndLeavesWhatHangsUnderIt) {
-  const std::vector<QNFolderPlace> places = {{"below", "a"}, {"a", "b"}, {"b", "c"},
-                                             {"c", "a"},     {"self", "self"}};
+  const std::vector<QNFolderPlace> places = {
+      {"below", "a"}, {"a", "b"}, {"b", "c"}, {"c", "a"}, {"self", "self"}};
 
   const QNFolderTree tree = folderTree(places, kManyLevels);
 
-  EXPECT_EQ(tree.parents,
-            (Parents{1, std::nullopt, std::nullopt, std::nullopt, std::nullopt}));
+  EXPECT_EQ(tree.parents, (Parents{1, std::nullopt, std::nullopt, std::nullopt, std::nullopt}));
   EXPECT_THAT(tree.misplaced, ElementsAre(false, true, true, true, true));
 }
 
@@ -55,8 +54,7 @@ TEST(QNFolderTree, BeginsAnewBelowTheLastLevel) {
   const QNFolderTree tree = folderTree(places, 3);
 
   EXPECT_EQ(tree.parents, (Parents{std::nullopt, 0, 1, std::nullopt, 3, 4, std::nullopt, 6}));
-  EXPECT_THAT(tree.misplaced,
-              ElementsAre(false, false, false, true, false, false, true, false));
+  EXPECT_THAT(tree.misplaced, ElementsAre(false, false, false, true, false, false, true, false));
 }
 
 TEST(QNFolderTree, SettlesAMillionLevelsWithoutAStackOfThem) {
