@@ -27,6 +27,7 @@ QNExit exitForStore(QNStoreErrorCode code) {
     case QNStoreErrorCode::lostRace:
     case QNStoreErrorCode::locked:
     case QNStoreErrorCode::sameFile:
+    case QNStoreErrorCode::misplacedFolder:
       return QNExit::failed;
   }
   return QNExit::failed;

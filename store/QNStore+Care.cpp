@@ -90,9 +90,10 @@ QNResult<QNDone> QNStore::Database::checkVault(const std::shared_ptr<QNProfile>&
       report.problems.push_back(name + item.error().message);
     }
   }
-  if (!count.agreesWith(ledger.value())) {
+  if (!count.agreesWith(ledger.value().items)) {
     report.problems.emplace_back("rows are missing, were added, or are older than the ledger says");
   }
+  checkFolders(vault, report);
   checkSyncSources(vault, report);
   return QNDone{};
 }

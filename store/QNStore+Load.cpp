@@ -10,12 +10,6 @@ namespace quillon {
 
 namespace {
 
-bool isWanted(QNStore::Which which, const QNItemRow& row) {
-  if (isTombstone(row)) return false;
-  return which == QNStore::Which::all ||
-         row.status == (which == QNStore::Which::trashed ? std::uint64_t{1} : std::uint64_t{0});
-}
-
 std::optional<std::string> owned(std::optional<std::string_view> view) {
   return view ? std::optional(std::string(*view)) : std::nullopt;
 }
@@ -63,18 +57,6 @@ std::vector<QNURLRow> rowsOf(const std::vector<std::shared_ptr<QNItemURL>>& urls
 bool isPassword(const QNItem& item) {
   return item.categoryUUID() == QNCategoryUUIDPassword;
 }
-
-/// While a list goes on, nothing else of the store may write.
-class ListingMark final {
- public:
-  explicit ListingMark(bool& listing) : _listing(listing) { _listing = true; }
-  ~ListingMark() { _listing = false; }
-  ListingMark(const ListingMark&) = delete;
-  ListingMark& operator=(const ListingMark&) = delete;
-
- private:
-  bool& _listing;
-};
 
 }  // namespace
 
@@ -125,36 +107,6 @@ std::shared_ptr<QNItem> QNStore::Database::shellOf(const QNItemRow& row,
   item->setOverviewData(toBytes(row.overview));
   item->didLoad();
   return item;
-}
-
-// Lists
-
-QNResult<QNListReport> QNStore::list(const std::shared_ptr<QNProfile>& vault, Which which,
-                                     const Visitor& visit) {
-  if (_database->listing) return listingError();
-  return _database->read([&]() -> QNResult<QNListReport> {
-    const auto ledger = _database->ledgerNow(*vault);
-    if (!ledger.ok()) return ledger.error();
-    const ListingMark mark(_database->listing);
-    QNListReport report;
-    QNRowCount count;
-    QNRowSealer sealer(*vault);
-    QNQuery query = _database->file->query(kSelectItemsOfVault, vault->oid());
-    while (query.next()) {
-      const QNItemRow row = itemRow(query);
-      const bool genuine = count.add(sealer.seal(row), row.seal);
-      if (genuine && !isWanted(which, row)) continue;
-      const auto item = genuine ? Database::shellOf(row, vault) : nullptr;
-      if (item == nullptr || item->mutableOverview() == nullptr) {
-        report.damaged.emplace_back(row.uuid);
-        continue;
-      }
-      ++report.listed;
-      visit(item);
-    }
-    report.ledgerBroken = !count.agreesWith(ledger.value());
-    return report;
-  });
 }
 
 // One item

@@ -21,6 +21,10 @@
 
 namespace quillon {
 
+class QNFolder;
+class QNPredicate;
+class QNTag;
+
 /// What a store holds of one vault, without opening it.
 struct QNStoredVaultInfo {
   std::uint64_t oid = 0;
@@ -37,6 +41,39 @@ struct QNListReport {
   std::vector<std::string> damaged;
   /// Rows are missing, were added, or are older than the vault's ledger says.
   bool ledgerBroken = false;
+};
+
+/// The folders of a vault as a tree: each knows its parent, its subfolders and both counts. The
+/// items that count are those that aren't trashed; a smart folder holds none.
+struct QNFolderReport {
+  /// In row order. Keep them as long as the tree is used: a folder holds its parent weakly.
+  std::vector<std::shared_ptr<QNFolder>> folders;
+  /// Those of them that no other holds, by title, in the user's language.
+  std::vector<std::shared_ptr<QNFolder>> top;
+  /// uuid of each that is at the top only because its parent isn't there, or because it would lie
+  /// in itself. Its parentUUID() is what was stored.
+  std::vector<std::string> misplaced;
+  /// uuid of each smart folder whose predicate, written by an older version, can't be brought
+  /// forward: smartFolderPredicate() would end the process. It is handed out as an ordinary folder,
+  /// and stays smart in the file until it is given another predicate.
+  std::vector<std::string> quarantined;
+  /// uuid of each row whose seal doesn't fit or whose overview doesn't open; not among the folders.
+  std::vector<std::string> damaged;
+  /// Folders are missing, were added, or are older than the vault's ledger says.
+  bool ledgerBroken = false;
+};
+
+/// The tags of a vault, with the number of items that have them and aren't trashed.
+struct QNTagReport {
+  /// By title, in the user's language. A nested tag counts for itself alone.
+  std::vector<std::shared_ptr<QNTag>> tags;
+  QNListReport rows;
+};
+
+/// What a repair of folders did. Identifiers only.
+struct QNFolderRepair {
+  std::vector<std::string> foldersMovedToTop;
+  std::vector<std::string> itemsMovedToTop;
 };
 
 /// What happened to an item last.
@@ -72,7 +109,10 @@ struct QNCheckReport {
   std::uint64_t itemsChecked = 0;
   std::uint64_t tombstonesChecked = 0;
   std::uint64_t syncSourcesChecked = 0;
+  std::uint64_t foldersChecked = 0;
   std::vector<std::string> problems;
+  /// No damage, but to be known: items whose folder isn't there, and folders in quarantine.
+  std::vector<std::string> remarks;
   [[nodiscard]] bool clean() const { return problems.empty(); }
 };
 
@@ -91,7 +131,7 @@ class QNStore final {
   /// notAStore, newerSchema, damaged, notWritable, inputOutput, busy.
   static QNResult<std::unique_ptr<QNStore>> open(const std::filesystem::path& file,
                                                  Access access = Access::readWrite);
-  static constexpr int kSchemaVersion = 2;
+  static constexpr int kSchemaVersion = 3;
   ~QNStore();
   QNStore(const QNStore&) = delete;
   QNStore& operator=(const QNStore&) = delete;
@@ -135,7 +175,7 @@ class QNStore final {
   /// Saving a QNTombstone does the same; it needs the txTimestamp of the item that it was made of.
   QNResult<QNDone> deleteItem(const std::shared_ptr<QNItem>& item);
 
-  // Reading: QNStore+Load.cpp
+  // Lists: QNStore+Lists.cpp
   enum class Which { normal, trashed, all };
   using Visitor = std::function<void(const std::shared_ptr<QNItem>&)>;
   /// Hands out a shell for each row, in row order, its overview checked and open, neither key nor
@@ -143,6 +183,20 @@ class QNStore final {
   /// but neither list nor write (error: busy). Error: locked, or the file can't be read.
   QNResult<QNListReport> list(const std::shared_ptr<QNProfile>& vault, Which which,
                               const Visitor& visit);
+  /// The items right in a folder, as list() gives them, by an index: the time grows with the
+  /// folder. A row that was taken out behind our back isn't missed here; list() and check() tell.
+  QNResult<QNListReport> listFolder(const std::shared_ptr<QNProfile>& vault,
+                                    std::string_view folderUUID, Which which, const Visitor& visit);
+  /// The items that a predicate holds for, as list() gives them. Where it asks for more than
+  /// overviews hold, details are read for those rows alone that the rest of it doesn't decide, and
+  /// such an item comes with its details. Errors: as for list(), and what the predicate's
+  /// evaluation ends with.
+  QNResult<QNListReport> listMatching(const std::shared_ptr<QNProfile>& vault, Which which,
+                                      const QNPredicate& predicate, const Visitor& visit);
+  /// One pass over the overviews: tags stand nowhere else.
+  QNResult<QNTagReport> tags(const std::shared_ptr<QNProfile>& vault);
+
+  // Reading: QNStore+Load.cpp
   /// One item with key, details and URLs. Errors: notFound, damaged.
   QNResult<std::shared_ptr<QNItem>> item(const std::shared_ptr<QNProfile>& vault,
                                          std::string_view uuid);
@@ -153,6 +207,29 @@ class QNStore final {
   /// the inputs of a set. Trashed items are left out.
   QNResult<std::unique_ptr<QNItemSetForURL>> itemSetForURL(const std::shared_ptr<QNProfile>& vault,
                                                            std::string_view url);
+
+  // Folders: QNStore+Folders.cpp
+  /// Errors: locked, or the file can't be read.
+  QNResult<QNFolderReport> folders(const std::shared_ptr<QNProfile>& vault);
+  /// One folder with its counts and subfolders, but without its parent. Errors: notFound, damaged.
+  QNResult<std::shared_ptr<QNFolder>> folder(const std::shared_ptr<QNProfile>& vault,
+                                             std::string_view uuid);
+
+  // Changing folders: QNStore+FolderChanges.cpp
+  /// Folders from the top to one that has no parent, itself included.
+  static constexpr std::size_t kMaxFolderLevels = 1000;
+  /// Saves a folder, dirty or not: sets updatedAt and txTimestamp; its parent is the folder of
+  /// parentUUID(). Saving a trashed folder is deleting it. Errors: misplacedFolder, if the parent
+  /// isn't there, is in the folder itself, or lies too deep; lostRace, locked, unreadableItem,
+  /// exists, notFound, damaged, ...
+  QNResult<QNDone> saveFolder(const std::shared_ptr<QNFolder>& folder);
+  /// Makes the row a tombstone: uuid, time of creation and time of now stay. Its items lose their
+  /// folder, trashed ones too, and its subfolders move up to its parent: these rows are saved, so
+  /// objects of them that are held must be read anew. The folder has no row id any more.
+  QNResult<QNDone> deleteFolder(const std::shared_ptr<QNFolder>& folder);
+  /// Takes the parent from folders that are misplaced, and the folder from items that are in none
+  /// that is there. Damaged rows stay as they are. Errors: as for saving.
+  QNResult<QNFolderRepair> repairFolders(const std::shared_ptr<QNProfile>& vault);
 
   // Synchronisation: QNStore+Sync.cpp
   /// What was saved, trashed or deleted after `txTimestamp`, by an index: its time grows with the
@@ -181,8 +258,8 @@ class QNStore final {
                                        MergeMode mode = MergeMode::write);
 
   // Care: QNStore+Care.cpp
-  /// SQLite's own check, then every row's seal, ledger, key, details and URLs, tombstones and sync
-  /// sources too.
+  /// SQLite's own check, then every row's seal, ledger, key, details and URLs, tombstones, folders
+  /// and sync sources too.
   QNResult<QNCheckReport> check(const std::shared_ptr<QNProfile>& vault);
   /// A whole copy under a name that isn't there yet, 0600.
   QNResult<QNDone> backupTo(const std::filesystem::path& file);

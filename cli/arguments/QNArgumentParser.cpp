@@ -31,7 +31,9 @@ void defineCommands(CLI::App& app, QNArguments& out) {
   defineInit(app, out);
   defineImport(app, out);
   defineExport(app, out);
+  defineFinding(app, out);
   defineItems(app, out);
+  defineOrganisation(app, out);
   defineCopies(app, out);
   defineTemplates(app, out);
   defineCare(app, out);

@@ -85,21 +85,37 @@ struct QNImportArguments {
   std::filesystem::path file;
   bool dryRun = false;
 };
-enum class QNListOrder { title, updated, created };
+/// Which items a listing shows: those that all of this holds for.
+struct QNFilterArguments {
+  std::optional<std::string> category;
+  std::optional<std::string> tag;
+  std::optional<std::string> folder;
+  bool favorites = false;
+  bool nested = true;  // of a tag or folder also what lies below it
+};
+enum class QNListOrder { title, updated, created, category, strength };
 struct QNListArguments {
+  QNFilterArguments filter;
   bool trashed = false;
   bool withUUIDs = false;
-  std::optional<std::string> category;
-  std::optional<std::string> tag;
+  bool sections = false;
   QNListOrder order = QNListOrder::title;
 };
-/// Either words or an address.
+/// Where words are looked for; each place costs more than the one before.
+enum class QNFindLevel { title, overview, words, contents };
+/// Either words or a predicate.
 struct QNFindArguments {
+  QNFilterArguments filter;
   std::vector<std::string> words;
-  std::optional<std::string> url;
+  QNFindLevel level = QNFindLevel::overview;
+  std::optional<std::string> predicate;
   bool withUUIDs = false;
-  std::optional<std::string> category;
-  std::optional<std::string> tag;
+};
+/// The items of a web page.
+struct QNForArguments {
+  QNFilterArguments filter;
+  std::string url;
+  bool withUUIDs = false;
 };
 struct QNShowArguments {
   std::string item;
@@ -136,6 +152,65 @@ struct QNRestoreArguments {
 struct QNDeleteArguments {
   std::string item;
   bool force = false;  // also an item that isn't in the trash
+};
+struct QNFavoriteArguments {
+  std::string item;
+  bool off = false;
+};
+/// Into a folder, or out of any.
+struct QNMoveArguments {
+  std::string item;
+  std::optional<std::string> folder;
+};
+struct QNTagListArguments {};
+struct QNTagAddArguments {
+  std::string tag;
+  std::vector<std::string> items;
+};
+/// From those items, or from every item that has it.
+struct QNTagRemoveArguments {
+  std::string tag;
+  std::vector<std::string> items;
+  bool all = false;
+  bool nested = false;  // also the tags below it
+};
+struct QNTagRenameArguments {
+  std::string tag;
+  std::string name;
+};
+struct QNFolderListArguments {
+  bool withUUIDs = false;
+};
+struct QNFolderAddArguments {
+  std::string path;
+};
+/// Into another folder, or to the top.
+struct QNFolderMoveArguments {
+  std::string folder;
+  std::optional<std::string> parent;
+};
+struct QNFolderRenameArguments {
+  std::string folder;
+  std::string title;
+};
+struct QNFolderDeleteArguments {
+  std::string folder;
+};
+struct QNSmartListArguments {
+  bool withUUIDs = false;
+};
+struct QNSmartAddArguments {
+  std::string path;
+  std::string predicate;
+};
+struct QNSmartShowArguments {
+  std::string folder;
+  bool withUUIDs = false;
+  bool sections = false;
+  QNListOrder order = QNListOrder::title;
+};
+struct QNSmartDeleteArguments {
+  std::string folder;
 };
 struct QNHistoryArguments {
   std::string item;
@@ -187,7 +262,9 @@ struct QNTemplateArguments {
   std::string category;
 };
 struct QNInfoArguments {};
-struct QNCheckArguments {};
+struct QNCheckArguments {
+  bool repair = false;  // folders that lie nowhere
+};
 struct QNBackupArguments {
   std::filesystem::path file;
 };
@@ -234,15 +311,19 @@ struct QNTextArguments {
 
 struct QNArguments {
   QNGlobalArguments global;
-  std::variant<QNTextArguments, QNInitArguments, QNImportArguments, QNListArguments,
-               QNFindArguments, QNShowArguments, QNAddArguments, QNAddLoginArguments,
-               QNEditArguments, QNTrashArguments, QNRestoreArguments, QNDeleteArguments,
+  std::variant<QNTextArguments, QNInitArguments, QNImportArguments, QNExportArguments,
+               QNListArguments, QNFindArguments, QNForArguments, QNShowArguments, QNAddArguments,
+               QNAddLoginArguments, QNEditArguments, QNTrashArguments, QNRestoreArguments,
+               QNDeleteArguments, QNFavoriteArguments, QNMoveArguments, QNTagListArguments,
+               QNTagAddArguments, QNTagRemoveArguments, QNTagRenameArguments,
+               QNFolderListArguments, QNFolderAddArguments, QNFolderMoveArguments,
+               QNFolderRenameArguments, QNFolderDeleteArguments, QNSmartListArguments,
+               QNSmartAddArguments, QNSmartShowArguments, QNSmartDeleteArguments,
+               QNHistoryArguments, QNDuplicateArguments, QNCopyArguments, QNFingerprintArguments,
                QNCategoriesArguments, QNTemplateArguments, QNPasswdArguments, QNInfoArguments,
-               QNCheckArguments, QNBackupArguments, QNOTPArguments, QNVaultListArguments,
-               QNVaultAddArguments, QNVaultIconArguments, QNVaultColorArguments,
-               QNGenerateArguments, QNCompletionArguments, QNHistoryArguments, QNDuplicateArguments,
-               QNFingerprintArguments, QNCopyArguments, QNExportArguments, QNMergeArguments,
-               QNConflictsArguments, QNResolveArguments>
+               QNCheckArguments, QNBackupArguments, QNMergeArguments, QNConflictsArguments,
+               QNResolveArguments, QNVaultListArguments, QNVaultAddArguments, QNVaultIconArguments,
+               QNVaultColorArguments, QNOTPArguments, QNGenerateArguments, QNCompletionArguments>
       command;
 };
 

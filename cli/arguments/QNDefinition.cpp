@@ -1,5 +1,8 @@
 #include "cli/arguments/internal/QNDefinition.h"
 
+#include <map>
+
+#include "quillon/items/QNItem.h"
 #include "quillon/platform/text/QNText.h"
 
 namespace quillon {
@@ -19,6 +22,37 @@ void addItem(CLI::App& command, std::string& item) {
   command.add_option("ITEM", item, "Its uuid, or its title if no other has it")
       ->required()
       ->check(isText());
+}
+
+std::string tagOrRefuse(const std::string& tag) {
+  std::string withoutSeparators = tag;
+  std::erase_if(withoutSeparators, [](char c) { return c == '/' || c == '\\'; });
+  if (isBlankText(withoutSeparators)) refuse("a tag needs a name");
+  return QNItem::processTagForAdding(tag).value_or(tag);
+}
+
+void addOrder(CLI::App& command, QNListOrder& order) {
+  static const std::map<std::string, QNListOrder> kOrders = {
+      {"title", QNListOrder::title},       {"updated", QNListOrder::updated},
+      {"created", QNListOrder::created},   {"category", QNListOrder::category},
+      {"strength", QNListOrder::strength},
+  };
+  command
+      .add_option_function<std::string>(
+          "--sort", [&order](const std::string& name) { order = kOrders.at(name); },
+          "title or category, as your language sorts; updated or created, newest first; strength, "
+          "the weakest password first")
+      ->type_name("ORDER")
+      ->check(CLI::IsMember({"title", "updated", "created", "category", "strength"}));
+}
+
+void addSections(CLI::App& command, bool& sections) {
+  command.add_flag("--sections", sections,
+                   "Under headings: first letters, months, categories or strengths");
+}
+
+void addLong(CLI::App& command, bool& withUUIDs) {
+  command.add_flag("--long", withUUIDs, "Show the uuid of each, too");
 }
 
 void addPasswordSource(CLI::App& app, const std::string& prefix, const std::string& what,

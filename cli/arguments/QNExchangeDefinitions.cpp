@@ -10,14 +10,6 @@ constexpr const char* kNoPlaintext =
     "an export holds every password in clear, and whoever gets to read it has them all: give "
     "--plaintext if that is what you want; quillon backup makes a copy that stays encrypted";
 
-template <class Arguments>
-Definition<Arguments> defineForItem(CLI::App& app, QNArguments& out, const std::string& name,
-                                    const std::string& description) {
-  auto made = define<Arguments>(app, out, name, description);
-  addItem(*made.command, made.given->item);
-  return made;
-}
-
 void defineCopy(CLI::App& app, QNArguments& out) {
   auto [command, given] =
       defineForItem<QNCopyArguments>(app, out, "copy", "Copy one item into another vault");

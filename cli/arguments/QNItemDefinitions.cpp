@@ -1,4 +1,4 @@
-// list to delete, categories, template: the commands for items and their categories.
+// show to delete, categories, template: the commands for items and their categories.
 
 #include <fmt/format.h>
 
@@ -6,54 +6,12 @@
 
 #include "cli/arguments/QNGivenValues.h"
 #include "cli/arguments/internal/QNDefinition.h"
-#include "quillon/platform/text/QNText.h"
 
 namespace quillon {
 namespace {
 
 constexpr const char* kCategoryNames =
     "Its name as quillon categories tells it, its title in your language, or its uuid";
-
-template <class Arguments>
-void addFilters(CLI::App& command, Arguments& given) {
-  command.add_option("--category", given.category, "Only the items of this category")
-      ->check(isText());
-  command.add_option("--tag", given.tag, "Only the items that have this tag")
-      ->type_name("NAME")
-      ->check(isText());
-}
-
-void defineList(CLI::App& app, QNArguments& out) {
-  auto [command, given] = define<QNListArguments>(app, out, "list", "List titles and subtitles");
-  command->add_flag("--trashed", given->trashed, "List what is in the trash instead");
-  command->add_flag("--long", given->withUUIDs, "Show the uuid of each item, too");
-  addFilters(*command, *given);
-  command
-      ->add_option_function<std::string>(
-          "--sort",
-          [given = given](const std::string& order) {
-            if (order == "updated") given->order = QNListOrder::updated;
-            if (order == "created") given->order = QNListOrder::created;
-          },
-          "title, as your language sorts; updated or created, newest first")
-      ->check(CLI::IsMember({"title", "updated", "created"}));
-}
-
-void defineFind(CLI::App& app, QNArguments& out) {
-  auto [command, given] =
-      define<QNFindArguments>(app, out, "find", "Find items by title or website");
-  auto* const words =
-      command->add_option("WORDS", given->words, "All of them must occur in the title")
-          ->check(isText());
-  command->add_option("--url", given->url, "Find the items of this web page")
-      ->check(isText())
-      ->excludes(words);
-  command->add_flag("--long", given->withUUIDs, "Show the uuid of each item, too");
-  addFilters(*command, *given);
-  command->parse_complete_callback([given = given] {
-    if (given->words.empty() && !given->url) refuse("find needs words or --url");
-  });
-}
 
 void defineShow(CLI::App& app, QNArguments& out) {
   auto [command, given] = define<QNShowArguments>(app, out, "show", "Show one item");
@@ -64,12 +22,6 @@ void defineShow(CLI::App& app, QNArguments& out) {
                    "Print this field alone: title, username, password, url, notes, or a field "
                    "by its identifier or title, as FIELD or SECTION.FIELD")
       ->check(isText());
-}
-
-// Nobody sees a tag of blanks.
-std::string tagOrRefuse(const std::string& tag) {
-  if (isBlankText(tag)) refuse("a tag needs a name");
-  return tag;
 }
 
 void addGenerate(CLI::App& command, QNItemPassword& password) {
@@ -185,7 +137,7 @@ void defineEdit(CLI::App& app, QNArguments& out) {
       ->check(isText());
   addTags(*command, given->edits.tags);
   addRepeated(*command, "--untag", "NAME", "Take a tag away", [given = given](const auto& tag) {
-    given->edits.tagsToRemove.push_back(tagOrRefuse(tag));
+    given->edits.tagsToRemove.push_back(tag);
   })->check(isText());
   auto* const favorite = command->add_flag_callback(
       "--favorite", [given = given] { given->edits.favorite = true; }, "Mark it as a favorite");
@@ -202,19 +154,9 @@ void defineEdit(CLI::App& app, QNArguments& out) {
   });
 }
 
-template <class Arguments>
-Definition<Arguments> defineForItem(CLI::App& app, QNArguments& out, const std::string& name,
-                                    const std::string& description) {
-  auto made = define<Arguments>(app, out, name, description);
-  addItem(*made.command, made.given->item);
-  return made;
-}
-
 }  // namespace
 
 void defineItems(CLI::App& app, QNArguments& out) {
-  defineList(app, out);
-  defineFind(app, out);
   defineShow(app, out);
   defineAdd(app, out);
   defineEdit(app, out);

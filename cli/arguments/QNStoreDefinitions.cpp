@@ -46,7 +46,9 @@ void defineCare(CLI::App& app, QNArguments& out) {
   auto passwd = define<QNPasswdArguments>(app, out, "passwd", "Change the password of the vault");
   addPasswordSource(*passwd.command, "new-password", "The new password", passwd.given->newPassword);
   define<QNInfoArguments>(app, out, "info", "Tell what the store holds; needs no password");
-  define<QNCheckArguments>(app, out, "check", "Test every row of the store");
+  auto check = define<QNCheckArguments>(app, out, "check", "Test every row of the store");
+  check.command->add_flag("--repair", check.given->repair,
+                          "Bring folders and items that lie nowhere to the top");
   auto backup = define<QNBackupArguments>(app, out, "backup", "Copy the store; needs no password");
   backup.command->add_option("FILE", backup.given->file, "A file that isn't there yet")->required();
 }

@@ -1,21 +1,34 @@
 #include "store/internal/QNLedger.h"
 
 #include <algorithm>
+#include <array>
+#include <span>
 
 namespace quillon {
 
 namespace {
 
 // Offset  size  content
-//      0    16  "quillon ledger 1"
-//     16     8  rows
+//      0    16  "quillon ledger 2"
+//     16     8  rows of items
 //     24     8  lastTx
 //     32     8  vaultRevision
-//     40    16  sum
-//     56     n  the vault's uuid
-constexpr std::string_view kTag = "quillon ledger 1";
-constexpr std::size_t kNumbers = 5;
-constexpr std::size_t kHeadSize = 16 + 8 * kNumbers;
+//     40    16  sum of the items' terms
+//     56     8  rows of folders
+//     64    16  sum of the folders' terms
+//     80     n  the vault's uuid
+//
+// Before there were folders: "quillon ledger 1", and the uuid at 56.
+constexpr std::string_view kTag = "quillon ledger 2";
+constexpr std::string_view kTagWithoutFolders = "quillon ledger 1";
+static_assert(kTag.size() == kTagWithoutFolders.size());
+
+/// In the order of the form.
+std::array<std::uint64_t*, 8> numbersOf(QNLedger& ledger) {
+  return {&ledger.items.rows, &ledger.lastTx,       &ledger.vaultRevision, &ledger.items.high,
+          &ledger.items.low,  &ledger.folders.rows, &ledger.folders.high,  &ledger.folders.low};
+}
+constexpr std::size_t kNumbersWithoutFolders = 5;
 
 void append(Bytes& bytes, std::uint64_t value) {
   for (int shift = 56; shift >= 0; shift -= 8) {
@@ -31,17 +44,17 @@ std::uint64_t numberAt(ByteView bytes, std::size_t offset) {
 
 }  // namespace
 
-void QNLedger::add(const QNSeal& seal) {
-  const std::uint64_t before = sumLow;
-  sumLow += numberAt(seal.term, 8);
-  sumHigh += numberAt(seal.term, 0) + (sumLow < before ? 1 : 0);
+void QNRowSum::add(const QNSeal& seal) {
+  const std::uint64_t before = low;
+  low += numberAt(seal.term, 8);
+  high += numberAt(seal.term, 0) + (low < before ? 1 : 0);
   ++rows;
 }
 
-void QNLedger::remove(const QNSeal& seal) {
-  const std::uint64_t before = sumLow;
-  sumLow -= numberAt(seal.term, 8);
-  sumHigh -= numberAt(seal.term, 0) + (sumLow > before ? 1 : 0);
+void QNRowSum::remove(const QNSeal& seal) {
+  const std::uint64_t before = low;
+  low -= numberAt(seal.term, 8);
+  high -= numberAt(seal.term, 0) + (low > before ? 1 : 0);
   --rows;
 }
 
@@ -52,9 +65,8 @@ std::uint64_t QNLedger::nextTx(std::uint64_t now) {
 
 std::optional<Bytes> QNLedger::sealed(QNProfile& vault) const {
   Bytes clear = toBytes(bytesOf(kTag));
-  for (const std::uint64_t number : {rows, lastTx, vaultRevision, sumHigh, sumLow}) {
-    append(clear, number);
-  }
+  QNLedger written = *this;
+  for (const std::uint64_t* number : numbersOf(written)) append(clear, *number);
   const ByteView uuid = bytesOf(*vault.uuid());
   clear.insert(clear.end(), uuid.begin(), uuid.end());
   return vault.encryptOverview(clear);
@@ -62,13 +74,17 @@ std::optional<Bytes> QNLedger::sealed(QNProfile& vault) const {
 
 std::optional<QNLedger> QNLedger::open(QNProfile& vault, ByteView content) {
   const std::optional<Bytes> clear = vault.decryptOverview(content);
-  if (!clear || clear->size() < kHeadSize) return std::nullopt;
+  if (!clear) return std::nullopt;
   const std::string_view text = textOf(*clear);
-  if (!text.starts_with(kTag) || text.substr(kHeadSize) != *vault.uuid()) return std::nullopt;
+  const bool hasFolders = text.starts_with(kTag);
+  if (!hasFolders && !text.starts_with(kTagWithoutFolders)) return std::nullopt;
   QNLedger ledger;
+  const auto all = numbersOf(ledger);
+  const auto numbers = std::span(all).first(hasFolders ? all.size() : kNumbersWithoutFolders);
+  const std::size_t headSize = kTag.size() + 8 * numbers.size();
+  if (text.size() < headSize || text.substr(headSize) != *vault.uuid()) return std::nullopt;
   std::size_t offset = kTag.size();
-  for (std::uint64_t* number :
-       {&ledger.rows, &ledger.lastTx, &ledger.vaultRevision, &ledger.sumHigh, &ledger.sumLow}) {
+  for (std::uint64_t* number : numbers) {
     *number = numberAt(*clear, offset);
     offset += 8;
   }
@@ -85,9 +101,9 @@ bool QNRowCount::add(const std::optional<QNSeal>& seal, ByteView stored) {
   return genuine;
 }
 
-bool QNRowCount::agreesWith(const QNLedger& ledger) const {
-  if (_genuine.rows + _others != ledger.rows) return false;
-  return _others > 0 || (_genuine.sumHigh == ledger.sumHigh && _genuine.sumLow == ledger.sumLow);
+bool QNRowCount::agreesWith(const QNRowSum& sum) const {
+  if (_genuine.rows + _others != sum.rows) return false;
+  return _others > 0 || (_genuine.high == sum.high && _genuine.low == sum.low);
 }
 
 }  // namespace quillon

@@ -8,22 +8,28 @@
 
 namespace quillon {
 
+/// What rows add up to: their number, and the sum of their terms modulo 2^128, high half first.
+struct QNRowSum {
+  std::uint64_t rows = 0;
+  std::uint64_t high = 0;
+  std::uint64_t low = 0;
+
+  void add(const QNSeal& seal);
+  void remove(const QNSeal& seal);
+};
+
 /// What a vault's rows must add up to: so a row that was taken away, added, or put back from an
 /// older state is noticed, which its own seal can't tell. A save changes it by the terms of the
 /// old and the new row. Stored encrypted and authenticated under the vault's overview key, bound
 /// to the vault: the sum has to stay secret, as the terms do.
 struct QNLedger {
-  std::uint64_t rows = 0;
+  QNRowSum items;  // tombstones with them
+  QNRowSum folders;
   /// The highest tx_timestamp given to a row so far.
   std::uint64_t lastTx = 0;
   /// The revision of the vault's own row.
   std::uint64_t vaultRevision = 0;
-  /// The sum of the rows' terms modulo 2^128, high half first.
-  std::uint64_t sumHigh = 0;
-  std::uint64_t sumLow = 0;
 
-  void add(const QNSeal& seal);
-  void remove(const QNSeal& seal);
   /// A revision for the next row: the present second, or one more than the last if that is later.
   std::uint64_t nextTx(std::uint64_t now);
 
@@ -33,16 +39,16 @@ struct QNLedger {
   static std::optional<QNLedger> open(QNProfile& vault, ByteView content);
 };
 
-/// What the rows of a vault add up to.
+/// What rows that are read add up to.
 class QNRowCount final {
  public:
   /// True if the seal is the one that stands in the row.
   bool add(const std::optional<QNSeal>& seal, ByteView stored);
   /// Rows whose seal doesn't fit leave only their number to be compared.
-  [[nodiscard]] bool agreesWith(const QNLedger& ledger) const;
+  [[nodiscard]] bool agreesWith(const QNRowSum& sum) const;
 
  private:
-  QNLedger _genuine;
+  QNRowSum _genuine;
   std::uint64_t _others = 0;
 };
 

@@ -16,6 +16,7 @@ constexpr std::string_view kBodyTag = "quillon body 1";
 constexpr std::string_view kVaultTag = "quillon vault 1";
 constexpr std::string_view kSyncSourceTag = "quillon sync source 1";
 constexpr std::string_view kSyncStatesTag = "quillon sync states 1";
+constexpr std::string_view kFolderTag = "quillon folder 1";
 
 class Form final {
  public:
@@ -110,6 +111,14 @@ std::optional<QNSeal> QNRowSealer::seal(const QNSyncSourceRow& row) {
   form.optionalBytes(row.remoteProfileAttributes);
   form.optionalText(row.localProfileUUID).number(row.localProfileTimestamp);
   form.optionalBytes(row.localProfileAttributes).bytes(row.statesHash);
+  return sealForm();
+}
+
+std::optional<QNSeal> QNRowSealer::seal(const QNFolderRow& row) {
+  Form form(_form, kFolderTag);
+  form.text(uuidOf(_vault)).number(row.oid).number(row.status).number(row.createdAt);
+  form.number(row.updatedAt).number(row.txTimestamp).number(row.smart).number(row.displayOrder);
+  form.optionalText(row.parentUUID).text(row.uuid).optionalBytes(row.icon).bytes(row.overview);
   return sealForm();
 }
 

@@ -100,6 +100,22 @@ struct QNSyncStateRow {
   std::uint64_t localTimestamp = 0;
 };
 
+/// A row of `folders`; the same rule for its views. A deleted one has the status 2 and no content.
+struct QNFolderRow {
+  std::uint64_t oid = 0;
+  std::uint64_t status = 0;
+  std::uint64_t createdAt = 0;
+  std::uint64_t updatedAt = 0;
+  std::uint64_t txTimestamp = 0;
+  std::uint64_t smart = 0;
+  std::uint64_t displayOrder = 0;
+  std::optional<std::string_view> parentUUID;
+  std::string_view uuid;
+  std::optional<ByteView> icon;  // sealed as the overview is
+  ByteView seal;
+  ByteView overview;
+};
+
 /// SHA-256 over an item's wrapped key, details and URLs, these in display order.
 std::array<std::uint8_t, 32> bodyHash(ByteView wrappedKey, ByteView details,
                                       std::span<const QNURLRow> urls);
@@ -115,6 +131,7 @@ class QNRowSealer final {
   [[nodiscard]] std::optional<QNSeal> seal(const QNItemRow& row);
   [[nodiscard]] std::optional<QNSeal> seal(const QNVaultRow& row);
   [[nodiscard]] std::optional<QNSeal> seal(const QNSyncSourceRow& row);
+  [[nodiscard]] std::optional<QNSeal> seal(const QNFolderRow& row);
 
  private:
   [[nodiscard]] std::optional<QNSeal> sealForm() const;

@@ -135,7 +135,31 @@ CREATE TABLE sync_states (
 ) STRICT, WITHOUT ROWID;
 )sql";
 
-constexpr std::array<const char*, 2> kMigrations = {kVersion1, kVersion2};
+// A folder's items are found and counted by the index alone, which has nothing of an item without
+// a folder. A count that stood in a row could be wrong; this one can't.
+constexpr const char* kVersion3 = R"sql(
+CREATE TABLE folders (
+  oid INTEGER PRIMARY KEY,
+  vault_id INTEGER NOT NULL REFERENCES vaults (oid) ON DELETE CASCADE,
+  status INTEGER NOT NULL,
+  created_at INTEGER NOT NULL,
+  updated_at INTEGER NOT NULL,
+  tx_timestamp INTEGER NOT NULL,
+  smart INTEGER NOT NULL,
+  display_order INTEGER NOT NULL,
+  parent_uuid TEXT,
+  uuid TEXT NOT NULL,
+  icon BLOB,
+  seal BLOB NOT NULL,
+  overview BLOB NOT NULL,
+  UNIQUE (vault_id, uuid)
+) STRICT;
+
+CREATE INDEX items_by_folder ON items (vault_id, folder_uuid, status)
+  WHERE folder_uuid IS NOT NULL;
+)sql";
+
+constexpr std::array<const char*, 3> kMigrations = {kVersion1, kVersion2, kVersion3};
 
 void runSteps(QNDatabase& database, QNMigrations steps, std::size_t version) {
   for (const char* step : steps) database.run(step);

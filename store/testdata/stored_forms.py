@@ -103,6 +103,24 @@ def sync_source_form(vault_uuid, row, states):
     return form + counted(states_hash(states))
 
 
+def folder_form(vault_uuid, row):
+    form = b"quillon folder 1" + counted(vault_uuid)
+    for name in ("oid", "status", "created_at", "updated_at", "tx_timestamp", "smart",
+                 "display_order"):
+        form += number(row[name])
+    form += optional(row["parent_uuid"]) + counted(row["uuid"]) + optional(row["icon"])
+    return form + counted(row["overview"])
+
+
+def ledger_form(vault, rows, last, total, folders=None):
+    """`folders` are number and sum; nothing for what versions 1 and 2 wrote."""
+    form = b"quillon ledger 1" if folders is None else b"quillon ledger 2"
+    form += number(rows) + number(last) + number(vault["revision"]) + total.to_bytes(16, "big")
+    if folders is not None:
+        form += number(folders[0]) + folders[1].to_bytes(16, "big")
+    return form + vault["uuid"].encode()
+
+
 def seal(raw_key, form):
     code = hmac.new(raw_key[32:64], form, "sha256").digest()
     return code[:16], code[16:]
@@ -153,8 +171,22 @@ def vectors():
         code = seal(raw, sync_source_form("vault-uuid", row, of_row))[0]
         sources.append(dict(row=row, states=of_row, hash=states_hash(of_row).hex(),
                             tag=code.hex()))
+    full_folder = dict(oid=4, status=2, created_at=31, updated_at=32, tx_timestamp=33, smart=1,
+                       display_order=(1 << 64) - 1, parent_uuid="p", uuid="folder-uuid",
+                       icon="sealed icon", overview="sealed overview")
+    bare_folder = {name: 0 if isinstance(value, int) else "" for name, value in full_folder.items()}
+    bare_folder.update(parent_uuid=None, icon=None)
+    empty_folder = dict(bare_folder, parent_uuid="", icon="")
+    folders = []
+    for row in (full_folder, bare_folder, empty_folder):
+        tag_of_folder, term_of_folder = seal(raw, folder_form("vault-uuid", row))
+        folders.append(dict(row=row, tag=tag_of_folder.hex(), term=term_of_folder.hex()))
     return {
         "syncSources": sources,
+        "folders": folders,
+        "ledgers": {name: ledger_form(dict(uuid="vault-uuid", revision=2), 3, 1700000000,
+                                      0x0102030405060708f1f2f3f4f5f6f7f8, sums).hex()
+                    for name, sums in (("withFolders", (4, (1 << 128) - 2)), ("without", None))},
         "overviewKey": KEY.hex(), "bodyHash": BYTES["body_hash"].hex(),
         "overview": BYTES["overview"].decode(), "items": items,
         "vault": dict(row=vault, tag=tag.hex(), term=term.hex()),
@@ -189,7 +221,7 @@ def verify(path):
 
     assert rows("PRAGMA application_id")[0]["application_id"] == 0x514E4C4E
     version = rows("PRAGMA user_version")[0]["user_version"]
-    assert version in (1, 2)
+    assert version in (1, 2, 3)
     for vault in rows("SELECT * FROM vaults"):
         password_key = Argon2id(salt=vault["salt"], length=64, iterations=3, lanes=1,
                                 memory_cost=vault["iterations"]).derive(b"try quillon")
@@ -222,11 +254,27 @@ def verify(path):
                 code = hmac.new(vault["uuid"].encode(), host.encode(), "sha256").hexdigest()
                 assert code == url["derived_hash"]
             print(item["oid"], item["uuid"], clear["title"], sorted(details), addresses)
+        folders = version > 2 and rows("SELECT * FROM folders WHERE vault_id = ? ORDER BY oid",
+                                       vault["oid"]) or []
+        folder_total = 0
+        for folder in folders:
+            tag, term = seal(overview, folder_form(vault["uuid"], folder))
+            assert tag == folder["seal"]
+            folder_total = (folder_total + int.from_bytes(term, "big")) % (1 << 128)
+            last = max(last, folder["tx_timestamp"])
+            if folder["status"] == 2:
+                assert folder["overview"] == b"" and folder["parent_uuid"] is folder["icon"] is None
+                assert folder["smart"] == folder["display_order"] == 0
+                print("folder", folder["uuid"], "was deleted at", folder["updated_at"])
+                continue
+            clear = json.loads(open_sealed(overview, folder["overview"]))
+            icon = folder["icon"] and open_sealed(overview, folder["icon"])
+            print("folder", folder["uuid"], clear["title"], sorted(clear), "in",
+                  folder["parent_uuid"], "with an icon" if icon else "")
         ledger = open_sealed(overview, rows("SELECT content FROM ledgers WHERE vault_id = ?",
                                             vault["oid"])[0]["content"])
-        assert ledger == (b"quillon ledger 1" + number(count) + number(last) +
-                          number(vault["revision"]) + total.to_bytes(16, "big") +
-                          vault["uuid"].encode())
+        sums = (len(folders), folder_total) if version > 2 else None
+        assert ledger == ledger_form(vault, count, last, total, sums)
         sources = version > 1 and rows("SELECT * FROM sync_sources WHERE vault_id = ?",
                                        vault["oid"]) or []
         for source in sources:

@@ -43,6 +43,23 @@ void addPasswordSource(CLI::App& app, const std::string& prefix, const std::stri
                        QNPasswordSource& source);
 /// "ITEM", which must be given.
 void addItem(CLI::App& command, std::string& item);
+/// A command whose arguments name one item.
+template <class Arguments>
+Definition<Arguments> defineForItem(CLI::App& app, QNArguments& out, const std::string& name,
+                                    const std::string& description) {
+  auto made = define<Arguments>(app, out, name, description);
+  addItem(*made.command, made.given->item);
+  return made;
+}
+
+/// A tag as an item takes it; one without a name is refused, since nobody would see it.
+std::string tagOrRefuse(const std::string& tag);
+/// --sort.
+void addOrder(CLI::App& command, QNListOrder& order);
+/// --sections.
+void addSections(CLI::App& command, bool& sections);
+/// --long.
+void addLong(CLI::App& command, bool& withUUIDs);
 
 /// An option that may be given several times, one value each.
 template <class Read>
@@ -63,7 +80,9 @@ CLI::Option* addRepeated(CLI::App& command, const std::string& name, const std::
 void defineInit(CLI::App& app, QNArguments& out);
 void defineImport(CLI::App& app, QNArguments& out);
 void defineExport(CLI::App& app, QNArguments& out);
-void defineItems(CLI::App& app, QNArguments& out);      // list to delete
+void defineFinding(CLI::App& app, QNArguments& out);    // list, find, for
+void defineItems(CLI::App& app, QNArguments& out);      // show to delete
+void defineOrganisation(CLI::App& app, QNArguments& out);  // favorite to smart
 void defineCopies(CLI::App& app, QNArguments& out);     // history to fingerprint
 void defineTemplates(CLI::App& app, QNArguments& out);  // categories, template
 void defineCare(CLI::App& app, QNArguments& out);       // passwd to backup
