@@ -8,9 +8,11 @@
 #include <vector>
 
 #include "quillon/items/H9ItemProperties.h"
+#include "quillon/items/QNGenericListObject.h"
 #include "quillon/items/QNItemConstants.h"
 #include "quillon/items/QNPreviouslyUsedPassword.h"
 #include "quillon/items/QNSecretSet.h"
+#include "quillon/items/QNSortableItem.h"
 #include "quillon/objects/QNDatabaseObjectWithOverview.h"
 #include "quillon/platform/crypto/QNAESKey.h"
 #include "quillon/platform/log/MRLogger.h"
@@ -18,6 +20,7 @@
 namespace quillon {
 
 class QNAddressValue;
+class QNCharacterSet;
 class QNFieldSection;
 class QNFieldValue;
 class QNGenericCategory;
@@ -26,6 +29,11 @@ class QNItemField;
 class QNItemSpecifier;
 class QNItemURL;
 class QNLogin;
+class QNPredicateCache;
+class QNQuickAccessShortcut;
+class QNSearchPredicate;
+struct QNSearchText;
+struct QNSearchWords;
 class QNTombstone;
 
 /// What copying an item into another vault needs; which of it is enough, the caller decides.
@@ -39,6 +47,9 @@ enum class QNCopyRequirement : std::int64_t {
   sameServer = 3,
 };
 
+/// How much of an item a search looks at; each looks at what the one before it does, and more.
+enum class QNSearchLevel { title, overview, contents };
+
 /// What a person keeps in a vault. Two JSON objects make up an item: the overview, which a vault
 /// opens for every item to draw lists, and the details, which hold the secrets and are opened
 /// with the item. The monitor guards both; URLs and everything else are one thread's business.
@@ -47,6 +58,8 @@ enum class QNCopyRequirement : std::int64_t {
 class QNItem : public QNDatabaseObjectWithOverview,
                public QNSyncable,
                public QNDisplayOrderable,
+               public QNSortableItem,
+               public QNGenericListObject,
                public std::enable_shared_from_this<QNItem> {
  public:
   explicit QNItem(QNNew);
@@ -76,7 +89,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   /// and dirty the item.
   std::optional<std::string> json();
   std::string descriptionWithSizeInformation();
-  [[nodiscard]] std::shared_ptr<const QNItemSpecifier> itemSpecifier();
+  [[nodiscard]] std::shared_ptr<const QNItemSpecifier> itemSpecifier() override;
   [[nodiscard]] QNObjectType objectType() const override { return QNObjectType::item; }
   [[nodiscard]] bool isTombstone() const override { return false; }
   [[nodiscard]] bool isFolder() const override { return false; }
@@ -95,14 +108,12 @@ class QNItem : public QNDatabaseObjectWithOverview,
 
   // Overview: QNItem+Overview.cpp
   /// The title, or localized "Unnamed".
-  [[nodiscard]] std::string title();
+  [[nodiscard]] std::string title() override;
   void setTitle(std::optional<std::string_view> title);
-  [[nodiscard]] std::optional<std::string> additionalInformation();
+  [[nodiscard]] std::optional<std::string> additionalInformation() override;
   void setAdditionalInformation(std::optional<std::string_view> text);
   [[nodiscard]] virtual std::optional<std::string> _additionalInformation();
   [[nodiscard]] std::optional<std::string> fastmailAlias();
-  [[nodiscard]] std::set<std::string> tags();
-  void setTags(const std::set<std::string>& tags);
   [[nodiscard]] std::optional<std::string> h9UserUUID();
   void setH9UserUUID(std::optional<std::string_view> uuid);
   /// First letter of a title for grouping a list, or "#".
@@ -110,6 +121,129 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void removeQN4CustomIconData();
   void removeH9CustomIconData();
   void removeH9PendingCustomIconData();
+
+  // Tags: QNItem+Tags.cpp. A tag is a path whose parts are separated by "/".
+  [[nodiscard]] std::set<std::string> tags();
+  /// As they are: what a user typed goes through setTagsFromUI().
+  void setTags(const std::set<std::string>& tags);
+  [[nodiscard]] bool hasTags() { return !tags().empty(); }
+  [[nodiscard]] std::size_t numberOfTags() { return tags().size(); }
+  /// Joined by ", ".
+  [[nodiscard]] std::optional<std::string> tagsPlain();
+  /// A tag without parts that aren't empty, or of other white space than blanks. Nothing, with an
+  /// error log, if nothing is left of it.
+  static std::optional<std::string> processTagForAdding(std::optional<std::string_view> tag);
+  /// Those of which something is left replace what there was.
+  void setTagsFromUI(const std::vector<std::string>& tags);
+  void addTag(std::optional<std::string_view> tag);
+  /// That exact text.
+  void removeTag(std::string_view tag);
+  /// The tags below a level, which ends in "/"; any other prefix removes nothing.
+  void removeTagsWithPrefix(std::string_view prefix);
+  /// Case apart.
+  [[nodiscard]] std::set<std::string> tagsMatchingTag(std::string_view tag);
+  [[nodiscard]] bool isTaggedForAppleWatch();
+  // Case apart, unlike the former.
+  [[nodiscard]] bool isTaggedFor2FA();
+  [[nodiscard]] bool isTaggedForHttp();
+  // Each dirties the row.
+  void toggleTagForAppleWatch();
+  void toggleTagFor2FA();
+  void toggleTagForHttp();
+
+  // Search: QNItem+Search.cpp. A text is found without regard to case and diacritics, where nothing
+  // else is said. Search for texts in small letters, as lowercaseIdentifier() makes them. The
+  // answer of the title and the overview level is what was in the item at the first search, or at
+  // the last call of setTitle(), and for the overview of setAdditionalInformation() (a save too)
+  // and setURLString(): copyOverview() and setOverviewData() don't count, nor does what happens to
+  // an address itself.
+  /// Cuts what a user typed into texts to search for: white space.
+  static const QNCharacterSet& searchSeparatorSet();
+  /// What is neither a letter, nor a mark, nor a number.
+  static const QNCharacterSet& helperSearchWordSeparators();
+  /// The tests of the last few searches, for all items of the process.
+  static QNPredicateCache& predicateCache();
+  static std::shared_ptr<const QNSearchPredicate> cachedPredicateForSearchString(
+      std::string_view string);
+  /// Empties that cache; a vault's lock calls it.
+  static void clearCaches();
+  [[nodiscard]] std::string lowercaseTitle();
+  /// Title, host of the main address and additional information, those that aren't empty, the first
+  /// two with a blank behind them.
+  [[nodiscard]] std::string lowercaseOverviewStringForSearch();
+  /// The three with a blank between them, empty or not. The two operations share a cache: which of
+  /// them ran first decides what both give.
+  [[nodiscard]] std::string lowercaseOverviewStringForSearch2();
+  [[nodiscard]] bool titleMatchesLowercaseString(std::string_view string);
+  /// The whole uuid matches too.
+  [[nodiscard]] bool overviewMatchesLowercaseString(std::string_view string);
+  /// Opens the details: values, concealed and retired ones too, tags, titles of fields and
+  /// sections. Without details, what the overview gives.
+  [[nodiscard]] bool contentsMatchesLowercaseString(std::string_view string);
+  // Does each of the strings match? True for none.
+  using SearchStrings = std::vector<std::string>;
+  [[nodiscard]] bool titleMatchesLowercaseStrings(const SearchStrings& strings);
+  [[nodiscard]] bool overviewMatchesLowercaseStrings(const SearchStrings& strings);
+  [[nodiscard]] bool contentsMatchesLowercaseStrings(const SearchStrings& strings);
+  /// Those whose answer at that level is true, in order, nulls left out. For many items: several
+  /// times as fast as to ask each.
+  static std::vector<std::shared_ptr<QNItem>> itemsMatchingLowercaseStrings(
+      std::span<const std::shared_ptr<QNItem>> items, const SearchStrings& strings,
+      QNSearchLevel level);
+  // What a search reads. Empty texts are left out, except in the first.
+  /// What is stored as tags, of whatever kind; an empty list if there is nothing in it.
+  [[nodiscard]] Json tagsForSearch();
+  [[nodiscard]] std::string folderUUIDForSearch() const { return folderUUID().value_or(""); }
+  [[nodiscard]] std::vector<std::string> URLStringsForSearch();
+  [[nodiscard]] std::vector<std::string> nakedHashesForSearch();
+  [[nodiscard]] virtual std::vector<QNSecret> allValuesForSearch();
+  [[nodiscard]] virtual std::vector<QNSecret> allPasswordsForSearch();
+  [[nodiscard]] virtual std::vector<std::string> allFieldTitlesForSearch();
+  [[nodiscard]] std::vector<std::string> allSectionTitlesForSearch();
+
+  // Search by words of title and hosts: QNItem+SearchWords.cpp. Kept until setTitle() or a change
+  // in the list of addresses.
+  /// In small letters. One of them is empty where two separators meet, or one stands at an end.
+  [[nodiscard]] std::set<std::string> helperSearchWords();
+  /// Does each of the strings match? A string of one word is looked for in the words, or at their
+  /// beginning, without regard to case and diacritics. Any other, exactly, in title and hosts; the
+  /// first of those that the title contains decides for all that follow.
+  [[nodiscard]] bool matchesHelperSearchStrings(const SearchStrings& strings, bool prefixMatch);
+
+  // Quick access: QNItem+QuickAccess.cpp. What a user reaches for often, each with the key that
+  // copies it. Fields without a value are left out, concealed ones also without the right to
+  // reveal.
+  [[nodiscard]] virtual std::vector<QNQuickAccessShortcut> quickAccessFields();
+  [[nodiscard]] std::vector<QNQuickAccessShortcut> createQuickAccessFields();
+  [[nodiscard]] std::vector<QNQuickAccessShortcut> createQuickAccessFieldsFromFirstSection();
+  void addFieldWithIdentifier(std::string_view identifier, std::uint64_t requestedCopyKey,
+                              std::vector<QNQuickAccessShortcut>& ifPossibleToArray);
+  void addOneTimePasswordFieldRequestingCopyKey(
+      std::uint64_t copyKey, std::vector<QNQuickAccessShortcut>& ifPossibleToArray);
+
+  // For others: QNItem+Metadata.cpp
+  /// In clear, for an index of the system. The keys and their order: QNMetadataConstants.h.
+  [[nodiscard]] JsonObject spotlightMetadata();
+  [[nodiscard]] std::optional<std::chrono::sys_seconds> expirationDate();
+  [[nodiscard]] std::optional<std::string> fillableUsername();
+
+  // Sorting: QNItem+Sorting.cpp. By title, for a person. Without the user's setting
+  // QNPrefAdvancedHashSectionIsSortedFirst, titles that are empty or begin with a digit, a
+  // punctuation mark or a symbol stand behind all others.
+  static std::vector<std::shared_ptr<QNItem>> sortAlphabetically(
+      std::vector<std::shared_ptr<QNItem>> items) {
+    return sortAlphabetically(std::move(items), false);
+  }
+  static std::vector<std::shared_ptr<QNItem>> sortAlphabetically(
+      std::vector<std::shared_ptr<QNItem>> items, bool favoritesOnTop);
+
+  // As a row of a mixed list: QNItem.cpp
+  /// Names the item across vaults; empty, with an assertion log, for an item without a uuid.
+  [[nodiscard]] std::string identifier() override;
+  [[nodiscard]] std::optional<std::string> subtitle() override { return additionalInformation(); }
+  [[nodiscard]] bool read() override { return false; }
+  [[nodiscard]] std::optional<std::string> accessoryText() override { return std::nullopt; }
+  [[nodiscard]] QNListItemType listItemType() override { return QNListItemType::item; }
 
   // Strength: QNItem+Strength.cpp
   [[nodiscard]] std::optional<double> passwordBitsEntropy();
@@ -285,7 +419,6 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::optional<std::string> nakedDomain();
   /// The host of the address.
   [[nodiscard]] std::optional<std::string> derivedDomain();
-  [[nodiscard]] std::vector<std::string> URLStringsForSearch();
   [[nodiscard]] std::optional<std::string> goAndFillURLString();
   [[nodiscard]] std::string defaultLabelForNewURL();
 
@@ -440,7 +573,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void setFolderId(std::uint64_t id) { _folderId = id; }
   [[nodiscard]] std::uint64_t categoryId() const { return _categoryId; }
   void setCategoryId(std::uint64_t id) { _categoryId = id; }
-  [[nodiscard]] const std::optional<std::string>& sectionName() const { return _sectionName; }
+  /// Once it was set or asked for, it stays until a save derives it anew.
+  [[nodiscard]] std::string sectionName() override;
   void setSectionName(std::optional<std::string> name) { _sectionName = std::move(name); }
   [[nodiscard]] std::uint64_t createdAt() const { return _createdAt; }
   void setCreatedAt(std::uint64_t seconds) { _createdAt = seconds; }
@@ -458,9 +592,6 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool isMutable() const { return _mutable; }
   void setMutable(bool isMutable) { _mutable = isMutable; }
   void addedToCache() { setMutable(false); }
-
-  /// Empties process-wide search caches; a vault's lock calls it.
-  static void clearCaches();
 
   // One object per row: what two bases declare is the same thing
   void _setOid(std::uint64_t oid) override { QNDatabaseObject::_setOid(oid); }
@@ -505,6 +636,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::shared_ptr<QNLogin> convertToLogin();
 
  protected:
+  /// May the vault's user see concealed values? QNItem+QuickAccess.cpp
+  [[nodiscard]] bool mayReveal() const;
   /// `other` as an item; null, with an error log, if it is none.
   std::shared_ptr<QNItem> itemToMerge(const std::shared_ptr<QNDatabaseObject>& other) const;
   /// An assertion log with both items and their categories, for which `text` has four "{}".
@@ -523,6 +656,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
  private:
   struct OpenState;    // what an item has once somebody opens or edits it
   struct RareColumns;  // columns that most items leave empty
+  struct SearchTexts;  // what a search has made of the overview
   OpenState& openState() const;
   RareColumns& rareColumns();
   static std::string_view uuidForLogging(const QNSharedString& uuid);
@@ -577,6 +711,20 @@ class QNItem : public QNDatabaseObjectWithOverview,
   template <class Test>
   bool anyField(const Test& test);
 
+  SearchTexts& searchTexts();
+  const QNSearchText& titleForSearch();
+  const QNSearchText& overviewForSearch();
+  const QNSearchWords& wordsForSearch();
+  QNSecret joinedOverviewForSearch(bool withBlanksOfEmptyParts);
+  void dropTitleForSearch();
+  void dropOverviewForSearch();
+  void dropWordsForSearch();
+  [[nodiscard]] bool titleMatches(const QNSearchPredicate& test);
+  [[nodiscard]] bool overviewMatches(const QNSearchPredicate& test);
+  [[nodiscard]] bool contentsMatches(const QNSearchPredicate& test);
+  [[nodiscard]] bool hasWordThatMatches(std::string_view string, bool prefixMatch);
+  void toggleTag(std::string_view tag);
+
   [[nodiscard]] bool URLsAreAvailable() const;
   [[nodiscard]] static bool allOpen(const std::vector<std::shared_ptr<QNItemURL>>& urls);
   void reportUnsharedItem() const;
@@ -603,6 +751,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   std::uint64_t _faveIndex = 0;
   mutable std::unique_ptr<OpenState> _open;  // made at the first need, under the monitor
   std::unique_ptr<RareColumns> _rare;
+  std::unique_ptr<SearchTexts> _search;  // made at the first search, under the monitor
 };
 
 }  // namespace quillon
