@@ -521,6 +521,25 @@ class Resolve(MergeTest):
         self.run_tool("resolve", uuid, "--field", "ip_address=mine")
         self.assertEqual(self.fields(uuid)["IP address"], "10.0.0.4")
 
+    def test_a_title_of_several_fields_settles_none_of_them(self):
+        uuid = self.add("Bank", "--add-field", "Home.Code:string=1", "--add-field",
+                        "Work.Code:string=1")
+        self.copy_store()
+        self.at("edit", uuid, "--set", "Home.Code=3", "--set", "Work.Code=4")
+        self.run_tool("edit", uuid, "--set", "Home.Code=5", "--set", "Work.Code=6")
+        self.merge()
+        before = self.run_tool("conflicts").out
+        (item,) = self.run_tool("conflicts", "--json").json
+        names = {conflict["theirs"]: conflict["field"] for conflict in item["conflicts"]}
+        for side in ("mine", "theirs"):
+            result = self.run_tool("resolve", uuid, "--field", "Code=" + side, code=5)
+            for name in names.values():
+                self.assertIn(name + "\n", result.err)
+        self.assertEqual(self.run_tool("conflicts").out, before)
+        self.run_tool("resolve", uuid, "--field", names["4"] + "=mine")
+        (item,) = self.run_tool("conflicts", "--json").json
+        self.assertEqual([conflict["theirs"] for conflict in item["conflicts"]], ["3"])
+
     def test_a_field_that_is_gone_can_only_be_let_go(self):
         uuid = self.make_conflicts()
         self.run_tool("edit", uuid, "--unset", "Net.Host\x1b[31m")

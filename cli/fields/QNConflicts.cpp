@@ -154,6 +154,10 @@ std::vector<QNConflict> rivalsOf(const std::vector<QNConflict>& conflicts,
   });
 }
 
+bool areOfOnePlace(const std::vector<QNConflict>& conflicts) {
+  return conflicts.empty() || rivalsOf(conflicts, conflicts.front()).size() == conflicts.size();
+}
+
 std::vector<QNConflict> conflictsNamed(const std::vector<QNConflict>& conflicts,
                                        std::string_view name) {
   auto found = those(conflicts, [name](const QNConflict& conflict) {
