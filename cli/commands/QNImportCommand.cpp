@@ -59,12 +59,9 @@ QNCommandResult importCSVFile(Global global, const QNVaultSession& session,
 JsonObject jsonOf(const QNRowImportReport& report, bool dryRun) {
   JsonArray damaged;
   for (const std::string& uuid : report.damaged) damaged.emplace_back(uuid);
-  return {{"format", kExportFormat},
-          {"dryRun", dryRun},
-          {"added", report.added},
-          {"alreadyThere", report.alreadyThere},
-          {"differing", report.differing},
-          {"damaged", std::move(damaged)}};
+  return {{"format", kExportFormat},       {"dryRun", dryRun},
+          {"added", report.added},         {"alreadyThere", report.alreadyThere},
+          {"differing", report.differing}, {"damaged", std::move(damaged)}};
 }
 
 void print(QNOutput& out, const QNRowImportReport& report, bool dryRun) {
