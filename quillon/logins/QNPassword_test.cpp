@@ -103,7 +103,6 @@ TEST_F(QNPasswordTest, ComesBackFromItsRow) {
 
 TEST_F(QNPasswordTest, OffersPasswordAndOneTimePasswordToQuickAccess) {
   const auto item = passwordIn(_vault);
-  EXPECT_TRUE(item->quickAccessFields().empty());
   item->setPassword("pw");
   item->setDetailsObject(jsonValue(R"([{"fields":[{"k":"string","n":"s","v":"x"},)"
                                    R"({"k":"concealed","n":"TOTP_1","v":"otpauth://a"}]}])"),
@@ -113,6 +112,7 @@ TEST_F(QNPasswordTest, OffersPasswordAndOneTimePasswordToQuickAccess) {
 
   EXPECT_THAT(shown(offered), testing::ElementsAre("password 1", "TOTP 3"));
   EXPECT_TRUE(offered[0].field()->isValueEqualTo("pw"));
+  EXPECT_TRUE(passwordIn(_vault)->quickAccessFields().empty());
 }
 
 TEST_F(QNPasswordTest, OffersItsPasswordToThoseWhoMayRevealIt) {
