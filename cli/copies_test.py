@@ -220,6 +220,21 @@ class Copy(CopyTest):
         self.assertEqual((shown["title"], shown["password"]), ("Bank", "pa55-1"))
         self.assertTrue(self.run_tool("check", "--json", password=OTHER).json["clean"])
 
+    def test_into_a_backup_it_goes_as_the_same_item(self):
+        kept = self.bank()
+        backup = self.path("backup.qn")
+        self.run_tool("backup", backup)
+        uuid = self.add("Wiki", "--username", "jo")
+        into = ["copy", "--to", "default", "--to-store", backup, "--to-password-stdin"]
+        self.assertEqual(self.run_tool(*into, uuid, stdin=PASSWORD + "\n").out.strip(), uuid)
+        result = self.run_tool(*into, kept, stdin=PASSWORD + "\n", code=1)
+        self.assertIn("of this uuid is there", result.err)
+        self.assertEqual(self.run_tool("list", "--store", backup).out, "Bank\nWiki\n")
+        self.run_tool("merge", backup, "--other-password-stdin", stdin=PASSWORD + "\n")
+        self.assertEqual(self.titles(), ["Bank", "Wiki"])
+        for store in (self.store, backup):
+            self.assertTrue(self.run_tool("check", "--json", "--store", store).json["clean"])
+
     def test_another_stores_errors_name_it_and_change_nothing(self):
         other = self.other_store()
         self.bank()

@@ -186,7 +186,7 @@ class ImportOfAnExport(ExportTest):
         file = self.write("e.json", self.export().bytes)
         self.assertEqual(self.run_tool("import", file, "--json").json,
                          {"format": "quillon", "dryRun": False, "added": 0, "alreadyThere": 5,
-                          "differing": 0})
+                          "differing": 0, "damaged": []})
         self.another_store()
         self.run_tool("import", file)
         before = self.export().bytes
@@ -203,6 +203,22 @@ class ImportOfAnExport(ExportTest):
                          "added: 0\nalready there: 3\n"
                          "there with other content, and left alone: 2\n")
         self.assertEqual(self.export().bytes, before)
+
+    def test_a_damaged_item_of_the_vault_is_told_and_left_alone(self):
+        uuids = [self.add(title) for title in ("Bank", "Forum", "Wiki", "Zoo")]
+        file = self.write("e.json", self.export().bytes)
+        self.run_tool("delete", "--force", uuids[2])
+        with sqlite3.connect(self.store) as database:
+            database.execute("UPDATE items SET overview = x'00' WHERE oid = 1")
+            database.execute("UPDATE details SET details = x'00' WHERE item_id = 2")
+        database.close()
+        result = self.run_tool("import", file, code=6)
+        self.assertEqual(result.out, "added: 1\nalready there: 1\n")
+        for uuid in uuids[:2]:
+            self.assertIn(uuid + ": there, but damaged, and left alone", result.err)
+        self.assertEqual(self.run_tool("list", code=6).out, "Forum\nWiki\nZoo\n")
+        told = self.run_tool("import", file, "--json", code=6).json
+        self.assertEqual((told["damaged"], told["alreadyThere"]), (uuids[:2], 2))
 
     def test_a_dry_run_tells_and_changes_nothing(self):
         self.fill()

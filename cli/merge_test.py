@@ -86,6 +86,26 @@ class MergeTest(ToolTest):
         self.merge()
         return uuid
 
+    def merge_forms(self, mine, theirs):
+        """A login with these entries in its form on either side, merged."""
+        def set_form(entries):
+            return lambda row: row["details"].update(fields=entries)
+        uuid = self.add("Bank")
+        self.import_changed(set_form(theirs))
+        self.environment["QUILLON_STORE"] = self.path("third.qn")
+        self.make_store()
+        exported = self.run_tool("export", "--plaintext", "--store", self.theirs).json
+        set_form(mine)(exported["items"][0]["row"])
+        self.run_tool("import", self.write("b.json", json.dumps(exported)))
+        self.merge()
+        return uuid
+
+    def form(self, uuid):
+        """The values of a login's form but for the user name and the password, and the user
+        name."""
+        shown = self.show(uuid)
+        return [field["value"] for field in shown["formFields"]], shown.get("username")
+
     def fields(self, uuid):
         """Title: value of every field of mine that has one, but for what was put aside."""
         return {field["title"]: field["value"] for section in self.show(uuid)["fields"]
@@ -446,17 +466,8 @@ class Resolve(MergeTest):
         self.assertEqual(self.run_tool("conflicts").out, "")
 
     def test_an_input_of_a_logins_form_is_settled(self):
-        def set_input(value):
-            return lambda row: row["details"].update(
-                fields=[{"name": "pin", "type": "P", "value": value}])
-        uuid = self.add("Bank")
-        self.import_changed(set_input("1111"))
-        self.environment["QUILLON_STORE"] = self.path("third.qn")
-        self.make_store()
-        exported = self.run_tool("export", "--plaintext", "--store", self.theirs).json
-        set_input("2222")(exported["items"][0]["row"])
-        self.run_tool("import", self.write("b.json", json.dumps(exported)))
-        self.merge()
+        uuid = self.merge_forms([{"name": "pin", "type": "P", "value": "2222"}],
+                                [{"name": "pin", "type": "P", "value": "1111"}])
         told = self.run_tool("conflicts")
         self.assertIn(f"  pin\n    mine:    {DOTS}\n    theirs:  {DOTS}\n", told.out)
         self.assertIn("mine:    2222\n    theirs:  1111",
@@ -465,6 +476,29 @@ class Resolve(MergeTest):
         self.assertNotIn("backupKeys", self.run_tool("export", "--plaintext").out)
         self.run_tool("resolve", uuid, "--field", "pin=theirs")
         self.assertEqual([field["value"] for field in self.show(uuid)["formFields"]], ["1111"])
+        self.assertEqual(self.run_tool("conflicts").out, "")
+
+    def test_an_input_named_like_the_user_name_is_settled_as_what_it_is(self):
+        uuid = self.merge_forms([{"name": "username", "type": "T", "value": "mine"}],
+                                [{"name": "username", "type": "T", "value": "theirs"}])
+        self.assertIn("  username\n    mine:    mine\n    theirs:  theirs\n",
+                      self.run_tool("conflicts").out)
+        self.run_tool("resolve", uuid, "--field", "username=theirs")
+        self.assertEqual(self.form(uuid), (["theirs"], None))
+
+    def test_a_value_that_fits_two_places_is_put_into_none(self):
+        def form(value):
+            return [{"name": "login", "type": "T", "value": "jo", "designation": "username"},
+                    {"name": "username", "type": "T", "value": value}]
+        uuid = self.merge_forms(form("mine"), form("theirs"))
+        before = self.form(uuid)
+        self.assertNotIn("mine:", self.run_tool("conflicts").out)
+        for choice in (["--field", "username=theirs"], ["--keep", "theirs"]):
+            result = self.run_tool("resolve", uuid, *choice, code=1)
+            self.assertIn("one of several", result.err)
+        self.assertEqual(self.form(uuid), before)
+        self.run_tool("resolve", uuid, "--field", "username=mine")
+        self.assertEqual(self.form(uuid), before)
         self.assertEqual(self.run_tool("conflicts").out, "")
 
     def test_of_several_values_one_is_chosen_by_its_own_name(self):
@@ -486,6 +520,25 @@ class Resolve(MergeTest):
         self.assertIn("10.0.0.3", self.run_tool("conflicts").out)
         self.run_tool("resolve", uuid, "--field", "ip_address=mine")
         self.assertEqual(self.fields(uuid)["IP address"], "10.0.0.4")
+
+    def test_a_title_of_several_fields_settles_none_of_them(self):
+        uuid = self.add("Bank", "--add-field", "Home.Code:string=1", "--add-field",
+                        "Work.Code:string=1")
+        self.copy_store()
+        self.at("edit", uuid, "--set", "Home.Code=3", "--set", "Work.Code=4")
+        self.run_tool("edit", uuid, "--set", "Home.Code=5", "--set", "Work.Code=6")
+        self.merge()
+        before = self.run_tool("conflicts").out
+        (item,) = self.run_tool("conflicts", "--json").json
+        names = {conflict["theirs"]: conflict["field"] for conflict in item["conflicts"]}
+        for side in ("mine", "theirs"):
+            result = self.run_tool("resolve", uuid, "--field", "Code=" + side, code=5)
+            for name in names.values():
+                self.assertIn(name + "\n", result.err)
+        self.assertEqual(self.run_tool("conflicts").out, before)
+        self.run_tool("resolve", uuid, "--field", names["4"] + "=mine")
+        (item,) = self.run_tool("conflicts", "--json").json
+        self.assertEqual([conflict["theirs"] for conflict in item["conflicts"]], ["3"])
 
     def test_a_field_that_is_gone_can_only_be_let_go(self):
         uuid = self.make_conflicts()

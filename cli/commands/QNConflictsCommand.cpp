@@ -114,8 +114,9 @@ class Resolution {
   QNResult<QNDone> settleOne(const QNConflictChoice& choice) {
     const Conflicts named = conflictsNamed(_conflicts, choice.field);
     if (named.empty()) return toolError(QNExit::notFound, "the item has no such conflict");
-    const bool isOne = named.size() == 1 || choice.side == QNConflictSide::mine;
-    if (!isOne) return ambiguous(named);
+    const bool isMeant =
+        named.size() == 1 || (choice.side == QNConflictSide::mine && areOfOnePlace(named));
+    if (!isMeant) return ambiguous(named);
     const auto settled = settleThose(named, choice.side);
     _conflicts = conflictsOf(_item);
     return settled;

@@ -35,7 +35,7 @@ bool opens(QNItem& item) {
 }
 
 // An item a line, so that nothing but one of them is held twice. One that doesn't open is reported
-// and left out, as the list does with its row.
+// and left out, as the list does with its row; so is one that no import would read.
 class Exporting {
  public:
   explicit Exporting(QNStore& store) : _store(store) {
@@ -44,22 +44,27 @@ class Exporting {
   }
 
   void add(const std::shared_ptr<QNItem>& item) {
-    const auto text = _store.loadDetails(item) && opens(*item)
-                          ? mr_JSONDataWithError(exportedJson(*item))
-                          : std::optional<Bytes>();
-    if (!text) return _unread.push_back(*item->uuid());
+    if (!_store.loadDetails(item) || !opens(*item)) return _unread.push_back(*item->uuid());
+    const auto text = exportedText(*item);
+    if (!text) return leaveOut(*item, text.error());
     append(_exported.content, _exported.items++ == 0 ? "\n" : ",\n");
-    append(_exported.content, textOf(*text));
+    append(_exported.content, textOf(text.value()));
   }
 
   Exported finish(QNListReport report) {
     append(_exported.content, "\n]}\n");
     report.damaged.insert(report.damaged.end(), _unread.begin(), _unread.end());
-    _exported.exit = warnOfDamage(report);
+    const QNExit exit = warnOfDamage(report);
+    if (exit != QNExit::done) _exported.exit = exit;
     return std::move(_exported);
   }
 
  private:
+  void leaveOut(const QNItem& item, const QNError& reason) {
+    say(fmt::format("{}: left out: {}", shownText(*item.uuid()), reason.message));
+    _exported.exit = QNExit::failed;
+  }
+
   QNStore& _store;
   Exported _exported;
   std::vector<std::string> _unread;

@@ -6,6 +6,7 @@
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
 #include "cli/terminal/QNInput.h"
+#include "cli/terminal/QNMessages.h"
 #include "cli/terminal/QNProgressBar.h"
 
 namespace quillon {
@@ -56,11 +57,11 @@ QNCommandResult importCSVFile(Global global, const QNVaultSession& session,
 }
 
 JsonObject jsonOf(const QNRowImportReport& report, bool dryRun) {
-  return {{"format", kExportFormat},
-          {"dryRun", dryRun},
-          {"added", report.added},
-          {"alreadyThere", report.alreadyThere},
-          {"differing", report.differing}};
+  JsonArray damaged;
+  for (const std::string& uuid : report.damaged) damaged.emplace_back(uuid);
+  return {{"format", kExportFormat},       {"dryRun", dryRun},
+          {"added", report.added},         {"alreadyThere", report.alreadyThere},
+          {"differing", report.differing}, {"damaged", std::move(damaged)}};
 }
 
 void print(QNOutput& out, const QNRowImportReport& report, bool dryRun) {
@@ -81,14 +82,22 @@ QNResult<QNRowImportReport> importExport(const QNVaultSession& session,
                     [&bar](std::size_t done) { bar.advanceTo(done); });
 }
 
+QNExit warnOfDamage(const QNRowImportReport& report) {
+  for (const std::string& uuid : report.damaged) {
+    say(fmt::format("{}: there, but damaged, and left alone", shownText(uuid)));
+  }
+  return report.damaged.empty() ? QNExit::done : QNExit::damaged;
+}
+
 QNCommandResult importExportFile(Global global, const QNVaultSession& session,
                                  const QNImportArguments& arguments, ByteView content) {
   const auto report = importExport(session, arguments, content);
   if (!report) return report.error().within(shownText(arguments.file.string()));
-  if (global.json) return printJson(jsonOf(report.value(), arguments.dryRun));
+  const QNExit exit = warnOfDamage(report.value());
+  if (global.json) return printJson(jsonOf(report.value(), arguments.dryRun), exit);
   QNOutput out;
   print(out, report.value(), arguments.dryRun);
-  return out.finish();
+  return out.finish(exit);
 }
 
 }  // namespace

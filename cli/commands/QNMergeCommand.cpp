@@ -17,13 +17,14 @@ using Kind = QNMergedItem::Kind;
 using Outcome = QNMergedField::Outcome;
 using Titles = std::map<std::string, std::string>;
 
-// As JSON and as a person read them. Scripts rely on the names; they never change.
-struct KindText {
-  Kind kind;
+// A value as JSON and as a person read it. Scripts rely on the names; they never change.
+template <class Value>
+struct TextOf {
+  Value value;
   std::string_view name;
   std::string_view text;
 };
-constexpr std::array<KindText, 9> kKinds = {{
+constexpr std::array<TextOf<Kind>, 9> kKinds = {{
     {Kind::copiedToMine, "copiedToMine", "came over"},
     {Kind::copiedToTheirs, "copiedToTheirs", "went over"},
     {Kind::replacedMine, "replacedMine", "changed here"},
@@ -35,12 +36,7 @@ constexpr std::array<KindText, 9> kKinds = {{
     {Kind::notJoined, "notJoined", "of two categories, left alone"},
 }};
 
-struct OutcomeText {
-  Outcome outcome;
-  std::string_view name;
-  std::string_view text;
-};
-constexpr std::array<OutcomeText, 4> kOutcomes = {{
+constexpr std::array<TextOf<Outcome>, 4> kOutcomes = {{
     {Outcome::taken, "taken", "taken"},
     {Outcome::kept, "kept", "kept"},
     {Outcome::joined, "joined", "joined"},
@@ -50,12 +46,9 @@ constexpr std::array<OutcomeText, 4> kOutcomes = {{
 constexpr std::size_t kTextWidth = 16;
 constexpr std::size_t kFieldWidth = 34;
 
-const KindText& textOf(Kind kind) {
-  return kKinds.at(static_cast<std::size_t>(kind));
-}
-
-const OutcomeText& textOf(Outcome outcome) {
-  return kOutcomes.at(static_cast<std::size_t>(outcome));
+template <class Value, std::size_t kSize>
+const TextOf<Value>& textIn(const std::array<TextOf<Value>, kSize>& texts, Value value) {
+  return texts.at(static_cast<std::size_t>(value));
 }
 
 // Before the merge: what it deletes has none afterwards.
@@ -90,12 +83,12 @@ JsonObject jsonOf(const QNMergedItem& item, const Titles& titles) {
   for (const QNMergedField& field : item.fields) {
     JsonObject& shown = fields.emplace_back(boost::json::object_kind).get_object();
     setJsonText(shown, "name", field.name);
-    setJsonText(shown, "outcome", textOf(field.outcome).name);
+    setJsonText(shown, "outcome", textIn(kOutcomes, field.outcome).name);
   }
   JsonObject object(jsonStorage());
   setJsonText(object, "uuid", item.uuid);
   setJsonText(object, "title", titleOf(titles, item.uuid));
-  setJsonText(object, "what", textOf(item.kind).name);
+  setJsonText(object, "what", textIn(kKinds, item.kind).name);
   object.emplace("fields", std::move(fields));
   return object;
 }
@@ -112,11 +105,11 @@ JsonObject jsonOf(const QNMergeReport& report, const Titles& titles, bool dryRun
 
 void print(QNOutput& out, const QNMergedItem& item, const Titles& titles) {
   const std::string title = titleOf(titles, item.uuid);
-  out.line(padded(std::string(textOf(item.kind).text), kTextWidth) + "  " +
+  out.line(padded(std::string(textIn(kKinds, item.kind).text), kTextWidth) + "  " +
            shownText(title.empty() ? item.uuid : title));
   for (const QNMergedField& field : item.fields) {
     out.line(fmt::format("  {}  {}", padded(shownText(field.name), kFieldWidth),
-                         textOf(field.outcome).text));
+                         textIn(kOutcomes, field.outcome).text));
   }
 }
 

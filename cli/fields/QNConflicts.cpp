@@ -17,6 +17,8 @@
 //   identifier "BASE_conflict_N"     the field of the identifier BASE
 //   title "username", localized      the user name of a login
 //   any other title                  the entry of that name in a login's form
+//
+// A title that fits two places tells none of them.
 
 namespace quillon {
 namespace {
@@ -42,9 +44,18 @@ bool isTitleOfUsername(std::string_view title) {
 
 void findPlaceInLogin(QNLogin& login, QNConflict& conflict) {
   const std::string title(conflict.copy->title());
-  conflict.isUsername = isTitleOfUsername(title);
-  conflict.name = conflict.isUsername ? "username" : title;
-  if (!conflict.isUsername) conflict.entry = login.loginFields().findLoginFieldWithName(title);
+  const auto username = login.loginFields().usernameField();
+  auto entries = login.loginFields().loginFieldsWithName(title);
+  bool mayBeUsername = isTitleOfUsername(title);
+  if (mayBeUsername) {
+    std::erase(entries, username);
+    // Without a user name of its own, a login takes the other's over and puts nothing aside.
+    mayBeUsername = username != nullptr || entries.empty();
+  }
+  if (entries.size() + (mayBeUsername ? 1 : 0) != 1) return;
+  conflict.isUsername = mayBeUsername;
+  if (!mayBeUsername) conflict.entry = entries.front();
+  conflict.name = mayBeUsername ? "username" : title;
 }
 
 QNConflict conflictOf(QNItem& item, const QNItemFieldRef& copy) {
@@ -94,8 +105,8 @@ QNResult<QNDone> takeTheirs(QNItem& item, const QNConflict& conflict) {
   const bool isText = value && conflict.field == nullptr && conflict.hasPlace();
   if (!isText) {
     return toolError(QNExit::failed,
-                     fmt::format("{}: its field isn't there any more, or of another kind; set it "
-                                 "with quillon edit, and keep mine",
+                     fmt::format("{}: its field isn't there any more, of another kind, or one of "
+                                 "several; set it with quillon edit, and keep mine",
                                  shownText(conflict.name)));
   }
   // Into the item's details, which wipe themselves.
@@ -141,6 +152,10 @@ std::vector<QNConflict> rivalsOf(const std::vector<QNConflict>& conflicts,
   return those(conflicts, [&](const QNConflict& other) {
     return other.copy == conflict.copy || haveOnePlace(conflict, other);
   });
+}
+
+bool areOfOnePlace(const std::vector<QNConflict>& conflicts) {
+  return conflicts.empty() || rivalsOf(conflicts, conflicts.front()).size() == conflicts.size();
 }
 
 std::vector<QNConflict> conflictsNamed(const std::vector<QNConflict>& conflicts,

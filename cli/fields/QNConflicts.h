@@ -37,6 +37,9 @@ QNSecret theirsOf(const QNConflict& conflict, const QNFieldTexts& texts);
 std::vector<QNConflict> rivalsOf(const std::vector<QNConflict>& conflicts,
                                  const QNConflict& conflict);
 
+/// Did all of them lose the same place? True for one alone.
+bool areOfOnePlace(const std::vector<QNConflict>& conflicts);
+
 /// Those that a name means: one copy by its identifier, all of one place, or else by title.
 std::vector<QNConflict> conflictsNamed(const std::vector<QNConflict>& conflicts,
                                        std::string_view name);

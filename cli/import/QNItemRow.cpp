@@ -33,6 +33,21 @@ constexpr std::string_view kFolderUUID = "folderUUID";
 
 constexpr std::uint64_t kMostTimesUsed = 0x7fffffff;
 
+// The file is an object, its items a list; JSON is read down to kMaxJsonDepth.
+constexpr std::size_t kMostLevels = kMaxJsonDepth - 2;
+
+// Do no more containers than that stand inside one another?
+bool isNestedWithin(const Json& value, std::size_t levels) {
+  const auto isInside = [levels](const Json& inner) { return isNestedWithin(inner, levels - 1); };
+  if (const JsonArray* const list = value.if_array()) {
+    return levels > 0 && std::all_of(list->begin(), list->end(), isInside);
+  }
+  const JsonObject* const object = value.if_object();
+  return object == nullptr ||
+         (levels > 0 && std::all_of(object->begin(), object->end(),
+                                    [&](const auto& member) { return isInside(member.value()); }));
+}
+
 std::uint64_t numberOf(const JsonObject& object, std::string_view key) {
   return mr_unsignedValueForKey(object, key).value_or(0);
 }
@@ -126,6 +141,17 @@ JsonObject exportedJson(QNItem& item) {
   object[kTimesUsed] = item.numberOfTimesUsed();
   if (const auto folder = item.folderUUID()) setJsonText(object, kFolderUUID, *folder);
   return object;
+}
+
+QNResult<Bytes> exportedText(QNItem& item) {
+  const Json exported(exportedJson(item));
+  if (!isNestedWithin(exported, kMostLevels)) {
+    return QNError::unreadable("it nests too deeply to be imported again");
+  }
+  QNError error;
+  auto text = mr_JSONDataWithError(exported, &error);
+  if (!text) return error;
+  return std::move(*text);
 }
 
 QNResult<std::shared_ptr<QNItem>> itemFromExported(const Json& exported,

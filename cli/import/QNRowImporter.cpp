@@ -52,6 +52,7 @@ class RowImport {
     if (!_uuids.insert(uuid).second) return QNError::unreadable("an earlier one has its uuid");
     const auto known = _store.item(_vault, uuid);
     if (known) return compare(*known.value(), *item.value());
+    if (isStoreError(known.error(), QNStoreErrorCode::damaged)) return leaveDamaged(uuid);
     if (!isStoreError(known.error(), QNStoreErrorCode::notFound)) return known.error();
     ++_report.added;
     if (_mode == QNImportMode::onlyTell) return QNDone{};
@@ -62,6 +63,11 @@ class RowImport {
   QNResult<QNDone> compare(QNItem& known, QNItem& item) {
     const bool isSame = equalJson(exportedJson(known), exportedJson(item));
     ++(isSame ? _report.alreadyThere : _report.differing);
+    return QNDone{};
+  }
+
+  QNResult<QNDone> leaveDamaged(const std::string& uuid) {
+    _report.damaged.push_back(uuid);
     return QNDone{};
   }
 

@@ -13,7 +13,8 @@ inline constexpr std::uint64_t kExportVersion = 1;
 struct QNRowImportReport {
   std::uint64_t added = 0;
   std::uint64_t alreadyThere = 0;
-  std::uint64_t differing = 0;  // of a uuid that the vault has with other content; left alone
+  std::uint64_t differing = 0;       // of a uuid that the vault has with other content; left alone
+  std::vector<std::string> damaged;  // uuids of items that the vault has and can't open; left alone
 };
 
 /// Does the file begin as JSON does? No CSV that has columns of ours does.

@@ -21,6 +21,21 @@ int writeAll(int descriptor, ByteView bytes) {
   return 0;
 }
 
+// What isn't a file of a disk has nothing to bring there.
+int synchronise(int descriptor) {
+  return ::fsync(descriptor) == 0 || errno == EINVAL ? 0 : errno;
+}
+
+// The file's name is there. A folder that isn't readable can't be asked for it.
+int synchroniseFolderOf(const std::filesystem::path& file) {
+  const auto folder = file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
+  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor < 0) return errno == EACCES ? 0 : errno;
+  const int errorNumber = synchronise(descriptor);
+  ::close(descriptor);
+  return errorNumber;
+}
+
 }  // namespace
 
 QNResult<QNDone> writeNewFile(const std::filesystem::path& file, ByteView content) {
@@ -31,9 +46,10 @@ QNResult<QNDone> writeNewFile(const std::filesystem::path& file, ByteView conten
   }
   if (descriptor < 0) return fileError(file, errno);
   int errorNumber = writeAll(descriptor, content);
-  // The original may be deleted next. What isn't a file of a disk has nothing to bring there.
-  if (errorNumber == 0 && ::fsync(descriptor) != 0 && errno != EINVAL) errorNumber = errno;
+  // The original may be deleted next.
+  if (errorNumber == 0) errorNumber = synchronise(descriptor);
   if (::close(descriptor) != 0 && errorNumber == 0) errorNumber = errno;
+  if (errorNumber == 0) errorNumber = synchroniseFolderOf(file);
   if (errorNumber == 0) return QNDone{};
   ::unlink(file.c_str());
   return fileError(file, errorNumber);

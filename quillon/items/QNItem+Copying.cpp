@@ -97,6 +97,14 @@ bool mayHideFiles(QNItem& item, const QNGenericProfile& from) {
   return from.profileType() == kProfileTypeAccountVault && item.mutableDetails() == nullptr;
 }
 
+// The same of an icon's file. A locked vault's item shows none.
+bool mayHideIcon(QNItem& item, const QNGenericProfile& from) {
+  const auto vault = item.profile();
+  const bool isLocked = vault != nullptr && vault->isLocked();
+  return from.profileType() == kProfileTypeAccountVault &&
+         (isLocked || item.mutableOverview() == nullptr);
+}
+
 const JsonObject* objectIn(const Json* holder, std::string_view key) {
   const JsonObject* const object = holder == nullptr ? nullptr : holder->if_object();
   const Json* const found =
@@ -163,9 +171,9 @@ QNCopyRequirement QNItem::requirementForCopyingFromProfile(
     return QNCopyRequirement::nothing;
   }
   if (areOnOneServer(*source, *target)) {
-    return mayHideFiles(*this, *from) || hasFileReferencesWithoutSigningKeys()
-               ? QNCopyRequirement::signingKeys
-               : QNCopyRequirement::nothing;
+    const bool mayHideSome = mayHideFiles(*this, *from) || mayHideIcon(*this, *from);
+    return mayHideSome || hasFileReferencesWithoutSigningKeys() ? QNCopyRequirement::signingKeys
+                                                                : QNCopyRequirement::nothing;
   }
   return isDocument || mayHideFiles(*this, *from) || hasFileFields() ? QNCopyRequirement::sameServer
                                                                      : QNCopyRequirement::nothing;

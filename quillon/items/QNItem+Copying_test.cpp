@@ -533,6 +533,23 @@ TEST_F(QNItemCopying, OfDetailsThatArentOpenTakesFilesToBeThere) {
   EXPECT_EQ(requirement(sealed, _source, _local), QNCopyRequirement::nothing);
 }
 
+TEST_F(QNItemCopying, OfAnIconThatCannotBeSeenTakesItToHaveNoSigningKey) {
+  const auto inClear = newItem(_source);
+  ASSERT_EQ(requirement(inClear, _source, _neighbour), QNCopyRequirement::nothing);
+  const auto row = newItem(_source);
+  save(*row);
+  const auto damaged = opened(*row, _source);
+  damaged->setOverviewData(Bytes(64, 1));
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(requirement(damaged, _source, _neighbour), QNCopyRequirement::signingKeys);
+  EXPECT_EQ(requirement(damaged, _source, _elsewhere), QNCopyRequirement::nothing);
+  _source->lock();
+
+  EXPECT_EQ(requirement(inClear, _source, _neighbour), QNCopyRequirement::signingKeys);
+  EXPECT_EQ(requirement(inClear, _source, _elsewhere), QNCopyRequirement::nothing);
+}
+
 // References to files
 
 void setIcon(QNItem& item, std::string_view record) {

@@ -67,6 +67,13 @@ class QNLoginMerge : public testing::Test {
     }
     return texts;
   }
+  /// Merges the entries of their form, and expects that mine has all of them.
+  static void expectToKeepNothing(QNLogin& mine, QNLogin& theirs) {
+    mine.mergeLoginFieldsWithConflict(theirs);
+
+    EXPECT_THAT(conflictsOf(mine), IsEmpty());
+    EXPECT_FALSE(mine.dirtyRow());
+  }
 
   std::shared_ptr<QNProfile> _vault = localVault();
 };
@@ -428,10 +435,7 @@ TEST_F(QNLoginMerge, KeepsNoConflictOfWhatCanNotConflictOrIsEmpty) {
   const auto theirs =
       loginWith({R"({"name":"stay","value":"off","type":"C"})", R"({"name":"city","value":""})"});
 
-  mine->mergeLoginFieldsWithConflict(*theirs);
-
-  EXPECT_THAT(conflictsOf(*mine), IsEmpty());
-  EXPECT_FALSE(mine->dirtyRow());
+  expectToKeepNothing(*mine, *theirs);
 }
 
 TEST_F(QNLoginMerge, KeepsNoConflictOfAValueThatAFieldHolds) {
@@ -439,10 +443,7 @@ TEST_F(QNLoginMerge, KeepsNoConflictOfAValueThatAFieldHolds) {
   addField(*mine, "s", "x", "Ulm");
   const auto theirs = loginWith({R"({"name":"city","value":"Ulm"})"});
 
-  mine->mergeLoginFieldsWithConflict(*theirs);
-
-  EXPECT_THAT(conflictsOf(*mine), IsEmpty());
-  EXPECT_FALSE(mine->dirtyRow());
+  expectToKeepNothing(*mine, *theirs);
 }
 
 TEST_F(QNLoginMerge, KeepsNoConflictOfAUsernameOrPasswordThatItHas) {
@@ -451,10 +452,7 @@ TEST_F(QNLoginMerge, KeepsNoConflictOfAUsernameOrPasswordThatItHas) {
       {R"({"name":"username","value":"ann","designation":"username","id":"u"})",
        R"({"name":"password","value":"pw","type":"P","designation":"password","id":"p"})"});
 
-  mine->mergeLoginFieldsWithConflict(*theirs);
-
-  EXPECT_THAT(conflictsOf(*mine), IsEmpty());
-  EXPECT_FALSE(mine->dirtyRow());
+  expectToKeepNothing(*mine, *theirs);
 }
 
 TEST_F(QNLoginMerge, KeepsNoConflictOfAPasswordThatIsHistory) {
@@ -464,10 +462,7 @@ TEST_F(QNLoginMerge, KeepsNoConflictOfAPasswordThatIsHistory) {
   const auto theirs =
       loginWith({R"({"name":"password","value":"old","type":"P","designation":"password"})"});
 
-  mine->mergeLoginFieldsWithConflict(*theirs);
-
-  EXPECT_THAT(conflictsOf(*mine), IsEmpty());
-  EXPECT_FALSE(mine->dirtyRow());
+  expectToKeepNothing(*mine, *theirs);
 }
 
 TEST_F(QNLoginMerge, IsSavedWithAllThatCameOver) {

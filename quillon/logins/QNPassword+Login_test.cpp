@@ -220,11 +220,7 @@ TEST_F(QNPasswordToLogin, KeepsTheAttachmentsOfItsRowInSilence) {
 TEST_F(QNPasswordToLogin, RetiresWhatTheItemWouldHaveRetired) {
   const auto row = passwordOf("first");
   save(*row);
-  const auto item = std::make_shared<QNPassword>(QNExisting{row->oid()});
-  item->setProfile(_vault);
-  item->setEncryptedKey(row->encryptedKey());
-  item->setDetailsData(row->detailsData());
-  item->markDetailsLoaded();
+  const auto item = readAgainAs<QNPassword>(*row, _vault);
   item->setPassword("second");
 
   const auto made = item->convertToLogin();
@@ -395,11 +391,7 @@ TEST_F(QNPasswordToLogin, KeepsItsPasswordAndRetiresTheLogins) {
 TEST_F(QNPasswordToLogin, RetiresBothTheLoginsPasswordAndTheOneThatItHadBefore) {
   const auto row = passwordOf("first");
   save(*row);
-  const auto item = std::make_shared<QNPassword>(QNExisting{row->oid()});
-  item->setProfile(_vault);
-  item->setEncryptedKey(row->encryptedKey());
-  item->setDetailsData(row->detailsData());
-  item->markDetailsLoaded();
+  const auto item = readAgainAs<QNPassword>(*row, _vault);
   item->setPassword("second");
   const auto theirs = login();
   theirs->setPassword("former");

@@ -276,19 +276,8 @@ TEST_F(QNPasswordMerge, IsNotReplacedByALoginIfEitherDoesNotOpen) {
 TEST_F(QNPasswordMerge, RetiresNoPasswordASecondTimeThatTheWinnerRetired) {
   const auto row = passwordOf("old");
   save(*row);
-  const auto opened = [&] {
-    auto item = std::make_shared<QNPassword>(QNExisting{row->oid()});
-    item->setProfile(_vault);
-    item->setOverviewData(row->overviewData());
-    item->markLoadingDetails();
-    item->setEncryptedKey(row->encryptedKey());
-    item->setDetailsData(row->detailsData());
-    item->markDetailsLoaded();
-    item->didLoad();
-    return item;
-  };
-  const auto mine = opened();
-  const auto theirs = opened();
+  const auto mine = readAgainAs<QNPassword>(*row, _vault);
+  const auto theirs = readAgainAs<QNPassword>(*row, _vault);
   theirs->setPassword("new");
   save(*theirs);
   _clock.setSeconds(2000);

@@ -26,6 +26,20 @@ inline QNSampleItemRef twinOf(QNItem& item, const std::shared_ptr<QNGenericProfi
   return twin;
 }
 
+/// The row read again, as one of that class.
+template <class Class>
+std::shared_ptr<Class> readAgainAs(QNItem& row, const std::shared_ptr<QNGenericProfile>& vault) {
+  auto item = std::make_shared<Class>(QNExisting{row.oid()});
+  item->setProfile(vault);
+  item->setOverviewData(row.overviewData());
+  item->markLoadingDetails();
+  item->setEncryptedKey(row.encryptedKey());
+  item->setDetailsData(row.detailsData());
+  item->markDetailsLoaded();
+  item->didLoad();
+  return item;
+}
+
 /// The row read again, as one of that class whose details don't open, with one address.
 template <class Class>
 std::shared_ptr<Class> damagedTwinOf(QNItem& row, const std::shared_ptr<QNGenericProfile>& vault) {
