@@ -21,9 +21,9 @@ std::string keyOf(const std::string& name) {
 
 }  // namespace
 
-QNOpenVault::QNOpenVault(std::shared_ptr<QNStore> store, std::shared_ptr<QNProfile> vault,
-                         std::shared_ptr<QNProfile> primary)
-    : store(std::move(store)), vault(std::move(vault)), primary(std::move(primary)) {}
+QNOpenVault::QNOpenVault(std::shared_ptr<QNStore> ofStore, std::shared_ptr<QNProfile> opened,
+                         std::shared_ptr<QNProfile> first)
+    : store(std::move(ofStore)), vault(std::move(opened)), primary(std::move(first)) {}
 
 QNOpenVault::~QNOpenVault() {
   if (vault != nullptr) vault->lock();
