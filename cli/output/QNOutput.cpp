@@ -4,6 +4,8 @@
 
 #include <cerrno>
 
+#include "cli/output/QNShownText.h"
+
 namespace quillon {
 namespace {
 
@@ -68,6 +70,16 @@ QNCommandResult printUUID(bool json, std::string_view uuid) {
   if (json) return printJson({{"uuid", uuid}});
   QNOutput out;
   out.line(uuid);
+  return out.finish();
+}
+
+QNCommandResult printValue(std::string_view text) {
+  QNOutput out;
+  if (out.isTerminal()) {
+    out.line(shownLines(text));
+  } else {
+    out.line(text);
+  }
   return out.finish();
 }
 

@@ -41,4 +41,7 @@ QNCommandResult printJson(const JsonObject& value, QNExit exit = QNExit::done);
 /// Prints what a command made, by its uuid: that alone, or as JSON.
 QNCommandResult printUUID(bool json, std::string_view uuid);
 
+/// Prints one value: itself to a pipe or file; a terminal never gets what it would obey.
+QNCommandResult printValue(std::string_view text);
+
 }  // namespace quillon
