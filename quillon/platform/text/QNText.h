@@ -68,8 +68,8 @@ std::optional<std::int64_t> qn_parseDate(std::string_view text);
 std::string qn_exampleOfDate();
 
 // Folding: QNText+Folding.cpp
-/// Folded for search: NFD, marks dropped, case folded, and a small table for letters that carry
-/// their stroke inside (ø, ł, đ, ħ and their like). Folding twice changes nothing.
+/// Folded for search: NFD, diacritics dropped, case folded, and a small table for letters that
+/// carry their stroke inside (ø, ł, đ, ħ and their like). Folding twice changes nothing.
 std::string foldedForSearch(std::string_view text);
 /// The same of a text that must not outlive its use.
 QNSecret secretFoldedForSearch(std::string_view text);
