@@ -92,8 +92,8 @@ std::string qn_formatNumber(std::uint64_t number);
 QNSecret mr_asFormattedCreditCardNumber(std::string_view digits);
 
 // Folding: QNText+Folding.cpp
-/// Folded for search: NFD, marks dropped, case folded, and a small table for letters that carry
-/// their stroke inside (ø, ł, đ, ħ and their like). Folding twice changes nothing.
+/// Folded for search: NFD, diacritics dropped, case folded, and a small table for letters that
+/// carry their stroke inside (ø, ł, đ, ħ and their like). Folding twice changes nothing.
 std::string foldedForSearch(std::string_view text);
 /// The same of a text that must not outlive its use.
 QNSecret secretFoldedForSearch(std::string_view text);
