@@ -229,7 +229,7 @@ class Copy(CopyTest):
         self.assertEqual(self.run_tool(*into, uuid, stdin=PASSWORD + "\n").out.strip(), uuid)
         result = self.run_tool(*into, kept, stdin=PASSWORD + "\n", code=1)
         self.assertIn("of this uuid is there", result.err)
-        self.assertEqual(self.run_tool("list", "--store", backup).out, "Bank\nWiki\n")
+        self.assertEqual(self.titles("--store", backup), ["Bank", "Wiki"])
         self.run_tool("merge", backup, "--other-password-stdin", stdin=PASSWORD + "\n")
         self.assertEqual(self.titles(), ["Bank", "Wiki"])
         for store in (self.store, backup):

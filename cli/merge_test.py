@@ -522,8 +522,9 @@ class Resolve(MergeTest):
         self.assertEqual(self.fields(uuid)["IP address"], "10.0.0.4")
 
     def test_a_title_of_several_fields_settles_none_of_them(self):
-        uuid = self.add("Bank", "--add-field", "Home.Code:string=1", "--add-field",
-                        "Work.Code:string=1")
+        uuid = self.run_tool("add", "server", "--title", "Box", "--add-field",
+                             "Home.Code:string=1", "--add-field",
+                             "Work.Code:string=1").out.strip()
         self.copy_store()
         self.at("edit", uuid, "--set", "Home.Code=3", "--set", "Work.Code=4")
         self.run_tool("edit", uuid, "--set", "Home.Code=5", "--set", "Work.Code=6")
