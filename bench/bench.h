@@ -76,6 +76,8 @@ void benchMemory(std::size_t count);
 void benchMerge(std::size_t count);
 /// A list of the list model: sorted into sections by title, and asked for items.
 void benchLists(std::size_t count);
+/// Folders, the items of one, tags, and a question of overviews, beside a list.
+void benchFolders(std::size_t count);
 void benchRows();
 void benchSections();
 void benchTemplates();

@@ -1,5 +1,5 @@
-// quillon_bench [list|lists|save|import|memory|merge|otp|rows|sections|templates|unlock|all]
-// [ITEMS...]
+// quillon_bench [folders|list|lists|save|import|memory|merge|otp|rows|sections|templates|unlock|
+// all] [ITEMS...]
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -19,6 +19,7 @@ bool runNamed(std::string_view name, std::size_t count) {
     bench(count);
   };
   run("import", benchImport);
+  run("folders", benchFolders);
   run("list", benchList);
   run("lists", benchLists);
   run("save", benchSave);
@@ -46,10 +47,11 @@ int main(int argc, char** argv) {
   if (counts.empty()) counts.push_back(100'000);
   for (const std::size_t count : counts) {
     if (count == 0 || !runNamed(name, count)) {
-      std::fprintf(stderr,
-                   "usage: quillon_bench "
-                   "[list|lists|save|import|memory|merge|otp|rows|sections|templates|unlock|all] "
-                   "[ITEMS...]\n");
+      std::fprintf(
+          stderr,
+          "usage: quillon_bench "
+          "[folders|list|lists|save|import|memory|merge|otp|rows|sections|templates|unlock|all] "
+          "[ITEMS...]\n");
       return 2;
     }
   }

@@ -12,6 +12,7 @@
 #include <fstream>
 
 #include "quillon/logins/QNLogin.h"
+#include "quillon/organisation/QNFolder.h"
 #include "quillon/platform/data/MRData.h"
 #include "store/QNStore.h"
 
@@ -119,6 +120,7 @@ class QNMemoryScan : public testing::Test {
   const Needle longPassword{'L', 40};
   const Needle notes{'N', 60};
   const Needle title{'T', 32};
+  const Needle folderTitle{'F', 32};
 
   [[gnu::noinline]] std::string makeVaultWithLogins() {
     auto store = QNStore::create(file()).value();
@@ -134,6 +136,12 @@ class QNMemoryScan : public testing::Test {
       login->setPassword(password->text().reveal());
       EXPECT_TRUE(store->save(login).ok());
       uuid = *login->uuid();
+    }
+    for (int i = 0; i < 2; ++i) {
+      const auto folder = std::make_shared<QNFolder>(initNew);
+      folder->setProfile(vault);
+      folder->setTitle(folderTitle.text().reveal());
+      EXPECT_TRUE(store->saveFolder(folder).ok());
     }
     vault->lock();
     return uuid;
@@ -152,6 +160,9 @@ class QNMemoryScan : public testing::Test {
       ASSERT_TRUE(store->loadDetails(item).ok());
       ASSERT_TRUE(item->password().has_value());
     }
+    auto folders = store->folders(vault).value();
+    ASSERT_EQ(folders.top.size(), 2u);
+    EXPECT_GT(occurrences(folderTitle), 0u);
     // An edit and a save: the history takes the old password in.
     const auto edited = store->item(vault, longUuid).value();
     edited->setPassword(shortPassword.text().reveal());
@@ -161,6 +172,7 @@ class QNMemoryScan : public testing::Test {
     EXPECT_GT(occurrences(notes), 0u);
     EXPECT_GT(occurrences(title), 0u);
     items.clear();
+    folders = QNFolderReport();
     vault->lock();
   }
 
@@ -186,6 +198,7 @@ TEST_F(QNMemoryScan, FindsNoSecretAfterLockAndReleaseOfTheItems) {
   EXPECT_EQ(occurrences(longPassword), 0u);
   EXPECT_EQ(occurrences(notes), 0u);
   EXPECT_EQ(occurrences(title), 0u);
+  EXPECT_EQ(occurrences(folderTitle), 0u);
 }
 
 TEST_F(QNMemoryScan, FindsNothingOfAWrongPassword) {

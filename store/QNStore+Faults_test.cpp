@@ -7,6 +7,7 @@
 
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/sync/QNSyncState.h"
+#include "store/internal/QNFolderTesting.h"
 #include "store/internal/QNMergeTesting.h"
 #include "store/internal/QNStoreTesting.h"
 
@@ -142,11 +143,11 @@ class FailingFileSystem final {
   std::uint64_t remaining = 0;
 };
 
-/// What a store holds, in a form to compare: titles, passwords, hint, partners.
+/// What a store holds, in a form to compare: titles, passwords, hint, folders, partners.
 std::vector<std::string> stateOf(const std::filesystem::path& file) {
   Session session = openSession(file);
   EXPECT_EQ(problemsIn(session), std::vector<std::string>());
-  std::vector<std::string> state = {session.vault->passwordHint().value_or("")};
+  std::vector<std::string> state = {session.vault->passwordHint().value_or(""), treeIn(session)};
   const auto visit = [&](const std::shared_ptr<QNItem>& item) {
     EXPECT_TRUE(session.store->loadDetails(item).ok());
     state.push_back(item->title() + "/" + std::string(item->password()->reveal()));
@@ -207,6 +208,21 @@ std::vector<Change> changes() {
            return deleted.ok() ? session.store->save(back) : deleted;
          });
        }},
+      {"save a folder",
+       [](Session& session, const auto&) {
+         const auto box = foldersIn(session).folders.at(0);
+         box->setTitle("chest");
+         return session.store->saveFolder(box);
+       }},
+      {"save a new folder",
+       [](Session& session, const auto&) {
+         const auto box = foldersIn(session).folders.at(0);
+         return session.store->saveFolder(makeFolder(session.vault, "inside", box));
+       }},
+      {"delete a folder",
+       [](Session& session, const auto&) {
+         return session.store->deleteFolder(foldersIn(session).folders.at(0));
+       }},
       {"save a sync source",
        [](Session& session, const auto& item) {
          const auto source = std::make_shared<QNSyncSource>(initNew);
@@ -225,6 +241,9 @@ class QNStoreFaults : public ::testing::Test {
     Session session = makeSession(file);
     uuid = *savedLogin(session, "one", "https://one.example", "secret 1")->uuid();
     for (int i = 0; i < 20; ++i) savedLogin(session, "other");
+    const auto box = savedFolder(session, "box");
+    savedLoginIn(session, *box, "in the box");
+    savedFolder(session, "in the box too", box);
     session = Session();
     original = bytesOfFile(file);
     oldState = stateOf(file);

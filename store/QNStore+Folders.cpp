@@ -11,8 +11,9 @@ namespace quillon {
 
 namespace {
 
-std::string titleOf(const std::shared_ptr<QNFolder>& folder) {
-  return folder->title().value_or("");
+/// Without a copy, which nobody would wipe.
+std::string_view titleOf(const std::shared_ptr<QNFolder>& folder) {
+  return folder->overviewTextForKey("title").value_or("");
 }
 
 void sortByTitle(std::vector<std::shared_ptr<QNFolder>>& folders) {

@@ -328,7 +328,9 @@ TEST_F(QNStoreMergeFolders, AfterAnyHistoryHoldsTheSameOnBothSides) {
       const auto made = target ? folderIn(session, *target) : makeFolder(session.vault, "new");
       switch (random() % 4) {
         case 0:
-          if (target) EXPECT_EQ(errorOf(session.store->deleteFolder(made)), "");
+          if (target) {
+            EXPECT_EQ(errorOf(session.store->deleteFolder(made)), "");
+          }
           break;
         case 1:
           if (target) savedLoginIn(session, *made, "item");

@@ -16,6 +16,7 @@
 
 #include "quillon/platform/internal/QNSanitizers.h"
 #include "quillon/platform/log/MRLogger.h"
+#include "store/internal/QNFolderTesting.h"
 #include "store/internal/QNMergeTesting.h"
 #include "store/internal/QNStoreTesting.h"
 
@@ -236,6 +237,57 @@ TEST_P(QNStoreKilled, LosesNothingThatWasCommittedAndKeepsNoHalfItem) {
 
 // A sanitizer makes a start of the child so slow that one store takes as long as ten.
 INSTANTIATE_TEST_SUITE_P(Stores, QNStoreKilled, ::testing::Range(0, runsUnderSanitizer() ? 1 : 10));
+
+// Folders
+
+/// Makes a folder with a subfolder, moves all items into it, and deletes it, over and over.
+[[noreturn]] void fillAndDeleteForEver(const std::filesystem::path& file,
+                                       const Child::Report& report) {
+  Session session = openSession(file);
+  for (;;) {
+    const auto box = makeFolder(session.vault, "box");
+    if (!session.store->saveFolder(box).ok()) _exit(5);
+    if (!session.store->saveFolder(makeFolder(session.vault, "inside", box)).ok()) _exit(6);
+    std::vector<std::shared_ptr<QNItem>> items;
+    const auto listed =
+        session.store->list(session.vault, QNStore::Which::all, [&](const auto& item) {
+          item->setFolderUUID(*box->uuid());
+          items.push_back(item);
+        });
+    if (!listed.ok() || !session.store->saveAll(items).ok()) _exit(7);
+    report("filled");
+    if (!session.store->deleteFolder(box).ok()) _exit(8);
+    report("deleted");
+  }
+}
+
+TEST(QNStoreProcesses, AKilledDeletionOfAFolderLeavesNothingInAFolderThatIsNotThere) {
+  const TemporaryFolder folder;
+  const std::filesystem::path file = folder / "a.quillon";
+  makeEditedStore(file);
+  std::mt19937 random(1);
+  std::uniform_int_distribution<int> reports(1, 4);
+  std::uniform_int_distribution<int> microseconds(0, 5'000);
+  for (int round = 0; round < 30 && !::testing::Test::HasFailure(); ++round) {
+    SCOPED_TRACE(round);
+    Child child([&](const Child::Report& report) { fillAndDeleteForEver(file, report); });
+    child.awaitReports(reports(random));
+    usleep(static_cast<useconds_t>(microseconds(random)));
+    child.killIt();
+    child.finish();
+
+    EXPECT_FALSE(child.endedWell());
+    Session session = openSession(file);
+    const auto checked = session.store->check(session.vault).value();
+    EXPECT_EQ(checked.problems, std::vector<std::string>());
+    EXPECT_EQ(checked.remarks, std::vector<std::string>());
+    EXPECT_EQ(checked.itemsChecked, static_cast<std::uint64_t>(kEdited));
+    for (const auto& each : foldersIn(session).folders) {
+      const bool isBox = each->title() == "box";
+      EXPECT_TRUE(!isBox || each->numberOfItems() % kEdited == 0);
+    }
+  }
+}
 
 // Merges. QUILLON_MERGE_KILLS: how many are killed.
 

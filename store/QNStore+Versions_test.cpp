@@ -3,6 +3,7 @@
 
 #include "quillon/sync/QNSyncState.h"
 #include "store/internal/QNDatabase.h"
+#include "store/internal/QNFolderTesting.h"
 #include "store/internal/QNStoreTesting.h"
 
 namespace quillon {
@@ -169,6 +170,60 @@ TEST_F(QNStoreVersion2, HasItsSourceAndStates) {
   EXPECT_EQ(source->itemStates()[0]->sourceTimestamp(), 1'700'000'140u);
   EXPECT_EQ(source->itemStates()[0]->localTimestamp(), 1'700'000'100u);
   EXPECT_EQ(source->syncStateForFolderUUID("folder-uuid")->objectID(), 4u);
+}
+
+TEST_F(QNStoreVersion2, TakesFoldersUnderALedgerThatKnewNone) {
+  Session session = openSession(file);
+  EXPECT_TRUE(foldersIn(session).folders.empty());
+  EXPECT_FALSE(foldersIn(session).ledgerBroken);
+
+  const auto box = savedFolder(session, "box");
+  savedLoginIn(session, *box, "inside");
+
+  EXPECT_EQ(treeIn(session), "box 1");
+  EXPECT_EQ(problemsIn(session), std::vector<std::string>());
+}
+
+class QNStoreVersion3 : public QNStoreVersions {
+ protected:
+  QNStoreVersion3() : QNStoreVersions("version-3.store") {}
+};
+
+TEST_F(QNStoreVersion3, OpensWithEverythingInIt) {
+  Session session = openSession(file, QNStore::Access::readOnly);
+
+  EXPECT_EQ(titlesIn(session), (std::vector<std::string>{"Bank", "Zettel"}));
+  EXPECT_EQ(titlesIn(session, QNStore::Which::trashed), std::vector<std::string>{"Generated"});
+  const auto report = std::move(session.store->check(session.vault)).value();
+  EXPECT_EQ(report.problems, std::vector<std::string>());
+  EXPECT_EQ(report.remarks, std::vector<std::string>());
+  EXPECT_EQ(report.itemsChecked, 3u);
+  EXPECT_EQ(report.tombstonesChecked, 1u);
+  EXPECT_EQ(report.syncSourcesChecked, 1u);
+  EXPECT_EQ(report.foldersChecked, 2u);
+}
+
+TEST_F(QNStoreVersion3, HasItsFolders) {
+  Session session = openSession(file);
+
+  const QNFolderReport report = foldersIn(session);
+
+  EXPECT_EQ(treeText(report.top), "Work 1 [Größe 0]");
+  QNFolder& work = *report.folders.at(0);
+  EXPECT_EQ(work.createdAt(), 1'700'000'300u);
+  EXPECT_EQ(work.updatedAt(), 1'700'000'300u);
+  EXPECT_EQ(work.displayOrder(), 5u);
+  EXPECT_EQ(work.iconData(), (Bytes{1, 2, 3}));
+  EXPECT_FALSE(work.smartFolder());
+  QNFolder& smart = *report.folders.at(1);
+  ASSERT_TRUE(smart.smartFolder());
+  EXPECT_EQ(smart.smartFolderPredicate()->predicateFormat(), "title CONTAINS[cd] \"bank\"");
+}
+
+TEST_F(QNStoreVersion3, KeepsWhatStaysOfADeletedFolder) {
+  const auto database = std::move(QNDatabase::open(file, QNDatabase::Mode::readOnly)).value();
+
+  EXPECT_EQ(database->number("SELECT count(*) FROM folders WHERE status = 2"), 1u);
 }
 
 }  // namespace
