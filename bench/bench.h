@@ -78,6 +78,9 @@ void benchMerge(std::size_t count);
 void benchLists(std::size_t count);
 /// Folders, the items of one, tags, and a question of overviews, beside a list.
 void benchFolders(std::size_t count);
+/// Searches of overviews that are open, and from the file; then of contents, from the file.
+void benchSearch(std::size_t count);
+void benchSearchContents(std::size_t count);
 void benchRows();
 void benchSections();
 void benchTemplates();

@@ -3,6 +3,7 @@
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/items/QNPredicateCache.h"
 #include "quillon/items/internal/QNMergeTesting.h"
+#include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/internal/QNMemoryWatch.h"
 #include "quillon/platform/text/QNCharacterSet.h"
 
