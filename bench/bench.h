@@ -76,6 +76,8 @@ void benchMemory(std::size_t count);
 void benchMerge(std::size_t count);
 /// A list of the list model: sorted into sections by title, and asked for items.
 void benchLists(std::size_t count);
+/// A smart folder's question, asked of every item.
+void benchSmart(std::size_t count);
 void benchRows();
 void benchSections();
 void benchTemplates();

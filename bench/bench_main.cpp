@@ -1,4 +1,4 @@
-// quillon_bench [list|lists|save|import|memory|merge|otp|rows|sections|templates|unlock|all]
+// quillon_bench [list|lists|save|import|memory|merge|otp|rows|sections|smart|templates|unlock|all]
 // [ITEMS...]
 #include <cstdio>
 #include <cstdlib>
@@ -24,6 +24,7 @@ bool runNamed(std::string_view name, std::size_t count) {
   run("save", benchSave);
   run("memory", benchMemory);
   run("merge", benchMerge);
+  run("smart", benchSmart);
   const auto runOnce = [&](std::string_view one, void (*bench)()) {
     if (!all && name != one) return;
     known = true;
@@ -48,7 +49,7 @@ int main(int argc, char** argv) {
     if (count == 0 || !runNamed(name, count)) {
       std::fprintf(stderr,
                    "usage: quillon_bench "
-                   "[list|lists|save|import|memory|merge|otp|rows|sections|templates|unlock|all] "
+                   "[list|lists|save|import|memory|merge|otp|rows|sections|smart|templates|unlock|all] "
                    "[ITEMS...]\n");
       return 2;
     }
