@@ -81,6 +81,8 @@ void benchFolders(std::size_t count);
 /// Searches of overviews that are open, and from the file; then of contents, from the file.
 void benchSearch(std::size_t count);
 void benchSearchContents(std::size_t count);
+/// A smart folder's question, asked of every item.
+void benchSmart(std::size_t count);
 void benchRows();
 void benchSections();
 void benchTemplates();

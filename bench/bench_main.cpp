@@ -1,6 +1,6 @@
 // quillon_bench
 //   [folders|list|lists|save|import|memory|merge|search|search_contents|otp|rows|sections|
-//   templates|unlock|all] [ITEMS...]
+//   smart|templates|unlock|all] [ITEMS...]
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -28,6 +28,7 @@ bool runNamed(std::string_view name, std::size_t count) {
   run("merge", benchMerge);
   run("search", benchSearch);
   run("search_contents", benchSearchContents);
+  run("smart", benchSmart);
   const auto runOnce = [&](std::string_view one, void (*bench)()) {
     if (!all && name != one) return;
     known = true;
@@ -53,7 +54,7 @@ int main(int argc, char** argv) {
       std::fprintf(stderr,
                    "usage: quillon_bench "
                    "[folders|list|lists|save|import|memory|merge|search|search_contents|otp|rows|"
-                   "sections|templates|unlock|all] [ITEMS...]\n");
+                   "sections|smart|templates|unlock|all] [ITEMS...]\n");
       return 2;
     }
   }

@@ -1,3 +1,6 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "quillon/organisation/internal/QNFolderTesting.h"
 
 namespace quillon {

@@ -60,7 +60,8 @@ bool truthOfRow(const JsonObject& attributes, std::string_view key) {
 }
 
 void encodeCount(QNEncoder& coder, std::uint64_t count, std::string_view key) {
-  if (count != 0) coder.encodeInt32(static_cast<std::int32_t>(static_cast<std::uint32_t>(count)), key);
+  if (count != 0)
+    coder.encodeInt32(static_cast<std::int32_t>(static_cast<std::uint32_t>(count)), key);
 }
 
 std::uint64_t decodedCount(QNDecoder& coder, std::string_view key) {

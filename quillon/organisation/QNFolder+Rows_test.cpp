@@ -1,3 +1,6 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "quillon/organisation/internal/QNFolderTesting.h"
 #include "quillon/platform/images/QNImageOperations.h"
 
@@ -88,8 +91,7 @@ TEST(QNFolderRows, AreTakenOver) {
 }
 
 TEST(QNFolderRows, AreTakenOverWithTextsForNumbers) {
-  const auto folder =
-      restored(R"({"updatedAt":"17","createdAt":" 16 ","isSmartFolder":"1"})");
+  const auto folder = restored(R"({"updatedAt":"17","createdAt":" 16 ","isSmartFolder":"1"})");
 
   EXPECT_EQ(folder->updatedAt(), 17u);
   EXPECT_EQ(folder->createdAt(), 16u);
@@ -143,11 +145,10 @@ TEST(QNFolderArchive, HoldsItsKeysInOrder) {
 
   const JsonObject root = rootOf(folderArchive(*folder));
 
-  EXPECT_THAT(keysOf(root),
-              ElementsAre("$class", "oid", "objectFlags", "profileID", "profileType",
-                          "kOverviewData", "uuid", "createdAt", "updatedAt", "txTimestamp",
-                          "parentId", "parentUUID", "smartFolder", "numberOfChildren",
-                          "numberOfItems"));
+  EXPECT_THAT(keysOf(root), ElementsAre("$class", "oid", "objectFlags", "profileID", "profileType",
+                                        "kOverviewData", "uuid", "createdAt", "updatedAt",
+                                        "txTimestamp", "parentId", "parentUUID", "smartFolder",
+                                        "numberOfChildren", "numberOfItems"));
   EXPECT_EQ(root.at("$class"), Json("QNFolder"));
   EXPECT_EQ(root.at("smartFolder"), Json(true));
 }

@@ -1,3 +1,6 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "quillon/organisation/internal/QNFolderTesting.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/text/QNLocalization.h"
@@ -129,7 +132,8 @@ TEST_P(QNFolderSubtitle, CountsSubfoldersAsItems) {
 
 INSTANTIATE_TEST_SUITE_P(Counts, QNFolderSubtitle,
                          testing::Values(SubtitleCase{0, 0, "empty"}, SubtitleCase{1, 0, "1 item"},
-                                         SubtitleCase{0, 1, "1 item"}, SubtitleCase{1, 1, "2 items"},
+                                         SubtitleCase{0, 1, "1 item"},
+                                         SubtitleCase{1, 1, "2 items"},
                                          SubtitleCase{1000, 234, "1,234 items"}));
 
 }  // namespace

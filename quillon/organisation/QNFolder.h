@@ -104,8 +104,8 @@ class QNFolder final : public QNDatabaseObjectWithOverview,
   /// at each call, and stays stored as it is. DANGER: stops the process where the rewriting does;
   /// ask smartFolderFault() first of a folder that came from elsewhere.
   [[nodiscard]] QNPredicateRef smartFolderPredicate();
-  /// Stored in the present format, 4. A null one, or one that the archiver refuses, changes nothing,
-  /// with an error log.
+  /// Stored in the present format, 4. A null one, or one that the archiver refuses, changes
+  /// nothing, with an error log.
   void setSmartFolderPredicate(const QNPredicateRef& predicate);
   /// Why smartFolderPredicate() would stop the process, which this doesn't; nothing if it wouldn't.
   /// Logs nothing.
@@ -135,8 +135,8 @@ class QNFolder final : public QNDatabaseObjectWithOverview,
 
   // Stored forms: QNFolder+Rows.cpp
   void saveAllAttributes(JsonObject& attributes) override;
-  /// "iconData" isn't read back: a row's bytes are no picture here, and the icon goes. Without a uuid
-  /// in it, the folder keeps its own.
+  /// "iconData" isn't read back: a row's bytes are no picture here, and the icon goes. Without a
+  /// uuid in it, the folder keeps its own.
   void restoreAllAttributes(const JsonObject& attributes) override;
   void encodeWithCoder(QNEncoder& coder) override;
 

@@ -1,5 +1,8 @@
 #include "quillon/organisation/QNFolder.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "quillon/organisation/internal/QNFolderTesting.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/images/QNImageOperations.h"

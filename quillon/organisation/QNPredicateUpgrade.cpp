@@ -37,8 +37,9 @@ struct OldStrength {
   std::int64_t strength;
 };
 constexpr std::array oldStrengths = {
-    OldStrength{"mr_number10", 10}, OldStrength{"mr_number20", 20}, OldStrength{"mr_number35", 35},
-    OldStrength{"mr_number40", 40}, OldStrength{"mr_number60", 60}, OldStrength{"mr_number90", 90},
+    OldStrength{"mr_number10", 10},   OldStrength{"mr_number20", 20},
+    OldStrength{"mr_number35", 35},   OldStrength{"mr_number40", 40},
+    OldStrength{"mr_number60", 60},   OldStrength{"mr_number90", 90},
     OldStrength{"mr_number100", 100},
 };
 // The weakest that a question asks for; anything below meant it.
@@ -141,9 +142,8 @@ std::int64_t QNPredicateUpgrade::passwordStrengthForKeyPath(std::string_view key
 }
 
 std::optional<std::string> QNPredicateUpgrade::categoryUUIDForName(std::string_view name) {
-  const auto* const found =
-      std::find_if(oldCategories.begin(), oldCategories.end(),
-                   [name](const OldCategory& it) { return it.name == name; });
+  const auto* const found = std::find_if(oldCategories.begin(), oldCategories.end(),
+                                         [name](const OldCategory& it) { return it.name == name; });
   if (found == oldCategories.end()) return std::nullopt;
   return std::string(found->uuid);
 }

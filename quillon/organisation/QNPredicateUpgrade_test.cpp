@@ -1,5 +1,8 @@
 #include "quillon/organisation/internal/QNPredicateUpgrade.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "quillon/organisation/internal/QNFolderTesting.h"
 #include "quillon/templates/QNCategoryUUID.h"
 
@@ -40,12 +43,12 @@ TEST_P(QNPredicateUpgradeCases, AreRewrittenSilently) {
   EXPECT_THAT(logs, IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    WithoutConversion, QNPredicateUpgradeCases,
-    testing::Values(Case{"title == \"x\"", "title == \"x\""},
-                    Case{"ALL title BEGINSWITH[c] \"x\"", "ALL title BEGINSWITH[c] \"x\""},
-                    Case{"title > username", "title > username"},
-                    Case{"username LIKE \"x*\"", "username LIKE \"x*\""}));
+INSTANTIATE_TEST_SUITE_P(WithoutConversion, QNPredicateUpgradeCases,
+                         testing::Values(Case{"title == \"x\"", "title == \"x\""},
+                                         Case{"ALL title BEGINSWITH[c] \"x\"",
+                                              "ALL title BEGINSWITH[c] \"x\""},
+                                         Case{"title > username", "title > username"},
+                                         Case{"username LIKE \"x*\"", "username LIKE \"x*\""}));
 
 INSTANTIATE_TEST_SUITE_P(
     MappedToAny, QNPredicateUpgradeCases,
@@ -58,13 +61,12 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     MappedWithoutChange, QNPredicateUpgradeCases,
-    testing::Values(
-        Case{"passwordForSearch ==[c] \"x\"", "password ==[c] \"x\""},
-        Case{"ALL createdAt > DATE \"2020-01-01\"",
-             "ALL createdAtAsDate > DATE \"2020-01-01T00:00:00Z\""},
-        Case{"ANY updatedAt <= DATE \"2020-01-01\"",
-             "ANY updatedAtAsDate <= DATE \"2020-01-01T00:00:00Z\""},
-        Case{"notesPlainText ENDSWITH[d] \"x\"", "notesPlain ENDSWITH[d] \"x\""}));
+    testing::Values(Case{"passwordForSearch ==[c] \"x\"", "password ==[c] \"x\""},
+                    Case{"ALL createdAt > DATE \"2020-01-01\"",
+                         "ALL createdAtAsDate > DATE \"2020-01-01T00:00:00Z\""},
+                    Case{"ANY updatedAt <= DATE \"2020-01-01\"",
+                         "ANY updatedAtAsDate <= DATE \"2020-01-01T00:00:00Z\""},
+                    Case{"notesPlainText ENDSWITH[d] \"x\"", "notesPlain ENDSWITH[d] \"x\""}));
 
 INSTANTIATE_TEST_SUITE_P(
     PasswordStrength, QNPredicateUpgradeCases,
@@ -98,11 +100,11 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"ALL hasAttachmentString ==[c] \"no\"", "numberOfAttachments > 0"},
                     Case{"hasAttachmentString == 0", "numberOfAttachments > 0"}));
 
-INSTANTIATE_TEST_SUITE_P(
-    Dropped, QNPredicateUpgradeCases,
-    testing::Values(Case{"trashed == YES", "nothing"}, Case{"trashed != 5", "nothing"},
-                    Case{"securityLevel > 3", "nothing"},
-                    Case{"existingString == \"YES\"", "nothing"}));
+INSTANTIATE_TEST_SUITE_P(Dropped, QNPredicateUpgradeCases,
+                         testing::Values(Case{"trashed == YES", "nothing"},
+                                         Case{"trashed != 5", "nothing"},
+                                         Case{"securityLevel > 3", "nothing"},
+                                         Case{"existingString == \"YES\"", "nothing"}));
 
 INSTANTIATE_TEST_SUITE_P(Folder, QNPredicateUpgradeCases,
                          testing::Values(Case{"folderTitle ==[cd] \"\"", "folderUUID == NIL"}));
@@ -112,8 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Case{"trashed == NO AND title == \"x\"", "AND {title == \"x\"}"},
         Case{"trashed == NO OR title == \"x\"", "OR {title == \"x\"}"},
-        Case{"trashed == NO AND securityLevel == 1", "AND {}"},
-        Case{"OR {trashed == NO}", "OR {}"},
+        Case{"trashed == NO AND securityLevel == 1", "AND {}"}, Case{"OR {trashed == NO}", "OR {}"},
         Case{"NOT tags == \"x\"", "NOT ANY tagsForSearch == \"x\""},
         Case{"NOT (trashed == NO AND tags == \"x\")", "NOT (AND {ANY tagsForSearch == \"x\"})"},
         Case{"NOT (AND {trashed == NO})", "NOT (AND {})"},
@@ -136,26 +137,26 @@ TEST_P(QNPredicateUpgradeCategories, HaveAUuid) {
             "categoryUUID == \"" + std::string(uuid) + "\"");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Names, QNPredicateUpgradeCategories,
-    testing::Values(CategoryCase{"Logins", "001"}, CategoryCase{"webforms.WebForm", "001"},
-                    CategoryCase{"securenotes.SecureNote", "003"},
-                    CategoryCase{"identities.Identity", "004"},
-                    CategoryCase{"passwords.Password", "005"},
-                    CategoryCase{"system.Tombstone", "099"},
-                    CategoryCase{"wallet.financial.CreditCard", "002"},
-                    CategoryCase{"wallet.computer.License", "100"},
-                    CategoryCase{"wallet.financial.BankAccountUS", "101"},
-                    CategoryCase{"wallet.computer.Database", "102"},
-                    CategoryCase{"wallet.government.DriversLicense", "103"},
-                    CategoryCase{"wallet.government.HuntingLicense", "104"},
-                    CategoryCase{"wallet.membership.Membership", "105"},
-                    CategoryCase{"wallet.government.Passport", "106"},
-                    CategoryCase{"wallet.membership.RewardProgram", "107"},
-                    CategoryCase{"wallet.government.SsnUS", "108"},
-                    CategoryCase{"wallet.computer.Router", "109"},
-                    CategoryCase{"wallet.computer.UnixServer", "110"},
-                    CategoryCase{"wallet.onlineservices.Email.v2", "111"}));
+INSTANTIATE_TEST_SUITE_P(Names, QNPredicateUpgradeCategories,
+                         testing::Values(CategoryCase{"Logins", "001"},
+                                         CategoryCase{"webforms.WebForm", "001"},
+                                         CategoryCase{"securenotes.SecureNote", "003"},
+                                         CategoryCase{"identities.Identity", "004"},
+                                         CategoryCase{"passwords.Password", "005"},
+                                         CategoryCase{"system.Tombstone", "099"},
+                                         CategoryCase{"wallet.financial.CreditCard", "002"},
+                                         CategoryCase{"wallet.computer.License", "100"},
+                                         CategoryCase{"wallet.financial.BankAccountUS", "101"},
+                                         CategoryCase{"wallet.computer.Database", "102"},
+                                         CategoryCase{"wallet.government.DriversLicense", "103"},
+                                         CategoryCase{"wallet.government.HuntingLicense", "104"},
+                                         CategoryCase{"wallet.membership.Membership", "105"},
+                                         CategoryCase{"wallet.government.Passport", "106"},
+                                         CategoryCase{"wallet.membership.RewardProgram", "107"},
+                                         CategoryCase{"wallet.government.SsnUS", "108"},
+                                         CategoryCase{"wallet.computer.Router", "109"},
+                                         CategoryCase{"wallet.computer.UnixServer", "110"},
+                                         CategoryCase{"wallet.onlineservices.Email.v2", "111"}));
 
 TEST(QNPredicateUpgrade, KnowsNoOtherCategory) {
   EXPECT_EQ(QNFolder::categoryUUIDForName("logins"), std::nullopt);
@@ -194,9 +195,8 @@ TEST(QNPredicateUpgrade, LogsACategoryThatIsNoText) {
 }
 
 TEST(QNPredicateUpgrade, LogsWhatItCannotConvert) {
-  for (const char* const odd :
-       {"colour == 5", "folderTitle == NIL", "existingString ==[c] 5", "5 == title",
-        "TRUEPREDICATE", "FALSEPREDICATE"}) {
+  for (const char* const odd : {"colour == 5", "folderTitle == NIL", "existingString ==[c] 5",
+                                "5 == title", "TRUEPREDICATE", "FALSEPREDICATE"}) {
     const auto [text, logs] = upgradedWithLogs(odd);
 
     EXPECT_EQ(text, "nothing");
@@ -246,9 +246,8 @@ TEST(QNPredicateUpgradeDeathTest, StopsTheProcessAtANotOverNothing) {
   for (const char* const fatal :
        {"NOT trashed == YES", "NOT categoryName == \"Unknown\"", "NOT TRUEPREDICATE",
         "title == \"x\" AND (NOT existingString == \"YES\")"}) {
-    EXPECT_DEATH(
-        static_cast<void>(folder->upgradeSmartFolderPredicateFormat(predicate(fatal))),
-        "subpredicates.count == 1")
+    EXPECT_DEATH(static_cast<void>(folder->upgradeSmartFolderPredicateFormat(predicate(fatal))),
+                 "subpredicates.count == 1")
         << fatal;
   }
 }

@@ -1,9 +1,6 @@
 #pragma once
 // For tests: folders in a vault that costs no key derivation.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/organisation/QNFolder.h"
 

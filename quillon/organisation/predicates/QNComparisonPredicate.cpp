@@ -27,8 +27,8 @@ bool needsDetailsFor(const QNExpression& side) {
 }  // namespace
 
 bool operator==(const QNComparisonPredicate::Parts& a, const QNComparisonPredicate::Parts& b) {
-  return a.modifier == b.modifier && a.operatorType == b.operatorType &&
-         a.options == b.options && a.left == b.left && a.right == b.right;
+  return a.modifier == b.modifier && a.operatorType == b.operatorType && a.options == b.options &&
+         a.left == b.left && a.right == b.right;
 }
 
 QNComparisonPredicate::QNComparisonPredicate(Parts parts)

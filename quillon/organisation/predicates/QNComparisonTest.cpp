@@ -208,7 +208,7 @@ std::optional<QNError> QNComparisonTest::faultForItems() const {
 }
 
 QNTruth QNComparisonTest::truth(QNPredicateRun& run) const {
-  if (!run.spend(1)) return QNTruth::unknown;
+  if (!run.spend(QNPredicateBudget::kStepsPerComparison)) return QNTruth::unknown;
   const Side left(_left, run);
   const Side right(_right, run);
   if (!left.isKnown() || !right.isKnown()) return QNTruth::unknown;
@@ -224,7 +224,8 @@ bool QNComparisonTest::modified(const QNOperand& left, const QNOperand& right,
   const bool isAny = _parts.modifier == QNComparisonModifier::any;
   if (isNothing(left)) return !isAny;
   const auto settles = [&](const QNOperand& element) {
-    return compare(operatorType, element, right, run) == isAny || run.fault();
+    return !run.spend(QNPredicateBudget::kStepsPerComparison) ||
+           compare(operatorType, element, right, run) == isAny || run.fault();
   };
   const auto settled = anyElement(left, settles);
   return (settled ? *settled : settles(left)) == isAny;
@@ -273,7 +274,9 @@ bool QNComparisonTest::equalLists(const QNOperand& left, const QNOperand& right,
                                   QNPredicateRun& run) const {
   const auto a = elementsOf(left);
   const auto b = elementsOf(right);
-  if (!a || !b || a->size() != b->size() || !run.spend(a->size())) return false;
+  if (!a || !b || a->size() != b->size() ||
+      !run.spend(a->size() * QNPredicateBudget::kStepsPerComparison))
+    return false;
   for (std::size_t i = 0; i < a->size(); ++i) {
     if (!compareScalars(QNOperatorType::equalTo, (*a)[i], (*b)[i], run)) return false;
   }
@@ -283,7 +286,8 @@ bool QNComparisonTest::equalLists(const QNOperand& left, const QNOperand& right,
 bool QNComparisonTest::holds(const QNOperand& whole, const QNOperand& part,
                              QNPredicateRun& run) const {
   const auto inList = anyElement(whole, [&](const QNOperand& element) {
-    return !run.spend(1) || compareScalars(QNOperatorType::equalTo, element, part, run);
+    return !run.spend(QNPredicateBudget::kStepsPerComparison) ||
+           compareScalars(QNOperatorType::equalTo, element, part, run);
   });
   return inList ? *inList : compareScalars(QNOperatorType::contains, whole, part, run);
 }

@@ -26,8 +26,7 @@ QNPredicateRef QNCompoundPredicate::compound(QNCompoundType type,
   if (std::find(subpredicates.begin(), subpredicates.end(), nullptr) != subpredicates.end()) {
     return nullptr;
   }
-  return withinLimits(
-      QNPredicateRef(new QNCompoundPredicate(type, std::move(subpredicates))));
+  return withinLimits(QNPredicateRef(new QNCompoundPredicate(type, std::move(subpredicates))));
 }
 
 bool QNCompoundPredicate::needsDetails() const {
@@ -38,9 +37,10 @@ bool QNCompoundPredicate::needsDetails() const {
 bool QNCompoundPredicate::isEqual(const QNPredicate& other) const {
   const auto* const compound = dynamic_cast<const QNCompoundPredicate*>(&other);
   return compound != nullptr && compound->_type == _type &&
-         std::equal(_subpredicates.begin(), _subpredicates.end(),
-                    compound->_subpredicates.begin(), compound->_subpredicates.end(),
-                    [](const QNPredicateRef& a, const QNPredicateRef& b) { return a->isEqual(*b); });
+         std::equal(
+             _subpredicates.begin(), _subpredicates.end(), compound->_subpredicates.begin(),
+             compound->_subpredicates.end(),
+             [](const QNPredicateRef& a, const QNPredicateRef& b) { return a->isEqual(*b); });
 }
 
 // The parts are asked in order until one settles it; one that can't be asked leaves it open.

@@ -70,28 +70,30 @@ QNKeyPathValue categoryUUID(QNItem& item) {
 
 constexpr std::array kKeyPaths = {
     QNItemKeyPath{"title", QNKeyPathHome::overview, title},
-    QNItemKeyPath{"username", QNKeyPathHome::details, [](QNItem& item) { return valueOf(item.username()); }},
+    QNItemKeyPath{"username", QNKeyPathHome::details,
+                  [](QNItem& item) { return valueOf(item.username()); }},
     QNItemKeyPath{"tagsForSearch", QNKeyPathHome::overview, tags},
     QNItemKeyPath{"allValuesForSearch", QNKeyPathHome::details,
                   [](QNItem& item) { return QNKeyPathValue(item.allValuesForSearch()); }},
     QNItemKeyPath{"URLStringsForSearch", QNKeyPathHome::details,
                   [](QNItem& item) { return valueOf(item.URLStringsForSearch()); }},
-    QNItemKeyPath{"password", QNKeyPathHome::details, [](QNItem& item) { return valueOf(item.password()); }},
+    QNItemKeyPath{"password", QNKeyPathHome::details,
+                  [](QNItem& item) { return valueOf(item.password()); }},
     QNItemKeyPath{"createdAtAsDate", QNKeyPathHome::overview,
                   [](QNItem& item) { return QNKeyPathValue(item.createdAtAsDate()); }},
     QNItemKeyPath{"updatedAtAsDate", QNKeyPathHome::overview,
                   [](QNItem& item) { return QNKeyPathValue(item.updatedAtAsDate()); }},
-    QNItemKeyPath{"notesPlain", QNKeyPathHome::details, [](QNItem& item) { return valueOf(item.notesPlain()); }},
+    QNItemKeyPath{"notesPlain", QNKeyPathHome::details,
+                  [](QNItem& item) { return valueOf(item.notesPlain()); }},
     QNItemKeyPath{"categoryUUID", QNKeyPathHome::overview, categoryUUID},
-    QNItemKeyPath{"passwordStrength", QNKeyPathHome::overview,
-                  [](QNItem& item) {
-                    return QNKeyPathValue(std::int64_t{item.passwordStrength()});
-                  }},
-    QNItemKeyPath{"numberOfAttachments", QNKeyPathHome::detailsInAccounts,
-                  [](QNItem& item) {
-                    return QNKeyPathValue(std::int64_t{item.numberOfAttachments()});
-                  }},
-    QNItemKeyPath{"folderUUID", QNKeyPathHome::overview, [](QNItem& item) { return valueOf(item.folderUUID()); }},
+    QNItemKeyPath{
+        "passwordStrength", QNKeyPathHome::overview,
+        [](QNItem& item) { return QNKeyPathValue(std::int64_t{item.passwordStrength()}); }},
+    QNItemKeyPath{
+        "numberOfAttachments", QNKeyPathHome::detailsInAccounts,
+        [](QNItem& item) { return QNKeyPathValue(std::int64_t{item.numberOfAttachments()}); }},
+    QNItemKeyPath{"folderUUID", QNKeyPathHome::overview,
+                  [](QNItem& item) { return valueOf(item.folderUUID()); }},
 };
 
 }  // namespace

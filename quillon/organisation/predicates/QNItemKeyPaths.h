@@ -8,8 +8,8 @@ namespace quillon {
 
 class QNItem;
 
-/// Where an item finds the answer: in its overview or its row, there or in the details of an account
-/// vault's item, or in its details.
+/// Where an item finds the answer: in its overview or its row, there or in the details of an
+/// account vault's item, or in its details.
 enum class QNKeyPathHome { overview, detailsInAccounts, details };
 
 /// A key path of items. The names are stored in predicates: they never change.

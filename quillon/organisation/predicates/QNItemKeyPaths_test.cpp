@@ -38,11 +38,11 @@ TEST(QNItemKeyPaths, AreThoseThatQuestionsMayName) {
   std::vector<std::string_view> names;
   for (const QNItemKeyPath& it : itemKeyPaths()) names.push_back(it.name);
 
-  EXPECT_THAT(names, testing::UnorderedElementsAre(
-                         "title", "username", "tagsForSearch", "allValuesForSearch",
-                         "URLStringsForSearch", "password", "createdAtAsDate", "updatedAtAsDate",
-                         "notesPlain", "categoryUUID", "passwordStrength", "numberOfAttachments",
-                         "folderUUID"));
+  EXPECT_THAT(names, testing::UnorderedElementsAre("title", "username", "tagsForSearch",
+                                                   "allValuesForSearch", "URLStringsForSearch",
+                                                   "password", "createdAtAsDate", "updatedAtAsDate",
+                                                   "notesPlain", "categoryUUID", "passwordStrength",
+                                                   "numberOfAttachments", "folderUUID"));
 }
 
 TEST(QNItemKeyPaths, AreAnsweredByAnItem) {
@@ -52,9 +52,9 @@ TEST(QNItemKeyPaths, AreAnsweredByAnItem) {
         "ANY tagsForSearch BEGINSWITH[cd] \"travel/\"", "tagsForSearch CONTAINS \"money\"",
         "ANY allValuesForSearch CONTAINS \"correct\"",
         "ANY URLStringsForSearch CONTAINS \"bank.example\"", "password == \"correct horse\"",
-        "createdAtAsDate == DATE \"2020-09-13T12:26:40Z\"",
-        "updatedAtAsDate > createdAtAsDate", "notesPlain == \"a note\"", "categoryUUID == \"001\"",
-        "passwordStrength == 57", "numberOfAttachments == 2", "folderUUID == \"FOLDER\""}) {
+        "createdAtAsDate == DATE \"2020-09-13T12:26:40Z\"", "updatedAtAsDate > createdAtAsDate",
+        "notesPlain == \"a note\"", "categoryUUID == \"001\"", "passwordStrength == 57",
+        "numberOfAttachments == 2", "folderUUID == \"FOLDER\""}) {
     EXPECT_EQ(answerOf(*login, question), "yes") << question;
     EXPECT_EQ(answerOf(*login, "NOT (" + std::string(question) + ")"), "no") << question;
   }

@@ -221,8 +221,7 @@ class CodedPredicate final : public QNCoding {
     const auto options = coder.decodeInt32(kOptions);
     if (left == nullptr || right == nullptr || !modifier || !type || !options) return nullptr;
     return coded(QNComparisonPredicate::comparison({left->expression, right->expression, *modifier,
-                                                    *type,
-                                                    static_cast<std::uint32_t>(*options)}));
+                                                    *type, static_cast<std::uint32_t>(*options)}));
   }
 
   QNPredicateRef predicate;  // never null
@@ -249,8 +248,7 @@ class CodedPredicate final : public QNCoding {
     coder.encodeObject(right, kRight);
     coder.encodeInt32(static_cast<std::int32_t>(comparison.comparisonPredicateModifier()),
                       kModifier);
-    coder.encodeInt32(static_cast<std::int32_t>(comparison.predicateOperatorType()),
-                      kOperatorType);
+    coder.encodeInt32(static_cast<std::int32_t>(comparison.predicateOperatorType()), kOperatorType);
     coder.encodeInt32(static_cast<std::int32_t>(comparison.options()), kOptions);
   }
 };

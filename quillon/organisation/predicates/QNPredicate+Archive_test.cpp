@@ -60,7 +60,8 @@ TEST(QNPredicateArchive, HasTheFrozenForm) {
 
 TEST(QNPredicateArchive, ReadsBackAsTheSameQuestion) {
   EXPECT_TRUE(rc::check([] {
-    const QNPredicateRef made = randomPredicate(4);
+    const QNPredicateRef made =
+        QNRandomPredicates(*rc::gen::arbitrary<std::uint32_t>()).predicate(4);
 
     const auto again = QNPredicate::predicateWithArchivedData(made->archivedData().value());
 
@@ -161,8 +162,8 @@ TEST(QNPredicateArchive, IsUnreadableWithANotOfTwo) {
 TEST(QNPredicateArchive, IsUnreadableWhereItNestsTenThousandDeep) {
   std::string nested = R"({"$class":"QNConstantPredicate","value":true})";
   for (int i = 0; i < 10'000; ++i) {
-    nested = R"({"$class":"QNCompoundPredicate","type":0,"count":1,"subpredicates":[)" + nested +
-             "]}";
+    nested =
+        R"({"$class":"QNCompoundPredicate","type":0,"count":1,"subpredicates":[)" + nested + "]}";
   }
 
   EXPECT_EQ(read(inArchive(nested)), "unreadable");

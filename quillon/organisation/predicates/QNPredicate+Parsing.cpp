@@ -119,8 +119,8 @@ class Parser {
     const bool isOr = type == QNCompoundType::orType;
     const auto part = [&] { return isOr ? parseJoined(QNCompoundType::andType) : parseOne(); };
     std::vector<QNPredicateRef> parts = {part()};
-    while (!_fault && (isOr ? takeWord("OR") || takeSymbol("||")
-                            : takeWord("AND") || takeSymbol("&&"))) {
+    while (!_fault &&
+           (isOr ? takeWord("OR") || takeSymbol("||") : takeWord("AND") || takeSymbol("&&"))) {
       parts.push_back(part());
     }
     if (_fault || parts.size() == 1) return parts.front();
@@ -190,9 +190,9 @@ class Parser {
 
   QNOperatorType parseOperator() {
     const bool mayBe = _token.kind == Kind::symbol || _token.kind == Kind::word;
-    const auto* const known = std::find_if(
-        kOperators.begin(), kOperators.end(),
-        [this](const OperatorWord& it) { return equalWords(it.text, _token.text); });
+    const auto* const known =
+        std::find_if(kOperators.begin(), kOperators.end(),
+                     [this](const OperatorWord& it) { return equalWords(it.text, _token.text); });
     if (_fault || !mayBe || known == kOperators.end()) {
       fail("no operator");
       return {};
@@ -203,8 +203,8 @@ class Parser {
 
   std::uint32_t parseOptions() {
     if (!takeSymbol("[")) return 0;
+    if (_token.kind != Kind::keyPath) fail("no option");
     std::uint32_t options = 0;
-    const bool isName = _token.kind == Kind::keyPath && !_token.text.empty();
     for (const char c : _token.text) {
       const char letter = lowercaseASCII(c);
       const std::uint32_t option = letter == 'c'   ? kCaseInsensitive
@@ -213,7 +213,6 @@ class Parser {
       if (option == 0 || (options & option) != 0) fail("an unknown option");
       options |= option;
     }
-    if (!isName) fail("no option");
     advance();
     requireSymbol("]", "no end of options");
     return options;
@@ -295,8 +294,8 @@ class Parser {
 
 }  // namespace
 
-QNResult<QNPredicateRef> QNPredicate::predicateWithFormat(
-    std::string_view format, std::span<const QNExpression> arguments) {
+QNResult<QNPredicateRef> QNPredicate::predicateWithFormat(std::string_view format,
+                                                          std::span<const QNExpression> arguments) {
   if (format.size() > kMaxTextBytes) return predicateFault("the predicate's text is too long");
   if (!isUTF8(format)) return predicateFault("the predicate's text isn't UTF-8");
   return Parser(format, arguments).parse();

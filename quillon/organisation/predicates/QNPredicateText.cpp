@@ -11,10 +11,10 @@ namespace quillon {
 namespace {
 
 constexpr std::array<std::string_view, 23> kWords = {
-    "ALL",     "AND",  "ANY",           "BEGINSWITH",     "BETWEEN", "CONTAINS",
-    "DATE",    "ENDSWITH", "FALSE",     "FALSEPREDICATE", "IN",      "LIKE",
-    "MATCHES", "NIL",  "NO",            "NONE",           "NOT",     "NULL",
-    "OR",      "SOME", "TRUE",          "TRUEPREDICATE",  "YES"};
+    "ALL",     "AND",      "ANY",   "BEGINSWITH",     "BETWEEN", "CONTAINS",
+    "DATE",    "ENDSWITH", "FALSE", "FALSEPREDICATE", "IN",      "LIKE",
+    "MATCHES", "NIL",      "NO",    "NONE",           "NOT",     "NULL",
+    "OR",      "SOME",     "TRUE",  "TRUEPREDICATE",  "YES"};
 
 // Shortest digits that read back as the same number, and a sign that it isn't a whole one.
 std::string realText(double number) {

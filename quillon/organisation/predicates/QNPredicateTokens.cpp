@@ -12,9 +12,9 @@ namespace quillon {
 namespace {
 
 // Longer ones before those that they begin with.
-constexpr std::array<std::string_view, 21> kSymbols = {
-    "==", "=<", "=>", "=", "!=", "!", "<>", "<=", "<", ">=", ">",
-    "&&", "||", "%@", "(", ")",  "{", "}",  "[",  "]", ","};
+constexpr std::array<std::string_view, 21> kSymbols = {"==", "=<", "=>", "=", "!=", "!",  "<>",
+                                                       "<=", "<",  ">=", ">", "&&", "||", "%@",
+                                                       "(",  ")",  "{",  "}", "[",  "]",  ","};
 
 bool isBlank(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r';

@@ -12,8 +12,7 @@ namespace {
 
 bool contains(std::string_view text, std::string_view part) {
   // Linear whatever both hold, which find() isn't.
-  return part.empty() ||
-         ::memmem(text.data(), text.size(), part.data(), part.size()) != nullptr;
+  return part.empty() || ::memmem(text.data(), text.size(), part.data(), part.size()) != nullptr;
 }
 
 bool compareFolded(QNOperatorType operatorType, std::string_view left, std::string_view right,

@@ -44,7 +44,7 @@ std::optional<bool> matchesWildcards(std::string_view text, std::string_view pat
   Place place;
   std::optional<Place> lastStar;
   while (place.inText < text.size()) {
-    if (!budget.spend(1)) return std::nullopt;
+    if (!budget.spend(kStepsPerCharacter)) return std::nullopt;
     if (place.inPattern < pattern.size() && pattern[place.inPattern] == '*') {
       ++place.inPattern;
       lastStar = place;

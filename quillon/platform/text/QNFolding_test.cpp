@@ -15,8 +15,8 @@ std::string folded(std::string_view text, QNFolding folding) {
 
 // A letter of each sort that folding treats in a way of its own, and bytes that are no text.
 const std::array<std::string, 20> kPieces = {
-    "a", "Z", "ä", "A\u0308", "Ø", "ı", "İ", "ß", "ẞ", "Æ", "ŉ",
-    "ǰ", "\u0345", "Ω", "ガ", "한", "\U0001D160", "\U0001F600", "\xFF", "\xC3"};
+    "a", "Z", "ä",      "A\u0308", "Ø",  "ı",  "İ",          "ß",          "ẞ",    "Æ",
+    "ŉ", "ǰ", "\u0345", "Ω",       "ガ", "한", "\U0001D160", "\U0001F600", "\xFF", "\xC3"};
 
 std::string randomText() {
   std::string text;

@@ -9,10 +9,9 @@
 namespace quillon {
 
 /// A value on one side of a comparison, wherever it lies. A list is seen as what holds it.
-using QNOperand =
-    std::variant<std::monostate, bool, std::int64_t, double, std::chrono::sys_seconds,
-                 QNComparedText, const JsonArray*, const std::vector<QNSecret>*,
-                 const QNExpression::List*>;
+using QNOperand = std::variant<std::monostate, bool, std::int64_t, double, std::chrono::sys_seconds,
+                               QNComparedText, const JsonArray*, const std::vector<QNSecret>*,
+                               const QNExpression::List*>;
 
 /// A comparison made ready for many objects: constants are folded, and a pattern is compiled, once.
 class QNComparisonTest final {
@@ -43,7 +42,7 @@ class QNComparisonTest final {
 
   const QNComparisonPredicate::Parts& _parts;
   QNFolding _folding;
-  QNExpression _left, _right;  // constants folded
+  QNExpression _left, _right;                       // constants folded
   std::optional<QNResult<Expression>> _expression;  // of MATCHES with a constant text
 };
 

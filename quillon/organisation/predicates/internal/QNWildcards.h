@@ -7,6 +7,9 @@
 
 namespace quillon {
 
+/// Steps for each time that a character is looked at.
+inline constexpr std::uint64_t kStepsPerCharacter = 4;
+
 /// Is all of `text` such as `pattern` says? "?" stands for one character, "*" for any number of
 /// them; a "\" before these and itself takes them as they are. Nothing if the budget is spent: the
 /// work is at most the product of both lengths.
