@@ -38,6 +38,18 @@ Level levelOf(const Folder& folder) {
 
 }  // namespace
 
+// Without recursion, as everything here: a tree may be deeper than the stack.
+QNFolder::~QNFolder() {
+  std::vector<Folder> pending = std::move(_subfolders);
+  while (!pending.empty()) {
+    const Folder folder = std::move(pending.back());
+    pending.pop_back();
+    if (folder.use_count() > 1) continue;  // somebody else's too
+    for (Folder& below : folder->_subfolders) pending.push_back(std::move(below));
+    folder->_subfolders.clear();
+  }
+}
+
 void QNFolder::addSubfolder(const Folder& folder) {
   if (folder == nullptr) return;
   folder->setParentFolder(shared_from_this());
@@ -67,7 +79,7 @@ bool QNFolder::isParentOfFolder(const QNFolder& folder) const {
   return std::find(above.begin(), above.end(), parent) != above.end();
 }
 
-// Without recursion: a tree may be deeper than the stack. A folder within itself is left out.
+// A folder within itself is left out.
 std::vector<Folder> QNFolder::flattenedAndSorted() {
   std::vector<Folder> flattened = {shared_from_this()};
   std::unordered_set<const QNFolder*> onTheWay = {this};

@@ -27,6 +27,7 @@ class QNFolder final : public QNDatabaseObjectWithOverview,
   explicit QNFolder(QNNew);
   explicit QNFolder(QNExisting existing) : QNDatabaseObjectWithOverview(existing) {}
   explicit QNFolder(QNDecoder& coder);
+  ~QNFolder() override;
 
   // Identity: QNFolder.cpp
   [[nodiscard]] std::string_view className() const override { return "QNFolder"; }
