@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <set>
-#include <unordered_map>
 
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/platform/data/MRData.h"
@@ -14,6 +14,7 @@
 #include "store/internal/QNFolderMerge.h"
 #include "store/internal/QNItemParts.h"
 #include "store/internal/QNStoreState.h"
+#include "store/internal/QNUUIDTable.h"
 
 // What becomes of a uuid. "Changed" is a row whose tx_timestamp isn't the one of the last pair that
 // both sides had reached; without such a pair both have changed.
@@ -106,16 +107,12 @@ class QNStore::Merge final {
   struct Side {
     const QNMergeSide& given;
     Database::Partner memory = {};  // of the other side
-    std::unordered_map<std::string, Head> heads = {};
+    QNUUIDTable<Head> heads = {};
     [[nodiscard]] Database& database() const { return *given.store->_database; }
     [[nodiscard]] const std::shared_ptr<QNProfile>& vault() const { return given.vault; }
-    [[nodiscard]] Head* head(const std::string& uuid) {
-      const auto found = heads.find(uuid);
-      return found == heads.end() ? nullptr : &found->second;
-    }
     /// How far the row was here, `localTimestamp`, and there, `sourceTimestamp`. Null if this side
     /// remembers nothing of it.
-    [[nodiscard]] const QNSyncStateRow* remembered(std::string_view uuid) const {
+    [[nodiscard]] const QNSyncStateRow* remembered(std::string_view uuid) {
       return memory.states.itemState(uuid);
     }
   };
@@ -124,7 +121,7 @@ class QNStore::Merge final {
   static QNResult<QNDone> readMemory(Side& side, const Side& partner);
   static QNResult<QNDone> readHeads(Side& side);
   void findWhatIsOutOfStep();
-  [[nodiscard]] bool isInStep(const std::string& uuid, const Head& mine, const Head& theirs) const;
+  [[nodiscard]] bool isInStep(const std::string& uuid, const Head& mine, const Head& theirs);
   QNResult<QNDone> mergeOne(const std::string& uuid);
   QNResult<QNDone> mergeDeletion(const std::string& uuid, Side& deleted, Side& living);
   QNResult<QNDone> mergeTombstones(const std::string& uuid);
@@ -139,17 +136,17 @@ class QNStore::Merge final {
   QNResult<QNDone> copyTombstone(const std::string& uuid, Side& from, Side& to);
   QNResult<QNDone> remove(const std::string& uuid, Side& side, std::uint64_t deletedAt);
   QNResult<QNDone> bury(const std::string& uuid, Side& side, std::uint64_t deletedAt);
-  [[nodiscard]] QNSyncStateRow stateOf(const std::string& uuid, const Side& side,
-                                       const Side& partner) const;
-  QNResult<QNDone> writeMemory(Side& side, const Side& partner);
+  QNSyncStateRow stateOf(const std::string& uuid, Side& side, Side& partner) const;
+  std::map<std::uint64_t, std::string> outOfStepByRow(Side& side) const;
+  QNResult<QNDone> writeMemory(Side& side, Side& partner);
 
   Loaded load(const std::string& uuid, Side& side);
   QNResult<QNDone> saveIn(Side& side, const std::string& uuid, const std::shared_ptr<QNItem>& item,
                           Database::Times times);
   void noteWritten(Side& side, const std::string& uuid, std::uint64_t oid, const Head& content);
   std::optional<Reached> lastReached(const std::string& uuid);
-  static bool hasSeen(const Side& side, const std::string& uuid, const Head& other);
-  static bool hasMovedOn(const Side& side, const std::string& uuid, const Head& own);
+  static bool hasSeen(Side& side, const std::string& uuid, const Head& other);
+  static bool hasMovedOn(Side& side, const std::string& uuid, const Head& own);
   bool hasChanged(Side& side, const std::string& uuid);
   /// The last time that was given in that side's vault.
   static std::uint64_t lastTxOf(const Side& side);
@@ -202,14 +199,13 @@ QNResult<QNDone> QNStore::Merge::readMemory(Side& side, const Side& partner) {
 QNResult<QNDone> QNStore::Merge::readHeads(Side& side) {
   const auto ledger = side.database().ledgerNow(*side.vault());
   if (!ledger.ok()) return ledger.error();
-  side.heads.reserve(ledger.value().items.rows);
   QNRowCount count;
   QNRowSealer sealer(*side.vault());
   QNQuery query = side.database().file->query(kSelectItemsOfVault, side.vault()->oid());
   while (query.next()) {
     const QNItemRow row = itemRow(query);
     if (!count.add(sealer.seal(row), row.seal)) return vaultDamaged("a row was altered");
-    Head& head = side.heads.emplace(row.uuid, headOf(row)).first->second;
+    Head& head = side.heads.add(row.uuid, headOf(row)).value;
     const auto* const known = side.remembered(row.uuid);
     if (known == nullptr || known->localTimestamp != row.txTimestamp) {
       head.sealedContent = sealedContentOf(row);
@@ -222,11 +218,11 @@ QNResult<QNDone> QNStore::Merge::readHeads(Side& side) {
 void QNStore::Merge::findWhatIsOutOfStep() {
   report.compared = _mine.heads.size();
   for (const auto& [uuid, mine] : _mine.heads) {
-    const Head* const theirs = _theirs.head(uuid);
+    const Head* const theirs = _theirs.heads.find(uuid);
     if (theirs == nullptr || !isInStep(uuid, mine, *theirs)) _outOfStep.insert(uuid);
   }
   for (const auto& [uuid, theirs] : _theirs.heads) {
-    if (_mine.heads.contains(uuid)) continue;
+    if (_mine.heads.find(uuid) != nullptr) continue;
     ++report.compared;
     _outOfStep.insert(uuid);
   }
@@ -234,7 +230,7 @@ void QNStore::Merge::findWhatIsOutOfStep() {
 
 /// Do both sides remember these two, and nothing older? Of a deletion on both sides, one may
 /// remember what it has removed from the other.
-bool QNStore::Merge::isInStep(const std::string& uuid, const Head& mine, const Head& theirs) const {
+bool QNStore::Merge::isInStep(const std::string& uuid, const Head& mine, const Head& theirs) {
   const auto* const own = _mine.remembered(uuid);
   const auto* const other = _theirs.remembered(uuid);
   if (own == nullptr || other == nullptr || own->localTimestamp != mine.txTimestamp ||
@@ -259,17 +255,17 @@ std::optional<Reached> QNStore::Merge::lastReached(const std::string& uuid) {
 bool QNStore::Merge::hasChanged(Side& side, const std::string& uuid) {
   const auto reached = lastReached(uuid);
   if (!reached) return true;
-  return side.head(uuid)->txTimestamp != (&side == &_mine ? reached->mine : reached->theirs);
+  return side.heads.find(uuid)->txTimestamp != (&side == &_mine ? reached->mine : reached->theirs);
 }
 
 /// Does nothing that this side remembers speak against it having met that version of the other's?
-bool QNStore::Merge::hasSeen(const Side& side, const std::string& uuid, const Head& other) {
+bool QNStore::Merge::hasSeen(Side& side, const std::string& uuid, const Head& other) {
   const auto* const state = side.remembered(uuid);
   return state == nullptr || state->sourceTimestamp == other.txTimestamp;
 }
 
 /// Has its row changed since the merge that this side alone remembers?
-bool QNStore::Merge::hasMovedOn(const Side& side, const std::string& uuid, const Head& own) {
+bool QNStore::Merge::hasMovedOn(Side& side, const std::string& uuid, const Head& own) {
   const auto* const state = side.remembered(uuid);
   return state != nullptr && state->localTimestamp != own.txTimestamp;
 }
@@ -277,8 +273,8 @@ bool QNStore::Merge::hasMovedOn(const Side& side, const std::string& uuid, const
 // One uuid
 
 QNResult<QNDone> QNStore::Merge::mergeOne(const std::string& uuid) {
-  const Head* const mine = _mine.head(uuid);
-  const Head* const theirs = _theirs.head(uuid);
+  const Head* const mine = _mine.heads.find(uuid);
+  const Head* const theirs = _theirs.heads.find(uuid);
   if (mine == nullptr) return copy(uuid, _theirs, _mine);
   if (theirs == nullptr) return copy(uuid, _mine, _theirs);
   if (mine->isTombstone && theirs->isTombstone) return mergeTombstones(uuid);
@@ -291,8 +287,8 @@ QNResult<QNDone> QNStore::Merge::mergeOne(const std::string& uuid) {
 
 QNResult<QNDone> QNStore::Merge::mergeDeletion(const std::string& uuid, Side& deleted,
                                                Side& living) {
-  const std::uint64_t deletedAt = deleted.head(uuid)->updatedAt;
-  const Head& item = *living.head(uuid);
+  const std::uint64_t deletedAt = deleted.heads.find(uuid)->updatedAt;
+  const Head& item = *living.heads.find(uuid);
   const bool isKnown = lastReached(uuid).has_value();
   const bool isNewer = item.updatedAt > deletedAt || (item.updatedAt == deletedAt && !isKnown);
   const bool hasChangedSince =
@@ -305,8 +301,8 @@ QNResult<QNDone> QNStore::Merge::mergeDeletion(const std::string& uuid, Side& de
 
 /// Not told: it was deleted on both sides before.
 QNResult<QNDone> QNStore::Merge::mergeTombstones(const std::string& uuid) {
-  const std::uint64_t mine = _mine.head(uuid)->updatedAt;
-  const std::uint64_t theirs = _theirs.head(uuid)->updatedAt;
+  const std::uint64_t mine = _mine.heads.find(uuid)->updatedAt;
+  const std::uint64_t theirs = _theirs.heads.find(uuid)->updatedAt;
   if (mine == theirs) return QNDone{};
   return bury(uuid, mine < theirs ? _mine : _theirs, std::max(mine, theirs));
 }
@@ -386,17 +382,17 @@ QNResult<QNDone> QNStore::Merge::join(const std::string& uuid, const std::shared
 }
 
 QNResult<QNDone> QNStore::Merge::copy(const std::string& uuid, Side& from, Side& to) {
-  if (from.head(uuid)->isTombstone) return copyTombstone(uuid, from, to);
+  if (from.heads.find(uuid)->isTombstone) return copyTombstone(uuid, from, to);
   const Loaded item = load(uuid, from);
   if (!item.ok()) return item.error();
-  if (to.head(uuid) == nullptr) {
+  if (to.heads.find(uuid) == nullptr) {
     note(uuid, &to == &_mine ? Kind::copiedToMine : Kind::copiedToTheirs);
   }
   return saveIn(to, uuid, item.value(), Database::Times::kept);
 }
 
 QNResult<QNDone> QNStore::Merge::copyTombstone(const std::string& uuid, Side& from, Side& to) {
-  const Head& head = *from.head(uuid);
+  const Head& head = *from.heads.find(uuid);
   const auto before = from.database().rowWithOid(head.oid, from.vault());
   if (!before.ok()) return before.error();
   // A key that isn't this row's may be another's.
@@ -420,14 +416,14 @@ QNResult<QNDone> QNStore::Merge::copyTombstone(const std::string& uuid, Side& fr
 QNResult<QNDone> QNStore::Merge::remove(const std::string& uuid, Side& side,
                                         std::uint64_t deletedAt) {
   note(uuid, &side == &_mine ? Kind::deletedMine : Kind::deletedTheirs);
-  Head& head = *side.head(uuid);
+  Head& head = *side.heads.find(uuid);
   head.removedTx = head.txTimestamp;
   return bury(uuid, side, deletedAt);
 }
 
 QNResult<QNDone> QNStore::Merge::bury(const std::string& uuid, Side& side,
                                       std::uint64_t deletedAt) {
-  Head head = *side.head(uuid);
+  Head head = *side.heads.find(uuid);
   const auto before = side.database().rowWithOid(head.oid, side.vault());
   if (!before.ok()) return before.error();
   const auto buried = side.database().bury(before.value(), deletedAt);
@@ -449,7 +445,7 @@ QNStore::Merge::Loaded QNStore::Merge::load(const std::string& uuid, Side& side)
 QNResult<QNDone> QNStore::Merge::saveIn(Side& side, const std::string& uuid,
                                         const std::shared_ptr<QNItem>& item,
                                         Database::Times times) {
-  const Head* const head = side.head(uuid);
+  const Head* const head = side.heads.find(uuid);
   const bool replacesRow = head != nullptr && !head->isTombstone;
   item->setProfile(side.vault());
   item->setUuid(sharedString(uuid));
@@ -470,7 +466,9 @@ QNResult<QNDone> QNStore::Merge::saveIn(Side& side, const std::string& uuid,
 
 void QNStore::Merge::noteWritten(Side& side, const std::string& uuid, std::uint64_t oid,
                                  const Head& content) {
-  Head& head = side.heads.insert_or_assign(uuid, content).first->second;
+  Head* const known = side.heads.find(uuid);
+  Head& head = known == nullptr ? side.heads.add(uuid, {}).value : *known;
+  head = content;
   head.oid = oid;
   head.txTimestamp = lastTxOf(side);
 }
@@ -486,10 +484,9 @@ void QNStore::Merge::note(const std::string& uuid, Kind kind, std::vector<QNMerg
 
 // What is remembered for the next time
 
-QNSyncStateRow QNStore::Merge::stateOf(const std::string& uuid, const Side& side,
-                                       const Side& partner) const {
-  const Head& here = side.heads.at(uuid);
-  const Head& there = partner.heads.at(uuid);
+QNSyncStateRow QNStore::Merge::stateOf(const std::string& uuid, Side& side, Side& partner) const {
+  const Head& here = *side.heads.find(uuid);
+  const Head& there = *partner.heads.find(uuid);
   QNSyncStateRow state;
   state.objectType = static_cast<std::uint32_t>(QNObjectType::item);
   state.objectID = here.oid;
@@ -501,8 +498,15 @@ QNSyncStateRow QNStore::Merge::stateOf(const std::string& uuid, const Side& side
   return state;
 }
 
-QNResult<QNDone> QNStore::Merge::writeMemory(Side& side, const Side& partner) {
-  for (const std::string& uuid : _outOfStep) {
+/// So they can be read one beside the other the next time.
+std::map<std::uint64_t, std::string> QNStore::Merge::outOfStepByRow(Side& side) const {
+  std::map<std::uint64_t, std::string> byOid;
+  for (const std::string& uuid : _outOfStep) byOid.emplace(side.heads.find(uuid)->oid, uuid);
+  return byOid;
+}
+
+QNResult<QNDone> QNStore::Merge::writeMemory(Side& side, Side& partner) {
+  for (const auto& [oid, uuid] : outOfStepByRow(side)) {
     const QNSyncStateRow state = stateOf(uuid, side, partner);
     const auto* const before = side.remembered(uuid);
     const bool isKnown = before != nullptr && before->localTimestamp == state.localTimestamp &&

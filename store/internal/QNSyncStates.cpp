@@ -37,18 +37,24 @@ QNSyncStates QNSyncStates::read(QNDatabase& file, std::uint64_t sourceOid) {
       sourceOid);
   QNSyncStates states;
   while (query.next()) {
-    QNSyncStateRow row = stateRow(query);
+    const QNSyncStateRow row = stateRow(query);
     // A kind that nobody knows isn't read, and so the seal doesn't fit.
-    if (row.kind < 1 || row.kind > kKinds) continue;
-    if (row.objectUUID) row.objectUUID = states.keep(*row.objectUUID);
-    if (row.kind == kKindOfItems) {
-      if (row.objectUUID) states._itemIndex.insert_or_assign(*row.objectUUID, states._items);
-      ++states._items;
-    }
-    states._rows.push_back(row);
-    states._places.push_back(query.number(7));
+    if (row.kind >= 1 && row.kind <= kKinds) states.add(row, query.number(7));
   }
   return states;
+}
+
+/// Behind those of its kind and of the kinds before it.
+void QNSyncStates::add(QNSyncStateRow row, std::uint64_t place) {
+  const bool isItem = row.kind == kKindOfItems;
+  const std::size_t index = isItem ? _items++ : _rows.size();
+  if (row.objectUUID) {
+    row.objectUUID = isItem ? std::string_view(_itemRows.add(*row.objectUUID, index).uuid)
+                            : std::string_view(_otherUUIDs.emplace_back(*row.objectUUID));
+  }
+  const auto offset = static_cast<std::ptrdiff_t>(index);
+  _rows.insert(_rows.begin() + offset, row);
+  _places.insert(_places.begin() + offset, place);
 }
 
 void QNSyncStates::writeAll(QNDatabase& file, std::uint64_t sourceOid,
@@ -58,25 +64,21 @@ void QNSyncStates::writeAll(QNDatabase& file, std::uint64_t sourceOid,
   for (const QNSyncStateRow& row : rows) writeState(file, sourceOid, ++place, row);
 }
 
-const QNSyncStateRow* QNSyncStates::itemState(std::string_view uuid) const {
-  const auto found = _itemIndex.find(uuid);
-  return found == _itemIndex.end() ? nullptr : &_rows[found->second];
+const QNSyncStateRow* QNSyncStates::itemState(std::string_view uuid) {
+  const std::size_t* const index = _itemRows.find(uuid);
+  return index == nullptr ? nullptr : &_rows[*index];
 }
 
 void QNSyncStates::setItemState(std::string_view uuid, QNSyncStateRow state) {
-  const auto known = _itemIndex.find(uuid);
-  const std::size_t index = known == _itemIndex.end() ? _items : known->second;
   state.kind = kKindOfItems;
-  if (known != _itemIndex.end()) {
-    state.objectUUID = known->first;
-    _rows[index] = state;
+  const std::size_t* const known = _itemRows.find(uuid);
+  const std::size_t index = known == nullptr ? _items : *known;
+  if (known == nullptr) {
+    state.objectUUID = uuid;
+    add(state, _items == 0 ? 1 : _places[_items - 1] + 1);
   } else {
-    state.objectUUID = keep(uuid);
-    const auto offset = static_cast<std::ptrdiff_t>(index);
-    _places.insert(_places.begin() + offset, index == 0 ? 1 : _places[index - 1] + 1);
-    _rows.insert(_rows.begin() + offset, state);
-    _itemIndex.emplace(*state.objectUUID, index);
-    ++_items;
+    state.objectUUID = _rows[index].objectUUID;
+    _rows[index] = state;
   }
   _changed.insert(index);
 }

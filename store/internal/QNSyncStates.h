@@ -8,11 +8,11 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "store/internal/QNDatabase.h"
 #include "store/internal/QNRowSeal.h"
+#include "store/internal/QNUUIDTable.h"
 
 namespace quillon {
 
@@ -38,8 +38,8 @@ class QNSyncStates final {
   /// Valid until the next setItemState(). Texts as long as this object, or what it was moved to.
   [[nodiscard]] std::span<const QNSyncStateRow> rows() const { return _rows; }
   [[nodiscard]] std::array<std::uint8_t, 32> hash() const { return statesHash(_rows); }
-  /// Of two with one uuid the later; null if there is none. Valid as rows() is.
-  [[nodiscard]] const QNSyncStateRow* itemState(std::string_view uuid) const;
+  /// Null if there is none. Valid as rows() is. Fast for who asks in the order of the rows.
+  [[nodiscard]] const QNSyncStateRow* itemState(std::string_view uuid);
   /// Takes the place of the state of that uuid, or stands behind those of the other items. Written
   /// by writeChanges(), and only what was changed.
   void setItemState(std::string_view uuid, QNSyncStateRow state);
@@ -47,13 +47,13 @@ class QNSyncStates final {
   void writeChanges(QNDatabase& file, std::uint64_t sourceOid);
 
  private:
-  std::string_view keep(std::string_view uuid) { return _uuids.emplace_back(uuid); }
+  void add(QNSyncStateRow row, std::uint64_t place);
 
   std::vector<QNSyncStateRow> _rows;  // items first
   std::vector<std::uint64_t> _places;
   std::size_t _items = 0;
-  std::unordered_map<std::string_view, std::size_t> _itemIndex;
-  std::deque<std::string> _uuids;  // of all rows
+  QNUUIDTable<std::size_t> _itemRows;
+  std::deque<std::string> _otherUUIDs;
   std::set<std::size_t> _changed;
 };
 

@@ -66,13 +66,15 @@ TEST_F(QNSyncStatesTable, AreHashedAsTheyAreSealed) {
   EXPECT_EQ(states.hash(), statesHash(std::vector{row(1, "b", 1), row(2, "a", 4)}));
 }
 
-TEST_F(QNSyncStatesTable, OfOneUUIDTheLaterCounts) {
-  write({row(1, "a", 1), row(1, "a", 2), row(2, "b", 3)});
+TEST_F(QNSyncStatesTable, OfItemsAreFoundByUUID) {
+  write({row(1, "a", 1), row(1, std::nullopt, 2), row(1, "c", 3), row(2, "b", 4)});
 
-  const auto states = QNSyncStates::read(*database, kSource);
+  auto states = QNSyncStates::read(*database, kSource);
 
+  ASSERT_NE(states.itemState("c"), nullptr);
+  EXPECT_EQ(states.itemState("c")->localTimestamp, 3u);
   ASSERT_NE(states.itemState("a"), nullptr);
-  EXPECT_EQ(states.itemState("a")->localTimestamp, 2u);
+  EXPECT_EQ(states.itemState("a")->localTimestamp, 1u);
   EXPECT_EQ(states.itemState("b"), nullptr);
   EXPECT_EQ(states.itemState(""), nullptr);
 }
@@ -108,7 +110,7 @@ TEST_F(QNSyncStatesTable, StayWholeWhenTheyAreMoved) {
   write({row(1, "a uuid that is too long for the text object itself", 1)});
   auto states = QNSyncStates::read(*database, kSource);
 
-  const QNSyncStates moved = std::move(states);
+  QNSyncStates moved = std::move(states);
 
   ASSERT_NE(moved.itemState("a uuid that is too long for the text object itself"), nullptr);
   EXPECT_THAT(texts(moved), ElementsAre("1 a uuid that is too long for the text object itself 1"));
