@@ -76,6 +76,9 @@ void benchMemory(std::size_t count);
 void benchMerge(std::size_t count);
 /// A list of the list model: sorted into sections by title, and asked for items.
 void benchLists(std::size_t count);
+/// Searches of overviews that are open, and from the file; then of contents, from the file.
+void benchSearch(std::size_t count);
+void benchSearchContents(std::size_t count);
 void benchRows();
 void benchSections();
 void benchTemplates();

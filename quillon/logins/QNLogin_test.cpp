@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "quillon/fields/QNItemField.h"
+#include "quillon/items/internal/QNQuickAccessTesting.h"
 #include "quillon/logins/internal/QNTestRows.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/text/QNLocalization.h"
@@ -718,6 +719,39 @@ TEST_F(QNLoginTest, UsernameAndPasswordAreGivenAsFields) {
   EXPECT_EQ(loginWithDetails("{}")->itemFieldForUsername(), nullptr);
 }
 
+constexpr std::string_view kWithOneTimePassword =
+    R"({"fields":[{"name":"u","value":"ann","designation":"username"},)"
+    R"({"name":"p","value":"pw","type":"P","designation":"password"}],)"
+    R"("sections":[{"fields":[{"k":"string","n":"s","v":"x"},)"
+    R"({"k":"concealed","n":"TOTP_1","v":"otpauth://a"}]}]})";
+
+TEST_F(QNLoginTest, OffersUsernamePasswordAndOneTimePasswordToQuickAccess) {
+  const auto login = loginWithDetails(kWithOneTimePassword);
+
+  const auto offered = login->quickAccessFields();
+
+  EXPECT_THAT(shown(offered), testing::ElementsAre("username 2", "password 1", "TOTP 3"));
+  EXPECT_TRUE(offered[0].field()->isValueEqualTo("ann"));
+  EXPECT_TRUE(offered[1].field()->isValueEqualTo("pw"));
+  EXPECT_EQ(offered[2].field(), login->firstTOTPField());
+}
+
+TEST_F(QNLoginTest, OffersQuickAccessWhatItHas) {
+  EXPECT_THAT(shown(loginWithDetails("{}")->quickAccessFields()), testing::IsEmpty());
+  EXPECT_THAT(shown(loginWithFields(R"([{"value":"","designation":"username"},)"
+                                    R"({"value":"pw","designation":"password"}])")
+                        ->quickAccessFields()),
+              testing::ElementsAre("password 1"));
+}
+
+TEST_F(QNLoginTest, OffersItsPasswordToThoseWhoMayRevealIt) {
+  const auto login = loginWithDetails(kWithOneTimePassword);
+
+  login->setProfile(vaultWithoutRevealing());
+
+  EXPECT_THAT(shown(login->quickAccessFields()), testing::ElementsAre("username 2", "TOTP 3"));
+}
+
 TEST_F(QNLoginTest, SectionsReadAsFormFieldsByTitle) {
   const Json sections = Json(*mr_valueFromJSONDataWithError(bytesOf(
       R"([{"fields":[{"k":"string","n":"1","t":"a","v":"x"},{"k":"concealed","n":"2","t":"b",)"
@@ -729,6 +763,45 @@ TEST_F(QNLoginTest, SectionsReadAsFormFieldsByTitle) {
                 QNLogin::fieldSectionsAsLoginFields(QNItem::fieldSectionsFromJSON(&sections))),
             R"({"a":{"value":"u","type":"P","name":"a"},"b":{"value":"y","type":"P","name":"b"},)"
             R"("":{"value":"07/2024","type":"T","name":""}})");
+}
+
+std::vector<std::string> revealed(const std::vector<QNSecret>& secrets) {
+  std::vector<std::string> texts;
+  for (const QNSecret& secret : secrets) texts.emplace_back(secret.reveal());
+  return texts;
+}
+
+TEST_F(QNLoginTest, ASearchGetsEntriesOfTheFormFirst) {
+  const auto login = loginWithDetails(
+      R"({"fields":[{"name":"user","value":"ann","designation":"username"},)"
+      R"({"name":"word","value":"horse","designation":"password"},)"
+      R"({"name":"pin","value":"77","type":"P"}],"notesPlain":"note",)"
+      R"("sections":[{"name":"s","fields":[{"k":"concealed","n":"c","t":"code","v":"99"}]}]})");
+  login->setTitle("T");
+
+  EXPECT_THAT(revealed(login->allValuesForSearch()),
+              testing::ElementsAre("ann", "horse", "77", "T", "note", "99"));
+  EXPECT_THAT(revealed(login->allPasswordsForSearch()),
+              testing::ElementsAre("horse", "77", "horse", "99"));
+  EXPECT_THAT(login->allFieldTitlesForSearch(),
+              testing::ElementsAre("user", "word", "pin", "code"));
+}
+
+TEST_F(QNLoginTest, ASearchOfContentsLooksIntoTheForm) {
+  const auto login = loginWithFields(R"([{"name":"pin","value":"Grün"}])");
+
+  EXPECT_TRUE(login->contentsMatchesLowercaseString("grun"));
+  EXPECT_TRUE(login->contentsMatchesLowercaseString("pin"));
+  EXPECT_FALSE(login->overviewMatchesLowercaseString("grun"));
+}
+
+TEST_F(QNLoginTest, ASearchOfAnEmptyFormGetsWhatAnyItemHas) {
+  const auto login = loginWithFields("[]");
+  login->setTitle("T");
+
+  EXPECT_THAT(revealed(login->allValuesForSearch()), testing::ElementsAre("T"));
+  EXPECT_TRUE(login->allPasswordsForSearch().empty());
+  EXPECT_TRUE(login->allFieldTitlesForSearch().empty());
 }
 
 }  // namespace
