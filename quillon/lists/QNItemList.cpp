@@ -29,9 +29,12 @@ std::shared_ptr<QNItemListSection> emptySection(std::string_view name) {
 class Grouping final {
  public:
   void add(std::string name, std::shared_ptr<QNItem> item) {
-    const auto found = _groupByName.try_emplace(std::move(name), _groups.size());
-    if (found.second) _groups.push_back({&found.first->first, {}});
-    _groups[found.first->second].items.push_back(std::move(item));
+    if (_groups.empty() || *_groups[_last].name != name) {
+      const auto found = _groupByName.try_emplace(std::move(name), _groups.size());
+      if (found.second) _groups.push_back({&found.first->first, {}});
+      _last = found.first->second;
+    }
+    _groups[_last].items.push_back(std::move(item));
   }
   QNItemList::Sections sections() && {
     QNItemList::Sections sections;
@@ -48,6 +51,7 @@ class Grouping final {
   };
   std::unordered_map<std::string, std::size_t> _groupByName;
   std::vector<Group> _groups;
+  std::size_t _last = 0;  // whose items come in a row, as a rule
 };
 
 }  // namespace
