@@ -74,6 +74,9 @@ void benchImport(std::size_t count);
 void benchMemory(std::size_t count);
 /// Two stores that differ in one item of a hundred.
 void benchMerge(std::size_t count);
+/// Searches of overviews that are open, and from the file; then of contents, from the file.
+void benchSearch(std::size_t count);
+void benchSearchContents(std::size_t count);
 void benchRows();
 void benchSections();
 void benchTemplates();

@@ -1,4 +1,5 @@
 #include <cstring>
+#include <mutex>
 
 #include "quillon/items/internal/QNItemSearchTexts.h"
 #include "quillon/logins/QNItemURL.h"
@@ -20,6 +21,18 @@ std::uint32_t sizeOf(std::string_view text) noexcept {
 }
 
 }  // namespace
+
+// Searches that take no monitor, and what was dropped while there was one.
+struct QNItem::SearchTexts::Readings {
+  std::atomic<std::size_t> count{0};
+  std::mutex mutex;
+  std::vector<SearchTexts*> dropped;
+};
+
+QNItem::SearchTexts::Readings& QNItem::SearchTexts::readings() {
+  static Readings all;
+  return all;
+}
 
 // A blank, or the beginning, stands between title and rest: folding them apart is folding them
 // together.
@@ -43,11 +56,35 @@ QNItem::SearchTexts* QNItem::SearchTexts::make(std::string_view lowercaseTitle,
   return made;
 }
 
+// Whoever counts from now on finds the item's next block: this one was taken out before.
 void QNItem::SearchTexts::release(SearchTexts* texts) noexcept {
   if (texts == nullptr) return;
+  if (readings().count == 0) return free(texts);
+  const std::lock_guard lock(readings().mutex);
+  readings().dropped.push_back(texts);
+}
+
+void QNItem::SearchTexts::free(SearchTexts* texts) noexcept {
   const std::size_t size = texts->blockSize();
   texts->~SearchTexts();
   Block().deallocate(reinterpret_cast<char*>(texts), size);
+}
+
+QNItem::SearchTexts::Reading::Reading() noexcept {
+  ++readings().count;
+}
+
+QNItem::SearchTexts::Reading::~Reading() {
+  if (--readings().count != 0) return;
+  const std::lock_guard lock(readings().mutex);
+  if (readings().count != 0) return;  // one that began since may read what was dropped since
+  for (SearchTexts* const texts : readings().dropped) free(texts);
+  readings().dropped.clear();
+}
+
+const QNItem::SearchTexts* QNItem::SearchTexts::Reading::textsOf(
+    const QNItem& item) const noexcept {
+  return item._search.load();
 }
 
 std::size_t QNItem::SearchTexts::blockSize() const noexcept {
@@ -79,15 +116,14 @@ QNItem::SearchTexts& QNItem::searchTexts() {
   SearchTexts* const kept = _search.load(std::memory_order_relaxed);
   if (kept != nullptr && kept->holdsTitle) return *kept;
   const std::string lowercase = lowercaseIdentifier(title());
-  SearchTexts& made = keepSearchTexts(SearchTexts::make(lowercase, std::nullopt));
-  made.holdsTitle = overviewIsParsed();
-  return made;
+  SearchTexts* const made = SearchTexts::make(lowercase, std::nullopt);
+  made->holdsTitle = overviewIsParsed();
+  return keepSearchTexts(made);
 }
 
 QNItem::SearchTexts& QNItem::searchTextsWithOverview(bool withBlanksOfEmptyParts) {
   SearchTexts& texts = searchTexts();
   if (texts.holdsOverview) return texts;
-  const bool holdsTitle = texts.holdsTitle;
   const std::string_view title = texts.lowercaseTitle();
   const std::string host = QNItemURL::extractSearchStringFromURLString(URLString().value_or(""));
   QNSecret rest;
@@ -95,14 +131,15 @@ QNItem::SearchTexts& QNItem::searchTextsWithOverview(bool withBlanksOfEmptyParts
   rest.append(host);
   if (withBlanksOfEmptyParts || !host.empty()) rest.append(" ");
   rest.append(lowercaseIdentifier(additionalInformation().value_or("")));
-  SearchTexts& made = keepSearchTexts(SearchTexts::make(title, rest.reveal()));
-  made.holdsTitle = holdsTitle;
-  made.holdsOverview = overviewIsParsed();
-  return made;
+  SearchTexts* const made = SearchTexts::make(title, rest.reveal());  // into a block that is wiped
+  made->holdsTitle = texts.holdsTitle;
+  made->holdsOverview = overviewIsParsed();
+  return keepSearchTexts(made);
 }
 
 QNItem::SearchTexts& QNItem::keepSearchTexts(SearchTexts* texts) {
-  SearchTexts* const former = _search.exchange(texts, std::memory_order_relaxed);
+  texts->uuidSize = _uuid == nullptr ? 0 : sizeOf(*_uuid);
+  SearchTexts* const former = _search.exchange(texts);
   if (former != nullptr && former->holdsTitle) texts->words = std::move(former->words);
   SearchTexts::release(former);
   return *texts;
@@ -110,7 +147,7 @@ QNItem::SearchTexts& QNItem::keepSearchTexts(SearchTexts* texts) {
 
 void QNItem::dropSearchTexts() {
   const std::lock_guard lock(monitor());
-  SearchTexts::release(_search.exchange(nullptr, std::memory_order_relaxed));
+  SearchTexts::release(_search.exchange(nullptr));
 }
 
 // The title stays, and so do its words.

@@ -3,8 +3,10 @@
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/items/QNPredicateCache.h"
 #include "quillon/items/internal/QNMergeTesting.h"
+#include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/internal/QNMemoryWatch.h"
 #include "quillon/platform/text/QNCharacterSet.h"
+#include "quillon/platform/text/QNText.h"
 
 namespace quillon {
 namespace {
@@ -359,6 +361,38 @@ TEST(QNItemSearch, OfManyItemsFindsWhatEachWouldSay) {
   EXPECT_EQ(QNItem::itemsMatchingLowercaseStrings(items, {}, QNSearchLevel::title).size(), 100u);
   EXPECT_THAT(QNItem::itemsMatchingLowercaseStrings(items, {"fifth"}, QNSearchLevel::overview),
               IsEmpty());
+}
+
+TEST(QNItemSearch, OfManyItemsFindsOneByItsUuidAsItIsNow) {
+  const std::vector<std::shared_ptr<QNItem>> items = {itemTitled("a"), itemTitled("b")};
+  const auto found = [&items](const std::string& string) {
+    return QNItem::itemsMatchingLowercaseStrings(items, {string}, QNSearchLevel::overview);
+  };
+  const std::string former = lowercaseIdentifier(*items[1]->uuid());
+  EXPECT_THAT(found(former), ElementsAre(items[1]));
+  EXPECT_THAT(found(former), ElementsAre(items[1]));
+
+  items[1]->setUuid(sharedString("NEW-UUID"));
+
+  EXPECT_THAT(found("new-uuid"), ElementsAre(items[1]));
+  EXPECT_THAT(found("ew-uuid"), IsEmpty());
+  EXPECT_THAT(found(former), IsEmpty());
+}
+
+TEST(QNItemSearch, OfManyItemsFindsWhatHasChangedSince) {
+  const std::vector<std::shared_ptr<QNItem>> items = {itemTitled("a"), itemTitled("b")};
+  const auto found = [&items](const std::string& string, QNSearchLevel level) {
+    return QNItem::itemsMatchingLowercaseStrings(items, {string}, level);
+  };
+  EXPECT_THAT(found("b", QNSearchLevel::title), ElementsAre(items[1]));
+  EXPECT_THAT(found("b", QNSearchLevel::overview), ElementsAre(items[1]));
+
+  items[0]->setTitle("bank");
+  items[1]->setAdditionalInformation("ann");
+
+  EXPECT_THAT(found("b", QNSearchLevel::title), ElementsAre(items[0], items[1]));
+  EXPECT_THAT(found("ann", QNSearchLevel::overview), ElementsAre(items[1]));
+  EXPECT_THAT(found("ann", QNSearchLevel::title), IsEmpty());
 }
 
 // What is looked at

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "quillon/items/internal/QNItemSearchTexts.h"
 #include "quillon/items/internal/QNItemState.h"
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/platform/data/MRData.h"
@@ -85,6 +86,8 @@ void QNItem::setUuid(QNSharedString uuid) {
   _uuid = std::move(uuid);
   const std::lock_guard lock(monitor());
   if (_open != nullptr) _open->cachedItemSpecifier.reset();
+  SearchTexts* const texts = _search.load(std::memory_order_relaxed);
+  if (texts != nullptr) texts->uuidSize = _uuid == nullptr ? 0 : std::uint32_t(_uuid->size());
 }
 
 void QNItem::updateUuid(QNSharedString uuid, std::uint64_t ifProfileTypeMatches) {

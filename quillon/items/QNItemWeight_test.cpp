@@ -68,6 +68,29 @@ TEST(QNItemWeight, AListedItemWithItsParsedOverviewStaysBelowTheLimit) {
   EXPECT_LE(weight, kListedItemLimit);
 }
 
+// The block of a search: a header, and the overview once where folding changes nothing.
+TEST(QNItemWeight, ASearchedItemGrowsByItsOverviewAndLittleMore) {
+  constexpr std::size_t kItems = 1000;
+  constexpr std::size_t kHeaderLimit = 64;
+  const auto vault = localVault();
+  const Bytes sealed = *vault->encryptOverview(bytesOf(kTypicalOverview));
+  std::vector<std::shared_ptr<QNLogin>> items(kItems);
+  for (auto& item : items) {
+    item = std::make_shared<QNLogin>(QNExisting{1});
+    item->setProfile(vault);
+    item->setOverviewData(sealed);
+    item->mutableOverview();
+  }
+  const std::string overview = items[0]->lowercaseOverviewStringForSearch();
+  const std::size_t before = mallinfo2().uordblks;
+
+  for (const auto& item : items) EXPECT_FALSE(item->overviewMatchesLowercaseString("no such"));
+
+  const std::size_t grown = (mallinfo2().uordblks - before) / (kItems - 1);
+  std::printf("a searched item: %zu bytes more, for an overview of %zu\n", grown, overview.size());
+  EXPECT_LE(grown, overview.size() + kHeaderLimit);
+}
+
 #endif
 
 }  // namespace

@@ -765,5 +765,44 @@ TEST_F(QNLoginTest, SectionsReadAsFormFieldsByTitle) {
             R"("":{"value":"07/2024","type":"T","name":""}})");
 }
 
+std::vector<std::string> revealed(const std::vector<QNSecret>& secrets) {
+  std::vector<std::string> texts;
+  for (const QNSecret& secret : secrets) texts.emplace_back(secret.reveal());
+  return texts;
+}
+
+TEST_F(QNLoginTest, ASearchGetsEntriesOfTheFormFirst) {
+  const auto login = loginWithDetails(
+      R"({"fields":[{"name":"user","value":"ann","designation":"username"},)"
+      R"({"name":"word","value":"horse","designation":"password"},)"
+      R"({"name":"pin","value":"77","type":"P"}],"notesPlain":"note",)"
+      R"("sections":[{"name":"s","fields":[{"k":"concealed","n":"c","t":"code","v":"99"}]}]})");
+  login->setTitle("T");
+
+  EXPECT_THAT(revealed(login->allValuesForSearch()),
+              testing::ElementsAre("ann", "horse", "77", "T", "note", "99"));
+  EXPECT_THAT(revealed(login->allPasswordsForSearch()),
+              testing::ElementsAre("horse", "77", "horse", "99"));
+  EXPECT_THAT(login->allFieldTitlesForSearch(),
+              testing::ElementsAre("user", "word", "pin", "code"));
+}
+
+TEST_F(QNLoginTest, ASearchOfContentsLooksIntoTheForm) {
+  const auto login = loginWithFields(R"([{"name":"pin","value":"Grün"}])");
+
+  EXPECT_TRUE(login->contentsMatchesLowercaseString("grun"));
+  EXPECT_TRUE(login->contentsMatchesLowercaseString("pin"));
+  EXPECT_FALSE(login->overviewMatchesLowercaseString("grun"));
+}
+
+TEST_F(QNLoginTest, ASearchOfAnEmptyFormGetsWhatAnyItemHas) {
+  const auto login = loginWithFields("[]");
+  login->setTitle("T");
+
+  EXPECT_THAT(revealed(login->allValuesForSearch()), testing::ElementsAre("T"));
+  EXPECT_TRUE(login->allPasswordsForSearch().empty());
+  EXPECT_TRUE(login->allFieldTitlesForSearch().empty());
+}
+
 }  // namespace
 }  // namespace quillon

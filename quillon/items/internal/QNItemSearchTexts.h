@@ -20,11 +20,26 @@ struct QNSearchWords {
 /// many items waits for memory, and so it waits once an item.
 ///
 ///   [this object] [folded] [in small letters, unless that is the same]
+///
+/// Under the item's monitor, but for what a Reading lets be read without it.
 class QNItem::SearchTexts final {
  public:
   /// `rest` is what follows the title in the overview; without it the title is all there is.
   static SearchTexts* make(std::string_view lowercaseTitle, std::optional<std::string_view> rest);
+  /// When nobody reads without the monitor any more.
   static void release(SearchTexts* texts) noexcept;
+
+  /// Lives as long as a search that takes no monitors: to take one writes to each item's memory.
+  /// A block that is dropped meanwhile, as by a save on another thread, stays until its end.
+  class Reading final {
+   public:
+    Reading() noexcept;
+    ~Reading();
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+    /// What the item has; perhaps null.
+    [[nodiscard]] const SearchTexts* textsOf(const QNItem& item) const noexcept;
+  };
 
   [[nodiscard]] std::string_view lowercase() const noexcept;
   [[nodiscard]] std::string_view folded() const noexcept { return {behind(), _foldedSize}; }
@@ -38,6 +53,7 @@ class QNItem::SearchTexts final {
   // Is it what the next search takes too?
   bool holdsTitle = true;
   bool holdsOverview = false;
+  std::uint32_t uuidSize = 0;  // so that a search seldom looks at the uuid, which lies elsewhere
   std::unique_ptr<QNSearchWords> words;  // made at the first search for words
 
  private:
@@ -51,6 +67,9 @@ class QNItem::SearchTexts final {
   }
   [[nodiscard]] bool foldingChangesNothing() const noexcept { return _lowercaseSize == kSame; }
   [[nodiscard]] std::size_t blockSize() const noexcept;
+  static void free(SearchTexts* texts) noexcept;
+  struct Readings;
+  static Readings& readings();
 
   static constexpr std::uint32_t kSame = std::numeric_limits<std::uint32_t>::max();
   std::uint32_t _titleSize = 0;
