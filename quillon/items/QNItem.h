@@ -211,7 +211,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
 
   // Quick access: QNItem+QuickAccess.cpp. What a user reaches for often, each with the key that
   // copies it. Fields without a value are left out, concealed ones also without the right to
-  // reveal.
+  // reveal; a one-time password is offered in any case.
   [[nodiscard]] virtual std::vector<QNQuickAccessShortcut> quickAccessFields();
   [[nodiscard]] std::vector<QNQuickAccessShortcut> createQuickAccessFields();
   [[nodiscard]] std::vector<QNQuickAccessShortcut> createQuickAccessFieldsFromFirstSection();
@@ -221,8 +221,11 @@ class QNItem : public QNDatabaseObjectWithOverview,
       std::uint64_t copyKey, std::vector<QNQuickAccessShortcut>& ifPossibleToArray);
 
   // For others: QNItem+Metadata.cpp
-  /// In clear, for an index of the system. The keys and their order: QNMetadataConstants.h.
+  /// In clear, for an index of the system. The keys and their order: QNMetadataConstants.h. Without
+  /// loaded details there is an assertion log, and no address.
   [[nodiscard]] JsonObject spotlightMetadata();
+  /// Of cards, passports, licenses of two kinds and memberships; a card's is the last day of its
+  /// month, at its first moment in the user's time zone.
   [[nodiscard]] std::optional<std::chrono::sys_seconds> expirationDate();
   [[nodiscard]] std::optional<std::string> fillableUsername();
 
