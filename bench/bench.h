@@ -83,6 +83,8 @@ void benchSearch(std::size_t count);
 void benchSearchContents(std::size_t count);
 /// A smart folder's question, asked of every item.
 void benchSmart(std::size_t count);
+/// A keystroke in `quillon pick`: the list narrowed and the screen drawn.
+void benchPick(std::size_t count);
 void benchRows();
 void benchSections();
 void benchTemplates();

@@ -1,6 +1,6 @@
 // quillon_bench
-//   [folders|list|lists|save|import|memory|merge|search|search_contents|otp|rows|sections|
-//   smart|templates|unlock|all] [ITEMS...]
+//   [folders|list|lists|save|import|memory|merge|search|search_contents|otp|pick|rows|
+//   sections|smart|templates|unlock|all] [ITEMS...]
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -29,6 +29,7 @@ bool runNamed(std::string_view name, std::size_t count) {
   run("search", benchSearch);
   run("search_contents", benchSearchContents);
   run("smart", benchSmart);
+  run("pick", benchPick);
   const auto runOnce = [&](std::string_view one, void (*bench)()) {
     if (!all && name != one) return;
     known = true;
@@ -53,7 +54,7 @@ int main(int argc, char** argv) {
     if (count == 0 || !runNamed(name, count)) {
       std::fprintf(stderr,
                    "usage: quillon_bench "
-                   "[folders|list|lists|save|import|memory|merge|search|search_contents|otp|rows|"
+                   "[folders|list|lists|save|import|memory|merge|search|search_contents|otp|pick|rows|"
                    "sections|smart|templates|unlock|all] [ITEMS...]\n");
       return 2;
     }

@@ -25,7 +25,7 @@ OWN_SCREEN, FORMER_SCREEN = "\x1b[?1049h", "\x1b[?1049l"
 class Screen:
     """What a terminal makes of the bytes that it gets: places, clearing, colours, wide letters."""
 
-    SEQUENCE = re.compile(r"\x1b\[([?0-9;]*)([A-Za-z])|\x1b\](.*?)\x07", re.DOTALL)
+    SEQUENCE = re.compile(r"\x1b\[([?0-9;]*)([A-Za-z])")
 
     def __init__(self, rows, columns):
         self.rows, self.columns = rows, columns
@@ -33,7 +33,6 @@ class Screen:
         self.inverse = set()
         self.row = self.column = 0
         self.is_inverse = False
-        self.clipboard = []
         self.rest = ""
 
     def feed(self, text):
@@ -52,11 +51,8 @@ class Screen:
                 text = text[1:]
 
     def obey(self, match):
-        numbers, command, system = match.groups()
-        if system is not None:
-            assert system.startswith("52;c;"), f"not for a clipboard: {system!r}"
-            self.clipboard.append(base64.b64decode(system[5:], validate=True).decode())
-        elif command == "H":
+        numbers, command = match.groups()
+        if command == "H":
             self.row, self.column = (int(number) - 1 for number in (numbers + ";1").split(";")[:2])
         elif command == "K":
             self.lines[self.row][self.column:] = [" "] * (self.columns - self.column)
@@ -128,18 +124,15 @@ class Picker(Terminal):
             if sees(self.screen):
                 return self.screen
 
-    def shows(self, *lines):
-        """Waits for these lines of matches, and no more."""
-        count = self.screen.rows - 2
-
+    def starts_with(self, *titles, now=False):
+        """Waits for these matches on top, or finds them there already."""
         def sees(screen):
-            shown = [screen.line(row + 1) for row in range(count)]
-            return shown == list(lines) + [""] * (count - len(lines))
+            return [screen.line(row + 1).split("  ")[0]
+                    for row in range(len(titles))] == list(titles)
+        if now:
+            self.test.assertTrue(sees(self.screen))
+            return self.screen
         return self.wait(sees)
-
-    def starts_with(self, *titles):
-        return self.wait(lambda screen: [screen.line(row + 1).split("  ")[0]
-                                         for row in range(len(titles))] == list(titles))
 
     def selects(self, title):
         return self.wait(lambda screen: [line.split("  ")[0] for line in screen.selected] == [title])
@@ -173,8 +166,8 @@ class Finding(PickTest):
         picker = Picker(self)
         picker.starts_with("Bank", "Café", "My bank of old", "Shop")
         picker.press("ban")
-        screen = picker.starts_with("Bank", "My bank of old", "Café")
-        self.assertEqual(screen.line(0), "> ban")
+        screen = picker.wait(lambda screen: screen.line(0) == "> ban")
+        picker.starts_with("Bank", "My bank of old", "Café", now=True)
         self.assertEqual(screen.line(ROWS - 1), "3 of 4")
         picker.press("k of")
         picker.starts_with("My bank of old", "")
@@ -404,11 +397,9 @@ class Copying(PickTest):
         self.add_bank()
 
     def clipboard_of(self, picker):
-        screen = Screen(ROWS, 200)
-        screen.feed(re.sub(r"[^\x1b\x07]*?(\x1b\]52.*?\x07)", r"\1",
-                           picker.output.decode()[picker.output.decode().rindex(FORMER_SCREEN):],
-                           flags=re.DOTALL))
-        return screen.clipboard
+        """What the terminal was given for its clipboard, one after the other."""
+        return [base64.b64decode(text, validate=True).decode()
+                for text in re.findall(rb"\x1b\]52;c;([^\x07]*)\x07", picker.output)]
 
     def program(self, name):
         """A program for the clipboard that writes down what it gets and with which options."""

@@ -16,7 +16,7 @@
 #include "cli/QNToolError.h"
 #include "cli/output/QNShownText.h"
 #include "quillon/platform/data/MRData.h"
-#include "quillon/platform/memory/QNBytes.h"
+#include "quillon/platform/memory/QNSecret.h"
 
 namespace quillon {
 namespace {

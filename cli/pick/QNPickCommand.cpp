@@ -38,7 +38,7 @@ QNResult<Picked> pickField(QNRawTerminal& terminal, QNItem& item, const QNPickAr
   Picked picked{*item.uuid(), item.title(), arguments.field.value_or(""), {}};
   QNPickFields fields(item);
   if (!arguments.field) {
-    QNFinder finder(terminal, fields.list(), fmt::format("{}> ", shownText(picked.title)));
+    QNFinder finder(terminal, fields.list(), picked.title + "> ");
     const auto chosen = finder.choose();
     if (!chosen) return left();
     picked.field = fields.nameOf(*chosen);

@@ -58,7 +58,9 @@ std::size_t rowsForMatches(const QNRawTerminal::Size& size) {
 
 std::string drawn(const QNPickView& view, const QNRawTerminal::Size& size) {
   const std::size_t rows = rowsForMatches(size);
-  const std::string_view prompt = cutToWidth(view.prompt, size.columns);
+  const std::string shownPrompt = shownStart(view.prompt);
+  // Of a narrow terminal what is typed gets half.
+  const std::string_view prompt = cutToWidth(shownPrompt, size.columns / 2);
   const std::size_t promptWidth = shownWidth(prompt);
   const std::string typed = shownStart(view.typed);
   // A column is for the cursor.

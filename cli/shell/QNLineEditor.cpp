@@ -15,6 +15,7 @@
 #include "cli/output/QNShownText.h"
 #include "cli/shell/QNWideText.h"
 #include "cli/terminal/QNHeldSignals.h"
+#include "quillon/platform/memory/QNBytes.h"
 
 namespace quillon {
 namespace {
@@ -95,7 +96,8 @@ struct QNLineEditor::Editor {
   }
   static unsigned char suspend(EditLine* edit, int) {
     of(edit).leaveFor(SIGTSTP);
-    return CC_REFRESH;
+    of(edit).redraw();
+    return CC_NORM;
   }
 
   // 1 with a character, 0 at the end, -1 for an error, as libedit wants it.
@@ -203,10 +205,16 @@ QNLineEditor::Read QNLineEditor::read() {
   Editor& editor = *_editor;
   editor.isGivenUp = false;
   editor.signals.emplace(QNHeldSignals::Sizes::noted);
+  // Before the prompt: a key that is pressed as soon as it shows is one of the line.
+  el_wset(editor.edit, EL_PREP_TERM, 1);
   int count = 0;
   const wchar_t* const typed = el_wgets(editor.edit, &count);
   editor.signals.reset();
-  if (editor.isGivenUp) return {End::givenUp, ""};
+  if (editor.isGivenUp) {
+    std::fputs("\n", editor.terminal);
+    std::fflush(editor.terminal);
+    return {End::givenUp, ""};
+  }
   if (typed == nullptr || count <= 0) return {End::endOfInput, ""};
   std::string line = textOfWide({typed, static_cast<std::size_t>(count)});
   if (line.ends_with('\n')) line.pop_back();

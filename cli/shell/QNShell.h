@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include "cli/QNToolError.h"
 #include "cli/arguments/QNArguments.h"
 #include "cli/arguments/QNCommandOutline.h"
 #include "cli/commands/QNKeptVaults.h"
