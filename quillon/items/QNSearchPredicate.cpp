@@ -1,10 +1,12 @@
 #include "quillon/items/QNSearchPredicate.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "quillon/items/QNItem.h"
 #include "quillon/platform/json/QNJsonReading.h"
+#include "quillon/platform/text/QNASCII.h"
 #include "quillon/platform/text/QNText.h"
 
 namespace quillon {
@@ -52,8 +54,16 @@ bool contains(std::string_view text, std::string_view part) noexcept {
 QNSearchPredicate::QNSearchPredicate(std::string_view searched, Place place)
     : _searched(searched), _folded(secretFoldedForSearch(searched)), _place(place) {}
 
+// Nearly every value is short and ASCII: it is folded without asking for memory.
 bool QNSearchPredicate::matches(std::string_view text) const {
-  return matchesFolded(secretFoldedForSearch(text).reveal());  // compared, and wiped
+  std::array<char, 256> place;
+  if (text.size() > place.size() || !isASCII(text)) {
+    return matchesFolded(secretFoldedForSearch(text).reveal());  // compared, and wiped
+  }
+  std::transform(text.begin(), text.end(), place.begin(), lowercaseASCII);
+  const bool found = matchesFolded({place.data(), text.size()});
+  wipe(place.data(), text.size());
+  return found;
 }
 
 bool QNSearchPredicate::matchesFolded(std::string_view folded) const noexcept {

@@ -89,6 +89,25 @@ TEST(QNSearchPredicate, OfNothingIsFalse) {
   EXPECT_FALSE(objectMatchesLowercaseString(&null, ""));
 }
 
+TEST(QNSearchPredicate, FindsTheSameInShortTextsAndLongOnes) {
+  for (const std::size_t size : {0u, 1u, 250u, 251u, 252u, 256u, 257u, 5000u}) {
+    const std::string before(size, 'X');
+
+    EXPECT_TRUE(holds(before + "BANK", "xbank") || size == 0) << size;
+    EXPECT_TRUE(holds("BANK" + before, "bank")) << size;
+    EXPECT_FALSE(holds(before + "BAN", "bank")) << size;
+  }
+}
+
+TEST(QNSearchPredicate, LeavesNothingOfAShortTextOnTheStack) {
+  const std::string secret = "a short secret, in capitals: QZXJ";
+  const QNSearchPredicate test("no such");
+
+  EXPECT_EQ(remainsOnStack("a short secret, in capitals: qzxj",
+                           [&] { EXPECT_FALSE(test.matches(secret)); }),
+            0u);
+}
+
 TEST(QNSearchPredicate, LeavesNoCopyOfWhatIsSearchedOrLookedAt) {
   const std::string secret = "ein geheimer Satz über Öl und Äpfel, länger als jeder Wert";
   const std::string folded = "ein geheimer satz uber ol und apfel";
