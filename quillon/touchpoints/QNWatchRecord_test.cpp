@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "quillon/fields/QNItemField.h"
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/kinds/QNCreditCard.h"
 #include "quillon/kinds/QNSecureNote.h"
