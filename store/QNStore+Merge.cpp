@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <set>
@@ -11,10 +10,10 @@
 #include "quillon/platform/data/MRData.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/json/QNJsonEquality.h"
-#include "quillon/sync/QNSyncState.h"
 #include "store/QNStore.h"
 #include "store/internal/QNItemParts.h"
 #include "store/internal/QNStoreState.h"
+#include "store/internal/QNUUIDTable.h"
 
 // What becomes of a uuid. "Changed" is a row whose tx_timestamp isn't the one of the last pair that
 // both sides had reached; without such a pair both have changed.
@@ -33,7 +32,12 @@
 //   deleted    deleted    the later time for both
 //
 // Theirs is committed first, and both remember the pair of times that was reached. If mine then
-// fails, theirs remembers a pair that mine never had: the older one of two that differ counts.
+// fails, theirs remembers a pair that mine never had: the older one of two that differ counts. Of
+// an item that a deletion removes, the deleting side remembers the version that it removed. So if
+// the removal is lost, the side has met what is there.
+//
+// Every row's seal and both ledgers are checked; what both sides remember as it is costs no more
+// than that.
 
 namespace quillon {
 
@@ -43,6 +47,8 @@ using Kind = QNMergedItem::Kind;
 
 constexpr std::string_view kStoreKeychainType = "store";
 
+using ContentHash = std::array<std::uint8_t, 32>;
+
 /// What is known of a row without opening it.
 struct Head {
   std::uint64_t oid = 0;
@@ -50,18 +56,27 @@ struct Head {
   std::uint64_t createdAt = 0;
   std::uint64_t updatedAt = 0;
   bool isTombstone = false;
-  std::array<std::uint8_t, 32> sealedContent{};  // equal in a copied file only
+  std::uint64_t removedTx = 0;                    // of the item that this merge has deleted
+  std::optional<ContentHash> sealedContent = {};  // of a row that its side doesn't remember so
 };
 
-Head headOf(const QNItemRow& row) {
+/// Equal in a copied file only.
+ContentHash sealedContentOf(const QNItemRow& row) {
   Bytes content = toBytes(row.bodyHash);
   content.insert(content.end(), row.overview.begin(), row.overview.end());
   const std::string columns =
       fmt::format("{} {} {} {} {}", row.status, row.faveIndex, row.categoryUUID,
                   row.scope.value_or(""), row.folderUUID.value_or(""));
   content.insert(content.end(), columns.begin(), columns.end());
-  return {row.oid,       row.txTimestamp,  row.createdAt,
-          row.updatedAt, isTombstone(row), sha256(content)};
+  return sha256(content);
+}
+
+Head headOf(const QNItemRow& row) {
+  return {row.oid, row.txTimestamp, row.createdAt, row.updatedAt, isTombstone(row)};
+}
+
+bool areCopies(const Head& a, const Head& b) {
+  return a.sealedContent && a.sealedContent == b.sealedContent;
 }
 
 QNError vaultDamaged(std::string_view what) {
@@ -90,20 +105,22 @@ class QNStore::Merge final {
  private:
   struct Side {
     const QNMergeSide& given;
-    std::map<std::string, Head> heads = {};
-    std::shared_ptr<QNSyncSource> source = nullptr;
+    Database::Partner memory = {};  // of the other side
+    QNUUIDTable<Head> heads = {};
     [[nodiscard]] Database& database() const { return *given.store->_database; }
     [[nodiscard]] const std::shared_ptr<QNProfile>& vault() const { return given.vault; }
-    [[nodiscard]] Head* head(const std::string& uuid) {
-      const auto found = heads.find(uuid);
-      return found == heads.end() ? nullptr : &found->second;
+    /// How far the row was here, `localTimestamp`, and there, `sourceTimestamp`. Null if this side
+    /// remembers nothing of it.
+    [[nodiscard]] const QNSyncStateRow* remembered(std::string_view uuid) {
+      return memory.states.itemState(uuid);
     }
   };
   using Loaded = QNResult<std::shared_ptr<QNItem>>;
 
-  QNResult<QNDone> readHeads(Side& side);
-  QNResult<QNDone> readSource(Side& side, const Side& partner);
-  [[nodiscard]] std::set<std::string> uuids() const;
+  static QNResult<QNDone> readMemory(Side& side, const Side& partner);
+  static QNResult<QNDone> readHeads(Side& side);
+  void findWhatIsOutOfStep();
+  [[nodiscard]] bool isInStep(const std::string& uuid, const Head& mine, const Head& theirs);
   QNResult<QNDone> mergeOne(const std::string& uuid);
   QNResult<QNDone> mergeDeletion(const std::string& uuid, Side& deleted, Side& living);
   QNResult<QNDone> mergeTombstones(const std::string& uuid);
@@ -118,43 +135,60 @@ class QNStore::Merge final {
   QNResult<QNDone> copyTombstone(const std::string& uuid, Side& from, Side& to);
   QNResult<QNDone> remove(const std::string& uuid, Side& side, std::uint64_t deletedAt);
   QNResult<QNDone> bury(const std::string& uuid, Side& side, std::uint64_t deletedAt);
-  QNResult<QNDone> writeState(Side& side, Side& partner);
+  QNSyncStateRow stateOf(const std::string& uuid, Side& side, Side& partner) const;
+  std::map<std::uint64_t, std::string> outOfStepByRow(Side& side) const;
+  QNResult<QNDone> writeMemory(Side& side, Side& partner);
 
   Loaded load(const std::string& uuid, Side& side);
   QNResult<QNDone> saveIn(Side& side, const std::string& uuid, const std::shared_ptr<QNItem>& item,
                           Database::Times times);
   void noteWritten(Side& side, const std::string& uuid, std::uint64_t oid, const Head& content);
   std::optional<Reached> lastReached(const std::string& uuid);
-  static bool hasSeen(const Side& side, const std::string& uuid, const Head& other);
-  static bool hasMovedOn(const Side& side, const std::string& uuid, const Head& own);
+  static bool hasSeen(Side& side, const std::string& uuid, const Head& other);
+  static bool hasMovedOn(Side& side, const std::string& uuid, const Head& own);
   bool hasChanged(Side& side, const std::string& uuid);
   /// The last time that was given in that side's vault.
   static std::uint64_t lastTxOf(const Side& side);
   void note(const std::string& uuid, Kind kind, std::vector<QNMergedField> fields = {});
 
   Side _mine, _theirs;
-  std::set<std::string> _apart;  // uuids that couldn't be brought into step
+  std::set<std::string> _outOfStep;  // uuids that must be looked at, in the report's order
+  std::set<std::string> _apart;      // those that couldn't be brought into step
 };
 
 // The sides as they are
 
 QNResult<QNDone> QNStore::Merge::run() {
-  for (Side* side : {&_mine, &_theirs}) {
-    const auto read = readHeads(*side);
-    if (!read.ok()) return read.error();
-  }
-  auto known = readSource(_mine, _theirs);
-  if (known.ok()) known = readSource(_theirs, _mine);
-  if (!known.ok()) return known.error();
-  for (const std::string& uuid : uuids()) {
+  auto read = readMemory(_mine, _theirs);
+  if (read.ok()) read = readMemory(_theirs, _mine);
+  if (read.ok()) read = readHeads(_mine);
+  if (read.ok()) read = readHeads(_theirs);
+  if (!read.ok()) return read.error();
+  findWhatIsOutOfStep();
+  for (const std::string& uuid : _outOfStep) {
     const auto merged = mergeOne(uuid);
     if (!merged.ok()) return merged.error();
-    ++report.compared;
   }
-  auto written = writeState(_theirs, _mine);
-  if (written.ok()) written = writeState(_mine, _theirs);
+  auto written = writeMemory(_theirs, _mine);
+  if (written.ok()) written = writeMemory(_mine, _theirs);
   finished = written.ok();
   return written;
+}
+
+QNResult<QNDone> QNStore::Merge::readMemory(Side& side, const Side& partner) {
+  auto known =
+      side.database().partnerAt(partner.given.place, *partner.vault()->uuid(), side.vault());
+  if (!known.ok()) return known.error();
+  side.memory = std::move(known).value();
+  if (side.memory.source != nullptr) return QNDone{};
+  const auto source = std::make_shared<QNSyncSource>(initNew);
+  source->setProfile(side.vault());
+  source->restoreKeychainIdentifier(partner.given.place, false);
+  source->setKeychainType(std::string(kStoreKeychainType));
+  source->setRemoteProfileUUID(*partner.vault()->uuid());
+  source->setLocalProfileUUID(*side.vault()->uuid());
+  side.memory.source = source;
+  return QNDone{};
 }
 
 /// A row that isn't genuine would be carried over under a good seal: nothing is merged then.
@@ -167,46 +201,49 @@ QNResult<QNDone> QNStore::Merge::readHeads(Side& side) {
   while (query.next()) {
     const QNItemRow row = itemRow(query);
     if (!count.add(sealer.seal(row), row.seal)) return vaultDamaged("a row was altered");
-    side.heads.emplace(row.uuid, headOf(row));
+    Head& head = side.heads.add(row.uuid, headOf(row)).value;
+    const auto* const known = side.remembered(row.uuid);
+    if (known == nullptr || known->localTimestamp != row.txTimestamp) {
+      head.sealedContent = sealedContentOf(row);
+    }
   }
   if (!count.agreesWith(ledger.value())) return vaultDamaged("rows are missing or older");
   return QNDone{};
 }
 
-QNResult<QNDone> QNStore::Merge::readSource(Side& side, const Side& partner) {
-  auto sources = side.given.store->syncSources(side.vault());
-  if (!sources.ok()) return sources.error();
-  for (const auto& source : sources.value()) {
-    if (source->keychainIdentifier() == partner.given.place &&
-        source->remoteProfileUUID() == *partner.vault()->uuid()) {
-      side.source = source;
-      return QNDone{};
-    }
+void QNStore::Merge::findWhatIsOutOfStep() {
+  report.compared = _mine.heads.size();
+  for (const auto& [uuid, mine] : _mine.heads) {
+    const Head* const theirs = _theirs.heads.find(uuid);
+    if (theirs == nullptr || !isInStep(uuid, mine, *theirs)) _outOfStep.insert(uuid);
   }
-  side.source = std::make_shared<QNSyncSource>(initNew);
-  side.source->setProfile(side.vault());
-  side.source->restoreKeychainIdentifier(partner.given.place, false);
-  side.source->setKeychainType(std::string(kStoreKeychainType));
-  side.source->setRemoteProfileUUID(*partner.vault()->uuid());
-  side.source->setLocalProfileUUID(*side.vault()->uuid());
-  return QNDone{};
+  for (const auto& [uuid, theirs] : _theirs.heads) {
+    if (_mine.heads.find(uuid) != nullptr) continue;
+    ++report.compared;
+    _outOfStep.insert(uuid);
+  }
 }
 
-std::set<std::string> QNStore::Merge::uuids() const {
-  std::set<std::string> all;
-  for (const Side* side : {&_mine, &_theirs}) {
-    for (const auto& [uuid, head] : side->heads) all.insert(uuid);
+/// Do both sides remember these two, and nothing older? Of a deletion on both sides, one may
+/// remember what it has removed from the other.
+bool QNStore::Merge::isInStep(const std::string& uuid, const Head& mine, const Head& theirs) {
+  const auto* const own = _mine.remembered(uuid);
+  const auto* const other = _theirs.remembered(uuid);
+  if (own == nullptr || other == nullptr || own->localTimestamp != mine.txTimestamp ||
+      other->localTimestamp != theirs.txTimestamp) {
+    return false;
   }
-  return all;
+  if (mine.isTombstone && theirs.isTombstone) return mine.updatedAt == theirs.updatedAt;
+  return own->sourceTimestamp == theirs.txTimestamp && other->sourceTimestamp == mine.txTimestamp;
 }
 
 /// Nothing if one side remembers nothing, or the two can't be told apart by age.
 std::optional<Reached> QNStore::Merge::lastReached(const std::string& uuid) {
-  const auto mine = _mine.source->syncStateForItemUUID(uuid);
-  const auto theirs = _theirs.source->syncStateForItemUUID(uuid);
+  const auto* const mine = _mine.remembered(uuid);
+  const auto* const theirs = _theirs.remembered(uuid);
   if (mine == nullptr || theirs == nullptr) return std::nullopt;
-  const Reached own = {mine->localTimestamp(), mine->sourceTimestamp()};
-  const Reached other = {theirs->sourceTimestamp(), theirs->localTimestamp()};
+  const Reached own = {mine->localTimestamp, mine->sourceTimestamp};
+  const Reached other = {theirs->sourceTimestamp, theirs->localTimestamp};
   if (isNotAfter(own, other)) return own;
   return isNotAfter(other, own) ? std::optional(other) : std::nullopt;
 }
@@ -214,40 +251,40 @@ std::optional<Reached> QNStore::Merge::lastReached(const std::string& uuid) {
 bool QNStore::Merge::hasChanged(Side& side, const std::string& uuid) {
   const auto reached = lastReached(uuid);
   if (!reached) return true;
-  return side.head(uuid)->txTimestamp != (&side == &_mine ? reached->mine : reached->theirs);
+  return side.heads.find(uuid)->txTimestamp != (&side == &_mine ? reached->mine : reached->theirs);
 }
 
 /// Does nothing that this side remembers speak against it having met that version of the other's?
-bool QNStore::Merge::hasSeen(const Side& side, const std::string& uuid, const Head& other) {
-  const auto state = side.source->syncStateForItemUUID(uuid);
-  return state == nullptr || state->sourceTimestamp() == other.txTimestamp;
+bool QNStore::Merge::hasSeen(Side& side, const std::string& uuid, const Head& other) {
+  const auto* const state = side.remembered(uuid);
+  return state == nullptr || state->sourceTimestamp == other.txTimestamp;
 }
 
 /// Has its row changed since the merge that this side alone remembers?
-bool QNStore::Merge::hasMovedOn(const Side& side, const std::string& uuid, const Head& own) {
-  const auto state = side.source->syncStateForItemUUID(uuid);
-  return state != nullptr && state->localTimestamp() != own.txTimestamp;
+bool QNStore::Merge::hasMovedOn(Side& side, const std::string& uuid, const Head& own) {
+  const auto* const state = side.remembered(uuid);
+  return state != nullptr && state->localTimestamp != own.txTimestamp;
 }
 
 // One uuid
 
 QNResult<QNDone> QNStore::Merge::mergeOne(const std::string& uuid) {
-  const Head* const mine = _mine.head(uuid);
-  const Head* const theirs = _theirs.head(uuid);
+  const Head* const mine = _mine.heads.find(uuid);
+  const Head* const theirs = _theirs.heads.find(uuid);
   if (mine == nullptr) return copy(uuid, _theirs, _mine);
   if (theirs == nullptr) return copy(uuid, _mine, _theirs);
   if (mine->isTombstone && theirs->isTombstone) return mergeTombstones(uuid);
   if (mine->isTombstone) return mergeDeletion(uuid, _mine, _theirs);
   if (theirs->isTombstone) return mergeDeletion(uuid, _theirs, _mine);
   if (!hasChanged(_mine, uuid) && !hasChanged(_theirs, uuid)) return QNDone{};
-  if (mine->sealedContent == theirs->sealedContent) return QNDone{};
+  if (areCopies(*mine, *theirs)) return QNDone{};
   return mergeItems(uuid);
 }
 
 QNResult<QNDone> QNStore::Merge::mergeDeletion(const std::string& uuid, Side& deleted,
                                                Side& living) {
-  const std::uint64_t deletedAt = deleted.head(uuid)->updatedAt;
-  const Head& item = *living.head(uuid);
+  const std::uint64_t deletedAt = deleted.heads.find(uuid)->updatedAt;
+  const Head& item = *living.heads.find(uuid);
   const bool isKnown = lastReached(uuid).has_value();
   const bool isNewer = item.updatedAt > deletedAt || (item.updatedAt == deletedAt && !isKnown);
   const bool hasChangedSince =
@@ -260,8 +297,8 @@ QNResult<QNDone> QNStore::Merge::mergeDeletion(const std::string& uuid, Side& de
 
 /// Not told: it was deleted on both sides before.
 QNResult<QNDone> QNStore::Merge::mergeTombstones(const std::string& uuid) {
-  const std::uint64_t mine = _mine.head(uuid)->updatedAt;
-  const std::uint64_t theirs = _theirs.head(uuid)->updatedAt;
+  const std::uint64_t mine = _mine.heads.find(uuid)->updatedAt;
+  const std::uint64_t theirs = _theirs.heads.find(uuid)->updatedAt;
   if (mine == theirs) return QNDone{};
   return bury(uuid, mine < theirs ? _mine : _theirs, std::max(mine, theirs));
 }
@@ -341,17 +378,17 @@ QNResult<QNDone> QNStore::Merge::join(const std::string& uuid, const std::shared
 }
 
 QNResult<QNDone> QNStore::Merge::copy(const std::string& uuid, Side& from, Side& to) {
-  if (from.head(uuid)->isTombstone) return copyTombstone(uuid, from, to);
+  if (from.heads.find(uuid)->isTombstone) return copyTombstone(uuid, from, to);
   const Loaded item = load(uuid, from);
   if (!item.ok()) return item.error();
-  if (to.head(uuid) == nullptr) {
+  if (to.heads.find(uuid) == nullptr) {
     note(uuid, &to == &_mine ? Kind::copiedToMine : Kind::copiedToTheirs);
   }
   return saveIn(to, uuid, item.value(), Database::Times::kept);
 }
 
 QNResult<QNDone> QNStore::Merge::copyTombstone(const std::string& uuid, Side& from, Side& to) {
-  const Head& head = *from.head(uuid);
+  const Head& head = *from.heads.find(uuid);
   const auto before = from.database().rowWithOid(head.oid, from.vault());
   if (!before.ok()) return before.error();
   // A key that isn't this row's may be another's.
@@ -375,12 +412,14 @@ QNResult<QNDone> QNStore::Merge::copyTombstone(const std::string& uuid, Side& fr
 QNResult<QNDone> QNStore::Merge::remove(const std::string& uuid, Side& side,
                                         std::uint64_t deletedAt) {
   note(uuid, &side == &_mine ? Kind::deletedMine : Kind::deletedTheirs);
+  Head& head = *side.heads.find(uuid);
+  head.removedTx = head.txTimestamp;
   return bury(uuid, side, deletedAt);
 }
 
 QNResult<QNDone> QNStore::Merge::bury(const std::string& uuid, Side& side,
                                       std::uint64_t deletedAt) {
-  Head head = *side.head(uuid);
+  Head head = *side.heads.find(uuid);
   const auto before = side.database().rowWithOid(head.oid, side.vault());
   if (!before.ok()) return before.error();
   const auto buried = side.database().bury(before.value(), deletedAt);
@@ -402,7 +441,7 @@ QNStore::Merge::Loaded QNStore::Merge::load(const std::string& uuid, Side& side)
 QNResult<QNDone> QNStore::Merge::saveIn(Side& side, const std::string& uuid,
                                         const std::shared_ptr<QNItem>& item,
                                         Database::Times times) {
-  const Head* const head = side.head(uuid);
+  const Head* const head = side.heads.find(uuid);
   const bool replacesRow = head != nullptr && !head->isTombstone;
   item->setProfile(side.vault());
   item->setUuid(sharedString(uuid));
@@ -423,7 +462,9 @@ QNResult<QNDone> QNStore::Merge::saveIn(Side& side, const std::string& uuid,
 
 void QNStore::Merge::noteWritten(Side& side, const std::string& uuid, std::uint64_t oid,
                                  const Head& content) {
-  Head& head = side.heads.insert_or_assign(uuid, content).first->second;
+  Head* const known = side.heads.find(uuid);
+  Head& head = known == nullptr ? side.heads.add(uuid, {}).value : *known;
+  head = content;
   head.oid = oid;
   head.txTimestamp = lastTxOf(side);
 }
@@ -439,31 +480,40 @@ void QNStore::Merge::note(const std::string& uuid, Kind kind, std::vector<QNMerg
 
 // What is remembered for the next time
 
-QNResult<QNDone> QNStore::Merge::writeState(Side& side, Side& partner) {
-  QNSyncSource::States states;
-  bool isNews = !side.source->hasOid();
-  for (const auto& [uuid, head] : side.heads) {
-    // Of two that stay apart neither side has met the other's: no row ever has the time 0.
-    const bool isApart = _apart.contains(uuid);
-    auto state = std::make_shared<QNSyncState>();
-    state->setObjectType(static_cast<std::int32_t>(QNObjectType::item));
-    state->setSource(side.source);
-    state->setObjectID(head.oid);
-    state->setObjectUUID(uuid);
-    state->setSyncedAt(secondsNow());
-    state->setLocalTimestamp(isApart ? 0 : head.txTimestamp);
-    state->setSourceTimestamp(isApart ? 0 : partner.heads.at(uuid).txTimestamp);
-    const auto before = side.source->syncStateForItemUUID(uuid);
-    const bool isSame = before != nullptr && before->localTimestamp() == state->localTimestamp() &&
-                        before->sourceTimestamp() == state->sourceTimestamp();
-    isNews = isNews || !isSame;
-    states.push_back(isSame ? before : state);
+QNSyncStateRow QNStore::Merge::stateOf(const std::string& uuid, Side& side, Side& partner) const {
+  const Head& here = *side.heads.find(uuid);
+  const Head& there = *partner.heads.find(uuid);
+  QNSyncStateRow state;
+  state.objectType = static_cast<std::uint32_t>(QNObjectType::item);
+  state.objectID = here.oid;
+  state.syncedAt = secondsNow();
+  // Of two that stay apart neither side has met the other's: no row ever has the time 0.
+  if (_apart.contains(uuid)) return state;
+  state.localTimestamp = here.txTimestamp;
+  state.sourceTimestamp = there.removedTx != 0 ? there.removedTx : there.txTimestamp;
+  return state;
+}
+
+/// So they can be read one beside the other the next time.
+std::map<std::uint64_t, std::string> QNStore::Merge::outOfStepByRow(Side& side) const {
+  std::map<std::uint64_t, std::string> byOid;
+  for (const std::string& uuid : _outOfStep) byOid.emplace(side.heads.find(uuid)->oid, uuid);
+  return byOid;
+}
+
+QNResult<QNDone> QNStore::Merge::writeMemory(Side& side, Side& partner) {
+  for (const auto& [oid, uuid] : outOfStepByRow(side)) {
+    const QNSyncStateRow state = stateOf(uuid, side, partner);
+    const auto* const before = side.remembered(uuid);
+    const bool isKnown = before != nullptr && before->localTimestamp == state.localTimestamp &&
+                         before->sourceTimestamp == state.sourceTimestamp;
+    if (!isKnown) side.memory.states.setItemState(uuid, state);
   }
-  if (!isNews && states.size() == side.source->itemStates().size()) return QNDone{};
-  side.source->setItemStates(std::move(states));
-  side.source->setLocalProfileTimestamp(lastTxOf(side));
-  side.source->setRemoteProfileTimestamp(lastTxOf(partner));
-  return side.given.store->saveSyncSource(side.source);
+  QNSyncSource& source = *side.memory.source;
+  if (source.hasOid() && !side.memory.states.hasChanges()) return QNDone{};
+  source.setLocalProfileTimestamp(lastTxOf(side));
+  source.setRemoteProfileTimestamp(lastTxOf(partner));
+  return side.database().savePartner(side.memory);
 }
 
 // The whole
