@@ -66,29 +66,23 @@ QNOperand operandOf(const QNKeyPathValue& value) {
   return std::visit(Seeing(), value);
 }
 
-/// One side of the comparison in one run.
+/// One side of the comparison in one run. The answer is made where it stays: moving one costs more
+/// than looking at it.
 class Side {
  public:
-  /// `constant` and `run` must outlive it.
-  Side(const QNExpression& constant, QNPredicateRun& run) {
-    const QNKeyPath* const keyPath = constant.asKeyPath();
-    if (keyPath == nullptr) {
-      _operand = operandOf(constant);
-    } else if (!run.mayAsk(*keyPath)) {
-      _isKnown = false;
-    } else if (auto value = run.valueForKeyPath(*keyPath)) {
-      _value = std::move(*value);
-      _operand = operandOf(_value);
-    }
-  }
+  /// A key path is asked for; without one it is the constant. Both arguments must outlive it.
+  Side(const QNKeyPath* keyPath, const QNOperand& constant, QNPredicateRun& run)
+      : _isKnown(keyPath == nullptr || run.mayAsk(*keyPath)),
+        _value(keyPath != nullptr && _isKnown ? run.valueForKeyPath(*keyPath) : std::nullopt),
+        _operand(_value ? operandOf(*_value) : constant) {}
   Side(const Side&) = delete;
   Side& operator=(const Side&) = delete;
   bool isKnown() const { return _isKnown; }
   const QNOperand& operand() const { return _operand; }
 
  private:
-  bool _isKnown = true;
-  QNKeyPathValue _value;
+  bool _isKnown;
+  std::optional<QNKeyPathValue> _value;
   QNOperand _operand;
 };
 
@@ -187,6 +181,8 @@ QNComparisonTest::QNComparisonTest(const QNComparisonPredicate::Parts& parts)
   }
   _left = foldedConstant(parts.left, _folding);
   _right = foldedConstant(parts.right, _folding);
+  _leftConstant = operandOf(_left);
+  _rightConstant = operandOf(_right);
   if (const auto* const text = std::get_if<std::string>(&_right.content());
       text != nullptr && parts.operatorType == QNOperatorType::matches) {
     _expression = compiledExpression(*text);
@@ -209,8 +205,8 @@ std::optional<QNError> QNComparisonTest::faultForItems() const {
 
 QNTruth QNComparisonTest::truth(QNPredicateRun& run) const {
   if (!run.spend(QNPredicateBudget::kStepsPerComparison)) return QNTruth::unknown;
-  const Side left(_left, run);
-  const Side right(_right, run);
+  const Side left(_left.asKeyPath(), _leftConstant, run);
+  const Side right(_right.asKeyPath(), _rightConstant, run);
   if (!left.isKnown() || !right.isKnown()) return QNTruth::unknown;
   return modified(left.operand(), right.operand(), run) ? QNTruth::yes : QNTruth::no;
 }

@@ -111,7 +111,7 @@ const QNItemKeyPath* itemKeyPathNamed(std::string_view name) {
 
 std::optional<QNKeyPathValue> QNItemKeyPathSource::valueForKeyPath(const QNKeyPath& keyPath) {
   if (keyPath.ofItem() == nullptr) return std::nullopt;
-  return keyPath.ofItem()->value(_item);
+  return std::optional<QNKeyPathValue>(keyPath.ofItem()->value(_item));
 }
 
 bool QNItemKeyPathSource::needsDetails(const QNKeyPath& keyPath) const {

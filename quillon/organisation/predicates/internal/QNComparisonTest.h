@@ -18,6 +18,8 @@ class QNComparisonTest final {
  public:
   /// `parts` must outlive it.
   explicit QNComparisonTest(const QNComparisonPredicate::Parts& parts);
+  QNComparisonTest(const QNComparisonTest&) = delete;
+  QNComparisonTest& operator=(const QNComparisonTest&) = delete;
 
   [[nodiscard]] QNTruth truth(QNPredicateRun& run) const;
   [[nodiscard]] std::optional<QNError> faultForItems() const;
@@ -43,6 +45,7 @@ class QNComparisonTest final {
   const QNComparisonPredicate::Parts& _parts;
   QNFolding _folding;
   QNExpression _left, _right;                       // constants folded
+  QNOperand _leftConstant, _rightConstant;          // seen in them; nothing for a key path
   std::optional<QNResult<Expression>> _expression;  // of MATCHES with a constant text
 };
 
