@@ -12,7 +12,7 @@ constexpr std::size_t kTags = 50;
 constexpr std::size_t kItemsAtOnce = 10'000;
 // Of overviews alone.
 constexpr std::string_view kQuestion =
-    R"(title CONTAINS[cd] "example 5" AND username BEGINSWITH "person" AND NOT title == "a" AND )"
+    R"(title CONTAINS[cd] "example 5" AND passwordStrength > 1 AND NOT title == "a" AND )"
     R"(ANY tagsForSearch == "Tag 7" AND categoryUUID == "001")";
 
 template <class T>

@@ -160,6 +160,12 @@ std::vector<std::string> stateOf(const std::filesystem::path& file) {
   return state;
 }
 
+QNResult<std::shared_ptr<QNFolder>> firstFolder(Session& session) {
+  const auto report = session.store->folders(session.vault);
+  if (!report.ok()) return report.error();
+  return report.value().folders.at(0);
+}
+
 /// One change of a store; made of a session and an item that was read from it.
 struct Change {
   const char* name;
@@ -210,18 +216,21 @@ std::vector<Change> changes() {
        }},
       {"save a folder",
        [](Session& session, const auto&) {
-         const auto box = foldersIn(session).folders.at(0);
-         box->setTitle("chest");
-         return session.store->saveFolder(box);
+         const auto box = firstFolder(session);
+         if (!box.ok()) return QNResult<QNDone>(box.error());
+         box.value()->setTitle("chest");
+         return session.store->saveFolder(box.value());
        }},
       {"save a new folder",
        [](Session& session, const auto&) {
-         const auto box = foldersIn(session).folders.at(0);
-         return session.store->saveFolder(makeFolder(session.vault, "inside", box));
+         const auto box = firstFolder(session);
+         if (!box.ok()) return QNResult<QNDone>(box.error());
+         return session.store->saveFolder(makeFolder(session.vault, "inside", box.value()));
        }},
       {"delete a folder",
        [](Session& session, const auto&) {
-         return session.store->deleteFolder(foldersIn(session).folders.at(0));
+         const auto box = firstFolder(session);
+         return box.ok() ? session.store->deleteFolder(box.value()) : QNResult<QNDone>(box.error());
        }},
       {"save a sync source",
        [](Session& session, const auto& item) {

@@ -169,6 +169,8 @@ QNResult<QNDone> QNStore::Database::writeFolder(const std::shared_ptr<QNFolder>&
   if (folder->mutableOverview() == nullptr) {
     return storeError(QNStoreErrorCode::unreadableItem, "the folder doesn't open");
   }
+  const auto ledger = openLedger(vault);
+  if (!ledger.ok()) return ledger.error();
   const auto icon = sealedIcon(*folder, *vault);
   if (!icon.ok()) return icon.error();
   noteForUndo(folder);
@@ -236,6 +238,8 @@ QNResult<QNDone> QNStore::Database::deleteFolder(const std::shared_ptr<QNFolder>
 QNResult<QNDone> QNStore::Database::buryFolder(const FolderBefore& before,
                                                const std::shared_ptr<QNProfile>& vault,
                                                std::uint64_t deletedAt, Times times) {
+  const auto ledger = openLedger(vault);
+  if (!ledger.ok()) return ledger.error();
   QNFolderRow row;
   row.oid = before.seal ? before.oid : freshFolderOid();
   row.status = kDeletedFolder;

@@ -324,28 +324,35 @@ TEST_F(QNStoreSealedFolders, KeepASaveFromCoveringAnAlteredRow) {
 TEST_F(QNStoreSealedFolders, ShowNothingOfARowWithAFlippedBitOrACutEnd) {
   session = openSession(file);
   const auto database = std::move(QNDatabase::open(file, QNDatabase::Mode::readWrite)).value();
-  for (const std::string column : {"overview", "icon", "seal"}) {
-    const std::string select = "SELECT " + column + " FROM folders WHERE oid = 1";
-    const std::string update = "UPDATE folders SET " + column + " = ?1 WHERE oid = 1";
+  struct Column {
+    const char *select, *update;
+  };
+  for (const auto& [select, update] : {Column{"SELECT overview FROM folders WHERE oid = 1",
+                                              "UPDATE folders SET overview = ?1 WHERE oid = 1"},
+                                       Column{"SELECT icon FROM folders WHERE oid = 1",
+                                              "UPDATE folders SET icon = ?1 WHERE oid = 1"},
+                                       Column{"SELECT seal FROM folders WHERE oid = 1",
+                                              "UPDATE folders SET seal = ?1 WHERE oid = 1"}}) {
+    SCOPED_TRACE(update);
     Bytes blob;
     {
       QNQuery query = database->query(select);
       ASSERT_TRUE(query.next());
       blob = toBytes(query.bytes(0));
     }
-    const auto isNoticed = [&](const Bytes& altered) {
-      database->change(update, ByteView(altered));
+    const auto isNoticed = [&, statement = update](const Bytes& altered) {
+      database->change(statement, ByteView(altered));
       const QNFolderReport report = foldersIn(session);
       return report.damaged == std::vector<std::string>{firstUuid};
     };
     for (std::size_t bit = 0; bit < 8 * blob.size(); ++bit) {
       Bytes altered = blob;
       altered[bit / 8] ^= static_cast<std::uint8_t>(1u << bit % 8);
-      ASSERT_TRUE(isNoticed(altered)) << column << ", bit " << bit;
+      ASSERT_TRUE(isNoticed(altered)) << "bit " << bit;
     }
     for (std::size_t size = 0; size < blob.size(); ++size) {
       ASSERT_TRUE(isNoticed(Bytes(blob.begin(), blob.begin() + static_cast<std::ptrdiff_t>(size))))
-          << column << ", size " << size;
+          << "size " << size;
     }
     database->change(update, ByteView(blob));
     EXPECT_THAT(foldersIn(session).damaged, IsEmpty());

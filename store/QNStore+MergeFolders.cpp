@@ -63,8 +63,6 @@ QNResult<QNDone> QNStore::FolderMerge::read() {
 
 /// What isn't genuine would be carried over under a good seal: nothing is merged then.
 QNResult<QNDone> QNStore::FolderMerge::read(Side& side) {
-  const auto ledger = side.database().openLedger(side.vault());
-  if (!ledger.ok()) return ledger.error();
   const auto report = side.database().readFolders(side.vault());
   if (!report.ok()) return report.error();
   if (!report.value().damaged.empty() || report.value().ledgerBroken) {

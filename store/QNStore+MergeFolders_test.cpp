@@ -318,7 +318,7 @@ TEST_F(QNStoreMergeFolders, AfterAnyHistoryHoldsTheSameOnBothSides) {
     if (all.empty() || random() % 4 == 0) return std::nullopt;
     return *all[random() % all.size()]->uuid();
   };
-  for (int round = 0; round < 40 && !HasFailure(); ++round) {
+  for (int round = 0; round < 15 && !HasFailure(); ++round) {
     SCOPED_TRACE(round);
     for (int step = 0; step < 6; ++step) {
       Session& session = random() % 2 == 0 ? mine : theirs;

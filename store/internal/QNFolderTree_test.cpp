@@ -57,8 +57,8 @@ TEST(QNFolderTree, BeginsAnewBelowTheLastLevel) {
   EXPECT_THAT(tree.misplaced, ElementsAre(false, false, false, true, false, false, true, false));
 }
 
-TEST(QNFolderTree, SettlesAMillionLevelsWithoutAStackOfThem) {
-  constexpr std::size_t kCount = 1'000'000;
+TEST(QNFolderTree, SettlesManyLevelsWithoutAStackOfThem) {
+  constexpr std::size_t kCount = 100'000;
   std::vector<QNFolderPlace> places;
   for (std::size_t i = 0; i < kCount; ++i) {
     places.push_back({std::to_string(i), std::to_string(i + 1)});
