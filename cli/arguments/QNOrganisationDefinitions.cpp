@@ -43,8 +43,9 @@ void addPath(CLI::App& command, std::string& path) {
       ->check(isText());
 }
 
-void addItems(CLI::App& command, std::vector<std::string>& items) {
-  command.add_option("ITEM", items, "Uuids, or titles if no other item has them")->check(isText());
+CLI::Option* addItems(CLI::App& command, std::vector<std::string>& items) {
+  return command.add_option("ITEM", items, "Uuids, or titles if no other item has them")
+      ->check(isText());
 }
 
 void defineTagAdd(CLI::App& tag, QNArguments& out) {
@@ -55,15 +56,13 @@ void defineTagAdd(CLI::App& tag, QNArguments& out) {
           "The tag; one below another is written as the other, / and a name")
       ->required()
       ->check(isText());
-  addItems(*command, given->items);
-  command->get_option("ITEM")->required();
+  addItems(*command, given->items)->required();
 }
 
 void defineTagRemove(CLI::App& tag, QNArguments& out) {
   auto [command, given] = define<QNTagRemoveArguments>(tag, out, "remove", "Take a tag from items");
   command->add_option("TAG", given->tag, "The tag")->required()->check(isText());
-  addItems(*command, given->items);
-  auto* const items = command->get_option("ITEM");
+  auto* const items = addItems(*command, given->items);
   auto* const all = command->add_flag("--all", given->all, "From every item")->excludes(items);
   command->add_flag("--nested", given->nested, "Also the tags below it");
   command->parse_complete_callback([items, all] {

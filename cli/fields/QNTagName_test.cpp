@@ -1,0 +1,46 @@
+#include "cli/fields/QNTagName.h"
+
+#include <gtest/gtest.h>
+
+namespace quillon {
+namespace {
+
+using Match = QNTagName::Match;
+
+std::optional<std::string> rest(std::string_view name, std::string_view tag, Match match) {
+  const auto found = QNTagName(name).restOf(tag, match);
+  return found ? std::optional(std::string(*found)) : std::nullopt;
+}
+
+TEST(QNTagName, KnowsItselfAndWhatLiesBelow) {
+  EXPECT_EQ(rest("work", "work", Match::exact), "");
+  EXPECT_EQ(rest("work", "work/bills/old", Match::exact), "/bills/old");
+  EXPECT_EQ(rest("work/bills", "work/bills/old", Match::exact), "/old");
+}
+
+TEST(QNTagName, ANameThatOnlyBeginsAlikeIsAnotherOne) {
+  EXPECT_EQ(rest("work", "workshop", Match::exact), std::nullopt);
+  EXPECT_EQ(rest("work", "workshop", Match::loose), std::nullopt);
+  EXPECT_EQ(rest("work/bills", "work", Match::exact), std::nullopt);
+  EXPECT_EQ(rest("bills", "work/bills", Match::exact), std::nullopt);
+}
+
+TEST(QNTagName, LooselyCaseAndAccentsDoNotCount) {
+  EXPECT_EQ(rest("BÜRO", "buro/Ä", Match::exact), std::nullopt);
+  EXPECT_EQ(rest("BÜRO", "buro/Ä", Match::loose), "/Ä");
+}
+
+TEST(QNTagName, LooselyTheNameIsOneThatAnItemTakes) {
+  EXPECT_EQ(rest("/work//bills/ ", "work/bills", Match::loose), "");
+  EXPECT_EQ(rest("/work//bills/ ", "work/bills", Match::exact), std::nullopt);
+}
+
+TEST(QNTagName, ATagThatNoItemWouldTakeCanBeNamedAsItIs) {
+  EXPECT_EQ(rest("", "", Match::exact), "");
+  EXPECT_EQ(rest("", "work", Match::exact), std::nullopt);
+  EXPECT_EQ(rest("/", "/", Match::exact), "");
+  EXPECT_EQ(rest(" a", " a/b", Match::exact), "/b");
+}
+
+}  // namespace
+}  // namespace quillon
