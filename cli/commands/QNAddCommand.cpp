@@ -67,10 +67,7 @@ QNCommandResult saveNew(Global global, const QNVaultSession& session,
                         const std::shared_ptr<QNItem>& item) {
   const auto saved = session.store().save(item);
   if (!saved) return saved.error();
-  if (global.json) return printJson({{"uuid", *item->uuid()}});
-  QNOutput out;
-  out.line(*item->uuid());
-  return out.finish();
+  return printUUID(global.json, *item->uuid());
 }
 
 }  // namespace

@@ -15,10 +15,7 @@ QNCommandResult runCommand(Global global, const QNDuplicateArguments& arguments)
   if (duplicate == nullptr) return toolError(QNExit::damaged, "the item can't be copied");
   const auto saved = session.value().store().save(duplicate);
   if (!saved) return saved.error();
-  if (global.json) return printJson({{"uuid", *duplicate->uuid()}});
-  QNOutput out;
-  out.line(*duplicate->uuid());
-  return out.finish();
+  return printUUID(global.json, *duplicate->uuid());
 }
 
 QNCommandResult runCommand(Global global, const QNFingerprintArguments& arguments) {

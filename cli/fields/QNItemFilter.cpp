@@ -3,24 +3,35 @@
 #include <algorithm>
 
 #include "cli/fields/QNCategoryNames.h"
-#include "quillon/platform/text/QNText.h"
 
 namespace quillon {
+namespace {
+
+bool hasTag(QNItem& item, const QNTagName& name, bool nested) {
+  const auto tags = item.tags();
+  return std::any_of(tags.begin(), tags.end(), [&](const std::string& tag) {
+    auto rest = name.restOf(tag, QNTagName::Match::exact);
+    if (!rest) rest = name.restOf(tag, QNTagName::Match::loose);
+    return rest && (nested || rest->empty());
+  });
+}
+
+}  // namespace
 
 bool QNItemFilter::admits(QNItem& item) const {
   if (categoryUUID && item.categoryUUID() != *categoryUUID) return false;
-  if (!foldedTag) return true;
-  const auto tags = item.tags();
-  return std::any_of(tags.begin(), tags.end(),
-                     [this](const std::string& tag) { return foldedForSearch(tag) == *foldedTag; });
+  if (favorites && !item.isFavorite()) return false;
+  if (folderUUIDs && folderUUIDs->count(item.folderUUID().value_or("")) == 0) return false;
+  return !tag || hasTag(item, *tag, nested);
 }
 
-QNResult<QNItemFilter> itemFilter(const std::optional<std::string>& category,
-                                  const std::optional<std::string>& tag) {
+QNResult<QNItemFilter> itemFilter(const QNFilterArguments& arguments) {
   QNItemFilter filter;
-  if (tag) filter.foldedTag = foldedForSearch(*tag);
-  if (!category) return filter;
-  filter.categoryUUID = categoryNamed(*category);
+  filter.favorites = arguments.favorites;
+  filter.nested = arguments.nested;
+  if (arguments.tag) filter.tag.emplace(*arguments.tag);
+  if (!arguments.category) return filter;
+  filter.categoryUUID = categoryNamed(*arguments.category);
   if (filter.categoryUUID) return filter;
   return toolError(QNExit::wrongUsage, "there is no such category; quillon categories lists them");
 }

@@ -1,23 +1,29 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 
 #include "cli/QNToolError.h"
+#include "cli/arguments/QNArguments.h"
+#include "cli/fields/QNTagName.h"
 #include "quillon/items/QNItem.h"
 
 namespace quillon {
 
-/// The items that a listing shows: all of them, or those of one category, or with one tag.
+/// The items that a listing shows: those that all of it holds for.
 struct QNItemFilter {
   std::optional<std::string> categoryUUID;
-  std::optional<std::string> foldedTag;
+  /// Case and accents apart.
+  std::optional<QNTagName> tag;
+  bool nested = true;  // also what has a tag below it
+  std::optional<std::set<std::string>> folderUUIDs;
+  bool favorites = false;
   [[nodiscard]] bool admits(QNItem& item) const;
 };
 
-/// The filter for what the user named, if anything; of a tag, case and accents don't count. Error
-/// with exit code 2 for a category that isn't known.
-QNResult<QNItemFilter> itemFilter(const std::optional<std::string>& category,
-                                  const std::optional<std::string>& tag);
+/// The filter for what the user named, but for the folder, which QNFolderTree knows. Error with
+/// exit code 2 for a category that isn't known.
+QNResult<QNItemFilter> itemFilter(const QNFilterArguments& arguments);
 
 }  // namespace quillon

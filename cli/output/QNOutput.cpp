@@ -64,4 +64,11 @@ QNCommandResult printJson(const JsonObject& value, QNExit exit) {
   return out.finish(exit);
 }
 
+QNCommandResult printUUID(bool json, std::string_view uuid) {
+  if (json) return printJson({{"uuid", uuid}});
+  QNOutput out;
+  out.line(uuid);
+  return out.finish();
+}
+
 }  // namespace quillon

@@ -38,5 +38,7 @@ class QNOutput final {
 
 /// Prints the one value of a command with --json, with a newline behind it.
 QNCommandResult printJson(const JsonObject& value, QNExit exit = QNExit::done);
+/// Prints what a command made, by its uuid: that alone, or as JSON.
+QNCommandResult printUUID(bool json, std::string_view uuid);
 
 }  // namespace quillon

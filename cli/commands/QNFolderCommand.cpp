@@ -1,0 +1,145 @@
+// folder list, add, move, rename and delete; smart delete, which does the same.
+
+#include <fmt/format.h>
+
+#include "cli/commands/QNCommands.h"
+#include "cli/commands/QNNewFolder.h"
+#include "cli/output/QNOutput.h"
+#include "cli/output/QNShownText.h"
+#include "cli/output/QNTree.h"
+#include "quillon/platform/text/QNLocalization.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::size_t kTitleWidth = 40;
+
+JsonObject jsonOf(QNFolder& folder) {
+  JsonObject object(jsonStorage());
+  setJsonText(object, "uuid", *folder.uuid());
+  setJsonText(object, "title", folder.title().value_or(""));
+  const auto parent = folder.parentFolder();
+  object["parent"] = nullptr;
+  if (parent != nullptr) setJsonText(object, "parent", *parent->uuid());
+  object["smart"] = folder.smartFolder();
+  object["items"] = folder.numberOfItems();
+  object["folders"] = folder.numberOfChildren();
+  return object;
+}
+
+void printJson(QNOutput& out, const std::vector<QNFolderRef>& folders) {
+  JsonArray array(jsonStorage());
+  for (const QNFolderRef& folder : folders) array.emplace_back(jsonOf(*folder));
+  out.json(Json(std::move(array)));
+  out.line("");
+}
+
+void printTree(QNOutput& out, const std::vector<QNFolderRef>& folders, bool withUUIDs) {
+  std::vector<std::size_t> levels;
+  for (const QNFolderRef& folder : folders) levels.push_back(folder->indentationLevel());
+  const std::vector<std::string> branches = branchesOfTree(levels);
+  for (std::size_t i = 0; i < folders.size(); ++i) {
+    QNFolder& folder = *folders[i];
+    if (withUUIDs) out.text(shownText(*folder.uuid()) + "  ");
+    out.text(padded(branches[i] + shownTitle(folder), kTitleWidth) + "  ");
+    out.line(folder.smartFolder()
+                 ? QNLocalizedString("smart folder")
+                 : localizedFormat("items: %jd", std::to_string(folder.numberOfItems())));
+  }
+}
+
+// What a command has done to a folder, for scripts alone.
+QNCommandResult done(Global global, const QNFolder& folder, std::string_view key, Json value) {
+  if (!global.json) return QNExit::done;
+  return printJson({{"uuid", *folder.uuid()}, {key, std::move(value)}});
+}
+
+Json textOrNull(const std::optional<std::string>& text) {
+  return text ? Json(*text) : Json();
+}
+
+QNCommandResult saveMoved(Global global, const QNVaultSession& session, QNFolderRef folder,
+                          const QNFolderRef& parent) {
+  folder->setParentUUID(parent == nullptr ? std::nullopt : std::optional(*parent->uuid()));
+  const auto saved = session.store().saveFolder(folder);
+  if (saved) return done(global, *folder, "parent", textOrNull(folder->parentUUID()));
+  const bool isInItself = isStoreError(saved.error(), QNStoreErrorCode::misplacedFolder);
+  return isInItself ? toolError(QNExit::failed, "a folder can't lie in itself, nor below " +
+                                                    std::to_string(QNStore::kMaxFolderLevels) +
+                                                    " others")
+                    : saved.error();
+}
+
+using Choose = QNResult<QNFolderRef> (QNFolderTree::*)(std::string_view) const;
+
+QNCommandResult deleteFolder(Global global, std::string_view name, Choose choose) {
+  const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
+  if (!session) return session.error();
+  const auto tree = QNFolderTree::read(session.value());
+  if (!tree) return tree.error();
+  const auto folder = (tree.value().*choose)(name);
+  if (!folder) return folder.error();
+  const auto deleted = session.value().store().deleteFolder(folder.value());
+  if (!deleted) return deleted.error();
+  return done(global, *folder.value(), "deleted", true);
+}
+
+}  // namespace
+
+QNCommandResult runCommand(Global global, const QNFolderListArguments& arguments) {
+  const auto session = QNVaultSession::open(global, QNStore::Access::readOnly);
+  if (!session) return session.error();
+  const auto tree = QNFolderTree::read(session.value());
+  if (!tree) return tree.error();
+  QNOutput out;
+  if (global.json) {
+    printJson(out, tree.value().all());
+  } else {
+    printTree(out, tree.value().all(), arguments.withUUIDs);
+  }
+  return out.finish(tree.value().warn());
+}
+
+QNCommandResult runCommand(Global global, const QNFolderAddArguments& arguments) {
+  const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
+  if (!session) return session.error();
+  const auto folder = addFolder(session.value(), arguments.path, [](QNFolder&) {});
+  if (!folder) return folder.error();
+  return printUUID(global.json, *folder.value()->uuid());
+}
+
+QNCommandResult runCommand(Global global, const QNFolderMoveArguments& arguments) {
+  const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
+  if (!session) return session.error();
+  const auto tree = QNFolderTree::read(session.value());
+  if (!tree) return tree.error();
+  const auto folder = tree.value().choose(arguments.folder);
+  if (!folder) return folder.error();
+  if (!arguments.parent) return saveMoved(global, session.value(), folder.value(), nullptr);
+  const auto parent = tree.value().chooseOrdinary(*arguments.parent);
+  if (!parent) return parent.error();
+  return saveMoved(global, session.value(), folder.value(), parent.value());
+}
+
+QNCommandResult runCommand(Global global, const QNFolderRenameArguments& arguments) {
+  const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
+  if (!session) return session.error();
+  const auto tree = QNFolderTree::read(session.value());
+  if (!tree) return tree.error();
+  const auto folder = tree.value().choose(arguments.folder);
+  if (!folder) return folder.error();
+  folder.value()->setTitle(arguments.title);
+  const auto saved = session.value().store().saveFolder(folder.value());
+  if (!saved) return saved.error();
+  return done(global, *folder.value(), "title", arguments.title);
+}
+
+QNCommandResult runCommand(Global global, const QNFolderDeleteArguments& arguments) {
+  return deleteFolder(global, arguments.folder, &QNFolderTree::choose);
+}
+
+QNCommandResult runCommand(Global global, const QNSmartDeleteArguments& arguments) {
+  return deleteFolder(global, arguments.folder, &QNFolderTree::chooseSmart);
+}
+
+}  // namespace quillon

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "cli/arguments/QNArguments.h"
+#include "cli/commands/QNVaultSession.h"
+#include "cli/fields/QNItemFilter.h"
+#include "quillon/organisation/QNFolder.h"
+
+namespace quillon {
+
+using QNFolderRef = std::shared_ptr<QNFolder>;
+
+/// The folders of a vault, smart ones too, as people name them: by uuid, or by their titles from
+/// the top, parted by "/".
+class QNFolderTree final {
+ public:
+  static QNResult<QNFolderTree> read(const QNVaultSession& session);
+
+  /// By uuid first. Equal titles win over ones that differ in case and accents. Errors: exit code 4
+  /// for none, 5 for several, which are listed on standard error.
+  [[nodiscard]] QNResult<QNFolderRef> choose(std::string_view name) const;
+  /// The same, of those that hold items and folders; exit code 1 for a smart one.
+  [[nodiscard]] QNResult<QNFolderRef> chooseOrdinary(std::string_view name) const;
+  /// Of smart ones; exit code 1 for any other.
+  [[nodiscard]] QNResult<QNFolderRef> chooseSmart(std::string_view name) const;
+  /// The folder right in `parent`, or at the top, that a person names by its title, as choose()
+  /// does; null if there is none.
+  [[nodiscard]] QNResult<QNFolderRef> child(const QNFolderRef& parent,
+                                            std::string_view title) const;
+  /// Depth first, by title.
+  [[nodiscard]] std::vector<QNFolderRef> all() const;
+
+  /// Tells the user of what isn't where or what it was. `done`, or `damaged` if rows are left out.
+  [[nodiscard]] QNExit warn() const;
+
+ private:
+  explicit QNFolderTree(QNFolderReport report) : _report(std::move(report)) {}
+  QNFolderReport _report;
+};
+
+/// Keeps a filter to the folder that the user named, if one was, and to what lies below it if he
+/// wants that. Errors: as QNFolderTree::chooseOrdinary() has them.
+QNResult<QNDone> chooseFolderOf(QNItemFilter& filter, const QNVaultSession& session,
+                                const QNFilterArguments& arguments);
+
+/// What a folder is called, on a terminal.
+std::string shownTitle(QNFolder& folder);
+
+}  // namespace quillon

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+#include "cli/commands/QNFolderTree.h"
+
+namespace quillon {
+
+/// Makes a folder at the end of a path, and those before it that aren't there; all of them or none.
+/// `prepare` gets it before it is saved. Errors: exit code 1 if it is there already, or would lie
+/// in a smart folder.
+QNResult<QNFolderRef> addFolder(const QNVaultSession& session, std::string_view path,
+                                const std::function<void(QNFolder&)>& prepare);
+
+}  // namespace quillon
