@@ -30,6 +30,12 @@ inline constexpr std::string_view kDetailsFields = "fields";
 inline constexpr std::string_view kDetailsHtmlForm = "htmlForm";
 inline constexpr std::string_view kDetailsPassword = "password";
 
+// Tags
+inline constexpr std::string_view QNTagSeparatorString = "/";
+inline constexpr std::string_view QN2FATag = "2FA";
+inline constexpr std::string_view QNHttpTag = "HTTP";
+inline constexpr std::string_view QNAppleWatchTag = "Apple Watch";
+
 // Scope. Only "Never" has a meaning in this library; no scope counts as regular.
 inline constexpr std::string_view QNItemScopeAlways = "Always";
 inline constexpr std::string_view QNItemScopeBasicAuth = "BasicAuth";

@@ -183,6 +183,9 @@ TEST_F(QNLocalizationTest, TheEnglishTableHasTheTextsOfTheLibrary) {
                                 "Address",
                                 "Unknown",
                                 "Related Items",
+                                "empty",
+                                "1 item",
+                                "%@ items",
                                 "—",
                                 "Never suggest in browser",
                                 "Suggest in browser"}) {

@@ -221,4 +221,18 @@ bool isBlankText(std::string_view text) {
   return startOfUnblank(text) == text.size();
 }
 
+std::vector<std::string_view> componentsSeparatedByString(std::string_view text,
+                                                          std::string_view separator) {
+  std::vector<std::string_view> parts;
+  std::size_t start = 0;
+  while (!separator.empty()) {
+    const std::size_t end = text.find(separator, start);
+    if (end == std::string_view::npos) break;
+    parts.push_back(text.substr(start, end - start));
+    start = end + separator.size();
+  }
+  parts.push_back(text.substr(start));
+  return parts;
+}
+
 }  // namespace quillon

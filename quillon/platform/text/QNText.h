@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "quillon/platform/memory/QNSecret.h"
 
@@ -35,6 +36,10 @@ std::string_view trimmedRightView(std::string_view text);
 std::string_view trimmedView(std::string_view text);
 /// Is it nothing but white space and new lines, or empty?
 bool isBlankText(std::string_view text);
+/// What stands between the separators, and before and behind them: one part more than there are
+/// separators, empty ones too. An empty separator stands nowhere. Views into the text.
+std::vector<std::string_view> componentsSeparatedByString(std::string_view text,
+                                                          std::string_view separator);
 
 /// Case mapping for the user's locale.
 std::string lowercaseText(std::string_view text);
@@ -66,6 +71,10 @@ std::string qn_describedDate(std::uint64_t seconds);
 std::optional<std::int64_t> qn_parseDate(std::string_view text);
 /// A day of this year as the locale writes it in numbers, for telling what can be typed.
 std::string qn_exampleOfDate();
+
+// Numbers: QNText+Numbers.cpp
+/// The number as the user's locale writes it, in groups: "1,234" in English.
+std::string qn_formatNumber(std::uint64_t number);
 
 // Folding: QNText+Folding.cpp
 /// Folded for search: NFD, marks dropped, case folded, and a small table for letters that carry

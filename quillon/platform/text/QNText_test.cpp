@@ -190,5 +190,19 @@ TEST(QNText, KeepsANumbersOrderInALanguageFromRightToLeft) {
   EXPECT_EQ(mr_NonRTLString("1234 **** 9012"), "\u20661234 **** 9012\u2069");
 }
 
+TEST(QNText, PartsBetweenSeparatorsAreOneMoreThanThese) {
+  using Parts = std::vector<std::string_view>;
+
+  EXPECT_EQ(componentsSeparatedByString("a/b/c", "/"), (Parts{"a", "b", "c"}));
+  EXPECT_EQ(componentsSeparatedByString("/a//b/", "/"), (Parts{"", "a", "", "b", ""}));
+  EXPECT_EQ(componentsSeparatedByString("a--b---c", "--"), (Parts{"a", "b", "-c"}));
+  EXPECT_EQ(componentsSeparatedByString("a", "/"), Parts{"a"});
+  EXPECT_EQ(componentsSeparatedByString("", "/"), Parts{""});
+}
+
+TEST(QNText, AnEmptySeparatorStandsNowhere) {
+  EXPECT_EQ(componentsSeparatedByString("ab", ""), std::vector<std::string_view>{"ab"});
+}
+
 }  // namespace
 }  // namespace quillon
