@@ -13,8 +13,8 @@ enum class QNExit : int {
   failed = 1,
   wrongUsage = 2,
   wrongPassword = 3,
-  notFound = 4,   // no such item or vault, or the item has no such field
-  ambiguous = 5,  // several items have that title
+  notFound = 4,   // no such item, folder, tag or vault, or the item has no such field
+  ambiguous = 5,  // several items or folders have that title
   damaged = 6,    // the store is damaged, of another program, or too new
   fileError = 7,  // a file can't be read or written
 };

@@ -33,11 +33,14 @@ PASSWORD = "try quillon"
 OTHER = "a sentence of mine, with ümläuts"
 UUID = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}$")
 DOTS = "••••••••••"
-COMMANDS = ["init", "import", "export", "list", "find", "show", "add", "edit", "trash", "restore",
-            "delete", "history", "duplicate", "copy", "fingerprint", "categories", "template",
-            "passwd", "info", "check", "backup", "merge", "conflicts", "resolve", "vault", "otp",
-            "generate", "completion"]
-NESTED = {"add": [None, "login"], "vault": ["list", "add", "icon", "color"]}
+COMMANDS = ["init", "import", "export", "list", "find", "for", "show", "add", "edit", "trash",
+            "restore", "delete", "favorite", "move", "tag", "folder", "smart", "history",
+            "duplicate", "copy", "fingerprint", "categories", "template", "passwd", "info", "check",
+            "backup", "merge", "conflicts", "resolve", "vault", "otp", "generate", "completion"]
+NESTED = {"add": [None, "login"], "vault": ["list", "add", "icon", "color"],
+          "tag": ["list", "add", "remove", "rename"],
+          "folder": ["list", "add", "move", "rename", "delete"],
+          "smart": ["list", "add", "show", "delete"]}
 
 
 class Result:
@@ -187,7 +190,8 @@ class Json(ToolTest):
         self.assertEqual(self.value("restore", uuid), {"uuid": uuid, "trashed": False})
         self.value("trash", uuid)
         self.assertEqual(self.value("delete", uuid), {"uuid": uuid, "deleted": True})
-        self.assertEqual(self.value("check"), {"itemsChecked": 2, "clean": True, "problems": []})
+        self.assertEqual(self.value("check"), {"itemsChecked": 2, "foldersChecked": 0, "clean": True,
+                                               "problems": [], "remarks": []})
         first = self.titles()[0]
         self.assertEqual(self.value("history", first), [])
         self.assertEqual(self.value("conflicts"), [])
@@ -253,7 +257,7 @@ class Json(ToolTest):
         self.assertEqual([(one["uuid"], one["name"], one["items"]) for one in info["categories"]],
                          [("001", "Logins", 1), ("003", "Secure Notes", 1)])
         self.assertEqual(info["kdf"], {"name": "argon2id", "memoryKiB": 100, "passes": 3})
-        self.assertEqual(info["schema"], 2)
+        self.assertEqual(info["schema"], 3)
 
     def test_an_error_prints_nothing_on_standard_output(self):
         self.make_store()
@@ -274,6 +278,7 @@ class ExitCodes(ToolTest):
                           ["resolve", "x", "--keep", "both"], ["resolve", "x", "--field", "a=b"],
                           ["resolve", "x", "--field", "=mine"],
                           ["resolve", "x", "--keep", "mine", "--field", "a=mine"],
+                          ["favorite"], ["move", "x"], ["tag"], ["folder"], ["smart"],
                           ["copy", "x", "--to", "work", "--to-password-stdin"]):
             result = self.run_raw(*arguments)
             self.assertEqual((result.code, result.out), (2, ""), arguments)
@@ -285,6 +290,9 @@ class ExitCodes(ToolTest):
                           ["add", "login", "--title", "T"], ["trash", "x"], ["find", "x"],
                           ["history", "x"], ["duplicate", "x"], ["fingerprint", "x"],
                           ["copy", "x", "--to", "y"], ["export", "--plaintext"], ["conflicts"],
+                          ["for", "x"], ["favorite", "x"], ["move", "x", "y"], ["tag", "list"],
+                          ["tag", "remove", "x", "--all"], ["folder", "list"],
+                          ["folder", "add", "x"], ["smart", "list"],
                           ["resolve", "x", "--keep", "mine"],
                           ["import", os.path.join(DATA, "safari.csv")]):
             result = self.run_tool(*arguments, password="wrong", code=3)
@@ -1622,6 +1630,15 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
 
     def test_bash_completes_what_fits(self):
         self.assertEqual(self.complete("quillon", "tr"), ["trash"])
+        self.assertEqual(self.complete("quillon", "fo"), ["for", "folder"])
+        for command, words in NESTED.items():
+            if command != "add":
+                self.assertEqual(self.complete("quillon", command, ""), words)
+        self.assertEqual(self.complete("quillon", "tag", "remove", "--a"), ["--all"])
+        self.assertEqual(self.complete("quillon", "folder", "move", "--to"), ["--to-top"])
+        self.assertEqual(self.complete("quillon", "smart", "show", "--se"), ["--sections"])
+        self.assertEqual(self.complete("quillon", "find", "--title", "--con"), ["--contents"])
+        self.assertEqual(self.complete("quillon", "find", "--words", "--wh"), ["--where"])
         self.assertEqual(self.complete("quillon", "--store", "x", "res"), ["restore", "resolve"])
         self.assertEqual(self.complete("quillon", "resolve", "--keep", ""), ["mine", "theirs"])
         self.assertEqual(self.complete("quillon", "resolve", "--field", ""), [])
@@ -1630,7 +1647,6 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
         self.assertEqual(self.complete("quillon", "merge", "--other-v"), ["--other-vault"])
         self.assertEqual(self.complete("quillon", "export", "--p"),
                          ["--plaintext", "--password-file", "--password-fd", "--password-stdin"])
-        self.assertEqual(self.complete("quillon", "vault", ""), ["list", "add", "icon", "color"])
         self.assertEqual(self.complete("quillon", "vault", "add", "--ow"),
                          ["--own-password", "--own-password-file", "--own-password-fd",
                           "--own-password-stdin"])
@@ -1646,7 +1662,7 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
         self.assertEqual(self.complete("quillon", "add", "login", "--ti"), ["--title"])
         self.assertEqual(self.complete("quillon", "show", "--field", "u"), ["username", "url"])
         self.assertEqual(self.complete("quillon", "list", "--sort", ""),
-                         ["title", "updated", "created"])
+                         ["title", "updated", "created", "category", "strength"])
         self.write("export.csv", "")
         for command in ("import", "export", "merge"):
             self.assertEqual(self.complete("quillon", command, "exp"), ["export.csv"])

@@ -311,19 +311,19 @@ struct QNTextArguments {
 
 struct QNArguments {
   QNGlobalArguments global;
-  std::variant<QNTextArguments, QNInitArguments, QNImportArguments, QNListArguments,
-               QNFindArguments, QNForArguments, QNShowArguments, QNAddArguments, QNAddLoginArguments,
-               QNEditArguments, QNTrashArguments, QNRestoreArguments, QNDeleteArguments,
-               QNCategoriesArguments, QNTemplateArguments, QNPasswdArguments, QNInfoArguments,
-               QNCheckArguments, QNBackupArguments, QNOTPArguments, QNVaultListArguments,
-               QNVaultAddArguments, QNVaultIconArguments, QNVaultColorArguments,
-               QNGenerateArguments, QNCompletionArguments, QNHistoryArguments, QNDuplicateArguments,
-               QNFingerprintArguments, QNCopyArguments, QNExportArguments, QNMergeArguments,
-               QNConflictsArguments, QNResolveArguments, QNFavoriteArguments, QNMoveArguments,
-               QNTagListArguments, QNTagAddArguments, QNTagRemoveArguments, QNTagRenameArguments,
+  std::variant<QNTextArguments, QNInitArguments, QNImportArguments, QNExportArguments,
+               QNListArguments, QNFindArguments, QNForArguments, QNShowArguments, QNAddArguments,
+               QNAddLoginArguments, QNEditArguments, QNTrashArguments, QNRestoreArguments,
+               QNDeleteArguments, QNFavoriteArguments, QNMoveArguments, QNTagListArguments,
+               QNTagAddArguments, QNTagRemoveArguments, QNTagRenameArguments,
                QNFolderListArguments, QNFolderAddArguments, QNFolderMoveArguments,
                QNFolderRenameArguments, QNFolderDeleteArguments, QNSmartListArguments,
-               QNSmartAddArguments, QNSmartShowArguments, QNSmartDeleteArguments>
+               QNSmartAddArguments, QNSmartShowArguments, QNSmartDeleteArguments,
+               QNHistoryArguments, QNDuplicateArguments, QNCopyArguments, QNFingerprintArguments,
+               QNCategoriesArguments, QNTemplateArguments, QNPasswdArguments, QNInfoArguments,
+               QNCheckArguments, QNBackupArguments, QNMergeArguments, QNConflictsArguments,
+               QNResolveArguments, QNVaultListArguments, QNVaultAddArguments, QNVaultIconArguments,
+               QNVaultColorArguments, QNOTPArguments, QNGenerateArguments, QNCompletionArguments>
       command;
 };
 

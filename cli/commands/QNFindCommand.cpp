@@ -1,53 +1,91 @@
+// find and for: items by words, by a predicate, or by the page that they fit.
+
 #include "cli/commands/QNCommands.h"
-#include "cli/commands/QNVaultSession.h"
-#include "cli/fields/QNItemFilter.h"
+#include "cli/commands/QNFolderTree.h"
+#include "cli/output/QNItemSearch.h"
 #include "cli/output/QNListing.h"
-#include "cli/output/QNTitleSearch.h"
+#include "cli/fields/QNGivenPredicate.h"
 
 namespace quillon {
 namespace {
 
-QNCommandResult findByTitle(Global global, const QNFindArguments& arguments,
-                            const QNItemFilter& filter, const QNVaultSession& session) {
-  const QNTitleSearch search(arguments.words);
-  QNListing listing(listForm(global.json, arguments.withUUIDs));
-  const auto report = session.store().list(session.vault(), QNStore::Which::normal,
-                                           [&](const std::shared_ptr<QNItem>& item) {
-                                             if (!filter.admits(*item)) return;
-                                             const auto rank = search.rankOf(item->title());
-                                             if (rank) listing.add(*item, *rank);
-                                           });
-  if (!report) return report.error();
+QNCommandResult print(QNListing& listing, const QNListReport& report) {
   QNOutput out;
   listing.print(out);
-  return out.finish(warnOfDamage(report.value()));
+  return out.finish(warnOfDamage(report));
 }
 
-// In the order in which they would be offered for the page.
-QNCommandResult findByWebsite(Global global, const QNFindArguments& arguments,
-                              const QNItemFilter& filter, const QNVaultSession& session) {
-  const auto set = session.store().itemSetForURL(session.vault(), *arguments.url);
-  if (!set) return set.error();
-  set.value()->limitMatchesToDerivedDomain = true;  // the page's own host first
+QNCommandResult findByWords(Global global, const QNFindArguments& arguments,
+                            const QNItemFilter& filter, const QNVaultSession& session) {
+  std::vector<std::string> unread;
+  const auto load = [&](QNItem& item) {
+    const bool loaded = session.store().loadDetails(item.shared_from_this()).ok();
+    if (!loaded) unread.push_back(*item.uuid());
+    return loaded;
+  };
+  const QNItemSearch search(arguments.words, arguments.level, load);
   QNListing listing(listForm(global.json, arguments.withUUIDs));
-  std::uint32_t rank = 0;
-  for (const auto& item : set.value()->matchingItems()) {
-    if (filter.admits(*item)) listing.add(*item, rank++);
-  }
-  QNOutput out;
-  listing.print(out);
-  return out.finish();
+  auto report = session.store().list(session.vault(), QNStore::Which::normal,
+                                     [&](const std::shared_ptr<QNItem>& item) {
+                                       if (!filter.admits(*item)) return;
+                                       const auto rank = search.rankOf(*item);
+                                       if (rank) listing.add(item, *rank);
+                                     });
+  if (!report) return report.error();
+  auto& damaged = report.value().damaged;
+  damaged.insert(damaged.end(), unread.begin(), unread.end());
+  return print(listing, report.value());
+}
+
+QNCommandResult findByPredicate(Global global, const QNFindArguments& arguments,
+                                const QNPredicate& predicate, const QNItemFilter& filter,
+                                const QNVaultSession& session) {
+  QNListing listing(listForm(global.json, arguments.withUUIDs));
+  const auto report = session.store().listMatching(session.vault(), QNStore::Which::normal,
+                                                   predicate, [&](const auto& item) {
+                                                     if (filter.admits(*item)) listing.add(item);
+                                                   });
+  if (!report) return report.error();
+  return print(listing, report.value());
 }
 
 }  // namespace
 
 QNCommandResult runCommand(Global global, const QNFindArguments& arguments) {
-  const auto filter = itemFilter(arguments.category, arguments.tag);
+  auto filter = itemFilter(arguments.filter);
+  if (!filter) return filter.error();
+  const auto predicate = arguments.predicate ? predicateFrom(*arguments.predicate)
+                                             : QNResult<QNPredicateRef>(QNPredicateRef());
+  if (!predicate) return predicate.error();
+  const auto session = QNVaultSession::open(global, QNStore::Access::readOnly);
+  if (!session) return session.error();
+  const auto folder = chooseFolderOf(filter.value(), session.value(), arguments.filter);
+  if (!folder) return folder.error();
+  return predicate.value() == nullptr
+             ? findByWords(global, arguments, filter.value(), session.value())
+             : findByPredicate(global, arguments, *predicate.value(), filter.value(),
+                               session.value());
+}
+
+// In the order in which they would be offered for the page.
+QNCommandResult runCommand(Global global, const QNForArguments& arguments) {
+  auto filter = itemFilter(arguments.filter);
   if (!filter) return filter.error();
   const auto session = QNVaultSession::open(global, QNStore::Access::readOnly);
   if (!session) return session.error();
-  return arguments.url ? findByWebsite(global, arguments, filter.value(), session.value())
-                       : findByTitle(global, arguments, filter.value(), session.value());
+  const auto folder = chooseFolderOf(filter.value(), session.value(), arguments.filter);
+  if (!folder) return folder.error();
+  const auto set = session.value().store().itemSetForURL(session.value().vault(), arguments.url);
+  if (!set) return set.error();
+  set.value()->limitMatchesToDerivedDomain = true;  // the page's own host first
+  QNListing listing(listForm(global.json, arguments.withUUIDs));
+  std::uint32_t rank = 0;
+  for (const auto& item : set.value()->matchingItems()) {
+    if (filter.value().admits(*item)) listing.add(item, rank++);
+  }
+  QNOutput out;
+  listing.print(out);
+  return out.finish();
 }
 
 }  // namespace quillon

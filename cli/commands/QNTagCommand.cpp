@@ -23,8 +23,8 @@ using Match = QNTagName::Match;
 
 constexpr std::size_t kTitleWidth = 40;
 
-QNError noSuchTag(std::string_view whose, std::string_view name) {
-  return toolError(QNExit::notFound, fmt::format("{} such tag", whose)).within(shownText(name));
+QNError noSuchTag(std::string_view message, std::string_view name) {
+  return toolError(QNExit::notFound, message).within(shownText(name));
 }
 
 // A tag, perhaps with those below it, and what becomes of each: nothing takes it away.
@@ -106,7 +106,7 @@ QNCommandResult changeEverywhere(Global global, std::string_view name, std::stri
                                    [&](const auto& item) { tagged.look(item); });
   if (!report) return report.error();
   const QNExit exit = warnOfDamage(report.value());
-  if (tagged.items().empty()) return noSuchTag("no item has", name);
+  if (tagged.items().empty()) return noSuchTag("no item has such a tag", name);
   tagged.change();
   const auto saved = session.value().store().saveAll(tagged.items());
   if (!saved) return saved.error();
@@ -122,7 +122,7 @@ QNCommandResult removeFrom(Global global, const QNTagRemoveArguments& arguments,
   for (const auto& item : items.value()) {
     TaggedItems tagged(change);
     tagged.look(item);
-    if (tagged.items().empty()) return noSuchTag("an item has no", arguments.tag);
+    if (tagged.items().empty()) return noSuchTag("an item has no such tag", arguments.tag);
     tagged.change();
   }
   const auto saved = session.value().store().saveAll(items.value());

@@ -23,8 +23,21 @@ _quillon_options() {
 $_quillon_global"
       ;;
     resolve) echo "--keep --field $_quillon_global" ;;
-    list) echo "--trashed --long --category --tag --sort $_quillon_global" ;;
-    find) echo "--url --long --category --tag $_quillon_global" ;;
+    list)
+      echo "--trashed --category --tag --folder --favorites --not-nested --sort --sections --long \
+$_quillon_global"
+      ;;
+    find)
+      echo "--title --words --contents --where --url --category --tag --folder --favorites" \
+        "--not-nested --long $_quillon_global"
+      ;;
+    for) echo "--category --tag --folder --favorites --not-nested --long $_quillon_global" ;;
+    favorite) echo "--off $_quillon_global" ;;
+    move | folder-move) echo "--to-top $_quillon_global" ;;
+    tag-remove) echo "--all --nested $_quillon_global" ;;
+    folder-list | smart-list) echo "--long $_quillon_global" ;;
+    smart-show) echo "--sort --sections --long $_quillon_global" ;;
+    check) echo "--repair $_quillon_global" ;;
     show) echo "--reveal --field $_quillon_global" ;;
     login)
       echo "--title --username --url --notes --tag --password --generate --favorite $_quillon_global"
@@ -57,8 +70,8 @@ $_quillon_global"
   esac
 }
 
-# The command on the line so far: "login" for "add login", "vault-icon" for "vault icon", nothing if
-# there is none yet.
+# The command on the line so far: "login" for "add login", "vault-icon" for "vault icon" and its
+# like, nothing if there is none yet.
 _quillon_command() {
   local i word command=
   for ((i = 1; i < COMP_CWORD; i++)); do
@@ -69,13 +82,12 @@ _quillon_command() {
       login)
         [[ $command == add ]] && command=login
         ;;
-      list | add | icon | color)
+      *)
         case $command in
-          vault) command=vault-$word ;;
           '') command=$word ;;
+          vault | tag | folder | smart) command=$command-$word ;;
         esac
         ;;
-      *) [[ -z $command ]] && command=$word ;;
     esac
   done
   echo "$command"
@@ -85,6 +97,8 @@ _quillon() {
   local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command words
   command=$(_quillon_command)
   COMPREPLY=()
+  # They take a value elsewhere.
+  [[ $command == find && ($before == --title || $before == --words) ]] && before=
   case $before in
     --store | --password-file | --new-password-file | --own-password-file | --url-file | --save | \
       --to-store | --to-password-file | --other-password-file)
@@ -102,14 +116,14 @@ _quillon() {
       ;;
     --category) words="$_quillon_categories $_quillon_others" ;;
     --lang) words='ar de en es fr ja pt' ;;
-    --sort) words='title updated created' ;;
+    --sort) words='title updated created category strength' ;;
     --keep) words='mine theirs' ;;
     --field)
       [[ $command == resolve ]] && return
       words='title username password url notes'
       ;;
     --hint | --title | --username | --url | --notes | --length | --count | --vault | --words | \
-      --separator | --pin | --at | --to | --other-vault | *-fd)
+      --separator | --pin | --at | --to | --other-vault | --where | --folder | *-fd)
       return
       ;;
     --set-file | --add-field | --unset | --tag | --untag) return ;;
@@ -119,12 +133,15 @@ _quillon() {
         *)
           case $command in
             '')
-              words='init import export list find show add edit trash restore delete history duplicate
-                copy fingerprint categories template passwd info check backup merge conflicts resolve
-                vault otp generate completion'
+              words='init import export list find for show add edit trash restore delete favorite move
+                tag folder smart history duplicate copy fingerprint categories template passwd info
+                check backup merge conflicts resolve vault otp generate completion'
               ;;
             add) words=$_quillon_categories ;;
             vault) words='list add icon color' ;;
+            tag) words='list add remove rename' ;;
+            folder) words='list add move rename delete' ;;
+            smart) words='list add show delete' ;;
             template) words="$_quillon_categories $_quillon_others" ;;
             completion) words='bash zsh fish' ;;
             import | export | backup | merge)

@@ -1,6 +1,6 @@
 # Completions of quillon for fish. Titles aren't completed: that would need the password.
 
-set -l commands init import export list find show add edit trash restore delete history duplicate copy fingerprint categories template passwd info check backup merge conflicts resolve vault otp generate completion
+set -l commands init import export list find for show add edit trash restore delete favorite move tag folder smart history duplicate copy fingerprint categories template passwd info check backup merge conflicts resolve vault otp generate completion
 
 set -l categories login secure-note credit-card identity password bank-account database driver-license email membership outdoor-license passport reward-program router server social-security-number software-license
 set -l others document api-credential medical-record ssh-key crypto-wallet
@@ -20,13 +20,19 @@ complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a init -d 'M
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a import -d 'Add the items of a file'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a export -d 'Write all items as JSON, in clear'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a list -d 'List titles and subtitles'
-complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a find -d 'Find items by title or website'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a find -d 'Find items by words or by what holds for them'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a for -d 'List what fits a web page'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a show -d 'Show one item'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a add -d 'Add one item'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a edit -d 'Change one item'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a trash -d 'Move one item to the trash'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a restore -d 'Take one item out of the trash'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a delete -d 'Delete one trashed item for good'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a favorite -d 'Mark one item as a favorite'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a move -d 'Put one item into a folder'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a tag -d 'The tags of the items'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a folder -d 'The folders of the vault'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a smart -d 'Folders that answer a stored question'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a history -d 'Tell the former passwords of one item'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a duplicate -d 'Make a second item of one'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a copy -d 'Copy one item into another vault'
@@ -51,15 +57,23 @@ complete -c quillon -n '__fish_seen_subcommand_from import merge' -l dry-run -d 
 complete -c quillon -n '__fish_seen_subcommand_from export' -l plaintext -d 'Yes, in clear'
 complete -c quillon -n '__fish_seen_subcommand_from export' -l force -d 'Even to a terminal'
 complete -c quillon -n '__fish_seen_subcommand_from list' -l trashed -d 'List the trash'
-complete -c quillon -n '__fish_seen_subcommand_from list' -l sort -x -a 'title updated created' -d Order
-complete -c quillon -n '__fish_seen_subcommand_from list find' -l long -d 'Show uuids'
-complete -c quillon -n '__fish_seen_subcommand_from list find' -l category -x -a "$categories $others" -d 'Only of one category'
+complete -c quillon -n '__fish_seen_subcommand_from list smart' -l sort -x -a 'title updated created category strength' -d Order
+complete -c quillon -n '__fish_seen_subcommand_from list smart' -l sections -d 'Under headings'
+complete -c quillon -n '__fish_seen_subcommand_from list find for smart folder' -l long -d 'Show uuids'
+complete -c quillon -n '__fish_seen_subcommand_from list find for' -l category -x -a "$categories $others" -d 'Only of one category'
+complete -c quillon -n '__fish_seen_subcommand_from list find for' -l folder -x -d 'Only in a folder'
+complete -c quillon -n '__fish_seen_subcommand_from list find for' -l favorites -d 'Only favorites'
+complete -c quillon -n '__fish_seen_subcommand_from list find for' -l not-nested -d 'Nothing that lies below the tag or folder'
+complete -c quillon -n '__fish_seen_subcommand_from find' -l title -d 'Look in titles alone'
+complete -c quillon -n '__fish_seen_subcommand_from find' -l words -d 'Look at beginnings of words'
+complete -c quillon -n '__fish_seen_subcommand_from find' -l contents -d 'Look everywhere, in passwords too'
+complete -c quillon -n '__fish_seen_subcommand_from find' -l where -x -d 'Find what this holds for'
 complete -c quillon -n '__fish_seen_subcommand_from find add' -l url -x -d Address
 complete -c quillon -n '__fish_seen_subcommand_from show history conflicts' -l reveal -d 'Show secrets'
 complete -c quillon -n '__fish_seen_subcommand_from show' -l field -x -a 'title username password url notes' -d 'Print one field alone'
-complete -c quillon -n "__fish_seen_subcommand_from add; and not __fish_seen_subcommand_from $categories vault" -a "$categories" -d Category
+complete -c quillon -n "__fish_seen_subcommand_from add; and not __fish_seen_subcommand_from $categories vault tag folder smart" -a "$categories" -d Category
 complete -c quillon -n '__fish_seen_subcommand_from template' -a "$categories $others" -d Category
-complete -c quillon -n '__fish_seen_subcommand_from add edit list find' -l tag -x -d Tag
+complete -c quillon -n '__fish_seen_subcommand_from add edit list find for' -l tag -x -d Tag
 complete -c quillon -n '__fish_seen_subcommand_from edit' -l untag -x -d 'Take a tag away'
 complete -c quillon -n '__fish_seen_subcommand_from add' -l title -x -d Title
 complete -c quillon -n '__fish_seen_subcommand_from add' -l username -x -d 'User name'
@@ -72,6 +86,24 @@ complete -c quillon -n '__fish_seen_subcommand_from add edit' -l set -x -a 'titl
 complete -c quillon -n '__fish_seen_subcommand_from add edit' -l set-file -x -d 'Set a field to the content of a file'
 complete -c quillon -n '__fish_seen_subcommand_from add edit' -l add-field -x -d 'Make a field'
 complete -c quillon -n '__fish_seen_subcommand_from edit' -l unset -x -d 'Take a field away'
+complete -c quillon -n '__fish_seen_subcommand_from favorite' -l off -d 'Take the mark away'
+complete -c quillon -n '__fish_seen_subcommand_from move folder' -l to-top -d 'Into none'
+complete -c quillon -n '__fish_seen_subcommand_from tag; and not __fish_seen_subcommand_from list add remove rename' -a list -d 'List the tags'
+complete -c quillon -n '__fish_seen_subcommand_from tag; and not __fish_seen_subcommand_from list add remove rename' -a add -d 'Give items a tag'
+complete -c quillon -n '__fish_seen_subcommand_from tag; and not __fish_seen_subcommand_from list add remove rename' -a remove -d 'Take a tag from items'
+complete -c quillon -n '__fish_seen_subcommand_from tag; and not __fish_seen_subcommand_from list add remove rename' -a rename -d 'Rename a tag and those below it'
+complete -c quillon -n '__fish_seen_subcommand_from tag; and __fish_seen_subcommand_from remove' -l all -d 'From every item'
+complete -c quillon -n '__fish_seen_subcommand_from tag; and __fish_seen_subcommand_from remove' -l nested -d 'Also the tags below it'
+complete -c quillon -n '__fish_seen_subcommand_from folder; and not __fish_seen_subcommand_from list add move rename delete' -a list -d 'Draw the folders as a tree'
+complete -c quillon -n '__fish_seen_subcommand_from folder; and not __fish_seen_subcommand_from list add move rename delete' -a add -d 'Make a folder'
+complete -c quillon -n '__fish_seen_subcommand_from folder; and not __fish_seen_subcommand_from list add move rename delete' -a move -d 'Move a folder into another'
+complete -c quillon -n '__fish_seen_subcommand_from folder; and not __fish_seen_subcommand_from list add move rename delete' -a rename -d 'Give a folder another title'
+complete -c quillon -n '__fish_seen_subcommand_from folder; and not __fish_seen_subcommand_from list add move rename delete' -a delete -d 'Delete a folder'
+complete -c quillon -n '__fish_seen_subcommand_from smart; and not __fish_seen_subcommand_from list add show delete' -a list -d 'List the smart folders'
+complete -c quillon -n '__fish_seen_subcommand_from smart; and not __fish_seen_subcommand_from list add show delete' -a add -d 'Make a smart folder'
+complete -c quillon -n '__fish_seen_subcommand_from smart; and not __fish_seen_subcommand_from list add show delete' -a show -d 'List the items of one'
+complete -c quillon -n '__fish_seen_subcommand_from smart; and not __fish_seen_subcommand_from list add show delete' -a delete -d 'Delete a smart folder'
+complete -c quillon -n '__fish_seen_subcommand_from check' -l repair -d 'Bring what lies nowhere to the top'
 complete -c quillon -n '__fish_seen_subcommand_from delete' -l force -d 'Even if it is not in the trash'
 complete -c quillon -n '__fish_seen_subcommand_from copy' -l to -x -d 'The vault that gets it'
 complete -c quillon -n '__fish_seen_subcommand_from copy' -l to-store -r -F -d 'The store of that vault'

@@ -1,12 +1,12 @@
 #include "cli/output/QNListing.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "cli/fields/QNCategoryNames.h"
 #include "cli/output/QNItemJson.h"
+#include "cli/output/QNListOrdering.h"
 #include "cli/output/QNShownText.h"
-#include "quillon/platform/text/QNText.h"
+#include "quillon/lists/QNItemList.h"
 
 namespace quillon {
 namespace {
@@ -14,13 +14,14 @@ namespace {
 constexpr std::size_t kTitleWidth = 40;
 constexpr std::size_t kKindWidth = 16;  // a longer one pushes what follows it
 
-// Bytes that sort as the number does.
-void appendNumber(std::string& key, std::uint64_t number) {
-  for (int shift = 56; shift >= 0; shift -= 8) key += static_cast<char>(number >> shift);
-}
+constexpr std::string_view kMargin = "  ";   // under a heading
 
-std::uint64_t newestFirst(std::uint64_t seconds) {
-  return std::numeric_limits<std::uint64_t>::max() - seconds;
+JsonObject jsonOf(const QNItemListSection& section) {
+  JsonObject object(jsonStorage());
+  setJsonText(object, "section", section.sectionName());
+  JsonArray& items = object["items"].emplace_array();
+  for (const auto& item : section.items()) items.emplace_back(listedJson(*item));
+  return object;
 }
 
 }  // namespace
@@ -28,17 +29,6 @@ std::uint64_t newestFirst(std::uint64_t seconds) {
 QNListForm listForm(bool json, bool withUUIDs) {
   if (json) return QNListForm::json;
   return withUUIDs ? QNListForm::tableWithUUIDs : QNListForm::table;
-}
-
-std::string QNListing::keyOf(QNItem& item, std::uint32_t rank) const {
-  std::string key;
-  appendNumber(key, rank);
-  if (_order == QNListOrder::updated) appendNumber(key, newestFirst(item.updatedAt()));
-  if (_order == QNListOrder::created) appendNumber(key, newestFirst(item.createdAt()));
-  key += collationKey(item.title());
-  key += '\0';  // no byte of a collation key is 0: equal titles are sorted by what follows
-  key += *item.uuid();
-  return key;
 }
 
 Bytes QNListing::textOfItem(QNItem& item) const {
@@ -53,9 +43,10 @@ Bytes QNListing::textOfItem(QNItem& item) const {
   return toBytes(bytesOf(line));
 }
 
-void QNListing::add(QNItem& item, std::uint32_t rank) {
-  const std::string key = keyOf(item, rank);
-  const Bytes text = textOfItem(item);
+void QNListing::add(const std::shared_ptr<QNItem>& item, std::uint32_t rank) {
+  if (_layout == QNListLayout::sections) return _items.push_back(item);
+  const std::string key = listKeyOf(*item, _order, rank);
+  const Bytes text = textOfItem(*item);
   Line line{{}, key.size()};
   line.keyAndText.reserve(key.size() + text.size());
   const ByteView keyBytes = bytesOf(key);
@@ -65,6 +56,10 @@ void QNListing::add(QNItem& item, std::uint32_t rank) {
 }
 
 void QNListing::print(QNOutput& out) {
+  _layout == QNListLayout::sections ? printSections(out) : printLines(out);
+}
+
+void QNListing::printLines(QNOutput& out) {
   std::sort(_lines.begin(), _lines.end(),
             [](const Line& a, const Line& b) { return a.key() < b.key(); });
   const bool json = _form == QNListForm::json;
@@ -75,6 +70,26 @@ void QNListing::print(QNOutput& out) {
     if (!json) out.text("\n");
   }
   if (json) out.line("]");
+}
+
+void QNListing::printSections(QNOutput& out) const {
+  QNListSorter sorter(_order);
+  const QNItemList list(_items, sorter);
+  JsonArray array(jsonStorage());
+  for (const auto& section : list.sections()) {
+    if (_form == QNListForm::json) {
+      array.emplace_back(jsonOf(*section));
+      continue;
+    }
+    out.line(shownText(section->sectionName()));
+    for (const auto& item : section->items()) {
+      out.text(kMargin);
+      out.line(textOf(textOfItem(*item)));
+    }
+  }
+  if (_form != QNListForm::json) return;
+  out.json(Json(std::move(array)));
+  out.line("");
 }
 
 }  // namespace quillon

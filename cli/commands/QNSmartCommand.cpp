@@ -1,0 +1,85 @@
+// smart list, add and show.
+
+#include "cli/commands/QNCommands.h"
+#include "cli/commands/QNNewFolder.h"
+#include "cli/fields/QNGivenPredicate.h"
+#include "cli/output/QNListing.h"
+#include "cli/output/QNOutput.h"
+#include "cli/output/QNShownText.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::size_t kTitleWidth = 40;
+
+JsonObject jsonOf(QNFolder& folder, const std::string& predicate) {
+  JsonObject object(jsonStorage());
+  setJsonText(object, "uuid", *folder.uuid());
+  setJsonText(object, "title", folder.title().value_or(""));
+  setJsonText(object, "predicate", predicate);
+  return object;
+}
+
+void printLine(QNOutput& out, QNFolder& folder, const std::string& predicate, bool withUUIDs) {
+  if (withUUIDs) out.text(shownText(*folder.uuid()) + "  ");
+  out.line(padded(shownTitle(folder), kTitleWidth) + "  " + shownText(predicate));
+}
+
+}  // namespace
+
+QNCommandResult runCommand(Global global, const QNSmartListArguments& arguments) {
+  const auto session = QNVaultSession::open(global, QNStore::Access::readOnly);
+  if (!session) return session.error();
+  const auto tree = QNFolderTree::read(session.value());
+  if (!tree) return tree.error();
+  QNOutput out;
+  JsonArray array(jsonStorage());
+  for (const QNFolderRef& folder : tree.value().all()) {
+    if (!folder->smartFolder()) continue;
+    const std::string predicate = folder->smartFolderPredicate()->predicateFormat();
+    if (global.json) {
+      array.emplace_back(jsonOf(*folder, predicate));
+    } else {
+      printLine(out, *folder, predicate, arguments.withUUIDs);
+    }
+  }
+  if (global.json) {
+    out.json(Json(std::move(array)));
+    out.line("");
+  }
+  return out.finish(tree.value().warn());
+}
+
+QNCommandResult runCommand(Global global, const QNSmartAddArguments& arguments) {
+  const auto predicate = predicateFrom(arguments.predicate);
+  if (!predicate) return predicate.error();
+  const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
+  if (!session) return session.error();
+  const auto folder = addFolder(session.value(), arguments.path, [&](QNFolder& made) {
+    made.setSmartFolder(true);
+    made.setSmartFolderPredicate(predicate.value());
+  });
+  if (!folder) return folder.error();
+  return printUUID(global.json, *folder.value()->uuid());
+}
+
+QNCommandResult runCommand(Global global, const QNSmartShowArguments& arguments) {
+  const auto session = QNVaultSession::open(global, QNStore::Access::readOnly);
+  if (!session) return session.error();
+  const auto tree = QNFolderTree::read(session.value());
+  if (!tree) return tree.error();
+  const auto folder = tree.value().chooseSmart(arguments.folder);
+  if (!folder) return folder.error();
+  const auto predicate = folder.value()->smartFolderPredicate();
+  QNListing listing(listForm(global.json, arguments.withUUIDs), arguments.order,
+                    arguments.sections ? QNListLayout::sections : QNListLayout::plain);
+  const auto report = session.value().store().listMatching(
+      session.value().vault(), QNStore::Which::normal, *predicate,
+      [&](const std::shared_ptr<QNItem>& item) { listing.add(item); });
+  if (!report) return report.error();
+  QNOutput out;
+  listing.print(out);
+  return out.finish(warnOfDamage(report.value()));
+}
+
+}  // namespace quillon
