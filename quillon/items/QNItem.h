@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <set>
@@ -32,8 +33,6 @@ class QNLogin;
 class QNPredicateCache;
 class QNQuickAccessShortcut;
 class QNSearchPredicate;
-struct QNSearchText;
-struct QNSearchWords;
 class QNTombstone;
 
 /// What copying an item into another vault needs; which of it is enough, the caller decides.
@@ -656,7 +655,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
  private:
   struct OpenState;    // what an item has once somebody opens or edits it
   struct RareColumns;  // columns that most items leave empty
-  struct SearchTexts;  // what a search has made of the overview
+  class SearchTexts;   // what searches have made of the overview
   OpenState& openState() const;
   RareColumns& rareColumns();
   static std::string_view uuidForLogging(const QNSharedString& uuid);
@@ -711,19 +710,24 @@ class QNItem : public QNDatabaseObjectWithOverview,
   template <class Test>
   bool anyField(const Test& test);
 
+  // The monitor is held, and while what they give is looked at.
   SearchTexts& searchTexts();
-  const QNSearchText& titleForSearch();
-  const QNSearchText& overviewForSearch();
-  const QNSearchWords& wordsForSearch();
-  QNSecret joinedOverviewForSearch(bool withBlanksOfEmptyParts);
-  void dropTitleForSearch();
+  SearchTexts& searchTextsWithOverview(bool withBlanksOfEmptyParts);
+  SearchTexts& keepSearchTexts(SearchTexts* texts);
+  void dropSearchTexts();
   void dropOverviewForSearch();
-  void dropWordsForSearch();
+  void dropSearchWords();
+  void fetchForSearch() const noexcept;
+  void fetchSearchTexts() const noexcept;
+  [[nodiscard]] bool hasLowercaseUUID(std::string_view string) const;
   [[nodiscard]] bool titleMatches(const QNSearchPredicate& test);
   [[nodiscard]] bool overviewMatches(const QNSearchPredicate& test);
   [[nodiscard]] bool contentsMatches(const QNSearchPredicate& test);
-  [[nodiscard]] bool hasWordThatMatches(std::string_view string, bool prefixMatch);
-  void toggleTag(std::string_view tag);
+  [[nodiscard]] bool matches(const QNSearchPredicate& test, QNSearchLevel level);
+  [[nodiscard]] bool matchesAll(const SearchStrings& strings, QNSearchLevel level);
+  [[nodiscard]] bool matchesSearchWord(const QNSearchPredicate& test);
+  [[nodiscard]] bool hasHostWith(std::string_view string);
+  void toggleTagWhateverItsCase(std::string_view tag);
 
   [[nodiscard]] bool URLsAreAvailable() const;
   [[nodiscard]] static bool allOpen(const std::vector<std::shared_ptr<QNItemURL>>& urls);
@@ -740,6 +744,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   std::int32_t _numberOfAttachments = 0;
   std::int32_t _numberOfTimesUsed = 0;
   QNSharedString _uuid;
+  std::atomic<SearchTexts*> _search{nullptr};  // owned; made at the first search
   std::optional<std::string> _categoryUUID;
   std::optional<std::string> _sectionName;
   std::uint64_t _txTimestamp = 0;
@@ -751,7 +756,6 @@ class QNItem : public QNDatabaseObjectWithOverview,
   std::uint64_t _faveIndex = 0;
   mutable std::unique_ptr<OpenState> _open;  // made at the first need, under the monitor
   std::unique_ptr<RareColumns> _rare;
-  std::unique_ptr<SearchTexts> _search;  // made at the first search, under the monitor
 };
 
 }  // namespace quillon

@@ -80,6 +80,11 @@ class QNLogin : public QNItem {
   [[nodiscard]] std::optional<QNSecret> clipboardValue() override { return password(); }
   [[nodiscard]] bool isCreatedByBrowserExtension() override;
 
+  // Search: entries of the form come first
+  [[nodiscard]] std::vector<QNSecret> allValuesForSearch() override;
+  [[nodiscard]] std::vector<QNSecret> allPasswordsForSearch() override;
+  [[nodiscard]] std::vector<std::string> allFieldTitlesForSearch() override;
+
   // Kept for compatibility: not persisted, and nothing reads them
   [[nodiscard]] bool defaultAutosubmit() const { return false; }
   [[nodiscard]] bool alwaysAutosubmit() const { return false; }

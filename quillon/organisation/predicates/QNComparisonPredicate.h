@@ -64,7 +64,7 @@ class QNComparisonPredicate final : public QNPredicate {
   [[nodiscard]] bool isEqual(const QNPredicate& other) const override;
   [[nodiscard]] QNTruth truth(QNPredicateRun& run) const override;
   void describe(QNPredicateText& text) const override;
-  [[nodiscard]] std::optional<QNError> fault() const override;
+  [[nodiscard]] std::optional<QNError> faultForItems() const override;
 
  private:
   explicit QNComparisonPredicate(Parts parts);

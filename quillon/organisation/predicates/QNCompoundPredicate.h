@@ -28,7 +28,7 @@ class QNCompoundPredicate final : public QNPredicate {
   [[nodiscard]] std::size_t depth() const override { return _depth; }
   [[nodiscard]] QNTruth truth(QNPredicateRun& run) const override;
   void describe(QNPredicateText& text) const override;
-  [[nodiscard]] std::optional<QNError> fault() const override;
+  [[nodiscard]] std::optional<QNError> faultForItems() const override;
 
  private:
   QNCompoundPredicate(QNCompoundType type, std::vector<QNPredicateRef> subpredicates);

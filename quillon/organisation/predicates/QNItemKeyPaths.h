@@ -8,11 +8,14 @@ namespace quillon {
 
 class QNItem;
 
+/// Where an item finds the answer: in its overview or its row, there or in the details of an account
+/// vault's item, or in its details.
+enum class QNKeyPathHome { overview, detailsInAccounts, details };
+
 /// A key path of items. The names are stored in predicates: they never change.
 struct QNItemKeyPath {
   std::string_view name;
-  /// False if overview and row columns alone answer it.
-  bool needsDetails = false;
+  QNKeyPathHome home = QNKeyPathHome::overview;
   QNKeyPathValue (*value)(QNItem& item) = nullptr;
 };
 

@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "quillon/platform/memory/QNSecret.h"
+#include "quillon/platform/json/QNJson.h"
 
 namespace quillon {
 
@@ -31,11 +31,12 @@ class QNKeyPath final {
   const QNItemKeyPath* _ofItem;  // looked up once, for many items
 };
 
-/// What an object answers: nothing, yes or no, a whole number, another number, a moment, a text that
-/// lies in the object (valid until it changes), a text of its own, or texts.
-using QNKeyPathValue = std::variant<std::monostate, bool, std::int64_t, double,
-                                    std::chrono::sys_seconds, std::string_view, QNSecret,
-                                    std::vector<QNSecret>>;
+/// What an object answers: nothing, yes or no, a whole number, another number, a moment, a text or a
+/// list that lies in the object (valid until it changes; only texts in it count, and it isn't null),
+/// a text of its own, or texts.
+using QNKeyPathValue =
+    std::variant<std::monostate, bool, std::int64_t, double, std::chrono::sys_seconds,
+                 std::string_view, const JsonArray*, QNSecret, std::vector<QNSecret>>;
 
 /// An object that predicates ask.
 class QNKeyPathSource {

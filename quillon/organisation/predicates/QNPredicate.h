@@ -17,6 +17,7 @@ namespace quillon {
 class QNExpression;
 class QNPredicate;
 class QNPredicateRun;
+class QNPredicateText;
 using QNPredicateRef = std::shared_ptr<const QNPredicate>;
 
 /// What part of a question says where not all of it may be looked at.
@@ -65,23 +66,23 @@ class QNPredicate {
   /// doesn't settle it.
   [[nodiscard]] QNResult<QNTruth> evaluateWithoutDetails(QNKeyPathSource& source,
                                                          QNPredicateBudget& budget) const;
-  /// Does it read a key path of an item that overview and row columns alone can't answer?
+  /// Does it ask an item of a local vault for what overview and row columns alone can't answer?
   [[nodiscard]] virtual bool needsDetails() const = 0;
   /// Nothing if an item has every key path in it and every pattern is one: asked once, before many
   /// items are. Else the error that evaluate() would give.
-  [[nodiscard]] std::optional<QNError> faultForItems() const;
+  [[nodiscard]] virtual std::optional<QNError> faultForItems() const = 0;
 
   /// The same question in the same words: order and options count.
   [[nodiscard]] virtual bool isEqual(const QNPredicate& other) const = 0;
+  /// What predicateWithValue() was given; nothing for any other predicate.
+  [[nodiscard]] virtual std::optional<bool> constantValue() const { return std::nullopt; }
   /// Compounds on the longest way down; 0 for one that is none.
   [[nodiscard]] virtual std::size_t depth() const { return 0; }
 
   // For the kinds of predicates
   [[nodiscard]] virtual QNTruth truth(QNPredicateRun& run) const = 0;
   /// Appends the text form.
-  virtual void describe(class QNPredicateText& text) const = 0;
-  /// The first fault that no object could mend.
-  [[nodiscard]] virtual std::optional<QNError> fault() const = 0;
+  virtual void describe(QNPredicateText& text) const = 0;
 
  protected:
   QNPredicate() = default;

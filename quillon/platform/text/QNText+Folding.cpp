@@ -11,38 +11,10 @@
 #include "quillon/platform/memory/QNBytes.h"
 #include "quillon/platform/text/QNASCII.h"
 #include "quillon/platform/text/QNText.h"
+#include "quillon/platform/text/internal/QNPlainLetters.h"
 
 namespace quillon {
 namespace {
-
-// Lower-case letters that normalization doesn't take apart, though people search for them by
-// their plain look-alike. Null for any other.
-const char* plainLetterFor(UChar32 c) noexcept {
-  switch (c) {
-    case 0x00E6:
-      return "ae";
-    case 0x00F0:
-      return "d";  // ð
-    case 0x00F8:
-      return "o";  // ø
-    case 0x00FE:
-      return "th";  // þ
-    case 0x0111:
-      return "d";  // đ
-    case 0x0127:
-      return "h";  // ħ
-    case 0x0131:
-      return "i";  // ı
-    case 0x0142:
-      return "l";  // ł
-    case 0x0153:
-      return "oe";
-    case 0x0167:
-      return "t";  // ŧ
-    default:
-      return nullptr;
-  }
-}
 
 icu::UnicodeString unicodeOf(std::string_view text) {
   return icu::UnicodeString::fromUTF8(

@@ -1,0 +1,319 @@
+#include "quillon/organisation/predicates/internal/QNComparisonTest.h"
+
+// Which values are compared, and how; anything else isn't equal, not before and not behind.
+//
+//   left              right          operators
+//   nothing           nothing        == is true, != is false; any other false
+//   number, yes or no the same       == != < <= > >=; yes is 1 and no is 0
+//   moment            moment         == != < <= > >=
+//   text              text           == != < <= > >= by bytes of the folded texts; CONTAINS,
+//                                    BEGINSWITH, ENDSWITH, LIKE, MATCHES, and IN with the sides
+//                                    exchanged
+//   list              list           == !=, element by element
+//   list              any            CONTAINS: is one element equal to it
+//   any               list           IN: the same with the sides exchanged
+//   any               list of two    BETWEEN: not before the first, not behind the second
+//
+// ALL and ANY compare each element of a list on the left; nothing is a list of none there, and any
+// other value a list of itself.
+
+namespace quillon {
+namespace {
+
+// What it costs to compile an expression, for each of its bytes.
+constexpr std::uint64_t kStepsToCompile = 1000;
+
+QNExpression foldedConstant(const QNExpression& expression, QNFolding folding) {
+  if (const auto* const text = std::get_if<std::string>(&expression.content())) {
+    // What is searched for stays as long as the question does.
+    return *QNExpression::text(foldedText(*text, folding).reveal());
+  }
+  if (const auto* const list = std::get_if<QNExpression::List>(&expression.content())) {
+    QNExpression::List folded;
+    for (const QNExpression& element : *list) folded.push_back(foldedConstant(element, folding));
+    return *QNExpression::list(std::move(folded));
+  }
+  return expression;
+}
+
+QNOperand operandOf(const QNExpression& folded) {
+  struct Seeing {
+    QNOperand operator()(QNExpression::Nil) const { return std::monostate(); }
+    QNOperand operator()(bool value) const { return value; }
+    QNOperand operator()(std::int64_t value) const { return value; }
+    QNOperand operator()(double value) const { return value; }
+    QNOperand operator()(std::chrono::sys_seconds value) const { return value; }
+    QNOperand operator()(const std::string& value) const { return QNComparedText{value, true}; }
+    QNOperand operator()(const QNExpression::List& value) const { return &value; }
+    QNOperand operator()(const QNKeyPath& /*value*/) const { return std::monostate(); }
+  };
+  return std::visit(Seeing(), folded.content());
+}
+
+QNOperand operandOf(const QNKeyPathValue& value) {
+  struct Seeing {
+    QNOperand operator()(std::monostate) const { return std::monostate(); }
+    QNOperand operator()(bool it) const { return it; }
+    QNOperand operator()(std::int64_t it) const { return it; }
+    QNOperand operator()(double it) const { return it; }
+    QNOperand operator()(std::chrono::sys_seconds it) const { return it; }
+    QNOperand operator()(std::string_view it) const { return QNComparedText{it, false}; }
+    QNOperand operator()(const JsonArray* it) const { return it; }
+    // Looked at where it lies.
+    QNOperand operator()(const QNSecret& it) const { return QNComparedText{it.reveal(), false}; }
+    QNOperand operator()(const std::vector<QNSecret>& it) const { return &it; }
+  };
+  return std::visit(Seeing(), value);
+}
+
+/// One side of the comparison in one run.
+class Side {
+ public:
+  /// `constant` and `run` must outlive it.
+  Side(const QNExpression& constant, QNPredicateRun& run) {
+    const QNKeyPath* const keyPath = constant.asKeyPath();
+    if (keyPath == nullptr) {
+      _operand = operandOf(constant);
+    } else if (!run.mayAsk(*keyPath)) {
+      _isKnown = false;
+    } else if (auto value = run.valueForKeyPath(*keyPath)) {
+      _value = std::move(*value);
+      _operand = operandOf(_value);
+    }
+  }
+  Side(const Side&) = delete;
+  Side& operator=(const Side&) = delete;
+  bool isKnown() const { return _isKnown; }
+  const QNOperand& operand() const { return _operand; }
+
+ private:
+  bool _isKnown = true;
+  QNKeyPathValue _value;
+  QNOperand _operand;
+};
+
+std::size_t lengthOf(const JsonArray& list) {
+  return list.size();
+}
+template <class Element>
+std::size_t lengthOf(const std::vector<Element>& list) {
+  return list.size();
+}
+QNOperand elementOf(const JsonArray& list, std::size_t index) {
+  const auto* const text = list[index].if_string();
+  if (text == nullptr) return std::monostate();
+  return QNComparedText{std::string_view(text->data(), text->size()), false};
+}
+QNOperand elementOf(const std::vector<QNSecret>& list, std::size_t index) {
+  return QNComparedText{list[index].reveal(), false};  // looked at where it lies
+}
+QNOperand elementOf(const QNExpression::List& list, std::size_t index) {
+  return operandOf(list[index]);
+}
+
+/// Gives the elements of a list in order, until `test` is true of one. Nothing if it is no list.
+template <class Test>
+std::optional<bool> anyElement(const QNOperand& list, const Test& test) {
+  const auto anyOf = [&test](const auto& elements) {
+    for (std::size_t i = 0; i < lengthOf(elements); ++i) {
+      if (test(elementOf(elements, i))) return true;
+    }
+    return false;
+  };
+  if (const auto* const stored = std::get_if<const JsonArray*>(&list)) return anyOf(**stored);
+  if (const auto* const texts = std::get_if<const std::vector<QNSecret>*>(&list)) {
+    return anyOf(**texts);
+  }
+  if (const auto* const constants = std::get_if<const QNExpression::List*>(&list)) {
+    return anyOf(**constants);
+  }
+  return std::nullopt;
+}
+
+std::optional<std::vector<QNOperand>> elementsOf(const QNOperand& list) {
+  std::vector<QNOperand> elements;
+  const auto keep = [&elements](const QNOperand& element) {
+    elements.push_back(element);
+    return false;
+  };
+  if (!anyElement(list, keep)) return std::nullopt;
+  return elements;
+}
+
+template <class Value>
+bool compareOrdered(QNOperatorType operatorType, Value left, Value right) {
+  switch (operatorType) {
+    case QNOperatorType::lessThan:
+      return left < right;
+    case QNOperatorType::lessThanOrEqualTo:
+      return left <= right;
+    case QNOperatorType::greaterThan:
+      return left > right;
+    case QNOperatorType::greaterThanOrEqualTo:
+      return left >= right;
+    case QNOperatorType::equalTo:
+      return left == right;
+    case QNOperatorType::notEqualTo:
+      return left != right;
+    default:
+      return false;
+  }
+}
+
+std::optional<std::int64_t> wholeNumber(const QNOperand& operand) {
+  if (const auto* const number = std::get_if<std::int64_t>(&operand)) return *number;
+  if (const auto* const truth = std::get_if<bool>(&operand)) return *truth ? 1 : 0;
+  return std::nullopt;
+}
+
+std::optional<double> number(const QNOperand& operand) {
+  if (const auto* const real = std::get_if<double>(&operand)) return *real;
+  const auto whole = wholeNumber(operand);
+  return whole ? std::optional<double>(static_cast<double>(*whole)) : std::nullopt;
+}
+
+bool isNothing(const QNOperand& operand) {
+  return std::holds_alternative<std::monostate>(operand);
+}
+
+}  // namespace
+
+QNComparisonTest::QNComparisonTest(const QNComparisonPredicate::Parts& parts)
+    : _parts(parts), _folding(foldingForOptions(parts.options)) {
+  if (parts.operatorType == QNOperatorType::matches) {
+    // Case is the expression's own affair: a folded "\D" would be another expression.
+    const bool marks = (parts.options & kDiacriticInsensitive) != 0;
+    _folding = marks ? QNFolding::marks : QNFolding::none;
+  }
+  _left = foldedConstant(parts.left, _folding);
+  _right = foldedConstant(parts.right, _folding);
+  if (const auto* const text = std::get_if<std::string>(&_right.content());
+      text != nullptr && parts.operatorType == QNOperatorType::matches) {
+    _expression = compiledExpression(*text);
+  }
+}
+
+QNResult<QNComparisonTest::Expression> QNComparisonTest::compiledExpression(
+    std::string_view text) const {
+  return QNRegularExpression::compiled(text, (_parts.options & kCaseInsensitive) != 0);
+}
+
+std::optional<QNError> QNComparisonTest::faultForItems() const {
+  for (const QNExpression* const side : {&_parts.left, &_parts.right}) {
+    const QNKeyPath* const keyPath = side->asKeyPath();
+    if (keyPath != nullptr && keyPath->ofItem() == nullptr) return unknownKeyPath(*keyPath);
+  }
+  if (_expression && !_expression->ok()) return _expression->error();
+  return std::nullopt;
+}
+
+QNTruth QNComparisonTest::truth(QNPredicateRun& run) const {
+  if (!run.spend(1)) return QNTruth::unknown;
+  const Side left(_left, run);
+  const Side right(_right, run);
+  if (!left.isKnown() || !right.isKnown()) return QNTruth::unknown;
+  return modified(left.operand(), right.operand(), run) ? QNTruth::yes : QNTruth::no;
+}
+
+bool QNComparisonTest::modified(const QNOperand& left, const QNOperand& right,
+                                QNPredicateRun& run) const {
+  const QNOperatorType operatorType = _parts.operatorType;
+  if (_parts.modifier == QNComparisonModifier::direct) {
+    return compare(operatorType, left, right, run);
+  }
+  const bool isAny = _parts.modifier == QNComparisonModifier::any;
+  if (isNothing(left)) return !isAny;
+  const auto settles = [&](const QNOperand& element) {
+    return compare(operatorType, element, right, run) == isAny || run.fault();
+  };
+  const auto settled = anyElement(left, settles);
+  return settled.value_or(settles(left)) == isAny;
+}
+
+bool QNComparisonTest::compare(QNOperatorType operatorType, const QNOperand& left,
+                               const QNOperand& right, QNPredicateRun& run) const {
+  switch (operatorType) {
+    case QNOperatorType::matches:
+      return matches(left, right, run);
+    case QNOperatorType::contains:
+      return holds(left, right, run);
+    case QNOperatorType::in:
+      return holds(right, left, run);
+    case QNOperatorType::between:
+      return isBetween(left, right, run);
+    default:
+      return compareScalars(operatorType, left, right, run);
+  }
+}
+
+bool QNComparisonTest::compareScalars(QNOperatorType operatorType, const QNOperand& left,
+                                      const QNOperand& right, QNPredicateRun& run) const {
+  const auto* const leftText = std::get_if<QNComparedText>(&left);
+  const auto* const rightText = std::get_if<QNComparedText>(&right);
+  if (leftText != nullptr && rightText != nullptr) {
+    return compareTexts(operatorType, _folding, *leftText, *rightText, run);
+  }
+  if (const auto a = wholeNumber(left), b = wholeNumber(right); a && b) {
+    return compareOrdered(operatorType, *a, *b);
+  }
+  if (const auto a = number(left), b = number(right); a && b) {
+    return compareOrdered(operatorType, *a, *b);
+  }
+  const auto* const leftDate = std::get_if<std::chrono::sys_seconds>(&left);
+  const auto* const rightDate = std::get_if<std::chrono::sys_seconds>(&right);
+  if (leftDate != nullptr && rightDate != nullptr) {
+    return compareOrdered(operatorType, *leftDate, *rightDate);
+  }
+  const bool equal = (isNothing(left) && isNothing(right)) || equalLists(left, right, run);
+  if (operatorType == QNOperatorType::equalTo) return equal;
+  return operatorType == QNOperatorType::notEqualTo && !equal;
+}
+
+bool QNComparisonTest::equalLists(const QNOperand& left, const QNOperand& right,
+                                  QNPredicateRun& run) const {
+  const auto a = elementsOf(left);
+  const auto b = elementsOf(right);
+  if (!a || !b || a->size() != b->size() || !run.spend(a->size())) return false;
+  for (std::size_t i = 0; i < a->size(); ++i) {
+    if (!compareScalars(QNOperatorType::equalTo, (*a)[i], (*b)[i], run)) return false;
+  }
+  return true;
+}
+
+bool QNComparisonTest::holds(const QNOperand& whole, const QNOperand& part,
+                             QNPredicateRun& run) const {
+  const auto inList = anyElement(whole, [&](const QNOperand& element) {
+    return !run.spend(1) || compareScalars(QNOperatorType::equalTo, element, part, run);
+  });
+  return inList ? *inList : compareScalars(QNOperatorType::contains, whole, part, run);
+}
+
+bool QNComparisonTest::isBetween(const QNOperand& left, const QNOperand& right,
+                                 QNPredicateRun& run) const {
+  const auto bounds = elementsOf(right);
+  return bounds && bounds->size() == 2 &&
+         compareScalars(QNOperatorType::greaterThanOrEqualTo, left, bounds->front(), run) &&
+         compareScalars(QNOperatorType::lessThanOrEqualTo, left, bounds->back(), run);
+}
+
+bool QNComparisonTest::matches(const QNOperand& left, const QNOperand& right,
+                               QNPredicateRun& run) const {
+  const auto* const text = std::get_if<QNComparedText>(&left);
+  const auto* const given = std::get_if<QNComparedText>(&right);
+  if (text == nullptr || given == nullptr) return false;
+  if (!run.spend(text->text.size() * kStepsToFold)) return false;
+  std::optional<QNResult<Expression>> made;
+  if (!_expression) {
+    if (!run.spend(given->text.size() * kStepsToCompile)) return false;
+    made = compiledExpression(foldedText(given->text, _folding).reveal());
+  }
+  const QNResult<Expression>& expression = _expression ? *_expression : *made;
+  if (!expression.ok()) return run.fail(expression.error());
+  const QNSecret folded = foldedText(text->text, text->isFolded ? QNFolding::none : _folding);
+  const auto matched = expression.value()->matches(
+      folded.reveal(), [&run](std::uint64_t steps) { return run.spend(steps); });
+  if (matched == QNRegularExpression::Match::tooCostly) return run.failTooCostly();
+  return matched == QNRegularExpression::Match::yes;
+}
+
+}  // namespace quillon

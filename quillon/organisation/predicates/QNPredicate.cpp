@@ -1,0 +1,103 @@
+#include "quillon/organisation/predicates/QNPredicate.h"
+
+#include "quillon/organisation/predicates/internal/QNPredicateRun.h"
+#include "quillon/organisation/predicates/internal/QNPredicateText.h"
+
+namespace quillon {
+namespace {
+
+/// TRUEPREDICATE or FALSEPREDICATE.
+class ConstantPredicate final : public QNPredicate {
+ public:
+  explicit ConstantPredicate(bool value) : _value(value) {}
+  bool needsDetails() const override { return false; }
+  bool isEqual(const QNPredicate& other) const override {
+    const auto* const constant = dynamic_cast<const ConstantPredicate*>(&other);
+    return constant != nullptr && constant->_value == _value;
+  }
+  std::optional<bool> constantValue() const override { return _value; }
+  QNTruth truth(QNPredicateRun& /*run*/) const override {
+    return _value ? QNTruth::yes : QNTruth::no;
+  }
+  void describe(QNPredicateText& text) const override {
+    text.add(_value ? "TRUEPREDICATE" : "FALSEPREDICATE");
+  }
+  std::optional<QNError> faultForItems() const override { return std::nullopt; }
+
+ private:
+  bool _value;
+};
+
+}  // namespace
+
+// One asking
+
+std::optional<QNKeyPathValue> QNPredicateRun::valueForKeyPath(const QNKeyPath& keyPath) {
+  auto value = _source.valueForKeyPath(keyPath);
+  if (!value) fail(unknownKeyPath(keyPath));
+  return value;
+}
+
+bool QNPredicateRun::fail(QNError fault) {
+  if (!_fault) _fault = std::move(fault);
+  return false;
+}
+
+bool QNPredicateRun::failTooCostly() {
+  return fail(predicateFault("the predicate costs more than is allowed"));
+}
+
+QNError predicateFault(std::string message) {
+  return {std::string(QNErrorDomain), kErrorUnreadableData, std::move(message)};
+}
+
+QNError unknownKeyPath(const QNKeyPath& keyPath) {
+  return predicateFault("there is no key path " + keyPath.name());
+}
+
+// Predicates
+
+QNPredicateRef QNPredicate::predicateWithValue(bool value) {
+  static const QNPredicateRef yes = std::make_shared<const ConstantPredicate>(true);
+  static const QNPredicateRef no = std::make_shared<const ConstantPredicate>(false);
+  return value ? yes : no;
+}
+
+QNPredicateRef QNPredicate::withinLimits(QNPredicateRef predicate) {
+  if (predicate->depth() > kMaxDepth) return nullptr;
+  return predicate->predicateFormat().size() <= kMaxTextBytes ? predicate : nullptr;
+}
+
+std::string QNPredicate::predicateFormat() const {
+  QNPredicateText text(false);
+  describe(text);
+  return text.take();
+}
+
+std::string QNPredicate::predicateFormatForLogging() const {
+  QNPredicateText text(true);
+  describe(text);
+  return text.take();
+}
+
+QNResult<bool> QNPredicate::evaluate(QNKeyPathSource& source) const {
+  QNPredicateBudget budget;
+  return evaluate(source, budget);
+}
+
+QNResult<bool> QNPredicate::evaluate(QNKeyPathSource& source, QNPredicateBudget& budget) const {
+  QNPredicateRun run(source, budget, true);
+  const QNTruth answer = truth(run);
+  if (run.fault()) return *run.fault();
+  return answer == QNTruth::yes;
+}
+
+QNResult<QNTruth> QNPredicate::evaluateWithoutDetails(QNKeyPathSource& source,
+                                                      QNPredicateBudget& budget) const {
+  QNPredicateRun run(source, budget, false);
+  const QNTruth answer = truth(run);
+  if (run.fault()) return *run.fault();
+  return answer;
+}
+
+}  // namespace quillon
