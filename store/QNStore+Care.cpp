@@ -93,6 +93,7 @@ QNResult<QNDone> QNStore::Database::checkVault(const std::shared_ptr<QNProfile>&
   if (!count.agreesWith(ledger.value().items)) {
     report.problems.emplace_back("rows are missing, were added, or are older than the ledger says");
   }
+  checkFolders(vault, report);
   checkSyncSources(vault, report);
   return QNDone{};
 }

@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <map>
 
 #include "quillon/organisation/QNTag.h"
+#include "quillon/organisation/predicates/QNItemKeyPaths.h"
 #include "quillon/organisation/predicates/QNPredicate.h"
 #include "store/QNStore.h"
 #include "store/internal/QNStoreState.h"
@@ -97,3 +99,79 @@ QNResult<QNListReport> QNStore::listFolder(const std::shared_ptr<QNProfile>& vau
         });
   });
 }
+
+// By a question
+
+/// Asks a question of one item after the other, and for details only where it must.
+class QNStore::Database::Matcher final {
+ public:
+  Matcher(Database& database, const QNPredicate& predicate, std::uint64_t items)
+      : _database(database), _predicate(predicate), _budget(items) {}
+
+  /// What became of the item. After a failure all are passed over.
+  Shown match(const std::shared_ptr<QNItem>& item, const QNItemRow& row) {
+    if (failure) return Shown::passedOver;
+    QNItemKeyPathSource source(*item);
+    const auto truth = _predicate.evaluateWithoutDetails(source, _budget);
+    if (!truth.ok()) return fail(truth.error());
+    if (truth.value() != QNTruth::unknown) return shown(truth.value() == QNTruth::yes);
+    if (!_database.readBody(item, row.bodyHash).ok() || item->details() == nullptr) {
+      return Shown::damaged;
+    }
+    const auto answer = _predicate.evaluate(source, _budget);
+    return answer.ok() ? shown(answer.value()) : fail(answer.error());
+  }
+
+  std::optional<QNError> failure;
+
+ private:
+  static Shown shown(bool holds) { return holds ? Shown::listed : Shown::passedOver; }
+  Shown fail(const QNError& error) {
+    failure = error;
+    return Shown::passedOver;
+  }
+
+  Database& _database;
+  const QNPredicate& _predicate;
+  QNPredicateBudget _budget;
+};
+
+QNResult<QNListReport> QNStore::listMatching(const std::shared_ptr<QNProfile>& vault, Which which,
+                                             const QNPredicate& predicate, const Visitor& visit) {
+  if (const auto fault = predicate.faultForItems()) return *fault;
+  const auto ledger = _database->ledgerNow(*vault);
+  if (!ledger.ok()) return ledger.error();
+  Database::Matcher matcher(*_database, predicate, ledger.value().items.rows);
+  auto report = _database->listVault(vault, which, [&](const auto& item, const QNItemRow& row) {
+    const Shown shown = matcher.match(item, row);
+    if (shown == Shown::listed) visit(item);
+    return shown;
+  });
+  if (matcher.failure) return *matcher.failure;
+  return report;
+}
+
+// Tags
+
+QNResult<QNTagReport> QNStore::tags(const std::shared_ptr<QNProfile>& vault) {
+  std::map<std::string, std::uint64_t> counts;
+  const auto listed = list(vault, Which::normal, [&counts](const auto& item) {
+    for (const std::string& title : item->tags()) ++counts[title];
+  });
+  if (!listed.ok()) return listed.error();
+  QNTagReport report;
+  report.rows = listed.value();
+  for (const auto& [title, count] : counts) {
+    const auto tag = std::make_shared<QNTag>(initNew);
+    tag->setProfile(vault);
+    tag->setTitle(title);
+    tag->setNumberOfItems(count);
+    report.tags.push_back(tag);
+  }
+  // Stable: what the comparison takes for equal stays in the order of its bytes.
+  std::stable_sort(report.tags.begin(), report.tags.end(),
+                   [](const auto& a, const auto& b) { return a->localizedCompare(*b) < 0; });
+  return report;
+}
+
+}  // namespace quillon

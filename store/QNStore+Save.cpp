@@ -50,13 +50,10 @@ Bytes headOf(const std::optional<Bytes>& sealed) {
   return toBytes(ByteView(*sealed).first(size));
 }
 
-/// Runs willSave, and tells whether it sealed both forms anew: it says nothing when it can't, for
-/// instance with a text that isn't UTF-8, and leaves the former ones.
+/// The same as sealAnew() for both forms.
 bool prepare(QNItem& item) {
-  const Bytes overview = headOf(item.overviewData());
   const Bytes details = headOf(item.detailsData());
-  item.willSave();
-  if (!item.overviewData() || headOf(item.overviewData()) == overview) return false;
+  if (!sealAnew(item)) return false;
   return !item.detailsLoaded() || (item.detailsData() && headOf(item.detailsData()) != details);
 }
 
@@ -66,9 +63,7 @@ bool prepareURLs(const URLs& urls) {
   for (const auto& url : urls) {
     if (url->displayOrder() <= last) url->setDisplayOrder(last + 1);
     last = url->displayOrder();
-    const Bytes before = headOf(url->overviewData());
-    url->willSave();
-    if (!url->overviewData() || headOf(url->overviewData()) == before) return false;
+    if (!sealAnew(*url)) return false;
   }
   return true;
 }
@@ -108,6 +103,12 @@ struct ItemColumns {
 };
 
 }  // namespace
+
+bool sealAnew(QNDatabaseObjectWithOverview& object) {
+  const Bytes before = headOf(object.overviewData());
+  object.willSave();
+  return object.overviewData() && headOf(object.overviewData()) != before;
+}
 
 // Transactions
 
@@ -209,10 +210,10 @@ QNResult<QNDone> QNStore::Database::saveItems(std::span<const std::shared_ptr<QN
   return QNDone{};
 }
 
-QNResult<std::shared_ptr<QNProfile>> QNStore::Database::vaultOf(const QNItem& item) {
-  auto vault = std::dynamic_pointer_cast<QNProfile>(item.profile());
+QNResult<std::shared_ptr<QNProfile>> QNStore::Database::vaultOf(const QNDatabaseObject& object) {
+  auto vault = std::dynamic_pointer_cast<QNProfile>(object.profile());
   if (vault == nullptr) {
-    return storeError(QNStoreErrorCode::notFound, "the item has no vault of a store");
+    return storeError(QNStoreErrorCode::notFound, "the object has no vault of a store");
   }
   const auto ledger = openLedger(vault);
   if (!ledger.ok()) return ledger.error();

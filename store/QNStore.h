@@ -175,7 +175,7 @@ class QNStore final {
   /// Saving a QNTombstone does the same; it needs the txTimestamp of the item that it was made of.
   QNResult<QNDone> deleteItem(const std::shared_ptr<QNItem>& item);
 
-  // Reading: QNStore+Load.cpp
+  // Lists: QNStore+Lists.cpp
   enum class Which { normal, trashed, all };
   using Visitor = std::function<void(const std::shared_ptr<QNItem>&)>;
   /// Hands out a shell for each row, in row order, its overview checked and open, neither key nor
@@ -183,6 +183,20 @@ class QNStore final {
   /// but neither list nor write (error: busy). Error: locked, or the file can't be read.
   QNResult<QNListReport> list(const std::shared_ptr<QNProfile>& vault, Which which,
                               const Visitor& visit);
+  /// The items right in a folder, as list() gives them, by an index: the time grows with the
+  /// folder. A row that was taken out behind our back isn't missed here; list() and check() tell.
+  QNResult<QNListReport> listFolder(const std::shared_ptr<QNProfile>& vault,
+                                    std::string_view folderUUID, Which which, const Visitor& visit);
+  /// The items that a predicate holds for, as list() gives them. Where it asks for more than
+  /// overviews hold, details are read for those rows alone that the rest of it doesn't decide, and
+  /// such an item comes with its details. Errors: as for list(), and what the predicate's
+  /// evaluation ends with.
+  QNResult<QNListReport> listMatching(const std::shared_ptr<QNProfile>& vault, Which which,
+                                      const QNPredicate& predicate, const Visitor& visit);
+  /// One pass over the overviews: tags stand nowhere else.
+  QNResult<QNTagReport> tags(const std::shared_ptr<QNProfile>& vault);
+
+  // Reading: QNStore+Load.cpp
   /// One item with key, details and URLs. Errors: notFound, damaged.
   QNResult<std::shared_ptr<QNItem>> item(const std::shared_ptr<QNProfile>& vault,
                                          std::string_view uuid);
@@ -194,22 +208,17 @@ class QNStore final {
   QNResult<std::unique_ptr<QNItemSetForURL>> itemSetForURL(const std::shared_ptr<QNProfile>& vault,
                                                            std::string_view url);
 
-  /// The items that a predicate holds for, as list() gives them. Where it asks for more than
-  /// overviews hold, details are read for those rows alone that the rest of it doesn't decide, and
-  /// such an item comes with its details. Errors: as for list(), and what the predicate's
-  /// evaluation ends with.
-  QNResult<QNListReport> listMatching(const std::shared_ptr<QNProfile>& vault, Which which,
-                                      const QNPredicate& predicate, const Visitor& visit);
-
-  // Folders and tags: QNStore+Folders.cpp
+  // Folders: QNStore+Folders.cpp
   /// Errors: locked, or the file can't be read.
   QNResult<QNFolderReport> folders(const std::shared_ptr<QNProfile>& vault);
   /// One folder with its counts and subfolders, but without its parent. Errors: notFound, damaged.
   QNResult<std::shared_ptr<QNFolder>> folder(const std::shared_ptr<QNProfile>& vault,
                                              std::string_view uuid);
+
+  // Changing folders: QNStore+FolderChanges.cpp
   /// Folders from the top to one that has no parent, itself included.
   static constexpr std::size_t kMaxFolderLevels = 1000;
-  /// Saves a dirty folder: sets updatedAt and txTimestamp; its parent is the folder of
+  /// Saves a folder, dirty or not: sets updatedAt and txTimestamp; its parent is the folder of
   /// parentUUID(). Saving a trashed folder is deleting it. Errors: misplacedFolder, if the parent
   /// isn't there, is in the folder itself, or lies too deep; lostRace, locked, unreadableItem,
   /// exists, notFound, damaged, ...
@@ -218,15 +227,9 @@ class QNStore final {
   /// folder, trashed ones too, and its subfolders move up to its parent: these rows are saved, so
   /// objects of them that are held must be read anew. The folder has no row id any more.
   QNResult<QNDone> deleteFolder(const std::shared_ptr<QNFolder>& folder);
-  /// The items right in a folder, as list() gives them, by an index: the time grows with the
-  /// folder. A row that was taken out behind our back isn't missed here; list() and check() tell.
-  QNResult<QNListReport> listFolder(const std::shared_ptr<QNProfile>& vault,
-                                    std::string_view folderUUID, Which which, const Visitor& visit);
   /// Takes the parent from folders that are misplaced, and the folder from items that are in none
   /// that is there. Damaged rows stay as they are. Errors: as for saving.
   QNResult<QNFolderRepair> repairFolders(const std::shared_ptr<QNProfile>& vault);
-  /// One pass over the overviews: tags stand nowhere else.
-  QNResult<QNTagReport> tags(const std::shared_ptr<QNProfile>& vault);
 
   // Synchronisation: QNStore+Sync.cpp
   /// What was saved, trashed or deleted after `txTimestamp`, by an index: its time grows with the

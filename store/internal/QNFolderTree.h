@@ -19,8 +19,8 @@ struct QNFolderTree {
   /// By folder, the index of the one that holds it; nothing for those at the top.
   std::vector<std::optional<std::size_t>> parents;
   /// By folder: is it at the top against its row? Its parent isn't there, it lies in itself by way
-  /// of others, or it would stand on more than `maxLevels`. Of a circle all are at the top, and each
-  /// keeps what hangs under it.
+  /// of others, or it would stand on more than `maxLevels`. Of a circle all are at the top, and
+  /// each keeps what hangs under it.
   std::vector<bool> misplaced;
 };
 

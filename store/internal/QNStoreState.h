@@ -40,6 +40,26 @@ inline constexpr std::string_view kSelectChanges =
     "SELECT " QN_ITEM_COLUMNS
     " FROM items WHERE vault_id = ?1 AND tx_timestamp > ?2 ORDER BY tx_timestamp";
 
+/// The columns of a QNFolderRow, in the order in which folderRow() reads them.
+#define QN_FOLDER_COLUMNS                                                                        \
+  "oid, status, created_at, updated_at, tx_timestamp, smart, display_order, parent_uuid, uuid, " \
+  "icon, seal, overview"
+QNFolderRow folderRow(const QNQuery& query);
+/// Row id and uuid of the items whose folder isn't there.
+inline constexpr std::string_view kSelectStrayItems =
+    "SELECT oid, uuid FROM items WHERE vault_id = ?1 AND folder_uuid IS NOT NULL AND NOT EXISTS "
+    "(SELECT 1 FROM folders WHERE folders.vault_id = ?1 AND folders.uuid = items.folder_uuid AND "
+    "folders.status = 0) ORDER BY oid";
+
+inline constexpr std::uint64_t kDeletedFolder = 2;
+/// Is it what stays of a deleted folder?
+inline bool isDeleted(const QNFolderRow& row) {
+  return row.status == kDeletedFolder;
+}
+/// Runs willSave, and tells whether it sealed the overview anew: it says nothing when it can't, for
+/// instance with a text that isn't UTF-8, and leaves the former one.
+bool sealAnew(QNDatabaseObjectWithOverview& object);
+
 /// Is it what stays of a deleted item?
 inline bool isTombstone(const QNItemRow& row) {
   return row.categoryUUID == QNCategoryUUIDTombstone;
@@ -74,8 +94,8 @@ struct QNStore::Database {
   QNResult<QNDone> saveItems(std::span<const std::shared_ptr<QNItem>> items, Times times);
   /// Saves those that have changed, in groups.
   QNResult<QNDone> saveChanged(std::span<const std::shared_ptr<QNItem>> items, Times times);
-  /// The vault that an item goes to, with its ledger open.
-  QNResult<std::shared_ptr<QNProfile>> vaultOf(const QNItem& item);
+  /// The vault that an item or a folder goes to, with its ledger open.
+  QNResult<std::shared_ptr<QNProfile>> vaultOf(const QNDatabaseObject& object);
   /// What is known of the row that a save replaces.
   struct Before {
     std::optional<QNSeal> seal;  // nothing for an item without a row
@@ -161,6 +181,73 @@ struct QNStore::Database {
                                                  std::string_view sql,
                                                  const std::optional<std::string>& hash,
                                                  const QNItemSetForURL::Items& butNot);
+
+  // Lists: QNStore+Lists.cpp
+  template <class Show>
+  QNListReport listRows(QNQuery query, const std::shared_ptr<QNProfile>& vault, Which which,
+                        QNRowCount& count, const Show& show);
+  template <class Show>
+  QNResult<QNListReport> listVault(const std::shared_ptr<QNProfile>& vault, Which which,
+                                   const Show& show);
+  class Matcher;
+
+  // Folders: QNStore+Folders.cpp
+  /// Null if overview or icon doesn't open.
+  static std::shared_ptr<QNFolder> folderOf(const QNFolderRow& row,
+                                            const std::shared_ptr<QNProfile>& vault);
+  /// Without the numbers of items.
+  QNResult<QNFolderReport> readFolders(const std::shared_ptr<QNProfile>& vault);
+  void countItems(const QNFolderReport& report, QNProfile& vault);
+  void checkFolders(const std::shared_ptr<QNProfile>& vault, QNCheckReport& report);
+
+  // Changing folders: QNStore+FolderChanges.cpp. The vault's ledger is open.
+  /// What is known of the row that a save replaces.
+  struct FolderBefore {
+    std::optional<QNSeal> seal;  // nothing for a folder without a row
+    std::uint64_t oid = 0;
+    std::uint64_t createdAt = 0;
+    std::uint64_t txTimestamp = 0;
+    std::string uuid;
+    std::optional<std::string> parentUUID;
+    bool isSmart = false;
+    bool isDeleted = false;
+  };
+  /// Error: damaged.
+  QNResult<FolderBefore> folderBefore(QNQuery query, const std::shared_ptr<QNProfile>& vault);
+  /// The folder's row; for a new one that of a deleted folder of its uuid. Errors: lostRace,
+  /// exists, damaged.
+  QNResult<FolderBefore> folderBefore(const QNFolder& folder,
+                                      const std::shared_ptr<QNProfile>& vault);
+  QNResult<QNDone> writeFolderRow(QNFolderRow& row, const std::shared_ptr<QNProfile>& vault,
+                                  const FolderBefore& before);
+  QNResult<QNDone> saveFolder(const std::shared_ptr<QNFolder>& folder);
+  /// Error: misplacedFolder.
+  QNResult<QNDone> requirePlace(const QNFolder& folder, const QNProfile& vault);
+  QNResult<QNDone> writeFolder(const std::shared_ptr<QNFolder>& folder,
+                               const std::shared_ptr<QNProfile>& vault, const FolderBefore& before,
+                               Times times);
+  /// Wherever its parent is.
+  QNResult<QNDone> saveFolderInPlace(const std::shared_ptr<QNFolder>& folder,
+                                     const std::shared_ptr<QNProfile>& vault);
+  std::uint64_t freshFolderOid();
+  void noteForUndo(const std::shared_ptr<QNFolder>& folder);
+  QNResult<QNDone> deleteFolder(const std::shared_ptr<QNFolder>& folder);
+  /// Makes a tombstone of a row, or a new one, and empties the folder.
+  QNResult<QNDone> buryFolder(const FolderBefore& before, const std::shared_ptr<QNProfile>& vault,
+                              std::uint64_t deletedAt);
+  QNResult<QNDone> moveSubfolders(const FolderBefore& deleted,
+                                  const std::shared_ptr<QNProfile>& vault);
+  /// Null if the row isn't sound.
+  std::shared_ptr<QNFolder> folderWithOid(std::uint64_t oid,
+                                          const std::shared_ptr<QNProfile>& vault);
+  std::shared_ptr<QNItem> shellWithOid(std::uint64_t oid, const std::shared_ptr<QNProfile>& vault);
+  /// The first column.
+  static std::vector<std::uint64_t> oidsOf(QNQuery query);
+  /// The uuid of each item that was saved without a folder; rows that aren't sound stay as they
+  /// are.
+  QNResult<std::vector<std::string>> takeOutOfFolder(const std::vector<std::uint64_t>& oids,
+                                                     const std::shared_ptr<QNProfile>& vault);
+  QNResult<QNDone> repairFolders(const std::shared_ptr<QNProfile>& vault, QNFolderRepair& repair);
 
   // Synchronisation: QNStore+Sync.cpp
   QNResult<QNDone> insertSyncSource(const std::shared_ptr<QNSyncSource>& source, QNProfile& vault);
