@@ -91,4 +91,17 @@ std::string sectionTitleOf(QNItem& item, QNListOrder order) {
   return "";
 }
 
+// Each key is made once.
+QNItemSorter::Items QNListSorter::sortObjects(Items items) const {
+  std::vector<std::pair<std::string, std::shared_ptr<QNItem>>> keyed;
+  keyed.reserve(items.size());
+  for (auto& item : items) keyed.emplace_back(listKeyOf(*item, _order), std::move(item));
+  std::sort(keyed.begin(), keyed.end(),
+            [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::transform(keyed.begin(), keyed.end(), items.begin(),
+                 [](auto& each) { return std::move(each.second); });
+  if (!_ascending) std::reverse(items.begin(), items.end());
+  return items;
+}
+
 }  // namespace quillon

@@ -73,10 +73,9 @@ void QNListing::printLines(QNOutput& out) {
 }
 
 void QNListing::printSections(QNOutput& out) const {
-  QNListSorter sorter(_order);
-  const QNItemList list(_items, sorter);
+  const auto list = QNItemList::initWithItems(_items, QNListSorter(_order));
   JsonArray array(jsonStorage());
-  for (const auto& section : list.sections()) {
+  for (const auto& section : list->sections()) {
     if (_form == QNListForm::json) {
       array.emplace_back(jsonOf(*section));
       continue;
