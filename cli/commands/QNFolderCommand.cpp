@@ -27,7 +27,7 @@ JsonObject jsonOf(QNFolder& folder) {
   return object;
 }
 
-void printJson(QNOutput& out, const std::vector<QNFolderRef>& folders) {
+void printList(QNOutput& out, const std::vector<QNFolderRef>& folders) {
   JsonArray array(jsonStorage());
   for (const QNFolderRef& folder : folders) array.emplace_back(jsonOf(*folder));
   out.json(Json(std::move(array)));
@@ -93,7 +93,7 @@ QNCommandResult runCommand(Global global, const QNFolderListArguments& arguments
   if (!tree) return tree.error();
   QNOutput out;
   if (global.json) {
-    printJson(out, tree.value().all());
+    printList(out, tree.value().all());
   } else {
     printTree(out, tree.value().all(), arguments.withUUIDs);
   }
@@ -131,7 +131,7 @@ QNCommandResult runCommand(Global global, const QNFolderRenameArguments& argumen
   folder.value()->setTitle(arguments.title);
   const auto saved = session.value().store().saveFolder(folder.value());
   if (!saved) return saved.error();
-  return done(global, *folder.value(), "title", arguments.title);
+  return done(global, *folder.value(), "title", Json(arguments.title));
 }
 
 QNCommandResult runCommand(Global global, const QNFolderDeleteArguments& arguments) {
