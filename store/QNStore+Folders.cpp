@@ -11,11 +11,6 @@ namespace quillon {
 
 namespace {
 
-// By the index alone.
-constexpr std::string_view kCountItems =
-    "SELECT folder_uuid, count(*) FROM items WHERE vault_id = ?1 AND folder_uuid IS NOT NULL AND "
-    "status = 0 GROUP BY folder_uuid";
-
 std::string titleOf(const std::shared_ptr<QNFolder>& folder) {
   return folder->title().value_or("");
 }
@@ -124,7 +119,7 @@ QNResult<QNFolderReport> QNStore::Database::readFolders(const std::shared_ptr<QN
 
 void QNStore::Database::countItems(const QNFolderReport& report, QNProfile& vault) {
   std::map<std::string, std::uint64_t, std::less<>> counts;
-  QNQuery query = file->query(kCountItems, vault.oid());
+  QNQuery query = file->query(kCountItemsOfFolders, vault.oid());
   while (query.next()) counts.emplace(query.text(0), query.number(1));
   for (const auto& folder : report.folders) {
     const auto count = counts.find(*folder->uuid());

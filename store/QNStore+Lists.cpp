@@ -11,11 +11,6 @@ namespace quillon {
 
 namespace {
 
-// Without an order of its own, since the index has one: normal items first, then trashed ones.
-constexpr std::string_view kSelectItemsOfFolder =
-    "SELECT " QN_ITEM_COLUMNS
-    " FROM items WHERE vault_id = ?1 AND folder_uuid = ?2 ORDER BY status, oid";
-
 bool isWanted(QNStore::Which which, const QNItemRow& row) {
   if (isTombstone(row)) return false;
   return which == QNStore::Which::all ||

@@ -84,7 +84,7 @@ TEST_F(QNStoreVersions, BringsAFileOfVersion1ForwardForWriting) {
 
   ASSERT_TRUE(QNStore::open(file).ok());
 
-  EXPECT_EQ(versionOfFile(), 2u);
+  EXPECT_EQ(versionOfFile(), 3u);
 }
 
 TEST_F(QNStoreVersions, BringsAFileOfVersion1ForwardForReadingToo) {
@@ -94,7 +94,7 @@ TEST_F(QNStoreVersions, BringsAFileOfVersion1ForwardForReadingToo) {
   EXPECT_EQ(problemsIn(session), std::vector<std::string>());
   EXPECT_EQ(errorOf(session.store->save(makeLogin(session.vault, "a"))),
             codeText(QNStoreErrorCode::notWritable));
-  EXPECT_EQ(versionOfFile(), 2u);
+  EXPECT_EQ(versionOfFile(), 3u);
 }
 
 TEST_F(QNStoreVersions, TellsTheChangesOfAFileOfVersion1) {

@@ -32,7 +32,7 @@ TEST(QNStore, OpensWhatItCreated) {
 
   const Session session = openSession(folder / "a.quillon");
 
-  EXPECT_EQ(session.store->schemaVersion(), 2);
+  EXPECT_EQ(session.store->schemaVersion(), 3);
   EXPECT_TRUE(session.vault->isUnlocked());
 }
 
@@ -100,7 +100,7 @@ TEST(QNStore, RefusesAnotherProgramsFileAndLeavesItAsItIs) {
 TEST(QNStore, RefusesANewerSchema) {
   const TemporaryFolder folder;
   makeSession(folder / "a.quillon");
-  runSQL(folder / "a.quillon", "PRAGMA user_version = 3");
+  runSQL(folder / "a.quillon", "PRAGMA user_version = 4");
 
   EXPECT_EQ(errorOfOpening(folder / "a.quillon"), codeText(QNStoreErrorCode::newerSchema));
   EXPECT_EQ(errorOf(QNStore::open(folder / "a.quillon", QNStore::Access::readOnly)),

@@ -112,7 +112,7 @@ class QNFolder final : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::uint64_t smartFolderVersion();
   void setSmartFolderVersion(std::uint64_t version);
 
-  // Questions of older formats: QNFolder+Upgrade.cpp
+  // Questions of older formats: QNPredicateUpgrade.cpp
   /// The question in today's words. Null, for what has no meaning any more; with an error log for
   /// what isn't known. DANGER: stops the process, with the assertion "subpredicates.count == 1",
   /// at a NOT over a condition that has no meaning any more.
@@ -134,7 +134,8 @@ class QNFolder final : public QNDatabaseObjectWithOverview,
 
   // Stored forms: QNFolder+Rows.cpp
   void saveAllAttributes(JsonObject& attributes) override;
-  /// "iconData" isn't read back: a row's bytes are no picture here, and the icon goes.
+  /// "iconData" isn't read back: a row's bytes are no picture here, and the icon goes. Without a uuid
+  /// in it, the folder keeps its own.
   void restoreAllAttributes(const JsonObject& attributes) override;
   void encodeWithCoder(QNEncoder& coder) override;
 
@@ -151,6 +152,8 @@ class QNFolder final : public QNDatabaseObjectWithOverview,
 
  private:
   std::shared_ptr<QNFolder> folderToMerge(const std::shared_ptr<QNDatabaseObject>& other) const;
+  /// Its parent, that one's parent and so on, each once.
+  [[nodiscard]] std::vector<std::shared_ptr<QNFolder>> foldersAbove() const;
   QNResult<QNPredicateRef> storedPredicate();
   QNResult<QNPredicateRef> storedPredicateForKey(std::string_view key);
 

@@ -139,6 +139,31 @@ TEST(QNRowSeal, SealsSyncSourcesWithTheirStatesAsTheirTablesSay) {
   }
 }
 
+TEST(QNRowSeal, SealsFoldersAsTheirTableSays) {
+  const auto vault = vaultOfVectors();
+  for (const Json& each : vectors().at("folders").as_array()) {
+    const Json& columns = each.at("row");
+    QNFolderRow row;
+    row.oid = numberAt(columns, "oid");
+    row.status = numberAt(columns, "status");
+    row.createdAt = numberAt(columns, "created_at");
+    row.updatedAt = numberAt(columns, "updated_at");
+    row.txTimestamp = numberAt(columns, "tx_timestamp");
+    row.smart = numberAt(columns, "smart");
+    row.displayOrder = numberAt(columns, "display_order");
+    row.parentUUID = optionalTextAt(columns, "parent_uuid");
+    row.uuid = textAt(columns, "uuid");
+    row.icon = optionalBytesAt(columns, "icon");
+    row.overview = bytesOf(textAt(columns, "overview"));
+
+    const auto seal = QNRowSealer(*vault).seal(row);
+
+    ASSERT_TRUE(seal);
+    EXPECT_EQ(hexText(seal->tag), textAt(each, "tag"));
+    EXPECT_EQ(hexText(seal->term), textAt(each, "term"));
+  }
+}
+
 TEST(QNRowSeal, HashesBodiesAsTheirTableSays) {
   const Json& body = vectors().at("body");
   const ByteView key = bytesOf(textAt(body, "wrapped_key"));
@@ -175,35 +200,35 @@ QNSeal sealOfTerm(std::uint8_t first, std::uint8_t last) {
   return seal;
 }
 
-TEST(QNLedger, TakesBackWhatWasAddedInAnyOrder) {
-  QNLedger ledger;
+TEST(QNRowSum, TakesBackWhatWasAddedInAnyOrder) {
+  QNRowSum sum;
   const QNSeal one = sealOfTerm(0xff, 0xff);
   const QNSeal two = sealOfTerm(0x80, 0x01);
   const QNSeal three = sealOfTerm(0x00, 0xfe);
-  for (const QNSeal& seal : {one, two, three}) ledger.add(seal);
-  EXPECT_EQ(ledger.rows, 3u);
+  for (const QNSeal& seal : {one, two, three}) sum.add(seal);
+  EXPECT_EQ(sum.rows, 3u);
 
-  for (const QNSeal& seal : {two, one, three}) ledger.remove(seal);
+  for (const QNSeal& seal : {two, one, three}) sum.remove(seal);
 
-  EXPECT_EQ(ledger.rows, 0u);
-  EXPECT_EQ(ledger.sumHigh, 0u);
-  EXPECT_EQ(ledger.sumLow, 0u);
+  EXPECT_EQ(sum.rows, 0u);
+  EXPECT_EQ(sum.high, 0u);
+  EXPECT_EQ(sum.low, 0u);
 }
 
-TEST(QNLedger, CarriesFromTheLowHalfToTheHighOne) {
-  QNLedger ledger;
+TEST(QNRowSum, CarriesFromTheLowHalfToTheHighOne) {
+  QNRowSum sum;
   QNSeal lowOnes{};
   std::fill(lowOnes.term.begin() + 8, lowOnes.term.end(), std::uint8_t{0xff});
   QNSeal one{};
   one.term.back() = 1;
-  ledger.add(lowOnes);
-  ledger.add(one);
+  sum.add(lowOnes);
+  sum.add(one);
 
-  EXPECT_EQ(ledger.sumHigh, 1u);
-  EXPECT_EQ(ledger.sumLow, 0u);
-  ledger.remove(one);
-  EXPECT_EQ(ledger.sumHigh, 0u);
-  EXPECT_EQ(ledger.sumLow, std::numeric_limits<std::uint64_t>::max());
+  EXPECT_EQ(sum.high, 1u);
+  EXPECT_EQ(sum.low, 0u);
+  sum.remove(one);
+  EXPECT_EQ(sum.high, 0u);
+  EXPECT_EQ(sum.low, std::numeric_limits<std::uint64_t>::max());
 }
 
 TEST(QNLedger, GivesRevisionsThatFollowTheClockAndNeverRepeat) {
@@ -215,24 +240,60 @@ TEST(QNLedger, GivesRevisionsThatFollowTheClockAndNeverRepeat) {
   EXPECT_EQ(ledger.nextTx(2'000), 2'000u);
 }
 
-TEST(QNLedger, OpensInItsOwnVaultOnly) {
-  const auto vault = vaultOfVectors();
+QNLedger ledgerOfVectors() {
   QNLedger ledger;
-  ledger.rows = 3;
+  ledger.items = {3, 0x0102'0304'0506'0708, 0xf1f2'f3f4'f5f6'f7f8};
   ledger.lastTx = 1'700'000'000;
   ledger.vaultRevision = 2;
-  ledger.sumHigh = 0x0102'0304'0506'0708;
-  ledger.sumLow = 0xf1f2'f3f4'f5f6'f7f8;
+  ledger.folders = {4, std::numeric_limits<std::uint64_t>::max(),
+                    std::numeric_limits<std::uint64_t>::max() - 1};
+  return ledger;
+}
+
+TEST(QNLedger, IsStoredAsItsTableSays) {
+  const auto vault = vaultOfVectors();
+
+  const auto clear = vault->decryptOverview(*ledgerOfVectors().sealed(*vault));
+
+  ASSERT_TRUE(clear);
+  EXPECT_EQ(hexText(*clear), textAt(vectors().at("ledgers"), "withFolders"));
+}
+
+TEST(QNLedger, OfVersions1And2HasNoFolders) {
+  const auto vault = vaultOfVectors();
+  const Bytes clear = *bytesFromHex(textAt(vectors().at("ledgers"), "without"));
+
+  const auto opened = QNLedger::open(*vault, *vault->encryptOverview(clear));
+
+  ASSERT_TRUE(opened);
+  const QNLedger expected = ledgerOfVectors();
+  EXPECT_EQ(opened->items.rows, expected.items.rows);
+  EXPECT_EQ(opened->items.high, expected.items.high);
+  EXPECT_EQ(opened->items.low, expected.items.low);
+  EXPECT_EQ(opened->lastTx, expected.lastTx);
+  EXPECT_EQ(opened->vaultRevision, expected.vaultRevision);
+  EXPECT_EQ(opened->folders.rows, 0u);
+  EXPECT_EQ(opened->folders.high, 0u);
+  EXPECT_EQ(opened->folders.low, 0u);
+  EXPECT_FALSE(QNLedger::open(*vaultOfVectors("another-uuid"), *vault->encryptOverview(clear)));
+}
+
+TEST(QNLedger, OpensInItsOwnVaultOnly) {
+  const auto vault = vaultOfVectors();
+  const QNLedger ledger = ledgerOfVectors();
   const auto sealed = ledger.sealed(*vault);
   ASSERT_TRUE(sealed);
 
   const auto opened = QNLedger::open(*vault, *sealed);
   ASSERT_TRUE(opened);
-  EXPECT_EQ(opened->rows, 3u);
+  EXPECT_EQ(opened->items.rows, 3u);
   EXPECT_EQ(opened->lastTx, 1'700'000'000u);
   EXPECT_EQ(opened->vaultRevision, 2u);
-  EXPECT_EQ(opened->sumHigh, ledger.sumHigh);
-  EXPECT_EQ(opened->sumLow, ledger.sumLow);
+  EXPECT_EQ(opened->items.high, ledger.items.high);
+  EXPECT_EQ(opened->items.low, ledger.items.low);
+  EXPECT_EQ(opened->folders.rows, 4u);
+  EXPECT_EQ(opened->folders.high, ledger.folders.high);
+  EXPECT_EQ(opened->folders.low, ledger.folders.low);
 
   EXPECT_FALSE(QNLedger::open(*vaultOfVectors("another-uuid"), *sealed));
 }
@@ -243,15 +304,17 @@ TEST(QNLedger, IsNoOtherSealedThing) {
   EXPECT_FALSE(QNLedger::open(*vault, *vault->encryptOverview(bytesOf(R"({"title":"a"})"))));
   EXPECT_FALSE(QNLedger::open(*vault, *vault->encryptOverview(Bytes(80, 'x'))));
   EXPECT_FALSE(QNLedger::open(*vault, *vault->encryptOverview(bytesOf("quillon ledger 1"))));
+  EXPECT_FALSE(QNLedger::open(*vault, *vault->encryptOverview(bytesOf("quillon ledger 2"))));
+  EXPECT_FALSE(QNLedger::open(*vault, *vault->encryptOverview(bytesOf("quillon ledger 3"))));
   EXPECT_FALSE(QNLedger::open(*vault, {}));
 }
 
 TEST(QNRowCount, ComparesNumbersOnlyWhereARowIsAltered) {
-  QNLedger ledger;
+  QNRowSum sum;
   const QNSeal one = sealOfTerm(1, 1);
   const QNSeal two = sealOfTerm(2, 2);
-  ledger.add(one);
-  ledger.add(two);
+  sum.add(one);
+  sum.add(two);
   QNRowCount whole, altered, missing, other;
 
   EXPECT_TRUE(whole.add(one, one.tag) && whole.add(two, two.tag));
@@ -260,10 +323,10 @@ TEST(QNRowCount, ComparesNumbersOnlyWhereARowIsAltered) {
   EXPECT_TRUE(missing.add(one, one.tag));
   EXPECT_TRUE(other.add(one, one.tag) && other.add(one, one.tag));
 
-  EXPECT_TRUE(whole.agreesWith(ledger));
-  EXPECT_TRUE(altered.agreesWith(ledger));
-  EXPECT_FALSE(missing.agreesWith(ledger));
-  EXPECT_FALSE(other.agreesWith(ledger));
+  EXPECT_TRUE(whole.agreesWith(sum));
+  EXPECT_TRUE(altered.agreesWith(sum));
+  EXPECT_FALSE(missing.agreesWith(sum));
+  EXPECT_FALSE(other.agreesWith(sum));
 }
 
 }  // namespace

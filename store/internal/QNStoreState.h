@@ -45,6 +45,14 @@ inline constexpr std::string_view kSelectChanges =
   "oid, status, created_at, updated_at, tx_timestamp, smart, display_order, parent_uuid, uuid, " \
   "icon, seal, overview"
 QNFolderRow folderRow(const QNQuery& query);
+/// Normal items first, then trashed ones: the order that the index has.
+inline constexpr std::string_view kSelectItemsOfFolder =
+    "SELECT " QN_ITEM_COLUMNS
+    " FROM items WHERE vault_id = ?1 AND folder_uuid = ?2 ORDER BY status, oid";
+/// By the index alone.
+inline constexpr std::string_view kCountItemsOfFolders =
+    "SELECT folder_uuid, count(*) FROM items WHERE vault_id = ?1 AND folder_uuid IS NOT NULL AND "
+    "status = 0 GROUP BY folder_uuid";
 /// Row id and uuid of the items whose folder isn't there.
 inline constexpr std::string_view kSelectStrayItems =
     "SELECT oid, uuid FROM items WHERE vault_id = ?1 AND folder_uuid IS NOT NULL AND NOT EXISTS "

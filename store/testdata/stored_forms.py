@@ -112,6 +112,15 @@ def folder_form(vault_uuid, row):
     return form + counted(row["overview"])
 
 
+def ledger_form(vault, rows, last, total, folders=None):
+    """`folders` are number and sum; nothing for what versions 1 and 2 wrote."""
+    form = b"quillon ledger 1" if folders is None else b"quillon ledger 2"
+    form += number(rows) + number(last) + number(vault["revision"]) + total.to_bytes(16, "big")
+    if folders is not None:
+        form += number(folders[0]) + folders[1].to_bytes(16, "big")
+    return form + vault["uuid"].encode()
+
+
 def seal(raw_key, form):
     code = hmac.new(raw_key[32:64], form, "sha256").digest()
     return code[:16], code[16:]
@@ -175,6 +184,9 @@ def vectors():
     return {
         "syncSources": sources,
         "folders": folders,
+        "ledgers": {name: ledger_form(dict(uuid="vault-uuid", revision=2), 3, 1700000000,
+                                      0x0102030405060708f1f2f3f4f5f6f7f8, sums).hex()
+                    for name, sums in (("withFolders", (4, (1 << 128) - 2)), ("without", None))},
         "overviewKey": KEY.hex(), "bodyHash": BYTES["body_hash"].hex(),
         "overview": BYTES["overview"].decode(), "items": items,
         "vault": dict(row=vault, tag=tag.hex(), term=term.hex()),
@@ -261,11 +273,8 @@ def verify(path):
                   folder["parent_uuid"], "with an icon" if icon else "")
         ledger = open_sealed(overview, rows("SELECT content FROM ledgers WHERE vault_id = ?",
                                             vault["oid"])[0]["content"])
-        form = b"quillon ledger %d" % (2 if version > 2 else 1)
-        form += number(count) + number(last) + number(vault["revision"]) + total.to_bytes(16, "big")
-        if version > 2:
-            form += number(len(folders)) + folder_total.to_bytes(16, "big")
-        assert ledger == form + vault["uuid"].encode()
+        sums = (len(folders), folder_total) if version > 2 else None
+        assert ledger == ledger_form(vault, count, last, total, sums)
         sources = version > 1 and rows("SELECT * FROM sync_sources WHERE vault_id = ?",
                                        vault["oid"]) or []
         for source in sources:

@@ -227,7 +227,7 @@ bool QNComparisonTest::modified(const QNOperand& left, const QNOperand& right,
     return compare(operatorType, element, right, run) == isAny || run.fault();
   };
   const auto settled = anyElement(left, settles);
-  return settled.value_or(settles(left)) == isAny;
+  return (settled ? *settled : settles(left)) == isAny;
 }
 
 bool QNComparisonTest::compare(QNOperatorType operatorType, const QNOperand& left,

@@ -46,18 +46,7 @@ int compared(const Collator& collator, std::string_view a, std::string_view b) {
                                icu::StringPiece(b.data(), static_cast<int32_t>(b.size())), status);
 }
 
-}  // namespace
-
-int localizedCompare(std::string_view a, std::string_view b) {
-  return compared(collatorsOfThread().minding, a, b);
-}
-
-int localizedCaseInsensitiveCompare(std::string_view a, std::string_view b) {
-  return compared(collatorsOfThread().ignoring, a, b);
-}
-
-std::string collationKey(std::string_view text) {
-  const Collator& collator = collatorsOfThread().minding;
+std::string keyBy(const Collator& collator, std::string_view text) {
   if (collator == nullptr) return std::string(text);
   const auto wide = icu::UnicodeString::fromUTF8(
       icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
@@ -75,6 +64,24 @@ std::string collationKey(std::string_view text) {
   }
   key.pop_back();  // ICU's end mark
   return key;
+}
+
+}  // namespace
+
+int localizedCompare(std::string_view a, std::string_view b) {
+  return compared(collatorsOfThread().minding, a, b);
+}
+
+int localizedCaseInsensitiveCompare(std::string_view a, std::string_view b) {
+  return compared(collatorsOfThread().ignoring, a, b);
+}
+
+std::string collationKey(std::string_view text) {
+  return keyBy(collatorsOfThread().minding, text);
+}
+
+std::string caseInsensitiveCollationKey(std::string_view text) {
+  return keyBy(collatorsOfThread().ignoring, text);
 }
 
 }  // namespace quillon

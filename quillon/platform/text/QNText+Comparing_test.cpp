@@ -93,16 +93,19 @@ TEST(QNTextComparing, ManyThreadsCompareAtOnce) {
   EXPECT_EQ(wrong, 0);
 }
 
-TEST(QNTextComparing, CollationKeysSortAsTheComparisonDoes) {
-  const Texts texts{"",     "a",       "A",      "ab",  "Äb",          "zebra",      "ärta", "öl",
-                    "日本", "e\u0301", "\u00e9", "a b", "a\nb",        "\xff",       "10",   "9",
-                    "ß",    "ss",      "🙂",   "a-b", longText('a'), longText('b')};
+TEST(QNTextComparing, CollationKeysSortAsTheComparisonsDo) {
+  const Texts texts{"",     "a",       "A",      "ab",  "Äb",   "zebra",       "ärta",       "öl",
+                    "日本", "e\u0301", "\u00e9", "a b", "a\nb", "\xff",        "10",         "9",
+                    "ß",    "ss",      "🙂",   "a-b", "A-B",  longText('a'), longText('b')};
   for (const std::string tag : {"en-US", "sv-SE", "de-DE", "ja-JP"}) {
     const QNScopedLocale locale(tag);
     const auto sign = [](int order) { return order < 0 ? -1 : order > 0; };
     for (const std::string& a : texts) {
       for (const std::string& b : texts) {
         EXPECT_EQ(sign(collationKey(a).compare(collationKey(b))), sign(localizedCompare(a, b)))
+            << tag << " " << a << " " << b;
+        EXPECT_EQ(sign(caseInsensitiveCollationKey(a).compare(caseInsensitiveCollationKey(b))),
+                  sign(localizedCaseInsensitiveCompare(a, b)))
             << tag << " " << a << " " << b;
       }
     }

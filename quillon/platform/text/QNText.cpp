@@ -187,6 +187,14 @@ bool isLettersOnly(std::string_view text) {
   return true;
 }
 
+bool beginsWithDigitOrSymbol(std::string_view text) {
+  if (text.empty()) return false;
+  std::size_t next = 0;
+  const UChar32 c = nextCodePoint(text, next);
+  constexpr uint32_t kDigitOrSymbol = U_GC_ND_MASK | U_GC_P_MASK | U_GC_S_MASK;
+  return c >= 0 && c <= 0xFFFF && (U_GET_GC_MASK(c) & kDigitOrSymbol) != 0;
+}
+
 std::string trimmedRight(std::string_view text) {
   return std::string(trimmedRightView(text));
 }

@@ -50,6 +50,9 @@ std::string lowercaseIdentifier(std::string_view text);
 std::string firstComposedCharacter(std::string_view text);
 /// Is every character a letter, or a mark that belongs to one? False for an empty text.
 bool isLettersOnly(std::string_view text);
+/// Is the first UTF-16 code unit a decimal digit, a punctuation mark or a symbol? A symbol beyond
+/// U+FFFF is two units, and none of them. False for an empty text.
+bool beginsWithDigitOrSymbol(std::string_view text);
 
 /// The characters of `text` that stand in `set`, in order.
 QNSecret charactersOfTextInSet(std::string_view text, std::string_view set);
@@ -95,5 +98,7 @@ int localizedCaseInsensitiveCompare(std::string_view a, std::string_view b);
 /// Bytes whose order is that of localizedCompare(): for sorting many texts, each looked at once.
 /// They hold for one locale and one version of ICU only.
 std::string collationKey(std::string_view text);
+/// The same for localizedCaseInsensitiveCompare().
+std::string caseInsensitiveCollationKey(std::string_view text);
 
 }  // namespace quillon

@@ -190,6 +190,21 @@ TEST(QNText, KeepsANumbersOrderInALanguageFromRightToLeft) {
   EXPECT_EQ(mr_NonRTLString("1234 **** 9012"), "\u20661234 **** 9012\u2069");
 }
 
+TEST(QNText, TellsWhatBeginsWithADigitPunctuationOrASymbol) {
+  for (const auto* const text :
+       {"1", "9 lives", "#", "(a)", "-", "\"a\"", "€", "+1", "٣", "。", "\u2019s", "^", "\u2603"}) {
+    EXPECT_TRUE(beginsWithDigitOrSymbol(text)) << text;
+  }
+  for (const auto* const text : {"", "a1", "é", "日", " 1", "\n", "½", "Ⅷ", "\u0301", "\xFF"}) {
+    EXPECT_FALSE(beginsWithDigitOrSymbol(text)) << text;
+  }
+}
+
+TEST(QNText, TakesNoSymbolOfTwoCodeUnitsForOne) {
+  EXPECT_FALSE(beginsWithDigitOrSymbol("😀"));
+  EXPECT_FALSE(beginsWithDigitOrSymbol("𝟙"));
+}
+
 TEST(QNText, PartsBetweenSeparatorsAreOneMoreThanThese) {
   using Parts = std::vector<std::string_view>;
 
