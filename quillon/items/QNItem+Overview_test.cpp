@@ -6,9 +6,6 @@
 namespace quillon {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 TEST(QNItemOverview, AnItemWithoutATitleIsUnnamed) {
   EXPECT_EQ(newItem(localVault())->title(), "Unnamed");
 }
@@ -90,36 +87,50 @@ TEST(QNItemOverview, AnItemWithoutFieldsHasNoMailAlias) {
   EXPECT_EQ(newItem(localVault())->fastmailAlias(), std::nullopt);
 }
 
-TEST(QNItemOverview, TagsAreASet) {
-  const auto item = newItem(localVault());
-  EXPECT_THAT(item->tags(), IsEmpty());
+TEST(QNItemOverview, TheSectionIsTheFirstLetterOfTheTitle) {
+  for (const auto& [title, letter] : std::vector<std::pair<const char*, const char*>>{
+           {"bank", "B"}, {"7eleven", "#"}, {"€uro", "#"}, {"", "#"}, {"élan", "É"}}) {
+    const auto item = newItem(localVault());
+    item->setTitle(title);
 
-  item->setTags({"b", "a"});
-
-  EXPECT_THAT(item->tags(), ElementsAre("a", "b"));
-  EXPECT_EQ(jsonText(item->overviewObjectForKey(kTags)), R"(["a","b"])");
-}
-
-TEST(QNItemOverview, WhatIsNoListReadsAsNoTags) {
-  const auto item = newItem(localVault());
-  for (const char* const stored : {R"("a")", "{}", "[]", "7", "[1,null]"}) {
-    item->setOverviewObject(jsonValue(stored), kTags);
-
-    EXPECT_THAT(item->tags(), IsEmpty()) << stored;
+    EXPECT_EQ(item->sectionName(), letter) << title;
   }
 }
 
-TEST(QNItemOverview, TheSameTagsInAnotherOrderAreNotWritten) {
+TEST(QNItemOverview, TheSectionStaysUntilASaveMakesItAnew) {
   const auto item = newItem(localVault());
-  item->setOverviewObject(jsonValue(R"(["b","a","b"])"), kTags);
-  item->didSave();
+  item->setTitle("bank");
+  EXPECT_EQ(item->sectionName(), "B");
 
-  item->setTags({"a", "b"});
-  EXPECT_FALSE(item->dirtyRow());
-  EXPECT_EQ(jsonText(item->overviewObjectForKey(kTags)), R"(["b","a","b"])");
-  item->setTags({"a"});
+  item->setTitle("shop");
+  EXPECT_EQ(item->sectionName(), "B");
+  item->willSave();
 
-  EXPECT_TRUE(item->dirtyRow());
+  EXPECT_EQ(item->sectionName(), "S");
+}
+
+TEST(QNItemOverview, ASectionThatWasSetStands) {
+  const auto item = newItem(localVault());
+  item->setTitle("bank");
+
+  item->setSectionName("Z");
+
+  EXPECT_EQ(item->sectionName(), "Z");
+}
+
+TEST(QNItemOverview, TheSectionOfATitleThatDoesNotOpenIsNotKept) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->setTitle("bank");
+  save(*row);
+  const auto item = listed(*row, vault);
+  item->setOverviewData(Bytes(60, 1));
+  const MRCapturingSink sink;
+  EXPECT_EQ(item->sectionName(), "U");
+
+  item->setOverviewData(row->overviewData());
+
+  EXPECT_EQ(item->sectionName(), "B");
 }
 
 TEST(QNItemOverview, KnowsTheOwningUser) {

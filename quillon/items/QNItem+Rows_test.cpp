@@ -224,6 +224,7 @@ TEST(QNItemRows, WithAnEmptyOrForeignUuidLeaveTheUuid) {
 
 TEST(QNItemRows, TakeAwayWhatTheyDontHave) {
   const auto item = filledItem(localVault());
+  item->setSectionName("Z");
 
   item->setAllAttributes(JsonObject());
 
@@ -231,7 +232,7 @@ TEST(QNItemRows, TakeAwayWhatTheyDontHave) {
   EXPECT_EQ(item->updatedAt(), 0u);
   EXPECT_EQ(item->createdAt(), 0u);
   EXPECT_EQ(item->scope(), std::nullopt);
-  EXPECT_EQ(item->sectionName(), std::nullopt);
+  EXPECT_EQ(item->sectionName(), "T");  // of the title
   EXPECT_EQ(item->numberOfURLs(), 0u);
 }
 
@@ -246,6 +247,7 @@ TEST(QNItemRows, WithoutOverviewOrDetailsLeaveBoth) {
 
 TEST(QNItemRows, OfWrongKindsReadAsMissing) {
   const auto item = newItem(localVault());
+  item->setSectionName("Z");
 
   item->setAllAttributes(
       jsonObject(R"({"categoryUUID":3,"updatedAt":"5","createdAt":-5,"scope":[],"sectionName":{},)"
@@ -255,7 +257,7 @@ TEST(QNItemRows, OfWrongKindsReadAsMissing) {
   EXPECT_EQ(item->updatedAt(), 0u);
   EXPECT_EQ(item->createdAt(), 0u);
   EXPECT_EQ(item->scope(), std::nullopt);
-  EXPECT_EQ(item->sectionName(), std::nullopt);
+  EXPECT_EQ(item->sectionName(), "U");  // of "Unnamed"
   ASSERT_EQ(item->numberOfURLs(), 2u);
   EXPECT_EQ(item->URLAtIndex(0)->URLString(), "https://a.example/");
   EXPECT_EQ(item->URLAtIndex(1)->URLString(), std::nullopt);

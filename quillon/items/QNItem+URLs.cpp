@@ -85,6 +85,7 @@ std::optional<std::string> QNItem::URLString() {
 void QNItem::setURLString(std::optional<std::string_view> url) {
   if (!URLsAreAvailable()) return;
   dropURLCaches();
+  dropOverviewForSearch();
   if (!url) {
     if (hasURLs()) removeURLAtIndex(0);
     return;
@@ -116,6 +117,7 @@ void QNItem::addURL(const std::shared_ptr<QNItemURL>& url) {
   }
   urls.push_back(url);
   dropURLCaches();
+  dropSearchWords();
 }
 
 void QNItem::addURLString(std::string_view url, std::optional<std::string_view> withLabel) {
@@ -148,6 +150,7 @@ void QNItem::removeURLAtIndex(std::size_t index) {
   urls.erase(urls.begin() + static_cast<std::ptrdiff_t>(index));
   if (removed->hasOid()) openState().deletedURLs.push_back(removed);
   dropURLCaches();
+  dropSearchWords();
 }
 
 void QNItem::moveURL(const std::shared_ptr<QNItemURL>& url, std::size_t toIndex) {
@@ -192,15 +195,6 @@ void QNItem::dropURLCaches() {
   if (_open == nullptr) return;
   _open->cachedNakedDomain.reset();
   _open->cachedDerivedDomain.reset();
-}
-
-std::vector<std::string> QNItem::URLStringsForSearch() {
-  std::vector<std::string> hosts;
-  for (const auto& url : URLs()) {
-    auto host = QNItemURL::extractSearchStringFromURLString(url->URLString().value_or(""));
-    if (!host.empty()) hosts.push_back(std::move(host));
-  }
-  return hosts;
 }
 
 std::optional<std::string> QNItem::goAndFillURLString() {

@@ -59,7 +59,9 @@ QNItem::QNItem(QNNew) : QNDatabaseObjectWithOverview(initNew) {
 
 QNItem::QNItem(QNExisting existing) : QNDatabaseObjectWithOverview(existing) {}
 
-QNItem::~QNItem() = default;
+QNItem::~QNItem() {
+  dropSearchTexts();
+}
 
 // Identity
 
@@ -161,6 +163,11 @@ std::shared_ptr<const QNItemSpecifier> QNItem::itemSpecifier() {
   return cached;
 }
 
+std::string QNItem::identifier() {
+  const auto specifier = itemSpecifier();
+  return specifier == nullptr ? "" : specifier->stringRepresentation();
+}
+
 // Favourites and scope
 
 void QNItem::setFaveIndex(std::uint64_t index) {
@@ -229,9 +236,6 @@ void QNItem::clearFolder() {
   setFolderId(0);
   setFolderUUID(std::nullopt);
 }
-
-// Nothing is kept for the whole process.
-void QNItem::clearCaches() {}
 
 // What a subclass answers
 

@@ -710,9 +710,10 @@ class QNItem : public QNDatabaseObjectWithOverview,
   template <class Test>
   bool anyField(const Test& test);
 
-  // The monitor is held, and while what they give is looked at.
+  // The monitor is held, and as long as the texts are looked at.
   SearchTexts& searchTexts();
   SearchTexts& searchTextsWithOverview(bool withBlanksOfEmptyParts);
+  SearchTexts& searchTextsWithWords();
   SearchTexts& keepSearchTexts(SearchTexts* texts);
   void dropSearchTexts();
   void dropOverviewForSearch();
@@ -725,7 +726,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool contentsMatches(const QNSearchPredicate& test);
   [[nodiscard]] bool matches(const QNSearchPredicate& test, QNSearchLevel level);
   [[nodiscard]] bool matchesAll(const SearchStrings& strings, QNSearchLevel level);
-  [[nodiscard]] bool matchesSearchWord(const QNSearchPredicate& test);
+  [[nodiscard]] bool matchesHelperSearchWord(std::string_view string, bool prefixMatch);
   [[nodiscard]] bool hasHostWith(std::string_view string);
   void toggleTagWhateverItsCase(std::string_view tag);
 

@@ -53,7 +53,7 @@ std::size_t weightOfListedItem(std::string_view overview) {
     item->setOverviewData(sealed);
     EXPECT_EQ(item->title().substr(0, 12), "Example Bank");
     rowBytes += sealed.size() + item->uuid()->size() + item->categoryUUID()->size() +
-                item->sectionName()->size() + kNumbersOfRow;
+                item->sectionName().size() + kNumbersOfRow;
   }
   return (mallinfo2().uordblks - before - rowBytes) / kItems;
 }

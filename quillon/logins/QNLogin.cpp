@@ -20,6 +20,13 @@ bool hasHtmlId(const QNLoginFieldList::Field& field) {
   return field != nullptr && field->htmlId() != nullptr;
 }
 
+template <class Text>
+std::vector<Text> joined(std::optional<std::vector<Text>> first, std::vector<Text> second) {
+  if (!first) return second;
+  std::move(second.begin(), second.end(), std::back_inserter(*first));
+  return std::move(*first);
+}
+
 }  // namespace
 
 QNLogin::QNLogin(QNNew) : QNItem(initNew) {
@@ -207,6 +214,25 @@ bool QNLogin::isCreatedByBrowserExtension() {
     return true;
   const QNLoginFieldList& fields = loginFields();
   return hasHtmlId(fields.usernameField()) || hasHtmlId(fields.passwordField());
+}
+
+std::vector<QNSecret> QNLogin::allValuesForSearch() {
+  return joined(
+      withLoginFields([](const QNLoginFieldList& fields) { return fields.allValuesForSearch(); }),
+      QNItem::allValuesForSearch());
+}
+
+std::vector<QNSecret> QNLogin::allPasswordsForSearch() {
+  return joined(withLoginFields(
+                    [](const QNLoginFieldList& fields) { return fields.allPasswordsForSearch(); }),
+                QNItem::allPasswordsForSearch());
+}
+
+std::vector<std::string> QNLogin::allFieldTitlesForSearch() {
+  return joined(withLoginFields([](const QNLoginFieldList& fields) {
+                  return fields.allFieldTitlesForSearch();
+                }),
+                QNItem::allFieldTitlesForSearch());
 }
 
 QNPrivacyComLogin::QNPrivacyComLogin(QNNew) : QNLogin(initNew) {

@@ -31,32 +31,6 @@ icu::UnicodeString normalized(const icu::UnicodeString& text,
   return U_SUCCESS(status) ? result : text;
 }
 
-icu::UnicodeString withoutMarks(const icu::UnicodeString& text) {
-  icu::UnicodeString kept;
-  for (int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
-    const UChar32 c = text.char32At(i);
-    if (u_charType(c) != U_NON_SPACING_MARK) kept.append(c);
-  }
-  return kept;
-}
-
-std::string withPlainLetters(const icu::UnicodeString& text) {
-  std::string folded;
-  folded.reserve(static_cast<std::size_t>(text.length()) * 2);
-  for (int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
-    const UChar32 c = text.char32At(i);
-    if (const char* const plain = plainLetterFor(c)) {
-      folded += plain;
-      continue;
-    }
-    char unit[U8_MAX_LENGTH];
-    std::size_t size = 0;
-    U8_APPEND_UNSAFE(unit, size, c);
-    folded.append(unit, size);
-  }
-  return folded;
-}
-
 std::string lowered(std::string_view text) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(), lowercaseASCII);
@@ -92,34 +66,98 @@ std::string withoutCaseAndWidth(std::string_view text) {
 
 using WipedUnits = std::vector<UChar, QNWipingAllocator<UChar>>;
 
+// What bytes that aren't UTF-8 become: nothing at all, and the whole fails.
+constexpr UChar32 kRefused = U_SENTINEL;
+constexpr UChar32 kReplaced = 0xFFFD;
+
 // Buffers are large enough from the start: what ICU would allocate for itself isn't wiped.
-// Fails for text that isn't UTF-8.
-WipedUnits secretUnitsOf(std::string_view text, UErrorCode& status) {
+WipedUnits secretUnitsOf(std::string_view text, UChar32 badBytes, UErrorCode& status) {
   WipedUnits units(text.size());
   int32_t length = 0;
-  u_strFromUTF8(units.data(), static_cast<int32_t>(units.size()), &length, text.data(),
-                static_cast<int32_t>(text.size()), &status);
-  units.resize(static_cast<std::size_t>(length));
+  u_strFromUTF8WithSub(units.data(), static_cast<int32_t>(units.size()), &length, text.data(),
+                       static_cast<int32_t>(text.size()), badBytes, nullptr, &status);
+  units.resize(static_cast<std::size_t>(std::max(length, 0)));
   return units;
 }
 
-WipedUnits decomposed(const WipedUnits& units, UErrorCode& status) {
-  constexpr std::size_t longestDecomposition = 18;  // of U+FDFA
-  WipedUnits result(units.size() * longestDecomposition);
-  const int32_t length = unorm2_normalize(unorm2_getNFKDInstance(&status), units.data(),
-                                          static_cast<int32_t>(units.size()), result.data(),
-                                          static_cast<int32_t>(result.size()), &status);
+// A normalization form, and the most units that it makes of one.
+struct Form {
+  const UNormalizer2* (*table)(UErrorCode* status);
+  std::size_t longest;
+};
+constexpr Form kNFD{unorm2_getNFDInstance, 4};
+constexpr Form kNFKD{unorm2_getNFKDInstance, 18};  // of U+FDFA
+
+WipedUnits decomposed(const WipedUnits& units, const Form& form, UErrorCode& status) {
+  WipedUnits result(units.size() * form.longest);
+  const int32_t length =
+      unorm2_normalize(form.table(&status), units.data(), static_cast<int32_t>(units.size()),
+                       result.data(), static_cast<int32_t>(result.size()), &status);
   result.resize(static_cast<std::size_t>(std::max(length, 0)));
   return result;
+}
+
+WipedUnits withFoldedCase(const WipedUnits& units, UErrorCode& status) {
+  constexpr std::size_t longestFolding = 3;  // of U+0390
+  WipedUnits result(units.size() * longestFolding);
+  const int32_t length =
+      u_strFoldCase(result.data(), static_cast<int32_t>(result.size()), units.data(),
+                    static_cast<int32_t>(units.size()), U_FOLD_CASE_DEFAULT, &status);
+  result.resize(static_cast<std::size_t>(std::max(length, 0)));
+  return result;
+}
+
+void dropMarks(WipedUnits& units) {
+  std::size_t kept = 0;
+  for (std::size_t next = 0, start = 0; next < units.size(); start = next) {
+    UChar32 c = 0;
+    U16_NEXT(units.data(), next, units.size(), c);
+    if (u_charType(c) == U_NON_SPACING_MARK) continue;
+    while (start < next) units[kept++] = units[start++];
+  }
+  units.resize(kept);
+}
+
+QNSecret withPlainLetters(const WipedUnits& units) {
+  constexpr std::size_t longestLetter = 3;  // bytes of one unit
+  Bytes folded(units.size() * longestLetter);
+  std::size_t size = 0;
+  for (std::size_t next = 0; next < units.size();) {
+    UChar32 c = 0;
+    U16_NEXT(units.data(), next, units.size(), c);
+    if (const char* plain = plainLetterFor(c)) {
+      while (*plain != '\0') folded[size++] = static_cast<std::uint8_t>(*plain++);
+    } else {
+      U8_APPEND_UNSAFE(folded.data(), size, c);
+    }
+  }
+  return QNSecret(textOf(folded).substr(0, size));
+}
+
+// Nothing should ICU be without its data.
+std::optional<QNSecret> foldedLetters(std::string_view text) {
+  UErrorCode status = U_ZERO_ERROR;
+  WipedUnits units = decomposed(secretUnitsOf(text, kReplaced, status), kNFD, status);
+  dropMarks(units);
+  units = withFoldedCase(units, status);
+  if (U_FAILURE(status)) return std::nullopt;
+  return withPlainLetters(units);
 }
 
 }  // namespace
 
 std::string foldedForSearch(std::string_view text) {
   if (isASCII(text)) return lowered(text);
-  icu::UnicodeString letters =
-      withoutMarks(normalized(unicodeOf(text), icu::Normalizer2::getNFDInstance));
-  return withPlainLetters(letters.foldCase());
+  return std::string(secretFoldedForSearch(text).reveal());  // the caller's text isn't one
+}
+
+QNSecret secretFoldedForSearch(std::string_view text) {
+  if (!isASCII(text)) {
+    if (auto folded = foldedLetters(text)) return std::move(*folded);
+  }
+  std::vector<char, QNWipingAllocator<char>> letters(text.size());
+  std::transform(text.begin(), text.end(), letters.begin(), lowercaseASCII);
+  return QNSecret({letters.data(), letters.size()});
 }
 
 bool containsIgnoringCaseAndWidth(std::string_view text, std::string_view part) {
@@ -129,7 +167,7 @@ bool containsIgnoringCaseAndWidth(std::string_view text, std::string_view part) 
 std::optional<QNSecret> normalizedNFKD(std::string_view text) {
   if (isASCII(text)) return QNSecret(text);
   UErrorCode status = U_ZERO_ERROR;
-  const WipedUnits units = decomposed(secretUnitsOf(text, status), status);
+  const WipedUnits units = decomposed(secretUnitsOf(text, kRefused, status), kNFKD, status);
   Bytes bytes(units.size() * 3);
   int32_t size = 0;
   u_strToUTF8(reinterpret_cast<char*>(bytes.data()), static_cast<int32_t>(bytes.size()), &size,

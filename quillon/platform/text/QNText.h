@@ -83,6 +83,8 @@ std::string qn_formatNumber(std::uint64_t number);
 /// Folded for search: NFD, marks dropped, case folded, and a small table for letters that carry
 /// their stroke inside (ø, ł, đ, ħ and their like). Folding twice changes nothing.
 std::string foldedForSearch(std::string_view text);
+/// The same of a text that must not outlive its use.
+QNSecret secretFoldedForSearch(std::string_view text);
 /// Does `text` contain `part`, case and full or half width of letters apart? Each text contains
 /// the empty one.
 bool containsIgnoringCaseAndWidth(std::string_view text, std::string_view part);
