@@ -288,9 +288,81 @@ TEST(QNArgumentParser, TakesAndRemovesTags) {
       parsedAs<QNEditArguments>({"edit", "T", "--tag", "a", "--untag", "b", "--untag", "c"}).edits;
   EXPECT_THAT(edits.tags, ElementsAre("a"));
   EXPECT_THAT(edits.tagsToRemove, ElementsAre("b", "c"));
-  for (const char* const option : {"--tag", "--untag"}) {
-    EXPECT_THAT(refusal({"edit", "T", option, " "}), HasSubstr("a name")) << option;
+}
+
+TEST(QNArgumentParser, ATagIsGivenAsAnItemTakesIt) {
+  using testing::ElementsAre;
+  EXPECT_THAT(parsedAs<QNEditArguments>({"edit", "T", "--tag", "/a //b/"}).edits.tags,
+              ElementsAre("a/b"));
+  EXPECT_EQ(parsedAs<QNTagAddArguments>({"tag", "add", " a\\b", "T"}).tag, "a/b");
+  EXPECT_EQ(parsedAs<QNTagRenameArguments>({"tag", "rename", " a", "b\t "}).name, "b");
+  for (const char* const nameless : {"", " ", "/", " \\ //"}) {
+    EXPECT_THAT(refusal({"edit", "T", "--tag", nameless}), HasSubstr("a name"));
+    EXPECT_THAT(refusal({"tag", "add", nameless, "T"}), HasSubstr("a name"));
+    EXPECT_THAT(refusal({"tag", "rename", "a", nameless}), HasSubstr("a name"));
   }
+}
+
+TEST(QNArgumentParser, ATagThatIsToGoIsNamedAsItIs) {
+  EXPECT_EQ(parsedAs<QNTagRemoveArguments>({"tag", "remove", " /", "--all"}).tag, " /");
+  EXPECT_EQ(parsedAs<QNTagRenameArguments>({"tag", "rename", "", "b"}).tag, "");
+  EXPECT_THAT(parsedAs<QNEditArguments>({"edit", "T", "--untag", " "}).edits.tagsToRemove,
+              testing::ElementsAre(" "));
+}
+
+TEST(QNArgumentParser, ATagIsTakenFromItemsOrFromAll) {
+  const auto given = parsedAs<QNTagRemoveArguments>({"tag", "remove", "a", "T", "U", "--nested"});
+  EXPECT_THAT(given.items, testing::ElementsAre("T", "U"));
+  EXPECT_TRUE(given.nested);
+  EXPECT_FALSE(given.all);
+  EXPECT_THAT(refusal({"tag", "remove", "a"}), HasSubstr("--all"));
+  EXPECT_THAT(refusal({"tag", "remove", "a", "T", "--all"}), HasSubstr("--all"));
+}
+
+TEST(QNArgumentParser, WhatMovesGoesIntoAFolderOrToTheTop) {
+  EXPECT_EQ(parsedAs<QNMoveArguments>({"move", "T", "Work"}).folder, "Work");
+  EXPECT_EQ(parsedAs<QNMoveArguments>({"move", "T", "--to-top"}).folder, std::nullopt);
+  EXPECT_EQ(parsedAs<QNFolderMoveArguments>({"folder", "move", "A", "B"}).parent, "B");
+  EXPECT_EQ(parsedAs<QNFolderMoveArguments>({"folder", "move", "A", "--to-top"}).parent,
+            std::nullopt);
+  EXPECT_THAT(refusal({"move", "T"}), HasSubstr("--to-top"));
+  EXPECT_THAT(refusal({"folder", "move", "A"}), HasSubstr("--to-top"));
+  EXPECT_THAT(refusal({"move", "T", "Work", "--to-top"}), HasSubstr("--to-top"));
+}
+
+TEST(QNArgumentParser, EveryFolderOfAPathNeedsAName) {
+  EXPECT_EQ(parsedAs<QNFolderAddArguments>({"folder", "add", "A/b c"}).path, "A/b c");
+  EXPECT_EQ(parsedAs<QNSmartAddArguments>({"smart", "add", "A", "title == \"x\""}).path, "A");
+  for (const char* const path : {"", " ", "/", "a//b", "a/", "/a", "a/ "}) {
+    EXPECT_THAT(refusal({"folder", "add", path}), HasSubstr("a name")) << path;
+    EXPECT_THAT(refusal({"smart", "add", path, "TRUEPREDICATE"}), HasSubstr("a name")) << path;
+  }
+  EXPECT_THAT(refusal({"folder", "rename", "a", " "}), HasSubstr("a name"));
+  EXPECT_THAT(refusal({"folder", "rename", "a", "b/c"}), HasSubstr("folder move"));
+}
+
+TEST(QNArgumentParser, ReadsTheFiltersOfAList) {
+  const auto given = parsedAs<QNListArguments>({"list", "--tag", "t", "--folder", "f", "--category",
+                                                "c", "--favorites", "--not-nested", "--sections"});
+  EXPECT_EQ(given.filter.tag, "t");
+  EXPECT_EQ(given.filter.folder, "f");
+  EXPECT_EQ(given.filter.category, "c");
+  EXPECT_TRUE(given.filter.favorites);
+  EXPECT_FALSE(given.filter.nested);
+  EXPECT_TRUE(given.sections);
+  EXPECT_TRUE(parsedAs<QNForArguments>({"for", "x", "--tag", "t"}).filter.nested);
+  EXPECT_THAT(refusal({"list", "--not-nested"}), HasSubstr("--folder"));
+}
+
+TEST(QNArgumentParser, KnowsEveryOrder) {
+  EXPECT_EQ(parsedAs<QNListArguments>({"list"}).order, QNListOrder::title);
+  EXPECT_EQ(parsedAs<QNListArguments>({"list", "--sort", "title"}).order, QNListOrder::title);
+  EXPECT_EQ(parsedAs<QNListArguments>({"list", "--sort", "updated"}).order, QNListOrder::updated);
+  EXPECT_EQ(parsedAs<QNListArguments>({"list", "--sort", "created"}).order, QNListOrder::created);
+  EXPECT_EQ(parsedAs<QNListArguments>({"list", "--sort", "category"}).order, QNListOrder::category);
+  EXPECT_EQ(parsedAs<QNSmartShowArguments>({"smart", "show", "f", "--sort", "strength"}).order,
+            QNListOrder::strength);
+  EXPECT_THAT(refusal({"list", "--sort", "color"}), HasSubstr("--sort"));
 }
 
 TEST(QNArgumentParser, RefusesTextsThatAreNotUTF8UnderTheNameOfTheirOption) {
@@ -308,6 +380,8 @@ TEST(QNArgumentParser, RefusesTextsThatAreNotUTF8UnderTheNameOfTheirOption) {
         {"edit", "T", "--set-file", bad + "=file"},
         {"find", "--url", bad},
         {"list", "--category", bad},
+        {"list", "--folder", bad},
+        {"find", "--where", bad},
         {"show", "T", "--field", bad},
         {"otp", "--url", bad},
         {"init", "--hint", bad},
@@ -316,6 +390,11 @@ TEST(QNArgumentParser, RefusesTextsThatAreNotUTF8UnderTheNameOfTheirOption) {
   }
   EXPECT_THAT(refusal({"show", bad}), HasSubstr("ITEM: "));
   EXPECT_THAT(refusal({"find", bad}), HasSubstr("WORDS: "));
+  EXPECT_THAT(refusal({"for", bad}), HasSubstr("URL: "));
+  EXPECT_THAT(refusal({"tag", "add", bad, "T"}), HasSubstr("TAG: "));
+  EXPECT_THAT(refusal({"folder", "delete", bad}), HasSubstr("FOLDER: "));
+  EXPECT_THAT(refusal({"folder", "add", bad}), HasSubstr("PATH: "));
+  EXPECT_THAT(refusal({"smart", "add", "A", bad}), HasSubstr("PREDICATE: "));
   EXPECT_THAT(refusal({"template", bad}), HasSubstr("CATEGORY: "));
   EXPECT_THAT(refusal({"vault", "add", bad}), HasSubstr("NAME: "));
 }
@@ -328,12 +407,33 @@ TEST(QNArgumentParser, FilesMayHaveAnyName) {
   EXPECT_EQ(edits.settings.at(0).value.file, file);
 }
 
-TEST(QNArgumentParser, FindTakesWordsOrAnAddress) {
+TEST(QNArgumentParser, FindTakesWordsOrAPredicate) {
   EXPECT_EQ(parsedAs<QNFindArguments>({"find", "one", "list"}).words,
             (std::vector<std::string>{"one", "list"}));
-  EXPECT_EQ(parsedAs<QNFindArguments>({"find", "--url", "https://x"}).url, "https://x");
+  EXPECT_EQ(parsedAs<QNFindArguments>({"find", "--where", "p"}).predicate, "p");
   EXPECT_THAT(refusal({"find"}), HasSubstr("words"));
+  EXPECT_THAT(refusal({"find", "a", "--where", "p"}), HasSubstr("--where"));
+}
+
+TEST(QNArgumentParser, FindLooksAtOneLevel) {
+  const auto levelOf = [](const char* option) {
+    return parsedAs<QNFindArguments>({"find", "a", option}).level;
+  };
+  EXPECT_EQ(parsedAs<QNFindArguments>({"find", "a"}).level, QNFindLevel::overview);
+  EXPECT_EQ(levelOf("--title"), QNFindLevel::title);
+  EXPECT_EQ(levelOf("--words"), QNFindLevel::words);
+  EXPECT_EQ(levelOf("--contents"), QNFindLevel::contents);
+  EXPECT_THAT(refusal({"find", "a", "--title", "--contents"}), HasSubstr("--contents"));
+  EXPECT_THAT(refusal({"find", "--where", "p", "--words"}), HasSubstr("--words"));
+}
+
+TEST(QNArgumentParser, FindByAddressIsWhatForDoes) {
+  EXPECT_EQ(parsedAs<QNForArguments>({"for", "https://x"}).url, "https://x");
+  const auto given = parsedAs<QNForArguments>({"find", "--url", "https://x", "--tag", "t"});
+  EXPECT_EQ(given.url, "https://x");
+  EXPECT_EQ(given.filter.tag, "t");
   EXPECT_THAT(refusal({"find", "a", "--url", "https://x"}), HasSubstr("--url"));
+  EXPECT_THAT(refusal({"find", "--title", "--url", "https://x"}), HasSubstr("words"));
 }
 
 TEST(QNArgumentParser, ReadsAGeneratorRecipe) {
