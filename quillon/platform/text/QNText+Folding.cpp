@@ -118,14 +118,14 @@ void dropMarks(WipedUnits& units) {
   units.resize(kept);
 }
 
-QNSecret withPlainLetters(const WipedUnits& units) {
+QNSecret utf8Of(const WipedUnits& units, bool withPlainLetters) {
   constexpr std::size_t longestLetter = 3;  // bytes of one unit
   Bytes folded(units.size() * longestLetter);
   std::size_t size = 0;
   for (std::size_t next = 0; next < units.size();) {
     UChar32 c = 0;
     U16_NEXT(units.data(), next, units.size(), c);
-    if (const char* plain = plainLetterFor(c)) {
+    if (const char* plain = withPlainLetters ? plainLetterFor(c) : nullptr) {
       while (*plain != '\0') folded[size++] = static_cast<std::uint8_t>(*plain++);
     } else {
       U8_APPEND_UNSAFE(folded.data(), size, c);
@@ -134,14 +134,27 @@ QNSecret withPlainLetters(const WipedUnits& units) {
   return QNSecret(textOf(folded).substr(0, size));
 }
 
+bool leavesAside(QNFolding folding, QNFolding part) {
+  return folding == part || folding == QNFolding::caseAndMarks;
+}
+
 // Nothing should ICU be without its data.
-std::optional<QNSecret> foldedLetters(std::string_view text) {
+std::optional<QNSecret> foldedLetters(std::string_view text, QNFolding folding) {
+  const bool marks = leavesAside(folding, QNFolding::marks);
   UErrorCode status = U_ZERO_ERROR;
   WipedUnits units = decomposed(secretUnitsOf(text, kReplaced, status), kNFD, status);
-  dropMarks(units);
-  units = withFoldedCase(units, status);
+  if (marks) dropMarks(units);
+  if (leavesAside(folding, QNFolding::letterCase)) units = withFoldedCase(units, status);
+  // A folded letter may be a composed one again.
+  if (!marks) units = decomposed(units, kNFD, status);
   if (U_FAILURE(status)) return std::nullopt;
-  return withPlainLetters(units);
+  return utf8Of(units, marks);
+}
+
+QNSecret secretLowered(std::string_view text) {
+  std::vector<char, QNWipingAllocator<char>> letters(text.size());
+  std::transform(text.begin(), text.end(), letters.begin(), lowercaseASCII);
+  return QNSecret({letters.data(), letters.size()});
 }
 
 }  // namespace
@@ -152,12 +165,15 @@ std::string foldedForSearch(std::string_view text) {
 }
 
 QNSecret secretFoldedForSearch(std::string_view text) {
+  return foldedText(text, QNFolding::caseAndMarks);
+}
+
+QNSecret foldedText(std::string_view text, QNFolding folding) {
+  if (folding == QNFolding::none) return QNSecret(text);
   if (!isASCII(text)) {
-    if (auto folded = foldedLetters(text)) return std::move(*folded);
+    if (auto folded = foldedLetters(text, folding)) return std::move(*folded);
   }
-  std::vector<char, QNWipingAllocator<char>> letters(text.size());
-  std::transform(text.begin(), text.end(), letters.begin(), lowercaseASCII);
-  return QNSecret({letters.data(), letters.size()});
+  return leavesAside(folding, QNFolding::letterCase) ? secretLowered(text) : QNSecret(text);
 }
 
 bool containsIgnoringCaseAndWidth(std::string_view text, std::string_view part) {

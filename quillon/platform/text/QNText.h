@@ -85,6 +85,12 @@ std::string qn_formatNumber(std::uint64_t number);
 std::string foldedForSearch(std::string_view text);
 /// The same of a text that must not outlive its use.
 QNSecret secretFoldedForSearch(std::string_view text);
+/// What a comparison of two texts leaves aside.
+enum class QNFolding { none, letterCase, marks, caseAndMarks };
+/// The text without that: texts which differ in nothing else become the same bytes, whether their
+/// letters were composed or not. With `none` it is the text as it is, with `caseAndMarks` the one
+/// folded for search. Folding twice changes nothing.
+QNSecret foldedText(std::string_view text, QNFolding folding);
 /// Does `text` contain `part`, case and full or half width of letters apart? Each text contains
 /// the empty one.
 bool containsIgnoringCaseAndWidth(std::string_view text, std::string_view part);

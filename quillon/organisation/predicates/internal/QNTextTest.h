@@ -4,7 +4,7 @@
 
 #include "quillon/organisation/predicates/QNComparisonPredicate.h"
 #include "quillon/organisation/predicates/internal/QNPredicateRun.h"
-#include "quillon/platform/text/QNTextFolding.h"
+#include "quillon/platform/text/QNText.h"
 
 namespace quillon {
 

@@ -1,5 +1,3 @@
-#include "quillon/platform/text/QNTextFolding.h"
-
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
@@ -29,36 +27,36 @@ std::string randomText() {
   return text;
 }
 
-TEST(QNTextFolding, LeavesCaseAside) {
+TEST(QNFolding, LeavesCaseAside) {
   EXPECT_EQ(folded("Example BANK 24", QNFolding::letterCase), "example bank 24");
   EXPECT_EQ(folded("ÄRGER", QNFolding::letterCase), folded("ärger", QNFolding::letterCase));
   EXPECT_EQ(folded("Straße", QNFolding::letterCase), folded("STRASSE", QNFolding::letterCase));
   EXPECT_NE(folded("ärger", QNFolding::letterCase), folded("arger", QNFolding::letterCase));
 }
 
-TEST(QNTextFolding, LeavesMarksAside) {
+TEST(QNFolding, LeavesMarksAside) {
   EXPECT_EQ(folded("Crème Brûlée", QNFolding::marks), "Creme Brulee");
   EXPECT_EQ(folded("Łódź Øre Æsir Þór", QNFolding::marks), "Lodz Ore AEsir THor");
   EXPECT_NE(folded("CRÈME", QNFolding::marks), folded("creme", QNFolding::marks));
   EXPECT_EQ(folded("Plain Text", QNFolding::marks), "Plain Text");
 }
 
-TEST(QNTextFolding, LeavesBothAside) {
+TEST(QNFolding, LeavesBothAside) {
   EXPECT_EQ(folded("CRÈME Øre", QNFolding::caseAndMarks), "creme ore");
 }
 
-TEST(QNTextFolding, LeavesNothingAsideWhereNothingIsAsked) {
+TEST(QNFolding, LeavesNothingAsideWhereNothingIsAsked) {
   EXPECT_EQ(folded("Ä\xFF", QNFolding::none), "Ä\xFF");
 }
 
-TEST(QNTextFolding, TakesComposedLettersForWhatTheyAreComposedOf) {
+TEST(QNFolding, TakesComposedLettersForWhatTheyAreComposedOf) {
   for (const QNFolding folding :
        {QNFolding::letterCase, QNFolding::marks, QNFolding::caseAndMarks}) {
     EXPECT_EQ(folded("Zürich", folding), folded("Zu\u0308rich", folding));
   }
 }
 
-TEST(QNTextFolding, FoldsBothAsTheSearchDoes) {
+TEST(QNFolding, FoldsBothAsTheSearchDoes) {
   EXPECT_TRUE(rc::check([] {
     const std::string text = randomText();
 
@@ -66,7 +64,7 @@ TEST(QNTextFolding, FoldsBothAsTheSearchDoes) {
   }));
 }
 
-TEST(QNTextFolding, ChangesNothingTheSecondTime) {
+TEST(QNFolding, ChangesNothingTheSecondTime) {
   EXPECT_TRUE(rc::check([] {
     const std::string text = randomText();
     for (const QNFolding folding :
