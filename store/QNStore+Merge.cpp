@@ -2,16 +2,14 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iterator>
-#include <map>
 #include <optional>
 #include <set>
+#include <unordered_map>
 
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/platform/data/MRData.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/json/QNJsonEquality.h"
-#include "quillon/sync/QNSyncState.h"
 #include "store/QNStore.h"
 #include "store/internal/QNItemParts.h"
 #include "store/internal/QNStoreState.h"
@@ -33,7 +31,12 @@
 //   deleted    deleted    the later time for both
 //
 // Theirs is committed first, and both remember the pair of times that was reached. If mine then
-// fails, theirs remembers a pair that mine never had: the older one of two that differ counts.
+// fails, theirs remembers a pair that mine never had: the older one of two that differ counts. Of
+// an item that a deletion removes, the deleting side remembers the version that it removed. So if
+// the removal is lost, the side has met what is there.
+//
+// Every row's seal and both ledgers are checked; what both sides remember as it is costs no more
+// than that.
 
 namespace quillon {
 
@@ -43,6 +46,8 @@ using Kind = QNMergedItem::Kind;
 
 constexpr std::string_view kStoreKeychainType = "store";
 
+using ContentHash = std::array<std::uint8_t, 32>;
+
 /// What is known of a row without opening it.
 struct Head {
   std::uint64_t oid = 0;
@@ -50,18 +55,27 @@ struct Head {
   std::uint64_t createdAt = 0;
   std::uint64_t updatedAt = 0;
   bool isTombstone = false;
-  std::array<std::uint8_t, 32> sealedContent{};  // equal in a copied file only
+  std::uint64_t removedTx = 0;                    // of the item that this merge has deleted
+  std::optional<ContentHash> sealedContent = {};  // of a row that its side doesn't remember so
 };
 
-Head headOf(const QNItemRow& row) {
+/// Equal in a copied file only.
+ContentHash sealedContentOf(const QNItemRow& row) {
   Bytes content = toBytes(row.bodyHash);
   content.insert(content.end(), row.overview.begin(), row.overview.end());
   const std::string columns =
       fmt::format("{} {} {} {} {}", row.status, row.faveIndex, row.categoryUUID,
                   row.scope.value_or(""), row.folderUUID.value_or(""));
   content.insert(content.end(), columns.begin(), columns.end());
-  return {row.oid,       row.txTimestamp,  row.createdAt,
-          row.updatedAt, isTombstone(row), sha256(content)};
+  return sha256(content);
+}
+
+Head headOf(const QNItemRow& row) {
+  return {row.oid, row.txTimestamp, row.createdAt, row.updatedAt, isTombstone(row)};
+}
+
+bool areCopies(const Head& a, const Head& b) {
+  return a.sealedContent && a.sealedContent == b.sealedContent;
 }
 
 QNError vaultDamaged(std::string_view what) {
@@ -90,20 +104,26 @@ class QNStore::Merge final {
  private:
   struct Side {
     const QNMergeSide& given;
-    std::map<std::string, Head> heads = {};
-    std::shared_ptr<QNSyncSource> source = nullptr;
+    Database::Partner memory = {};  // of the other side
+    std::unordered_map<std::string, Head> heads = {};
     [[nodiscard]] Database& database() const { return *given.store->_database; }
     [[nodiscard]] const std::shared_ptr<QNProfile>& vault() const { return given.vault; }
     [[nodiscard]] Head* head(const std::string& uuid) {
       const auto found = heads.find(uuid);
       return found == heads.end() ? nullptr : &found->second;
     }
+    /// How far the row was here, `localTimestamp`, and there, `sourceTimestamp`. Null if this side
+    /// remembers nothing of it.
+    [[nodiscard]] const QNSyncStateRow* remembered(std::string_view uuid) const {
+      return memory.states.itemState(uuid);
+    }
   };
   using Loaded = QNResult<std::shared_ptr<QNItem>>;
 
-  QNResult<QNDone> readHeads(Side& side);
-  QNResult<QNDone> readSource(Side& side, const Side& partner);
-  [[nodiscard]] std::set<std::string> uuids() const;
+  static QNResult<QNDone> readMemory(Side& side, const Side& partner);
+  static QNResult<QNDone> readHeads(Side& side);
+  void findWhatIsOutOfStep();
+  [[nodiscard]] bool isInStep(const std::string& uuid, const Head& mine, const Head& theirs) const;
   QNResult<QNDone> mergeOne(const std::string& uuid);
   QNResult<QNDone> mergeDeletion(const std::string& uuid, Side& deleted, Side& living);
   QNResult<QNDone> mergeTombstones(const std::string& uuid);
@@ -118,7 +138,9 @@ class QNStore::Merge final {
   QNResult<QNDone> copyTombstone(const std::string& uuid, Side& from, Side& to);
   QNResult<QNDone> remove(const std::string& uuid, Side& side, std::uint64_t deletedAt);
   QNResult<QNDone> bury(const std::string& uuid, Side& side, std::uint64_t deletedAt);
-  QNResult<QNDone> writeState(Side& side, Side& partner);
+  [[nodiscard]] QNSyncStateRow stateOf(const std::string& uuid, const Side& side,
+                                       const Side& partner) const;
+  QNResult<QNDone> writeMemory(Side& side, const Side& partner);
 
   Loaded load(const std::string& uuid, Side& side);
   QNResult<QNDone> saveIn(Side& side, const std::string& uuid, const std::shared_ptr<QNItem>& item,
@@ -133,80 +155,99 @@ class QNStore::Merge final {
   void note(const std::string& uuid, Kind kind, std::vector<QNMergedField> fields = {});
 
   Side _mine, _theirs;
-  std::set<std::string> _apart;  // uuids that couldn't be brought into step
+  std::set<std::string> _outOfStep;  // uuids that must be looked at, in the report's order
+  std::set<std::string> _apart;      // those that couldn't be brought into step
 };
 
 // The sides as they are
 
 QNResult<QNDone> QNStore::Merge::run() {
-  for (Side* side : {&_mine, &_theirs}) {
-    const auto read = readHeads(*side);
-    if (!read.ok()) return read.error();
-  }
-  auto known = readSource(_mine, _theirs);
-  if (known.ok()) known = readSource(_theirs, _mine);
-  if (!known.ok()) return known.error();
-  for (const std::string& uuid : uuids()) {
+  auto read = readMemory(_mine, _theirs);
+  if (read.ok()) read = readMemory(_theirs, _mine);
+  if (read.ok()) read = readHeads(_mine);
+  if (read.ok()) read = readHeads(_theirs);
+  if (!read.ok()) return read.error();
+  findWhatIsOutOfStep();
+  for (const std::string& uuid : _outOfStep) {
     const auto merged = mergeOne(uuid);
     if (!merged.ok()) return merged.error();
-    ++report.compared;
   }
-  auto written = writeState(_theirs, _mine);
-  if (written.ok()) written = writeState(_mine, _theirs);
+  auto written = writeMemory(_theirs, _mine);
+  if (written.ok()) written = writeMemory(_mine, _theirs);
   finished = written.ok();
   return written;
+}
+
+QNResult<QNDone> QNStore::Merge::readMemory(Side& side, const Side& partner) {
+  auto known =
+      side.database().partnerAt(partner.given.place, *partner.vault()->uuid(), side.vault());
+  if (!known.ok()) return known.error();
+  side.memory = std::move(known).value();
+  if (side.memory.source != nullptr) return QNDone{};
+  const auto source = std::make_shared<QNSyncSource>(initNew);
+  source->setProfile(side.vault());
+  source->restoreKeychainIdentifier(partner.given.place, false);
+  source->setKeychainType(std::string(kStoreKeychainType));
+  source->setRemoteProfileUUID(*partner.vault()->uuid());
+  source->setLocalProfileUUID(*side.vault()->uuid());
+  side.memory.source = source;
+  return QNDone{};
 }
 
 /// A row that isn't genuine would be carried over under a good seal: nothing is merged then.
 QNResult<QNDone> QNStore::Merge::readHeads(Side& side) {
   const auto ledger = side.database().ledgerNow(*side.vault());
   if (!ledger.ok()) return ledger.error();
+  side.heads.reserve(ledger.value().items.rows);
   QNRowCount count;
   QNRowSealer sealer(*side.vault());
   QNQuery query = side.database().file->query(kSelectItemsOfVault, side.vault()->oid());
   while (query.next()) {
     const QNItemRow row = itemRow(query);
     if (!count.add(sealer.seal(row), row.seal)) return vaultDamaged("a row was altered");
-    side.heads.emplace(row.uuid, headOf(row));
+    Head& head = side.heads.emplace(row.uuid, headOf(row)).first->second;
+    const auto* const known = side.remembered(row.uuid);
+    if (known == nullptr || known->localTimestamp != row.txTimestamp) {
+      head.sealedContent = sealedContentOf(row);
+    }
   }
   if (!count.agreesWith(ledger.value().items)) return vaultDamaged("rows are missing or older");
   return QNDone{};
 }
 
-QNResult<QNDone> QNStore::Merge::readSource(Side& side, const Side& partner) {
-  auto sources = side.given.store->syncSources(side.vault());
-  if (!sources.ok()) return sources.error();
-  for (const auto& source : sources.value()) {
-    if (source->keychainIdentifier() == partner.given.place &&
-        source->remoteProfileUUID() == *partner.vault()->uuid()) {
-      side.source = source;
-      return QNDone{};
-    }
+void QNStore::Merge::findWhatIsOutOfStep() {
+  report.compared = _mine.heads.size();
+  for (const auto& [uuid, mine] : _mine.heads) {
+    const Head* const theirs = _theirs.head(uuid);
+    if (theirs == nullptr || !isInStep(uuid, mine, *theirs)) _outOfStep.insert(uuid);
   }
-  side.source = std::make_shared<QNSyncSource>(initNew);
-  side.source->setProfile(side.vault());
-  side.source->restoreKeychainIdentifier(partner.given.place, false);
-  side.source->setKeychainType(std::string(kStoreKeychainType));
-  side.source->setRemoteProfileUUID(*partner.vault()->uuid());
-  side.source->setLocalProfileUUID(*side.vault()->uuid());
-  return QNDone{};
+  for (const auto& [uuid, theirs] : _theirs.heads) {
+    if (_mine.heads.contains(uuid)) continue;
+    ++report.compared;
+    _outOfStep.insert(uuid);
+  }
 }
 
-std::set<std::string> QNStore::Merge::uuids() const {
-  std::set<std::string> all;
-  for (const Side* side : {&_mine, &_theirs}) {
-    for (const auto& [uuid, head] : side->heads) all.insert(uuid);
+/// Do both sides remember these two, and nothing older? Of a deletion on both sides, one may
+/// remember what it has removed from the other.
+bool QNStore::Merge::isInStep(const std::string& uuid, const Head& mine, const Head& theirs) const {
+  const auto* const own = _mine.remembered(uuid);
+  const auto* const other = _theirs.remembered(uuid);
+  if (own == nullptr || other == nullptr || own->localTimestamp != mine.txTimestamp ||
+      other->localTimestamp != theirs.txTimestamp) {
+    return false;
   }
-  return all;
+  if (mine.isTombstone && theirs.isTombstone) return mine.updatedAt == theirs.updatedAt;
+  return own->sourceTimestamp == theirs.txTimestamp && other->sourceTimestamp == mine.txTimestamp;
 }
 
 /// Nothing if one side remembers nothing, or the two can't be told apart by age.
 std::optional<Reached> QNStore::Merge::lastReached(const std::string& uuid) {
-  const auto mine = _mine.source->syncStateForItemUUID(uuid);
-  const auto theirs = _theirs.source->syncStateForItemUUID(uuid);
+  const auto* const mine = _mine.remembered(uuid);
+  const auto* const theirs = _theirs.remembered(uuid);
   if (mine == nullptr || theirs == nullptr) return std::nullopt;
-  const Reached own = {mine->localTimestamp(), mine->sourceTimestamp()};
-  const Reached other = {theirs->sourceTimestamp(), theirs->localTimestamp()};
+  const Reached own = {mine->localTimestamp, mine->sourceTimestamp};
+  const Reached other = {theirs->sourceTimestamp, theirs->localTimestamp};
   if (isNotAfter(own, other)) return own;
   return isNotAfter(other, own) ? std::optional(other) : std::nullopt;
 }
@@ -219,14 +260,14 @@ bool QNStore::Merge::hasChanged(Side& side, const std::string& uuid) {
 
 /// Does nothing that this side remembers speak against it having met that version of the other's?
 bool QNStore::Merge::hasSeen(const Side& side, const std::string& uuid, const Head& other) {
-  const auto state = side.source->syncStateForItemUUID(uuid);
-  return state == nullptr || state->sourceTimestamp() == other.txTimestamp;
+  const auto* const state = side.remembered(uuid);
+  return state == nullptr || state->sourceTimestamp == other.txTimestamp;
 }
 
 /// Has its row changed since the merge that this side alone remembers?
 bool QNStore::Merge::hasMovedOn(const Side& side, const std::string& uuid, const Head& own) {
-  const auto state = side.source->syncStateForItemUUID(uuid);
-  return state != nullptr && state->localTimestamp() != own.txTimestamp;
+  const auto* const state = side.remembered(uuid);
+  return state != nullptr && state->localTimestamp != own.txTimestamp;
 }
 
 // One uuid
@@ -240,7 +281,7 @@ QNResult<QNDone> QNStore::Merge::mergeOne(const std::string& uuid) {
   if (mine->isTombstone) return mergeDeletion(uuid, _mine, _theirs);
   if (theirs->isTombstone) return mergeDeletion(uuid, _theirs, _mine);
   if (!hasChanged(_mine, uuid) && !hasChanged(_theirs, uuid)) return QNDone{};
-  if (mine->sealedContent == theirs->sealedContent) return QNDone{};
+  if (areCopies(*mine, *theirs)) return QNDone{};
   return mergeItems(uuid);
 }
 
@@ -375,6 +416,8 @@ QNResult<QNDone> QNStore::Merge::copyTombstone(const std::string& uuid, Side& fr
 QNResult<QNDone> QNStore::Merge::remove(const std::string& uuid, Side& side,
                                         std::uint64_t deletedAt) {
   note(uuid, &side == &_mine ? Kind::deletedMine : Kind::deletedTheirs);
+  Head& head = *side.head(uuid);
+  head.removedTx = head.txTimestamp;
   return bury(uuid, side, deletedAt);
 }
 
@@ -439,31 +482,34 @@ void QNStore::Merge::note(const std::string& uuid, Kind kind, std::vector<QNMerg
 
 // What is remembered for the next time
 
-QNResult<QNDone> QNStore::Merge::writeState(Side& side, Side& partner) {
-  QNSyncSource::States states;
-  bool isNews = !side.source->hasOid();
-  for (const auto& [uuid, head] : side.heads) {
-    // Of two that stay apart neither side has met the other's: no row ever has the time 0.
-    const bool isApart = _apart.contains(uuid);
-    auto state = std::make_shared<QNSyncState>();
-    state->setObjectType(static_cast<std::int32_t>(QNObjectType::item));
-    state->setSource(side.source);
-    state->setObjectID(head.oid);
-    state->setObjectUUID(uuid);
-    state->setSyncedAt(secondsNow());
-    state->setLocalTimestamp(isApart ? 0 : head.txTimestamp);
-    state->setSourceTimestamp(isApart ? 0 : partner.heads.at(uuid).txTimestamp);
-    const auto before = side.source->syncStateForItemUUID(uuid);
-    const bool isSame = before != nullptr && before->localTimestamp() == state->localTimestamp() &&
-                        before->sourceTimestamp() == state->sourceTimestamp();
-    isNews = isNews || !isSame;
-    states.push_back(isSame ? before : state);
+QNSyncStateRow QNStore::Merge::stateOf(const std::string& uuid, const Side& side,
+                                       const Side& partner) const {
+  const Head& here = side.heads.at(uuid);
+  const Head& there = partner.heads.at(uuid);
+  QNSyncStateRow state;
+  state.objectType = static_cast<std::uint32_t>(QNObjectType::item);
+  state.objectID = here.oid;
+  state.syncedAt = secondsNow();
+  // Of two that stay apart neither side has met the other's: no row ever has the time 0.
+  if (_apart.contains(uuid)) return state;
+  state.localTimestamp = here.txTimestamp;
+  state.sourceTimestamp = there.removedTx != 0 ? there.removedTx : there.txTimestamp;
+  return state;
+}
+
+QNResult<QNDone> QNStore::Merge::writeMemory(Side& side, const Side& partner) {
+  for (const std::string& uuid : _outOfStep) {
+    const QNSyncStateRow state = stateOf(uuid, side, partner);
+    const auto* const before = side.remembered(uuid);
+    const bool isKnown = before != nullptr && before->localTimestamp == state.localTimestamp &&
+                         before->sourceTimestamp == state.sourceTimestamp;
+    if (!isKnown) side.memory.states.setItemState(uuid, state);
   }
-  if (!isNews && states.size() == side.source->itemStates().size()) return QNDone{};
-  side.source->setItemStates(std::move(states));
-  side.source->setLocalProfileTimestamp(lastTxOf(side));
-  side.source->setRemoteProfileTimestamp(lastTxOf(partner));
-  return side.given.store->saveSyncSource(side.source);
+  QNSyncSource& source = *side.memory.source;
+  if (source.hasOid() && !side.memory.states.hasChanges()) return QNDone{};
+  source.setLocalProfileTimestamp(lastTxOf(side));
+  source.setRemoteProfileTimestamp(lastTxOf(partner));
+  return side.database().savePartner(side.memory);
 }
 
 // The whole

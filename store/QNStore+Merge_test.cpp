@@ -205,6 +205,51 @@ TEST_F(QNStoreMerge, OpensOnlyWhatHasChanged) {
   merged();
 }
 
+TEST_F(QNStoreMerge, RemembersAnewOnlyWhatWasOutOfStep) {
+  for (int i = 0; i < 3; ++i) savedLogin(mine, "other");
+  copyFile();
+  ASSERT_TRUE(tryMerge().ok());
+  const std::uint64_t first = secondsNow();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("changed"); });
+  savedLogin(theirs, "new");
+
+  ASSERT_TRUE(tryMerge().ok());
+
+  for (Session* const session : {&mine, &theirs}) {
+    const auto source = std::move(session->store->syncSources(session->vault)).value().at(0);
+    ASSERT_EQ(source->itemStates().size(), 5u);
+    for (const auto& state : source->itemStates()) {
+      const auto item = itemIn(*session, *state->objectUUID());
+      EXPECT_EQ(state->localTimestamp(), item->txTimestamp());
+      EXPECT_EQ(state->objectID(), item->oid());
+      const bool isNews = item->title() == "changed" || item->title() == "new";
+      EXPECT_EQ(state->syncedAt() > first, isNews) << item->title();
+    }
+  }
+}
+
+TEST_F(QNStoreMerge, LeavesWhatElseIsRememberedOfThePartner) {
+  copyFile();
+  ASSERT_TRUE(tryMerge().ok());
+  const auto source = std::move(mine.store->syncSources(mine.vault)).value().at(0);
+  const auto folderState = std::make_shared<QNSyncState>();
+  folderState->setObjectType(2);
+  folderState->setObjectUUID("folder");
+  source->setFolderStates({folderState});
+  source->setRemoteProfileAttributesEncryptedWithLocal(Bytes{1, 2});
+  ASSERT_EQ(errorOf(mine.store->saveSyncSource(source)), "");
+  savedLogin(mine, "new");
+
+  merged();
+
+  const auto again = std::move(mine.store->syncSources(mine.vault)).value().at(0);
+  EXPECT_EQ(again->itemStates().size(), 2u);
+  ASSERT_EQ(again->folderStates().size(), 1u);
+  EXPECT_EQ(again->folderStates()[0]->objectUUID(), "folder");
+  EXPECT_EQ(again->remoteProfileAttributesEncryptedWithLocal(), (Bytes{1, 2}));
+}
+
 TEST_F(QNStoreMerge, LeavesEqualContentUnderOtherKeysAlone) {
   makeAnother();
   merged();
@@ -584,6 +629,122 @@ TEST_F(QNStoreMerge, AnEditAfterHalfAFirstMergeOutlivesADeletionThatDidNotSeeIt)
   EXPECT_EQ(titlesIn(theirs), (std::vector<std::string>{"first", "edited"}));
 }
 
+TEST_F(QNStoreMerge, ADeletionThatHalfAFirstMergeCarriedOverStillGoesOver) {
+  for (const bool isMineDeleted : {true, false}) {
+    SCOPED_TRACE(isMineDeleted);
+    theirs = Session();
+    mine = Session();
+    for (const auto& each : {myFile, theirFile}) std::filesystem::remove(each);
+    mine = makeSession(myFile);
+    const std::string uuid = *savedLogin(mine, "one")->uuid();
+    copyFile();
+    remove(isMineDeleted ? mine : theirs, uuid);
+    mergeOnlyTheirs();
+
+    merged();
+
+    for (Session* const session : {&mine, &theirs}) {
+      EXPECT_THAT(titlesIn(*session, QNStore::Which::all), IsEmpty());
+    }
+  }
+}
+
+// Changed before the deletion by the clocks, but nobody there has seen it.
+TEST_F(QNStoreMerge, ADeletionThatHalfAFirstMergeCarriedOverSparesWhatItDidNotMeet) {
+  copyFile();
+  const std::string uuid = uuidOfFirst();
+  clock.setSeconds(1'700'009'000);
+  remove(theirs, uuid);
+  mergeOnlyTheirs();
+  clock.setSeconds(1'700'000'100);
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("needed"); });
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::deletionRefused);
+
+  EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"needed"});
+}
+
+TEST_F(QNStoreMerge, ADeletionDoesNotGoOverTwice) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  const auto kept = itemIn(theirs, uuid);
+  remove(mine, uuid);
+  merged();
+  kept->setProfile(theirs.vault);
+  kept->_setOid(0);
+  for (const auto& url : kept->URLs()) url->_setOid(0);
+  ASSERT_EQ(errorOf(theirs.store->saveAllWithTheirTimes({&kept, 1})), "");
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::deletionRefused);
+
+  EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"first"});
+}
+
+// An older copy in the place of one side
+
+class QNStoreMergeRestored : public QNStoreMerge {
+ protected:
+  void putBack(Session& session, const std::filesystem::path& file, const std::string& bytes) {
+    session = Session();
+    for (const char* const suffix : {"-wal", "-shm"}) {
+      std::filesystem::remove(file.string() + suffix);
+    }
+    writeFile(file, bytes);
+    session = openSession(file);
+  }
+  std::string backupOf(Session& session) {
+    const auto file = folder / "backup";
+    EXPECT_EQ(errorOf(session.store->backupTo(file)), "");
+    const std::string bytes = bytesOfFile(file);
+    std::filesystem::remove(file);
+    return bytes;
+  }
+};
+
+TEST_F(QNStoreMergeRestored, TakesWhatTheOtherHasHadSinceThen) {
+  savedLogin(mine, "second");
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  for (const bool isMineRestored : {true, false}) {
+    SCOPED_TRACE(isMineRestored);
+    Session& restored = isMineRestored ? mine : theirs;
+    const std::string backup = backupOf(restored);
+    const std::string title = isMineRestored ? "one" : "two";
+    edit(restored, uuid, [&](QNItem& item) { item.setTitle(title); });
+    merged();
+    putBack(restored, isMineRestored ? myFile : theirFile, backup);
+
+    const QNMergeReport report = merged();
+
+    ASSERT_EQ(report.items.size(), 1u);
+    EXPECT_EQ(report.items[0].kind, isMineRestored ? Kind::replacedMine : Kind::replacedTheirs);
+    EXPECT_THAT(titlesIn(mine), ElementsAre(title, "second"));
+  }
+}
+
+// Its changes get numbers that it had given once before.
+TEST_F(QNStoreMergeRestored, LosesNoChangeThatItMakesThen) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst(), other = *savedLogin(mine, "second")->uuid();
+  merged();
+  const std::string backup = backupOf(mine);
+  for (int i = 0; i < 5; ++i) {
+    edit(mine, uuid, [&](QNItem& item) { item.setTitle("lost " + std::to_string(i)); });
+    merged();
+  }
+  clock.setSeconds(1'700'000'000);
+  putBack(mine, myFile, backup);
+  edit(mine, other, [](QNItem& item) { item.setNotesPlain("after"); });
+
+  merged();
+
+  EXPECT_EQ(itemIn(theirs, other)->notesPlain(), "after");
+  EXPECT_THAT(titlesIn(mine), ElementsAre("lost 4", "second"));
+}
+
 class QNStoreMergeApart : public QNStoreMerge {
  protected:
   void makeNoteOfTheSameUUID() {
@@ -862,6 +1023,33 @@ TEST_F(QNStoreMerge, ChangesNeitherSideIfOneIsDamaged) {
   EXPECT_TRUE(mine.store->syncSources(mine.vault).value().empty());
 }
 
+TEST_F(QNStoreMerge, ChangesNeitherSideIfAnUnchangedRowWasAltered) {
+  savedLogin(mine, "second");
+  copyFile();
+  merged();
+  edit(mine, uuidOfFirst(), [](QNItem& item) { item.setTitle("mine"); });
+  auto database = std::move(QNDatabase::open(theirFile, QNDatabase::Mode::readWrite)).value();
+  database->run("UPDATE items SET fave_index = 9 WHERE oid = 2");
+  database.reset();
+
+  EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::damaged));
+
+  EXPECT_EQ(titlesIn(theirs).at(0), "first");
+}
+
+TEST_F(QNStoreMerge, ChangesNeitherSideIfWhatItRemembersWasAltered) {
+  copyFile();
+  merged();
+  edit(mine, uuidOfFirst(), [](QNItem& item) { item.setTitle("mine"); });
+  auto database = std::move(QNDatabase::open(theirFile, QNDatabase::Mode::readWrite)).value();
+  database->run("UPDATE sync_states SET local_timestamp = local_timestamp + 1");
+  database.reset();
+
+  EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::damaged));
+
+  EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"first"});
+}
+
 TEST_F(QNStoreMerge, ChangesNeitherSideIfARowIsMissing) {
   copyFile();
   auto database = std::move(QNDatabase::open(theirFile, QNDatabase::Mode::readWrite)).value();
@@ -948,6 +1136,11 @@ TEST_F(QNStoreMerge, IsNoPartOfAnotherTransaction) {
 
 TEST_F(QNStoreMerge, MergesNoLockedVault) {
   copyFile();
+  theirs.vault->lock();
+  EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::locked));
+
+  theirs = openSession(theirFile);
+  merged();
   theirs.vault->lock();
 
   EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::locked));

@@ -72,18 +72,6 @@ std::shared_ptr<QNSyncSource> sourceOf(const QNSyncSourceRow& row) {
 
 // States
 
-QNSyncStateRow syncStateRow(const QNQuery& query) {
-  QNSyncStateRow row;
-  row.kind = query.number(0);
-  row.objectType = query.number(1);
-  row.objectID = query.number(2);
-  row.objectUUID = query.optionalText(3);
-  row.syncedAt = query.number(4);
-  row.sourceTimestamp = query.number(5);
-  row.localTimestamp = query.number(6);
-  return row;
-}
-
 std::shared_ptr<QNSyncState> stateOf(const QNSyncStateRow& row) {
   auto state = std::make_shared<QNSyncState>();
   state->setObjectType(static_cast<std::int32_t>(row.objectType));
@@ -95,13 +83,12 @@ std::shared_ptr<QNSyncState> stateOf(const QNSyncStateRow& row) {
   return state;
 }
 
-constexpr std::size_t kKinds = 3;  // items, folders, attachments: 1, 2, 3 in a row
-using StatesByKind = std::array<QNSyncSource::States, kKinds>;
+using StatesByKind = std::array<QNSyncSource::States, QNSyncStates::kKinds>;
 
 /// In the order in which they are stored and sealed.
 std::vector<QNSyncStateRow> rowsOf(const StatesByKind& states) {
   std::vector<QNSyncStateRow> rows;
-  for (std::size_t kind = 0; kind < kKinds; ++kind) {
+  for (std::size_t kind = 0; kind < states.size(); ++kind) {
     for (const auto& state : states[kind]) {
       rows.push_back({kind + 1, static_cast<std::uint32_t>(state->objectType()), state->objectID(),
                       state->objectUUID(), state->syncedAt(), state->sourceTimestamp(),
@@ -115,32 +102,24 @@ StatesByKind statesOf(const QNSyncSource& source) {
   return {source.itemStates(), source.folderStates(), source.attachmentStates()};
 }
 
-StatesByKind readStates(QNDatabase& file, std::uint64_t sourceOid) {
-  QNQuery query = file.query(
-      "SELECT kind, object_type, object_id, object_uuid, synced_at, source_timestamp, "
-      "local_timestamp FROM sync_states WHERE source_id = ?1 ORDER BY kind, place",
-      sourceOid);
+void setStates(const std::shared_ptr<QNSyncSource>& source, const QNSyncStates& stored) {
   StatesByKind states;
-  while (query.next()) {
-    const QNSyncStateRow row = syncStateRow(query);
-    // A kind that nobody knows isn't read, and so the seal doesn't fit.
-    if (row.kind >= 1 && row.kind <= kKinds) states[row.kind - 1].push_back(stateOf(row));
+  for (const QNSyncStateRow& row : stored.rows()) {
+    const auto& state = states[row.kind - 1].emplace_back(stateOf(row));
+    state->setSource(source);
   }
-  return states;
-}
-
-void setStates(const std::shared_ptr<QNSyncSource>& source, const StatesByKind& states) {
-  for (const auto& ofKind : states) {
-    for (const auto& state : ofKind) state->setSource(source);
-  }
-  source->setItemStates(states[0]);
-  source->setFolderStates(states[1]);
-  source->setAttachmentStates(states[2]);
+  source->setItemStates(std::move(states[0]));
+  source->setFolderStates(std::move(states[1]));
+  source->setAttachmentStates(std::move(states[2]));
 }
 
 QNStoredChange::Kind kindOf(const QNItemRow& row) {
   if (isTombstone(row)) return QNStoredChange::Kind::deleted;
   return row.status == 1 ? QNStoredChange::Kind::trashed : QNStoredChange::Kind::saved;
+}
+
+QNError alteredSource() {
+  return storeError(QNStoreErrorCode::damaged, "a sync source or its states were altered");
 }
 
 /// Row ids are used again: whoever still holds a deleted source must not write over the one that
@@ -151,7 +130,7 @@ std::uint64_t firstRevision() {
   return (revision >> 2) + 1;
 }
 
-QNResult<std::shared_ptr<QNProfile>> vaultOf(const QNSyncSource& source) {
+QNResult<std::shared_ptr<QNProfile>> vaultOfSource(const QNSyncSource& source) {
   auto vault = std::dynamic_pointer_cast<QNProfile>(source.profile());
   if (vault == nullptr) {
     return storeError(QNStoreErrorCode::notFound, "the source has no vault of a store");
@@ -199,10 +178,11 @@ QNResult<std::vector<std::shared_ptr<QNSyncSource>>> QNStore::syncSources(
     QNQuery query = _database->file->query(kSelectSourcesOfVault, vault->oid());
     while (query.next()) {
       const QNSyncSourceRow row = syncSourceRow(query);
-      const auto source = _database->syncSourceOf(row, vault);
-      if (source == nullptr) {
-        return storeError(QNStoreErrorCode::damaged, "a sync source or its states were altered");
-      }
+      const QNSyncStates states = QNSyncStates::read(*_database->file, row.oid);
+      const auto source = _database->syncSourceOf(row, states, vault);
+      if (source == nullptr) return alteredSource();
+      setStates(source, states);
+      source->didLoad();
       _database->sources.push_back({source, row.revision});
       sources.push_back(source);
     }
@@ -211,35 +191,67 @@ QNResult<std::vector<std::shared_ptr<QNSyncSource>>> QNStore::syncSources(
 }
 
 std::shared_ptr<QNSyncSource> QNStore::Database::syncSourceOf(
-    const QNSyncSourceRow& row, const std::shared_ptr<QNProfile>& vault) {
-  const StatesByKind states = readStates(*file, row.oid);
-  const auto hash = statesHash(rowsOf(states));
+    const QNSyncSourceRow& row, const QNSyncStates& states,
+    const std::shared_ptr<QNProfile>& vault) {
+  const auto hash = states.hash();
   QNSyncSourceRow whole = row;
   whole.statesHash = hash;
   if (!sealFits(QNRowSealer(*vault).seal(whole), row.seal)) return nullptr;
   auto source = sourceOf(row);
   source->setProfile(vault);
-  setStates(source, states);
-  source->didLoad();
   return source;
+}
+
+QNResult<QNStore::Database::Partner> QNStore::Database::partnerAt(
+    std::string_view place, std::string_view uuid, const std::shared_ptr<QNProfile>& vault) {
+  const auto ledger = ledgerNow(*vault);
+  if (!ledger.ok()) return ledger.error();
+  QNQuery query = file->query(kSelectSourcesOfVault, vault->oid());
+  while (query.next()) {
+    const QNSyncSourceRow row = syncSourceRow(query);
+    if (row.keychainIdentifier != place || row.remoteProfileUUID != uuid) continue;
+    QNSyncStates states = QNSyncStates::read(*file, row.oid);
+    const auto source = syncSourceOf(row, states, vault);
+    if (source == nullptr) return alteredSource();
+    source->didLoad();
+    sources.push_back({source, row.revision});
+    return Partner{source, std::move(states)};
+  }
+  return Partner{};
 }
 
 // Saving
 
 QNResult<QNDone> QNStore::saveSyncSource(const std::shared_ptr<QNSyncSource>& source) {
   return inTransaction([this, &source]() -> QNResult<QNDone> {
-    const auto vault = vaultOf(*source);
-    if (!vault.ok()) return vault.error();
-    const auto ledger = _database->ledgerNow(*vault.value());
-    if (!ledger.ok()) return ledger.error();
-    source->willSave();
-    const auto saved = source->hasOid() ? _database->updateSyncSource(source, *vault.value())
-                                        : _database->insertSyncSource(source, *vault.value());
+    const auto states = rowsOf(statesOf(*source));
+    const auto saved = _database->writeSyncSource(source, statesHash(states));
     if (!saved.ok()) return saved.error();
-    _database->writeSyncStates(*source);
-    _database->afterCommit.emplace_back([source] { source->didSave(); });
+    // All of them anew: nobody knows which have changed.
+    QNSyncStates::writeAll(*_database->file, source->oid(), states);
     return QNDone{};
   });
+}
+
+QNResult<QNDone> QNStore::Database::savePartner(Partner& partner) {
+  const auto saved = writeSyncSource(partner.source, partner.states.hash());
+  if (!saved.ok()) return saved.error();
+  partner.states.writeChanges(*file, partner.source->oid());
+  return QNDone{};
+}
+
+QNResult<QNDone> QNStore::Database::writeSyncSource(const std::shared_ptr<QNSyncSource>& source,
+                                                    ByteView statesHash) {
+  const auto vault = vaultOfSource(*source);
+  if (!vault.ok()) return vault.error();
+  const auto ledger = ledgerNow(*vault.value());
+  if (!ledger.ok()) return ledger.error();
+  source->willSave();
+  const auto saved = source->hasOid() ? updateSyncSource(source, *vault.value(), statesHash)
+                                      : insertSyncSource(source, *vault.value(), statesHash);
+  if (!saved.ok()) return saved.error();
+  afterCommit.emplace_back([source] { source->didSave(); });
+  return QNDone{};
 }
 
 QNStore::Database::KnownSource* QNStore::Database::knownSource(const QNSyncSource& source) {
@@ -250,9 +262,8 @@ QNStore::Database::KnownSource* QNStore::Database::knownSource(const QNSyncSourc
 }
 
 QNResult<QNDone> QNStore::Database::insertSyncSource(const std::shared_ptr<QNSyncSource>& source,
-                                                     QNProfile& vault) {
-  const auto hash = statesHash(rowsOf(statesOf(*source)));
-  QNSyncSourceRow row = columnsOf(*source, hash);
+                                                     QNProfile& vault, ByteView statesHash) {
+  QNSyncSourceRow row = columnsOf(*source, statesHash);
   row.oid = file->number("SELECT coalesce(max(oid), 0) + 1 FROM sync_sources");
   row.revision = firstRevision();
   const auto seal = QNRowSealer(vault).seal(row);
@@ -273,13 +284,12 @@ QNResult<QNDone> QNStore::Database::insertSyncSource(const std::shared_ptr<QNSyn
 }
 
 QNResult<QNDone> QNStore::Database::updateSyncSource(const std::shared_ptr<QNSyncSource>& source,
-                                                     QNProfile& vault) {
+                                                     QNProfile& vault, ByteView statesHash) {
   KnownSource* const known = knownSource(*source);
   if (known == nullptr) {
     return storeError(QNStoreErrorCode::notFound, "the source isn't in this store");
   }
-  const auto hash = statesHash(rowsOf(statesOf(*source)));
-  QNSyncSourceRow row = columnsOf(*source, hash);
+  QNSyncSourceRow row = columnsOf(*source, statesHash);
   row.revision = known->revision + 1;
   const auto seal = QNRowSealer(vault).seal(row);
   if (!seal) return storeError(QNStoreErrorCode::locked, "the vault's keys aren't there");
@@ -299,20 +309,6 @@ QNResult<QNDone> QNStore::Database::updateSyncSource(const std::shared_ptr<QNSyn
   known->revision = row.revision;
   undo.emplace_back([this, source] { --knownSource(*source)->revision; });
   return QNDone{};
-}
-
-/// All of them anew: a source is saved once a sync, and nearly every state has changed then.
-void QNStore::Database::writeSyncStates(const QNSyncSource& source) {
-  file->change("DELETE FROM sync_states WHERE source_id = ?1", source.oid());
-  std::uint64_t place = 0;
-  for (const QNSyncStateRow& row : rowsOf(statesOf(source))) {
-    file->change(
-        "INSERT INTO sync_states (source_id, kind, place, object_type, object_id, object_uuid, "
-        "synced_at, source_timestamp, local_timestamp) "
-        "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9)",
-        source.oid(), row.kind, ++place, row.objectType, row.objectID, row.objectUUID, row.syncedAt,
-        row.sourceTimestamp, row.localTimestamp);
-  }
 }
 
 // Deleting
@@ -346,7 +342,7 @@ void QNStore::Database::checkSyncSources(const std::shared_ptr<QNProfile>& vault
   while (query.next()) {
     const QNSyncSourceRow row = syncSourceRow(query);
     ++report.syncSourcesChecked;
-    if (syncSourceOf(row, vault) == nullptr) {
+    if (syncSourceOf(row, QNSyncStates::read(*file, row.oid), vault) == nullptr) {
       report.problems.push_back("sync source " + std::to_string(row.oid) +
                                 ": it or its states were altered");
     }

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "quillon/items/QNItemMerge.h"
 #include "quillon/items/internal/QNItemState.h"
 #include "quillon/platform/log/MRLogger.h"
 
@@ -14,7 +15,20 @@ MRLogText whileMerging(std::string_view text, int line = __builtin_LINE()) {
   return {text, __builtin_FILE(), line, "mergeWithConflict"};
 }
 
+bool opens(QNItem& item) {
+  return item.mutableOverview() != nullptr && item.mutableDetails() != nullptr;
+}
+
 }  // namespace
+
+bool openToMerge(QNItem& theirs, QNItem& into) {
+  if (&theirs == &into || (opens(theirs) && opens(into))) return true;
+  MRLogger::sharedLogger().error(
+      DEBUG_DATABASE, into.descriptionForLogging(),
+      whileMerging("Attempted to merge {} into {}, which don't both open"), theirs.description(),
+      into.description());
+  return false;
+}
 
 std::shared_ptr<QNItem> QNItem::itemToMerge(const std::shared_ptr<QNDatabaseObject>& other) const {
   auto item = std::dynamic_pointer_cast<QNItem>(other);
@@ -44,6 +58,8 @@ std::shared_ptr<QNDatabaseObject> QNItem::mergeWithConflict(
   } else if (_categoryUUID != item->_categoryUUID) {
     reportForeignCategory("Attempt to merge item {} ({}) with item from different category {} ({})",
                           *item);
+    return nullptr;
+  } else if (!openToMerge(*item, *this)) {
     return nullptr;
   } else if (item.get() != this) {
     mergeContentOf(*item);

@@ -142,6 +142,18 @@ TEST_F(QNItemMergeURLs, WithoutATextAreToldApartByTheirLabels) {
   EXPECT_FALSE(_mine->dirtyRow());
 }
 
+TEST_F(QNItemMergeURLs, WithAnEmptyTextAreEqualWhateverTheirLabels) {
+  addLabel(*_mine, "mine")->setURLString("");
+  addLabel(*_theirs, "theirs")->setURLString("");
+  addLabel(*_theirs, "no text");
+
+  merge();
+
+  ASSERT_THAT(addressesOf(*_mine), ElementsAre("", "(none)"));
+  EXPECT_EQ(_mine->URLAtIndex(0)->label(), "mine");
+  EXPECT_EQ(_mine->URLAtIndex(1)->label(), "no text");
+}
+
 TEST_F(QNItemMergeURLs, ThatDoNotOpenAreLeftAlone) {
   _mine->addURLString("https://a.example");
   const auto broken = std::make_shared<QNItemURL>(QNExisting{8});

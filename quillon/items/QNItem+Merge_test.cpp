@@ -3,6 +3,7 @@
 namespace quillon {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -427,24 +428,45 @@ TEST_F(QNItemMerge, ALoadedPasswordStaysAndThePresentOneOfTheOtherIsNoHistory) {
   EXPECT_THAT(historyOf(*_mine), IsEmpty());
 }
 
-// Details that can't be read
+// What can't be read
 
-TEST_F(QNItemMerge, LeavesDetailsThatDoNotOpenAsTheyAreStored) {
+TEST_F(QNItemMerge, GivesNothingAndChangesNothingIfEitherDoesNotOpen) {
   _mine->setNotesPlain("mine");
   save(*_mine);
-  const auto broken = opened(*_mine, _vault);
-  Bytes damaged = *broken->detailsData();
-  damaged.back() ^= 1;
-  broken->setDetailsData(damaged);
+  const auto noOverview = opened(*_mine, _vault);
+  noOverview->setOverviewData(Bytes(64, 1));
+  const auto noDetails = opened(*_mine, _vault);
+  noDetails->setDetailsData(Bytes(64, 1));
+  const auto notLoaded = listed(*_mine, _vault);
   _theirs->setNotesPlain("theirs");
-  _theirs->addPreviouslyUsedPassword({QNSecret("a"), 5});
   addField(*_theirs, "s", "x", "value");
+  save(*_theirs);
+  for (const auto& broken : {noOverview, noDetails, notLoaded}) {
+    broken->didSave();
+    for (const auto& [into, from] : {std::pair(broken, _theirs), std::pair(_theirs, broken)}) {
+      const MRCapturingSink sink;
+
+      EXPECT_EQ(into->mergeWithConflict(from), nullptr);
+
+      EXPECT_FALSE(into->dirtyRow());
+      EXPECT_FALSE(from->dirtyRow());
+      EXPECT_THAT(errors(sink), Contains("Attempted to merge " + from->description() + " into " +
+                                         into->description() + ", which don't both open"));
+    }
+  }
+  EXPECT_EQ(_theirs->notesPlain(), "theirs");
+}
+
+TEST_F(QNItemMerge, WithATombstoneNeedsNoContent) {
+  const auto broken = damagedTwinOf<QNSampleItem>(*_mine, _vault);
+  const auto tombstone = std::make_shared<QNTombstone>(QNExisting{9});
+  tombstone->setProfile(_vault);
   const MRCapturingSink sink;
 
-  EXPECT_EQ(broken->mergeWithConflict(_theirs), broken);
-  broken->willSave();
+  EXPECT_EQ(broken->mergeWithConflict(tombstone), broken);
+  EXPECT_EQ(broken->mergeWithConflict(broken), broken);
 
-  EXPECT_EQ(*broken->detailsData(), damaged);
+  EXPECT_THAT(errors(sink), IsEmpty());
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-#include "quillon/items/internal/QNItemTesting.h"
-#include "quillon/logins/QNItemURL.h"
+#include "quillon/items/internal/QNMergeTesting.h"
 #include "quillon/platform/urls/QNURLTools.h"
 
 namespace quillon {
@@ -9,12 +8,6 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-std::vector<std::string> addressesOf(QNItem& item) {
-  std::vector<std::string> addresses;
-  for (const auto& url : item.URLs()) addresses.push_back(url->URLString().value_or("(none)"));
-  return addresses;
-}
 
 QNSampleItemRef itemWithURLs(std::initializer_list<std::string_view> urls) {
   auto item = newItem(localVault());
@@ -389,6 +382,19 @@ TEST(QNItemURLs, TheFirstOfEachAddressStays) {
   EXPECT_THAT(addressesOf(*item),
               ElementsAre("https://a.example", "https://b.example", "https://A.example"));
   EXPECT_EQ(item->URLAtIndex(0), first);
+}
+
+TEST(QNItemURLs, AnEmptyAddressIsOneLikeAnyOther) {
+  const auto item = itemWithURLs({});
+  addLabel(*item, "first")->setURLString("");
+  addLabel(*item, "second")->setURLString("");
+  addLabel(*item, "no text");
+  addLabel(*item, "no text");
+
+  item->removeDuplicateURLs();
+
+  ASSERT_THAT(addressesOf(*item), ElementsAre("", "(none)", "(none)"));
+  EXPECT_EQ(item->URLAtIndex(0)->label(), "first");
 }
 
 TEST(QNItemURLs, HostsAreForSearch) {

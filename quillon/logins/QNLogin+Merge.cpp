@@ -1,5 +1,6 @@
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/fields/QNItemStringField.h"
+#include "quillon/items/QNItemMerge.h"
 #include "quillon/logins/QNLogin.h"
 #include "quillon/logins/QNPassword.h"
 #include "quillon/platform/text/QNLocalization.h"
@@ -67,7 +68,8 @@ std::shared_ptr<QNDatabaseObject> QNLogin::mergeWithConflict(
         "Attempt to merge login {} ({}) with item from different category {} ({})", *item);
     return nullptr;
   } else {
-    const auto login = asLogin(item);
+    // Before a password gives away what it has.
+    const auto login = openToMerge(*item, *this) ? asLogin(item) : nullptr;
     if (login == nullptr) return nullptr;
     QNItem::mergeWithConflict(login);
     if (login != item) {

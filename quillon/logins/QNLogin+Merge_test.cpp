@@ -6,6 +6,7 @@
 namespace quillon {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -531,8 +532,33 @@ TEST_F(QNLoginMerge, OfAGeneratedPasswordThatDoesNotOpenGivesNothing) {
   EXPECT_FALSE(mine->dirtyRow());
   EXPECT_FALSE(mine->hasOid());
   EXPECT_EQ(password->URLAtIndex(0)->item(), password);
-  EXPECT_THAT(assertions(sink), ElementsAre("Item " + password->description() +
-                                            " doesn't open and can't be made a login"));
+  EXPECT_THAT(errors(sink), Contains("Attempted to merge " + password->description() + " into " +
+                                     mine->description() + ", which don't both open"));
+}
+
+TEST_F(QNLoginMerge, ThatDoesNotOpenLeavesAGeneratedPasswordItsAddresses) {
+  const auto mine = damagedTwinOf<QNLogin>(*loginOf("ann", "pw"), _vault);
+  const auto password = clean<QNPassword>();
+  password->addURLString("https://a.example/deep");
+  password->didSave();
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(mine->mergeWithConflict(password), nullptr);
+
+  EXPECT_FALSE(password->dirtyRow());
+  EXPECT_THAT(addressesOf(*password), ElementsAre("https://a.example/deep"));
+  EXPECT_EQ(password->URLAtIndex(0)->item(), password);
+}
+
+TEST_F(QNLoginMerge, OfALoginThatDoesNotOpenGivesNothing) {
+  const auto mine = loginOf("ann", "pw");
+  const auto theirs = damagedTwinOf<QNLogin>(*loginOf("bob", "other"), _vault);
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(mine->mergeWithConflict(theirs), nullptr);
+
+  EXPECT_FALSE(mine->dirtyRow());
+  EXPECT_EQ(mine->username(), "ann");
 }
 
 TEST_F(QNLoginMerge, TakesTheRowOfAGeneratedPassword) {

@@ -1,3 +1,4 @@
+#include "quillon/items/QNItemMerge.h"
 #include "quillon/logins/QNLogin.h"
 #include "quillon/logins/QNPassword.h"
 #include "quillon/platform/environment/QNEnvironment.h"
@@ -15,7 +16,7 @@ std::shared_ptr<QNDatabaseObject> QNPassword::mergeWithConflict(
   if (item->isTombstone()) {
     markRowDirty();
   } else if (isLogin && item->categoryUUID() == QNCategoryUUIDLogin) {
-    result = convertToLoginBasedOnLogin(nullptr);
+    result = openToMerge(*item, *this) ? convertToLoginBasedOnLogin(nullptr) : nullptr;
     // Works on the login itself.
     if (result == nullptr || result->mergeWithConflict(item) == nullptr) return nullptr;
     result->markRowDirty();
@@ -24,7 +25,7 @@ std::shared_ptr<QNDatabaseObject> QNPassword::mergeWithConflict(
         "Attempt to merge password {} ({}) with item from different category {} ({})", *item);
     return nullptr;
   } else {
-    QNItem::mergeWithConflict(item);
+    if (QNItem::mergeWithConflict(item) == nullptr) return nullptr;
     mergePasswordWithConflict(*password);
   }
   result->copyOidFrom(hasOid() ? shared_from_this() : item);

@@ -6,6 +6,7 @@
 namespace quillon {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -99,8 +100,33 @@ TEST_F(QNPasswordMerge, OfALoginGivesNothingIfItDoesNotOpenItself) {
   EXPECT_EQ(mine->URLAtIndex(0)->item(), mine);
   EXPECT_FALSE(mine->dirtyRow());
   EXPECT_FALSE(theirs->dirtyRow());
-  EXPECT_THAT(assertions(sink), ElementsAre("Item " + mine->description() +
-                                            " doesn't open and can't be made a login"));
+  EXPECT_THAT(errors(sink), Contains("Attempted to merge " + theirs->description() + " into " +
+                                     mine->description() + ", which don't both open"));
+}
+
+TEST_F(QNPasswordMerge, OfALoginThatDoesNotOpenGivesNothingAndStaysOne) {
+  const auto mine = passwordOf("pw");
+  mine->addURLString("https://a.example/deep");
+  mine->didSave();
+  const auto theirs = damagedTwinOf<QNLogin>(*loginOf("ann", "other"), _vault);
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(mine->mergeWithConflict(theirs), nullptr);
+
+  EXPECT_FALSE(mine->dirtyRow());
+  EXPECT_THAT(addressesOf(*mine), ElementsAre("https://a.example/deep"));
+  EXPECT_EQ(mine->URLAtIndex(0)->item(), mine);
+}
+
+TEST_F(QNPasswordMerge, OfAPasswordThatDoesNotOpenGivesNothing) {
+  const auto mine = passwordOf("pw");
+  const auto theirs = damagedTwinOf<QNPassword>(*passwordOf("other"), _vault);
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(mine->mergeWithConflict(theirs), nullptr);
+
+  EXPECT_FALSE(mine->dirtyRow());
+  EXPECT_THAT(historyOf(*mine), IsEmpty());
 }
 
 TEST_F(QNPasswordMerge, BeatsATombstoneAndTakesItsRow) {

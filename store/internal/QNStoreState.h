@@ -14,6 +14,7 @@
 #include "store/internal/QNDatabase.h"
 #include "store/internal/QNLedger.h"
 #include "store/internal/QNRowSeal.h"
+#include "store/internal/QNSyncStates.h"
 
 namespace quillon {
 
@@ -258,12 +259,26 @@ struct QNStore::Database {
   QNResult<QNDone> repairFolders(const std::shared_ptr<QNProfile>& vault, QNFolderRepair& repair);
 
   // Synchronisation: QNStore+Sync.cpp
-  QNResult<QNDone> insertSyncSource(const std::shared_ptr<QNSyncSource>& source, QNProfile& vault);
-  QNResult<QNDone> updateSyncSource(const std::shared_ptr<QNSyncSource>& source, QNProfile& vault);
+  /// A source without its states, which stand beside it: they may be many, and few of them change.
+  struct Partner {
+    std::shared_ptr<QNSyncSource> source;
+    QNSyncStates states;
+  };
+  /// The partner vault of that uuid in that place; without a source if there is none. Errors:
+  /// locked, damaged.
+  QNResult<Partner> partnerAt(std::string_view place, std::string_view uuid,
+                              const std::shared_ptr<QNProfile>& vault);
+  QNResult<QNDone> savePartner(Partner& partner);
+  /// The source alone; its states are what the hash was made of.
+  QNResult<QNDone> writeSyncSource(const std::shared_ptr<QNSyncSource>& source,
+                                   ByteView statesHash);
+  QNResult<QNDone> insertSyncSource(const std::shared_ptr<QNSyncSource>& source, QNProfile& vault,
+                                    ByteView statesHash);
+  QNResult<QNDone> updateSyncSource(const std::shared_ptr<QNSyncSource>& source, QNProfile& vault,
+                                    ByteView statesHash);
   QNResult<QNDone> deleteSyncSource(const std::shared_ptr<QNSyncSource>& source);
-  void writeSyncStates(const QNSyncSource& source);
-  /// Nothing if the source or one of its states was altered.
-  std::shared_ptr<QNSyncSource> syncSourceOf(const QNSyncSourceRow& row,
+  /// Without its states. Nothing if it or one of them was altered.
+  std::shared_ptr<QNSyncSource> syncSourceOf(const QNSyncSourceRow& row, const QNSyncStates& states,
                                              const std::shared_ptr<QNProfile>& vault);
 
   // Care: QNStore+Care.cpp
