@@ -1,11 +1,17 @@
 # quillon_test(FOLDER SOURCE...): one test program per folder, named FOLDER_test.
 # What is common to tests of one folder goes into internal/ there.
+# Under the thread sanitizer only the tests that run threads are built, and a folder without any has
+# no test program: ask `if(TARGET FOLDER_test)` before naming it.
+set(QUILLON_TEST_OBJECTS "" CACHE PATH
+  "Another build folder, built: its tests are linked here, over the library of this one")
 if(QUILLON_TESTS)
   enable_testing()
   find_package(GTest REQUIRED)
   # Tests are compiled far more often than they run, and a minute of CI is worth more than their
   # speed; under a sanitizer, where compiling costs most, they go without optimization, and what they
-  # test is looked at for undefined behaviour, not they themselves.
+  # test is looked at for undefined behaviour, not they themselves. For the same reason the address
+  # sanitizer can take them as another build compiled them. The thread sanitizer can't: it needs to
+  # see every counter that two threads share.
   set(quillon_test_options "")
   if(QUILLON_SANITIZE)
     set(quillon_test_options -O0 -fno-sanitize=undefined)
@@ -14,24 +20,56 @@ if(QUILLON_TESTS)
   endif()
   # Compiles the header that nearly every test includes, once for all test programs.
   file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/test_pch.cpp CONTENT "int main() {}\n")
-  add_executable(quillon_test_pch ${PROJECT_BINARY_DIR}/test_pch.cpp)
+  add_executable(quillon_test_pch EXCLUDE_FROM_ALL ${PROJECT_BINARY_DIR}/test_pch.cpp)
   target_link_libraries(quillon_test_pch PRIVATE quillon_options Boost::json fmt::fmt GTest::gmock)
   target_include_directories(quillon_test_pch PRIVATE ${PROJECT_SOURCE_DIR})
   target_compile_options(quillon_test_pch PRIVATE ${quillon_test_options})
   target_compile_features(quillon_test_pch PRIVATE cxx_std_20)
   target_precompile_headers(quillon_test_pch PRIVATE ${PROJECT_SOURCE_DIR}/cmake/test_pch.h)
 endif()
+# Leaves in the list named SOURCES what runs threads, and what is no test itself.
+function(quillon_keep_threaded list)
+  set(kept "")
+  set(threaded FALSE)
+  foreach(source IN LISTS ${list})
+    file(STRINGS ${source} threads REGEX "std::(jthread|thread|async)" LIMIT_COUNT 1)
+    if(threads)
+      set(threaded TRUE)
+    endif()
+    if(threads OR NOT source MATCHES "_test\\.cpp$")
+      list(APPEND kept ${source})
+    endif()
+  endforeach()
+  if(NOT threaded)
+    set(kept "")
+  endif()
+  set(${list} ${kept} PARENT_SCOPE)
+endfunction()
 function(quillon_test folder)
   if(NOT QUILLON_TESTS)
     return()
   endif()
   set(target ${folder}_test)
-  add_executable(${target} ${ARGN})
+  set(sources ${ARGN})
+  if(QUILLON_SANITIZE STREQUAL "thread")
+    quillon_keep_threaded(sources)
+    if(NOT sources)
+      return()
+    endif()
+  elseif(QUILLON_TEST_OBJECTS)
+    file(READ ${QUILLON_TEST_OBJECTS}/test_objects/${target} sources)
+  endif()
+  add_executable(${target} ${sources})
+  set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
+  file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/test_objects/${target}
+    CONTENT "$<TARGET_OBJECTS:${target}>")
   target_link_libraries(${target} PRIVATE Quillon::quillon quillon_options GTest::gmock GTest::gtest_main)
   target_compile_definitions(${target} PRIVATE
     QUILLON_SOURCE_DIR="${PROJECT_SOURCE_DIR}" QUILLON_TESTDATA="${CMAKE_CURRENT_SOURCE_DIR}/testdata")
   target_compile_options(${target} PRIVATE ${quillon_test_options})
-  target_precompile_headers(${target} REUSE_FROM quillon_test_pch)
+  if(NOT QUILLON_TEST_OBJECTS)
+    target_precompile_headers(${target} REUSE_FROM quillon_test_pch)
+  endif()
   add_test(NAME ${folder} COMMAND ${target})
   set_tests_properties(${folder} PROPERTIES ENVIRONMENT "QUILLON_RESOURCES=${PROJECT_SOURCE_DIR}/resources")
 endfunction()

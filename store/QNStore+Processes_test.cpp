@@ -14,6 +14,7 @@
 #include <map>
 #include <random>
 
+#include "quillon/platform/internal/QNSanitizers.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "store/internal/QNMergeTesting.h"
 #include "store/internal/QNStoreTesting.h"
@@ -234,23 +235,14 @@ TEST_P(QNStoreKilled, LosesNothingThatWasCommittedAndKeepsNoHalfItem) {
 }
 
 // A sanitizer makes a start of the child so slow that one store takes as long as ten.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int kStores = 1;
-#else
-constexpr int kStores = 10;
-#endif
-INSTANTIATE_TEST_SUITE_P(Stores, QNStoreKilled, ::testing::Range(0, kStores));
+INSTANTIATE_TEST_SUITE_P(Stores, QNStoreKilled, ::testing::Range(0, runsUnderSanitizer() ? 1 : 10));
 
 // Merges. QUILLON_MERGE_KILLS: how many are killed.
 
 int mergeKills() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  constexpr int kUsual = 5;
-#else
-  constexpr int kUsual = 60;
-#endif
+  const int usual = runsUnderSanitizer() ? 5 : 60;
   const char* const wanted = std::getenv("QUILLON_MERGE_KILLS");
-  return wanted == nullptr ? kUsual : numberIn(wanted);
+  return wanted == nullptr ? usual : numberIn(wanted);
 }
 
 struct TwoTexts {
