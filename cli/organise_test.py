@@ -512,8 +512,13 @@ class Folders(OrganiseTest):
         self.assertEqual(self.run_tool("move", "Bank", "work/bills", "--json").json,
                          {"uuid": uuid, "folder": folder})
         self.assertEqual(self.folders()[folder]["items"], 1)
+        self.assertEqual(self.show("Bank")["folder"], folder)
+        self.assertIn("Folder:     Work/Bills\n", self.run_tool("show", "Bank").out)
+        self.assertIn("Ordner: ", self.run_tool("show", "Bank", "--lang", "de").out)
         self.assertEqual(self.names("find", "--where", f'folderUUID == "{folder}"'), ["Bank"])
         self.assertEqual(self.run_tool("move", "Bank", "--to-top").out, "")
+        self.assertIsNone(self.show("Bank")["folder"])
+        self.assertNotIn("Folder", self.run_tool("show", "Bank").out)
         self.assertEqual(self.names("list", "--folder", "work"), [])
         self.run_tool("move", "Bank", "nowhere", code=4)
         self.run_tool("move", "Nobody", "Work", code=4)

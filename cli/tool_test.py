@@ -532,6 +532,11 @@ class Output(ToolTest):
             (["duplicate", "New"], ""), (["fingerprint", "New"], ""), (["vault", "add", "x"], ""),
             (["copy", "New", "--to", "x"], ""), (["export", "--plaintext", csv + ".json"], ""),
             (["import", csv + ".json"], ""),
+            (["find", "--contents", "jo"], ""), (["find", "--where", "TRUEPREDICATE"], ""),
+            (["list", "--sections"], ""), (["for", "https://a.example"], ""),
+            (["tag", "add", "t", "New"], ""), (["tag", "list"], ""), (["folder", "add", "F"], ""),
+            (["move", "New", "F"], ""), (["folder", "list"], ""), (["favorite", "New"], ""),
+            (["smart", "add", "S", "TRUEPREDICATE"], ""), (["smart", "show", "S"], ""),
             (["trash", "New"], ""), (["restore", "New"], ""),
             (["delete", "New", "--force", "--json"], ""),
             (["passwd", "--new-password-stdin"], secrets[3] + "\n")]

@@ -118,6 +118,18 @@ QNResult<QNFolderRef> QNFolderTree::child(const QNFolderRef& parent, std::string
   return best.empty() ? nullptr : best.front();
 }
 
+std::optional<std::string> QNFolderTree::pathTo(std::string_view uuid) const {
+  const auto found =
+      std::find_if(_report.folders.begin(), _report.folders.end(),
+                   [uuid](const QNFolderRef& folder) { return *folder->uuid() == uuid; });
+  if (found == _report.folders.end()) return std::nullopt;
+  std::string path = titleOf(**found);
+  for (auto above = (*found)->parentFolder(); above != nullptr; above = above->parentFolder()) {
+    path.insert(0, titleOf(*above) + "/");
+  }
+  return path;
+}
+
 Folders QNFolderTree::all() const {
   Folders folders;
   for (const QNFolderRef& folder : _report.top) {

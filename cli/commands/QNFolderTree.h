@@ -29,6 +29,9 @@ class QNFolderTree final {
   /// does; null if there is none.
   [[nodiscard]] QNResult<QNFolderRef> child(const QNFolderRef& parent,
                                             std::string_view title) const;
+  /// The titles from the top to the folder of that uuid, as choose() takes them; nothing if there
+  /// is no such folder.
+  [[nodiscard]] std::optional<std::string> pathTo(std::string_view uuid) const;
   /// Depth first, by title.
   [[nodiscard]] std::vector<QNFolderRef> all() const;
 

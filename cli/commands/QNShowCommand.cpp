@@ -4,6 +4,7 @@
 #include <array>
 
 #include "cli/commands/QNCommands.h"
+#include "cli/commands/QNFolderTree.h"
 #include "cli/commands/QNItemChoice.h"
 #include "cli/fields/QNCategoryNames.h"
 #include "cli/fields/QNFieldChoice.h"
@@ -113,11 +114,20 @@ void addTags(Sheet& sheet, QNItem& item) {
 }
 
 // What stands before the values of the item itself, in the user's language.
-constexpr std::array<std::string_view, 14> kLabels = {
-    "Title", "Type",    "Username", "Password",  "URL",      "Notes",    "Tags",
-    "Field", "Created", "Changed",  "Last used", "Favorite", "In trash", "Strength"};
+constexpr std::array<std::string_view, 15> kLabels = {
+    "Title",  "Type",  "Username", "Password", "URL",       "Notes",    "Tags",    "Folder",
+    "Field",  "Created", "Changed", "Last used", "Favorite", "In trash", "Strength"};
 
-QNCommandResult printSheet(QNItem& item, bool reveal) {
+// The titles from the top to the folder that the item is in, if it is in one that is there.
+QNResult<std::optional<std::string>> folderOf(const QNVaultSession& session, const QNItem& item) {
+  const auto uuid = item.folderUUID();
+  if (!uuid) return std::optional<std::string>();
+  const auto tree = QNFolderTree::read(session);
+  if (!tree) return tree.error();
+  return tree.value().pathTo(*uuid);
+}
+
+QNCommandResult printSheet(QNItem& item, const std::optional<std::string>& folder, bool reveal) {
   QNOutput out;
   const std::size_t width = QNLabels(kLabels, kNameWidth).width();
   Sheet sheet(out, width);
@@ -133,6 +143,7 @@ QNCommandResult printSheet(QNItem& item, bool reveal) {
   addSections(out, item, width, reveal);
   sheet.add(label("Notes"), item.notesPlain());
   addTags(sheet, item);
+  sheet.add(label("Folder"), folder);
   addStrength(sheet, item);
   sheet.add(label("Created"), timeText(item.createdAt()));
   sheet.add(label("Changed"), timeText(item.updatedAt()));
@@ -220,9 +231,14 @@ QNCommandResult showField(Global global, QNItem& item, const QNShowArguments& ar
                              chosen.value().field.get()));
 }
 
-QNCommandResult showItem(Global global, QNItem& item, bool reveal) {
-  if (!global.json) return printSheet(item, reveal);
-  return printJson(shownJson(item, reveal ? QNRevealed::everything : QNRevealed::nothing));
+QNCommandResult showItem(Global global, const QNVaultSession& session, QNItem& item,
+                         bool reveal) {
+  if (global.json) {
+    return printJson(shownJson(item, reveal ? QNRevealed::everything : QNRevealed::nothing));
+  }
+  const auto folder = folderOf(session, item);
+  if (!folder) return folder.error();
+  return printSheet(item, folder.value(), reveal);
 }
 
 }  // namespace
@@ -233,7 +249,7 @@ QNCommandResult runCommand(Global global, const QNShowArguments& arguments) {
   const auto item = chooseItem(session.value(), arguments.item);
   if (!item) return item.error();
   return arguments.field ? showField(global, *item.value(), arguments)
-                         : showItem(global, *item.value(), arguments.reveal);
+                         : showItem(global, session.value(), *item.value(), arguments.reveal);
 }
 
 }  // namespace quillon

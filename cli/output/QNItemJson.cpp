@@ -119,6 +119,7 @@ JsonObject shownJson(QNItem& item, QNRevealed revealed, const QNItemField* revea
   setText(object, "notes", item.notesPlain());
   JsonArray& tags = object["tags"].emplace_array();
   for (const std::string& tag : item.tags()) addText(tags, tag);
+  setText(object, "folder", item.folderUUID());
   const bool everything = revealed == QNRevealed::everything;
   object["formFields"] = formFieldsOf(item, everything);
   object["fields"] = sectionsOf(item, everything, revealedField);

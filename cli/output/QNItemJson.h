@@ -20,8 +20,8 @@ bool isHidden(const QNLoginField& field);
 
 /// How much of an item's secrets `show` prints.
 enum class QNRevealed { nothing, password, everything };
-/// What `show` prints: the above, all addresses, user name, notes, tags, form fields, and the
-/// fields of all sections, of which `revealedField` shows its value, too.
+/// What `show` prints: the above, all addresses, user name, notes, tags, folder, form fields, and
+/// the fields of all sections, of which `revealedField` shows its value, too.
 JsonObject shownJson(QNItem& item, QNRevealed revealed, const QNItemField* revealedField = nullptr);
 
 }  // namespace quillon
