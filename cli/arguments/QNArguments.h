@@ -315,14 +315,14 @@ struct QNArguments {
                QNListArguments, QNFindArguments, QNForArguments, QNShowArguments, QNAddArguments,
                QNAddLoginArguments, QNEditArguments, QNTrashArguments, QNRestoreArguments,
                QNDeleteArguments, QNFavoriteArguments, QNMoveArguments, QNTagListArguments,
-               QNTagAddArguments, QNTagRemoveArguments, QNTagRenameArguments,
-               QNFolderListArguments, QNFolderAddArguments, QNFolderMoveArguments,
-               QNFolderRenameArguments, QNFolderDeleteArguments, QNSmartListArguments,
-               QNSmartAddArguments, QNSmartShowArguments, QNSmartDeleteArguments,
-               QNHistoryArguments, QNDuplicateArguments, QNCopyArguments, QNFingerprintArguments,
-               QNCategoriesArguments, QNTemplateArguments, QNPasswdArguments, QNInfoArguments,
-               QNCheckArguments, QNBackupArguments, QNMergeArguments, QNConflictsArguments,
-               QNResolveArguments, QNVaultListArguments, QNVaultAddArguments, QNVaultIconArguments,
+               QNTagAddArguments, QNTagRemoveArguments, QNTagRenameArguments, QNFolderListArguments,
+               QNFolderAddArguments, QNFolderMoveArguments, QNFolderRenameArguments,
+               QNFolderDeleteArguments, QNSmartListArguments, QNSmartAddArguments,
+               QNSmartShowArguments, QNSmartDeleteArguments, QNHistoryArguments,
+               QNDuplicateArguments, QNCopyArguments, QNFingerprintArguments, QNCategoriesArguments,
+               QNTemplateArguments, QNPasswdArguments, QNInfoArguments, QNCheckArguments,
+               QNBackupArguments, QNMergeArguments, QNConflictsArguments, QNResolveArguments,
+               QNVaultListArguments, QNVaultAddArguments, QNVaultIconArguments,
                QNVaultColorArguments, QNOTPArguments, QNGenerateArguments, QNCompletionArguments>
       command;
 };

@@ -71,14 +71,13 @@ void defineFind(CLI::App& app, QNArguments& out) {
           ->add_option("WORDS", given->words,
                        "All of them must occur in the title, the subtitle or the first website")
           ->check(isText());
-  auto* const where =
-      command
-          ->add_option("--where", given->predicate,
-                       "Find the items that this predicate holds for, such as "
-                       "'passwordStrength < 40 AND ANY tagsForSearch == \"work\"'")
-          ->type_name("PREDICATE")
-          ->check(isText())
-          ->excludes(words);
+  auto* const where = command
+                          ->add_option("--where", given->predicate,
+                                       "Find the items that this predicate holds for, such as "
+                                       "'passwordStrength < 40 AND ANY tagsForSearch == \"work\"'")
+                          ->type_name("PREDICATE")
+                          ->check(isText())
+                          ->excludes(words);
   auto* const page = command->add_option("--url", *url, "The same as quillon for")
                          ->type_name("URL")
                          ->check(isText())

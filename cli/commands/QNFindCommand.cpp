@@ -2,9 +2,9 @@
 
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNFolderTree.h"
+#include "cli/fields/QNGivenPredicate.h"
 #include "cli/output/QNItemSearch.h"
 #include "cli/output/QNListing.h"
-#include "cli/fields/QNGivenPredicate.h"
 
 namespace quillon {
 namespace {

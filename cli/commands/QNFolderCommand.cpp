@@ -64,10 +64,10 @@ QNCommandResult saveMoved(Global global, const QNVaultSession& session, QNFolder
   const auto saved = session.store().saveFolder(folder);
   if (saved) return done(global, *folder, "parent", textOrNull(folder->parentUUID()));
   const bool isInItself = isStoreError(saved.error(), QNStoreErrorCode::misplacedFolder);
-  return isInItself ? toolError(QNExit::failed, "a folder can't lie in itself, nor below " +
-                                                    std::to_string(QNStore::kMaxFolderLevels) +
-                                                    " others")
-                    : saved.error();
+  return isInItself
+             ? toolError(QNExit::failed, "a folder can't lie in itself, nor below " +
+                                             std::to_string(QNStore::kMaxFolderLevels) + " others")
+             : saved.error();
 }
 
 using Choose = QNResult<QNFolderRef> (QNFolderTree::*)(std::string_view) const;

@@ -149,12 +149,14 @@ QNExit QNFolderTree::warn() const {
         "quillon; quillon check tells more");
   }
   if (!_report.misplaced.empty()) {
-    say(fmt::format("folders at the top, since their own place isn't there: {}; quillon check "
+    say(
+        fmt::format("folders at the top, since their own place isn't there: {}; quillon check "
                     "--repair leaves them there",
                     _report.misplaced.size()));
   }
   if (!_report.quarantined.empty()) {
-    say(fmt::format("smart folders whose predicate this version can't use: {}; quillon check "
+    say(
+        fmt::format("smart folders whose predicate this version can't use: {}; quillon check "
                     "names them",
                     _report.quarantined.size()));
   }

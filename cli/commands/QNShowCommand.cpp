@@ -115,8 +115,8 @@ void addTags(Sheet& sheet, QNItem& item) {
 
 // What stands before the values of the item itself, in the user's language.
 constexpr std::array<std::string_view, 15> kLabels = {
-    "Title",  "Type",  "Username", "Password", "URL",       "Notes",    "Tags",    "Folder",
-    "Field",  "Created", "Changed", "Last used", "Favorite", "In trash", "Strength"};
+    "Title", "Type",    "Username", "Password",  "URL",      "Notes",    "Tags",    "Folder",
+    "Field", "Created", "Changed",  "Last used", "Favorite", "In trash", "Strength"};
 
 // The titles from the top to the folder that the item is in, if it is in one that is there.
 QNResult<std::optional<std::string>> folderOf(const QNVaultSession& session, const QNItem& item) {
@@ -231,8 +231,7 @@ QNCommandResult showField(Global global, QNItem& item, const QNShowArguments& ar
                              chosen.value().field.get()));
 }
 
-QNCommandResult showItem(Global global, const QNVaultSession& session, QNItem& item,
-                         bool reveal) {
+QNCommandResult showItem(Global global, const QNVaultSession& session, QNItem& item, bool reveal) {
   if (global.json) {
     return printJson(shownJson(item, reveal ? QNRevealed::everything : QNRevealed::nothing));
   }

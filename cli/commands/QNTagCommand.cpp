@@ -101,9 +101,8 @@ QNCommandResult changeEverywhere(Global global, std::string_view name, std::stri
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
   TaggedItems tagged(change);
-  const auto report =
-      session.value().store().list(session.value().vault(), QNStore::Which::all,
-                                   [&](const auto& item) { tagged.look(item); });
+  const auto report = session.value().store().list(session.value().vault(), QNStore::Which::all,
+                                                   [&](const auto& item) { tagged.look(item); });
   if (!report) return report.error();
   const QNExit exit = warnOfDamage(report.value());
   if (tagged.items().empty()) return noSuchTag("no item has such a tag", name);

@@ -10,9 +10,8 @@ namespace {
 
 // Of a text that is nothing but separators, itself: the item would only complain.
 std::string cleaned(std::string_view tag) {
-  const bool hasName = std::any_of(tag.begin(), tag.end(), [](char c) {
-    return c != '/' && c != '\\' && c != ' ';
-  });
+  const bool hasName =
+      std::any_of(tag.begin(), tag.end(), [](char c) { return c != '/' && c != '\\' && c != ' '; });
   return hasName ? QNItem::processTagForAdding(tag).value_or(std::string(tag)) : std::string(tag);
 }
 
@@ -36,8 +35,8 @@ QNTagName::QNTagName(std::string_view given)
 std::optional<std::string_view> QNTagName::restOf(std::string_view tag, Match match) const {
   const Form& name = match == Match::exact ? _exact : _loose;
   const std::string_view begin = firstParts(tag, name.parts);
-  const bool fits = match == Match::exact ? begin == name.text
-                                          : foldedForSearch(begin) == name.text;
+  const bool fits =
+      match == Match::exact ? begin == name.text : foldedForSearch(begin) == name.text;
   if (!fits) return std::nullopt;
   return tag.substr(begin.size());
 }

@@ -29,7 +29,7 @@ class QNItemSearch final {
   [[nodiscard]] std::optional<Place> lowestPlace(QNItem& item) const;
   QNFindLevel _level;
   Load _load;
-  std::vector<std::string> _words;  // in small letters
+  std::vector<std::string> _words;     // in small letters
   std::vector<QNTitleSearch> _titles;  // of one word each
 };
 

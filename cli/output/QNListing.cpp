@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kTitleWidth = 40;
 constexpr std::size_t kKindWidth = 16;  // a longer one pushes what follows it
 
-constexpr std::string_view kMargin = "  ";   // under a heading
+constexpr std::string_view kMargin = "  ";  // under a heading
 
 JsonObject jsonOf(const QNItemListSection& section) {
   JsonObject object(jsonStorage());

@@ -80,13 +80,13 @@ CLI::Option* addRepeated(CLI::App& command, const std::string& name, const std::
 void defineInit(CLI::App& app, QNArguments& out);
 void defineImport(CLI::App& app, QNArguments& out);
 void defineExport(CLI::App& app, QNArguments& out);
-void defineFinding(CLI::App& app, QNArguments& out);    // list, find, for
-void defineItems(CLI::App& app, QNArguments& out);      // show to delete
+void defineFinding(CLI::App& app, QNArguments& out);       // list, find, for
+void defineItems(CLI::App& app, QNArguments& out);         // show to delete
 void defineOrganisation(CLI::App& app, QNArguments& out);  // favorite to smart
-void defineCopies(CLI::App& app, QNArguments& out);     // history to fingerprint
-void defineTemplates(CLI::App& app, QNArguments& out);  // categories, template
-void defineCare(CLI::App& app, QNArguments& out);       // passwd to backup
-void defineMerge(CLI::App& app, QNArguments& out);      // merge, conflicts, resolve
+void defineCopies(CLI::App& app, QNArguments& out);        // history to fingerprint
+void defineTemplates(CLI::App& app, QNArguments& out);     // categories, template
+void defineCare(CLI::App& app, QNArguments& out);          // passwd to backup
+void defineMerge(CLI::App& app, QNArguments& out);         // merge, conflicts, resolve
 void defineVault(CLI::App& app, QNArguments& out);
 void defineOTP(CLI::App& app, QNArguments& out);
 void defineGenerate(CLI::App& app, QNArguments& out);
