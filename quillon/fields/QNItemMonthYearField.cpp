@@ -29,8 +29,12 @@ QNSecret QNItemMonthYearField::yearMonthFormat() const {
                                          : formatted("{:02}{:02}", _year, _month));
 }
 
+std::int32_t QNItemMonthYearField::fullYear() const {
+  return _year + (_year < kFirstFullYear ? 2000 : 0);
+}
+
 std::int64_t QNItemMonthYearField::sortValue() const {
-  return number() + (_year < kFirstFullYear ? 200000 : 0);
+  return std::int64_t{fullYear()} * 100 + _month;
 }
 
 std::int64_t QNItemMonthYearField::compare(const QNItemMonthYearField& other) const {

@@ -14,6 +14,8 @@ class QNItemMonthYearField final
   using QNItemFieldOf::QNItemFieldOf;
   [[nodiscard]] std::int16_t month() const { return _month; }
   [[nodiscard]] std::int16_t year() const { return _year; }
+  /// year() with the century that old data leave out.
+  [[nodiscard]] std::int32_t fullYear() const;
   void setMonth(std::int16_t month) { setMonthAndYear(month, _year); }
   void setYear(std::int16_t year) { setMonthAndYear(_month, year); }
 

@@ -19,6 +19,7 @@ TEST(QNItemMonthYearField, ReadsYearAndMonth) {
   const auto field = monthYear("202407");
 
   EXPECT_EQ(field->year(), 2024);
+  EXPECT_EQ(field->fullYear(), 2024);
   EXPECT_EQ(field->month(), 7);
   EXPECT_EQ(textOf(field->stringValue()), "07/2024");
   EXPECT_EQ(field->yearMonthFormat().reveal(), "202407");
@@ -30,6 +31,7 @@ TEST(QNItemMonthYearField, AYearOfTwoDigitsIsOfThisCentury) {
   const auto field = monthYear(R"("1503")");
 
   EXPECT_EQ(field->year(), 15);
+  EXPECT_EQ(field->fullYear(), 2015);
   EXPECT_EQ(field->month(), 3);
   EXPECT_EQ(textOf(field->stringValue()), "03/2015");
   EXPECT_EQ(field->yearMonthFormat().reveal(), "201503");

@@ -4,11 +4,14 @@
 #include <utility>
 
 #include "quillon/fields/QNItemField.h"
+#include "quillon/items/QNQuickAccessShortcut.h"
 #include "quillon/platform/images/QNImage.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/text/QNText.h"
 #include "quillon/templates/QNCategoryHelper.h"
 #include "quillon/templates/QNTemplateManager.h"
+#include "quillon/touchpoints/QNWatchConstants.h"
+#include "quillon/touchpoints/QNWatchRecord.h"
 
 namespace quillon {
 namespace {
@@ -17,6 +20,16 @@ constexpr std::string_view kPlace = "%@";
 // A number of fewer characters, blanks counted, is shown whole.
 constexpr std::size_t kLeastMaskedLength = 11;
 constexpr std::size_t kShownLength = 4;
+
+constexpr std::string_view kDigits = "0123456789";
+
+// What quick access offers, in order, and the key that copies it.
+constexpr std::array<std::pair<std::string_view, std::uint64_t>, 4> kCopiedFields = {{
+    {FIELD_CREDIT_CARD_CARDHOLDER, 0},
+    {FIELD_CREDIT_CARD_NUMBER, 2},
+    {FIELD_CREDIT_CARD_EXPIRY, 3},
+    {FIELD_CREDIT_CARD_CVV, 1},
+}};
 
 std::shared_ptr<QNTemplate> cardTemplate() {
   return QNTemplateManager::sharedManager().templateWithUUID(QNCategoryUUIDCreditCard);
@@ -34,6 +47,12 @@ std::string lastShown(const QNSecret& number) {
   const std::string_view text = number.reveal();
   const std::size_t hidden = textLength(text) - kShownLength;
   return trimmed(text.substr(bytesOfCutToLength(text, hidden)));
+}
+
+std::optional<QNSecret> inBlocks(const std::optional<QNSecret>& number) {
+  if (!number) return std::nullopt;
+  const QNSecret digits = charactersOfTextInSet(number->reveal(), kDigits);
+  return mr_asFormattedCreditCardNumber(digits.reveal());
 }
 
 }  // namespace
@@ -110,6 +129,26 @@ std::optional<std::string> QNCreditCard::maskedCreditCardNumber() {
 std::optional<std::string> QNCreditCard::creditCardSuffixNumber() {
   const auto number = creditCardNumber();
   return isMasked(number) ? std::optional<std::string>(lastShown(*number)) : std::nullopt;
+}
+
+std::vector<QNQuickAccessShortcut> QNCreditCard::quickAccessFields() {
+  const std::lock_guard lock(monitor());
+  std::vector<QNQuickAccessShortcut> shortcuts;
+  for (const auto& [identifier, command] : kCopiedFields) {
+    addFieldWithIdentifier(identifier, command, shortcuts);
+  }
+  return shortcuts;
+}
+
+JsonObject QNCreditCard::appleWatchDictionaryRepresentation() {
+  const std::lock_guard lock(monitor());
+  QNWatchRecord record(QNWatchTypeCreditCard);
+  record.setValue(valueOf(FIELD_CREDIT_CARD_TYPE), QNWatchCreditCardItemTypeKey);
+  record.setValue(inBlocks(creditCardNumber()), QNWatchCreditCardItemNumberKey);
+  record.setValue(valueOf(FIELD_CREDIT_CARD_EXPIRY), QNWatchCreditCardItemExpiryDateKey);
+  record.setValue(cvvNumber(), QNWatchCreditCardItemVerificationNumberKey);
+  record.setValue(creditCardPIN(), QNWatchCreditCardItemPINKey);
+  return std::move(record).dictionaryOfItem(*this);
 }
 
 std::optional<QNSecret> QNCreditCard::clipboardValue() {

@@ -48,6 +48,10 @@ class QNCreditCard final : public QNItem {
   [[nodiscard]] std::optional<std::string> _additionalInformation() override {
     return maskedCreditCardNumber();
   }
+  /// Card holder, number, month of expiry and, with the right to reveal, the security code.
+  [[nodiscard]] std::vector<QNQuickAccessShortcut> quickAccessFields() override;
+  /// What a watch gets of it, in clear: touchpoints/QNWatchRecord.h.
+  [[nodiscard]] JsonObject appleWatchDictionaryRepresentation();
   /// The number, as far as its clipboard filter lets it pass.
   [[nodiscard]] std::optional<QNSecret> clipboardValue() override;
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "quillon/fields/QNItemMonthYearField.h"
-#include "quillon/items/internal/QNItemTesting.h"
+#include "quillon/items/internal/QNQuickAccessTesting.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/images/internal/QNNamedPictures.h"
 #include "quillon/templates/internal/QNTestCategories.h"
@@ -92,6 +92,34 @@ TEST(QNCreditCard, KeepsTheOrderOfTheMaskedNumberFromRightToLeft) {
 
 TEST(QNCreditCard, CopiesTheDigitsOfItsNumber) {
   EXPECT_TRUE(cardWithNumber("1234 5678 9012")->clipboardValue()->equals("123456789012"));
+}
+
+std::shared_ptr<QNCreditCard> filledCard() {
+  auto made = cardWithNumber("4111 1111 1111 1111");
+  const Json july(202407);
+  made->setStringFieldValue("123", "cvv");
+  made->setStringFieldValue("9876", "pin");
+  made->setStringFieldValue("Ann", "cardholder");
+  made->expiringDateField()->setJsonValue(&july);
+  return made;
+}
+
+TEST(QNCreditCard, OffersFourFieldsToQuickAccess) {
+  EXPECT_THAT(shown(filledCard()->quickAccessFields()),
+              testing::ElementsAre("cardholder 0", "ccnum 2", "expiry 3", "cvv 1"));
+}
+
+TEST(QNCreditCard, OffersQuickAccessNoFieldWithoutAValue) {
+  EXPECT_THAT(shown(cardWithNumber("4111")->quickAccessFields()), testing::ElementsAre("ccnum 2"));
+}
+
+TEST(QNCreditCard, OffersItsSecurityCodeToThoseWhoMayRevealIt) {
+  const auto made = filledCard();
+
+  made->setProfile(vaultWithoutRevealing());
+
+  EXPECT_THAT(shown(made->quickAccessFields()),
+              testing::ElementsAre("cardholder 0", "ccnum 2", "expiry 3"));
 }
 
 TEST(QNCreditCard, HasNoPasswordForTheRestOfTheSystem) {

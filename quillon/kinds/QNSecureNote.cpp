@@ -1,9 +1,12 @@
 #include "quillon/kinds/QNSecureNote.h"
 
 #include "quillon/fields/QNItemStringField.h"
+#include "quillon/items/QNQuickAccessShortcut.h"
 #include "quillon/platform/text/QNLocalization.h"
 #include "quillon/platform/text/QNText.h"
 #include "quillon/templates/QNCategoryUUID.h"
+#include "quillon/touchpoints/QNWatchConstants.h"
+#include "quillon/touchpoints/QNWatchRecord.h"
 
 namespace quillon {
 
@@ -31,6 +34,19 @@ std::shared_ptr<QNItemField> QNSecureNote::itemFieldForNotes() {
   field->setTitle(QNLocalizedString("notes"));
   field->setValue(notes->reveal());
   return field;
+}
+
+std::vector<QNQuickAccessShortcut> QNSecureNote::quickAccessFields() {
+  std::vector<QNQuickAccessShortcut> shortcuts;
+  if (auto notes = itemFieldForNotes()) shortcuts.emplace_back(std::move(notes), 2);
+  return shortcuts;
+}
+
+JsonObject QNSecureNote::appleWatchDictionaryRepresentation() {
+  const std::lock_guard lock(monitor());
+  QNWatchRecord record(QNWatchTypeSecureNote);
+  record.setValue(notesSecret(), QNWatchSecureNoteItemNoteKey);
+  return std::move(record).dictionaryOfItem(*this);
 }
 
 }  // namespace quillon

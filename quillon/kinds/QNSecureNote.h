@@ -17,6 +17,10 @@ class QNSecureNote final : public QNItem {
   [[nodiscard]] std::optional<QNSecret> clipboardValue() override;
   /// The notes as a field of its own, which is no part of the item; null if there are none.
   [[nodiscard]] std::shared_ptr<QNItemField> itemFieldForNotes();
+  /// That field, if there is one.
+  [[nodiscard]] std::vector<QNQuickAccessShortcut> quickAccessFields() override;
+  /// What a watch gets of it, in clear: touchpoints/QNWatchRecord.h.
+  [[nodiscard]] JsonObject appleWatchDictionaryRepresentation();
 };
 
 }  // namespace quillon

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "quillon/fields/QNItemStringField.h"
+#include "quillon/items/QNQuickAccessShortcut.h"
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/kinds/QNMedicalRecord.h"
 #include "quillon/platform/environment/QNEnvironment.h"
@@ -67,6 +68,20 @@ TEST(QNSecureNote, GivesItsNotesAsAFieldOfNoSection) {
 TEST(QNSecureNote, WithoutNotesGivesNoField) {
   EXPECT_EQ(noteOf(std::nullopt)->itemFieldForNotes(), nullptr);
   EXPECT_EQ(noteOf("")->itemFieldForNotes(), nullptr);
+}
+
+TEST(QNSecureNote, OffersItsNotesToQuickAccess) {
+  const auto offered = noteOf("a\nb")->quickAccessFields();
+
+  ASSERT_EQ(offered.size(), 1u);
+  EXPECT_EQ(offered[0].field()->identifier(), "notes");
+  EXPECT_TRUE(offered[0].field()->stringValue()->equals("a\nb"));
+  EXPECT_EQ(offered[0].keyCommand(), 2u);
+}
+
+TEST(QNSecureNote, WithoutNotesOffersQuickAccessNothing) {
+  EXPECT_TRUE(noteOf(std::nullopt)->quickAccessFields().empty());
+  EXPECT_TRUE(noteOf("")->quickAccessFields().empty());
 }
 
 // Of a length that lies inside a JSON value, and of one that lies outside; behind the first line,

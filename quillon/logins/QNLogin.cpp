@@ -8,8 +8,11 @@
 
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/fields/QNItemStringField.h"
+#include "quillon/items/QNQuickAccessShortcut.h"
 #include "quillon/platform/text/QNLocalization.h"
 #include "quillon/templates/QNCategoryUUID.h"
+#include "quillon/touchpoints/QNWatchConstants.h"
+#include "quillon/touchpoints/QNWatchRecord.h"
 
 namespace quillon {
 namespace {
@@ -198,6 +201,25 @@ void QNLogin::removeHtmlFormValueForKey(std::string_view key) {
   markRowDirty();
   members.stable_erase(key);
   if (members.empty()) stored->stable_erase(form);
+}
+
+std::vector<QNQuickAccessShortcut> QNLogin::quickAccessFields() {
+  const std::lock_guard guard(monitor());
+  std::vector<QNQuickAccessShortcut> shortcuts;
+  if (auto name = itemFieldForUsername()) shortcuts.emplace_back(std::move(name), 2);
+  if (auto secret = mayReveal() ? itemFieldForPassword() : nullptr) {
+    shortcuts.emplace_back(std::move(secret), 1);
+  }
+  addOneTimePasswordFieldRequestingCopyKey(3, shortcuts);
+  return shortcuts;
+}
+
+JsonObject QNLogin::appleWatchDictionaryRepresentation() {
+  const std::lock_guard guard(monitor());
+  QNWatchRecord record(QNWatchTypeLogin);
+  record.setValue(QNSecret(username().value_or("")), QNWatchLoginItemUsernameKey);
+  record.setValue(password(), QNWatchLoginItemPasswordKey);
+  return std::move(record).dictionaryOfItem(*this);
 }
 
 std::optional<std::string> QNLogin::_additionalInformation() {

@@ -76,6 +76,11 @@ class QNLogin : public QNItem {
   void mergePasswordWithConflict(QNLogin& other);
   void mergeLoginFieldsWithConflict(QNLogin& other);
 
+  /// User name, password (with the right to reveal) and one-time password.
+  [[nodiscard]] std::vector<QNQuickAccessShortcut> quickAccessFields() override;
+  /// What a watch gets of it, in clear: touchpoints/QNWatchRecord.h.
+  [[nodiscard]] JsonObject appleWatchDictionaryRepresentation();
+
   [[nodiscard]] std::optional<std::string> _additionalInformation() override;
   [[nodiscard]] std::optional<QNSecret> clipboardValue() override { return password(); }
   [[nodiscard]] bool isCreatedByBrowserExtension() override;

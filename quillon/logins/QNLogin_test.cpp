@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "quillon/fields/QNItemField.h"
+#include "quillon/items/internal/QNQuickAccessTesting.h"
 #include "quillon/logins/internal/QNTestRows.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/text/QNLocalization.h"
@@ -716,6 +717,39 @@ TEST_F(QNLoginTest, UsernameAndPasswordAreGivenAsFields) {
   EXPECT_TRUE(password->isValueEqualTo("p"));
   EXPECT_EQ(login->numberOfFieldSections(), 0u);
   EXPECT_EQ(loginWithDetails("{}")->itemFieldForUsername(), nullptr);
+}
+
+constexpr std::string_view kWithOneTimePassword =
+    R"({"fields":[{"name":"u","value":"ann","designation":"username"},)"
+    R"({"name":"p","value":"pw","type":"P","designation":"password"}],)"
+    R"("sections":[{"fields":[{"k":"string","n":"s","v":"x"},)"
+    R"({"k":"concealed","n":"TOTP_1","v":"otpauth://a"}]}]})";
+
+TEST_F(QNLoginTest, OffersUsernamePasswordAndOneTimePasswordToQuickAccess) {
+  const auto login = loginWithDetails(kWithOneTimePassword);
+
+  const auto offered = login->quickAccessFields();
+
+  EXPECT_THAT(shown(offered), testing::ElementsAre("username 2", "password 1", "TOTP 3"));
+  EXPECT_TRUE(offered[0].field()->isValueEqualTo("ann"));
+  EXPECT_TRUE(offered[1].field()->isValueEqualTo("pw"));
+  EXPECT_EQ(offered[2].field(), login->firstTOTPField());
+}
+
+TEST_F(QNLoginTest, OffersQuickAccessWhatItHas) {
+  EXPECT_THAT(shown(loginWithDetails("{}")->quickAccessFields()), testing::IsEmpty());
+  EXPECT_THAT(shown(loginWithFields(R"([{"value":"","designation":"username"},)"
+                                    R"({"value":"pw","designation":"password"}])")
+                        ->quickAccessFields()),
+              testing::ElementsAre("password 1"));
+}
+
+TEST_F(QNLoginTest, OffersItsPasswordToThoseWhoMayRevealIt) {
+  const auto login = loginWithDetails(kWithOneTimePassword);
+
+  login->setProfile(vaultWithoutRevealing());
+
+  EXPECT_THAT(shown(login->quickAccessFields()), testing::ElementsAre("username 2", "TOTP 3"));
 }
 
 TEST_F(QNLoginTest, SectionsReadAsFormFieldsByTitle) {

@@ -1,8 +1,11 @@
 #include "quillon/logins/QNPassword.h"
 
+#include "quillon/items/QNQuickAccessShortcut.h"
 #include "quillon/logins/QNLoginField.h"
 #include "quillon/platform/text/QNText.h"
 #include "quillon/templates/QNCategoryUUID.h"
+#include "quillon/touchpoints/QNWatchConstants.h"
+#include "quillon/touchpoints/QNWatchRecord.h"
 
 namespace quillon {
 
@@ -28,6 +31,23 @@ std::optional<QNSecret> QNPassword::password() {
 
 void QNPassword::setPassword(std::optional<std::string_view> password) {
   setDetailsText(password, kDetailsPassword);
+}
+
+std::vector<QNQuickAccessShortcut> QNPassword::quickAccessFields() {
+  const std::lock_guard guard(monitor());
+  std::vector<QNQuickAccessShortcut> shortcuts;
+  if (auto secret = mayReveal() ? itemFieldForPassword() : nullptr) {
+    shortcuts.emplace_back(std::move(secret), 1);
+  }
+  addOneTimePasswordFieldRequestingCopyKey(3, shortcuts);
+  return shortcuts;
+}
+
+JsonObject QNPassword::appleWatchDictionaryRepresentation() {
+  const std::lock_guard guard(monitor());
+  QNWatchRecord record(QNWatchTypePassword);
+  record.setValue(password(), QNWatchLoginItemPasswordKey);
+  return std::move(record).dictionaryOfItem(*this);
 }
 
 std::optional<std::string> QNPassword::dateFormatter(std::chrono::sys_seconds date) {

@@ -18,6 +18,10 @@ class QNPassword final : public QNItem {
   [[nodiscard]] std::optional<QNSecret> password() override;
   void setPassword(std::optional<std::string_view> password) override;
   [[nodiscard]] std::optional<QNSecret> clipboardValue() override { return password(); }
+  /// Password (with the right to reveal) and one-time password.
+  [[nodiscard]] std::vector<QNQuickAccessShortcut> quickAccessFields() override;
+  /// What a watch gets of it, in clear: touchpoints/QNWatchRecord.h.
+  [[nodiscard]] JsonObject appleWatchDictionaryRepresentation();
   /// What a fill record made from this item is.
   [[nodiscard]] std::string_view fillObjectContext() const;
   /// Day and time of medium length in the user's language and time zone, by a formatter that each

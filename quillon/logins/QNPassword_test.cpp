@@ -1,9 +1,11 @@
 #include "quillon/logins/QNPassword.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/items/QNItemConstants.h"
+#include "quillon/items/internal/QNQuickAccessTesting.h"
 #include "quillon/logins/internal/QNTestRows.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/vaults/QNProfile.h"
@@ -95,6 +97,31 @@ TEST_F(QNPasswordTest, ComesBackFromItsRow) {
   EXPECT_EQ(reloaded->className(), "QNPassword");
   ASSERT_TRUE(reloaded->password());
   EXPECT_TRUE(reloaded->password()->equals("pw"));
+}
+
+// Quick access
+
+TEST_F(QNPasswordTest, OffersPasswordAndOneTimePasswordToQuickAccess) {
+  const auto item = passwordIn(_vault);
+  EXPECT_TRUE(item->quickAccessFields().empty());
+  item->setPassword("pw");
+  item->setDetailsObject(jsonValue(R"([{"fields":[{"k":"string","n":"s","v":"x"},)"
+                                   R"({"k":"concealed","n":"TOTP_1","v":"otpauth://a"}]}])"),
+                         kDetailsSections);
+
+  const auto offered = item->quickAccessFields();
+
+  EXPECT_THAT(shown(offered), testing::ElementsAre("password 1", "TOTP 3"));
+  EXPECT_TRUE(offered[0].field()->isValueEqualTo("pw"));
+}
+
+TEST_F(QNPasswordTest, OffersItsPasswordToThoseWhoMayRevealIt) {
+  const auto item = passwordIn(_vault);
+  item->setPassword("pw");
+
+  item->setProfile(vaultWithoutRevealing());
+
+  EXPECT_TRUE(item->quickAccessFields().empty());
 }
 
 // Subtitle

@@ -149,6 +149,8 @@ class QNServerProfile : public QNGenericProfile {
   [[nodiscard]] virtual bool isSuspended() const = 0;
   [[nodiscard]] virtual std::optional<std::string> accountUUID() const = 0;
   [[nodiscard]] virtual std::shared_ptr<H9UserAccount> userAccount() const = 0;
+  /// The account's name for people, as of the last unlock.
+  [[nodiscard]] virtual std::optional<std::string> accountName() const = 0;
   /// The vault key's envelope, a JSON object; what objects of this vault store as JSON text.
   virtual std::optional<JsonObject> encryptWithMasterSymmetricKey(ByteView clear,
                                                                   QNError* error = nullptr) = 0;

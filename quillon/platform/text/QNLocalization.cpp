@@ -9,6 +9,7 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t kMaxTableBytes = 4 << 20;
+constexpr std::string_view kTextPlaceholder = "%@";
 
 }  // namespace
 
@@ -83,13 +84,24 @@ std::string QNLocalizedString(std::string_view key) {
 }
 
 std::string localizedFormat(std::string_view key, std::string_view argument) {
-  constexpr std::string_view text = "%@";
   constexpr std::string_view number = "%jd";
   std::string filled = QNLocalizedString(key);
-  const std::size_t atText = filled.find(text);
+  const std::size_t atText = filled.find(kTextPlaceholder);
   const std::size_t atNumber = filled.find(number);
-  if (atText < atNumber) return filled.replace(atText, text.size(), argument);
+  if (atText < atNumber) return filled.replace(atText, kTextPlaceholder.size(), argument);
   if (atNumber != std::string::npos) filled.replace(atNumber, number.size(), argument);
+  return filled;
+}
+
+std::string localizedFormat(std::string_view key, std::string_view first, std::string_view second) {
+  std::string filled = QNLocalizedString(key);
+  std::size_t from = 0;
+  for (const std::string_view argument : {first, second}) {
+    const std::size_t at = filled.find(kTextPlaceholder, from);
+    if (at == std::string::npos) break;
+    filled.replace(at, kTextPlaceholder.size(), argument);
+    from = at + argument.size();
+  }
   return filled;
 }
 

@@ -59,5 +59,7 @@ class QNLocalization final {
 std::string QNLocalizedString(std::string_view key);
 /// The same, with its one placeholder ("%@" or "%jd") filled in.
 std::string localizedFormat(std::string_view key, std::string_view argument);
+/// The same with two "%@", which keep their order in every language.
+std::string localizedFormat(std::string_view key, std::string_view first, std::string_view second);
 
 }  // namespace quillon

@@ -116,6 +116,18 @@ TEST_F(QNLocalizationTest, FillsInItsOnePlaceholder) {
   EXPECT_EQ(localizedFormat("website %jd", "12"), "Website 12");
 }
 
+TEST_F(QNLocalizationTest, FillsInItsTwoPlaceholdersInOrder) {
+  setLanguage("en");
+  EXPECT_EQ(localizedFormat("%@ from %@", "Login", "Primary"), "Login from Primary");
+  EXPECT_EQ(localizedFormat("%@ from %@", "%@", "%@"), "%@ from %@");
+  EXPECT_EQ(localizedFormat("%@ from %@", "", "x"), " from x");
+  EXPECT_EQ(localizedFormat("%@ Vault", "Family", "unused"), "Family Vault");
+  EXPECT_EQ(localizedFormat("Unnamed", "unused", "unused"), "Unnamed");
+
+  setLanguage("ja");
+  EXPECT_EQ(localizedFormat("%@ from %@", "ログイン", "家"), "ログイン（家）");
+}
+
 TEST_F(QNLocalizationTest, EveryTableHasTheSameKeys) {
   const QNLocalization::Table english = tableOf("en");
   for (const auto& language : kLanguages) {
@@ -163,6 +175,7 @@ TEST_F(QNLocalizationTest, TheEnglishTableHasTheTextsOfTheLibrary) {
                                 "vault",
                                 "%@ Vault",
                                 "Unnamed",
+                                "%@ from %@",
                                 "website",
                                 "website %jd",
                                 "username",

@@ -245,6 +245,20 @@ std::optional<std::int64_t> qn_parseDate(std::string_view text) {
   return dayReadBy(*shown, typed);
 }
 
+std::optional<QNMonthDays> qn_daysOfMonth(std::int32_t month, std::int32_t ofYear) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::GregorianCalendar calendar(usersTimeZone(), icu::Locale::getRoot(), status);
+  if (U_FAILURE(status)) return std::nullopt;
+  calendar.clear();
+  calendar.set(ofYear, month - 1, 1);
+  const double first = calendar.getTime(status);
+  calendar.add(UCAL_DATE, calendar.getActualMaximum(UCAL_DATE, status) - 1, status);
+  const double last = calendar.getTime(status);
+  if (U_FAILURE(status)) return std::nullopt;
+  return QNMonthDays{static_cast<std::int64_t>(std::floor(first / 1000)),
+                     static_cast<std::int64_t>(std::floor(last / 1000))};
+}
+
 std::string qn_exampleOfDate() {
   const auto format = dayFormatInNumbers();
   std::string text;

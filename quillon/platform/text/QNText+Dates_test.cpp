@@ -167,6 +167,54 @@ TEST(QNTextDates, HaveOneFormForPrograms) {
   EXPECT_TRUE(qn_formatISODate(-86400).equals("1969-12-30"));
 }
 
+// The moments are those of GNU date: TZ=ZONE date -d YEAR-MONTH-DAY +%s
+
+struct MonthCase {
+  std::int32_t month, year;
+  const char* zone;
+  std::int64_t first, last;
+};
+
+TEST(QNTextDates, AMonthHasAFirstAndALastDay) {
+  const MonthCase cases[] = {
+      {2, 2024, "UTC", 1706745600, 1709164800},
+      {2, 2023, "UTC", 1675209600, 1677542400},
+      {2, 1900, "UTC", -2206310400, -2203977600},
+      {12, 2024, "UTC", 1733011200, 1735603200},
+      {2, 2024, "America/Los_Angeles", 1706774400, 1709193600},
+      {3, 2024, "Europe/Berlin", 1709247600, 1711839600},
+  };
+  for (const auto& each : cases) {
+    const QNScopedTimeZone zone(each.zone);
+    const auto days = qn_daysOfMonth(each.month, each.year);
+    ASSERT_TRUE(days) << each.year << " " << each.month;
+    EXPECT_EQ(days->first, each.first) << each.year << " " << each.month << " " << each.zone;
+    EXPECT_EQ(days->last, each.last) << each.year << " " << each.month << " " << each.zone;
+  }
+}
+
+TEST(QNTextDates, AMonthIsOneOfTheGregorianCalendarInEveryLanguage) {
+  const QNScopedTimeZone zone("UTC");
+  for (const char* const locale : {"th-TH", "fa-IR", "ar-SA", "ja-JP-u-ca-japanese"}) {
+    const QNScopedLocale scopedLocale(locale);
+    EXPECT_EQ(qn_daysOfMonth(2, 2024)->last, 1709164800) << locale;
+  }
+}
+
+TEST(QNTextDates, AMonthBeyondTheTwelfthIsOneOfTheNextYear) {
+  const QNScopedTimeZone zone("UTC");
+
+  EXPECT_EQ(qn_daysOfMonth(14, 2023)->first, 1706745600);
+  EXPECT_EQ(qn_daysOfMonth(14, 2023)->last, 1709164800);
+}
+
+TEST(QNTextDates, ADayWithoutMidnightBeginsWithItsFirstHour) {
+  const QNScopedTimeZone zone("America/Asuncion");
+
+  // 1 October 2017: clocks went from 0:00 to 1:00, which is 4:00 UTC.
+  EXPECT_EQ(qn_daysOfMonth(10, 2017)->first, 1506830400);
+}
+
 std::string kept(std::string_view text, std::string_view set) {
   return std::string(charactersOfTextInSet(text, set).reveal());
 }

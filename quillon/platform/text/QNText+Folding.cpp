@@ -6,6 +6,7 @@
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "quillon/platform/memory/QNBytes.h"
@@ -107,12 +108,25 @@ WipedUnits withFoldedCase(const WipedUnits& units, UErrorCode& status) {
   return result;
 }
 
-void dropMarks(WipedUnits& units) {
+// The marks of no class, and of these, are vowels, as Thai, Tibetan and the scripts of India write
+// them: without those a word is another one.
+constexpr std::array<std::uint8_t, 7> kClassesOfVowels = {84, 91, 103, 118, 129, 130, 132};
+
+// An accent, a tone mark, a point, or a mark that isn't seen at all.
+bool isDiacritic(UChar32 c) noexcept {
+  if (u_charType(c) != U_NON_SPACING_MARK) return false;
+  const auto place = u_getCombiningClass(c);
+  if (place == 0) return u_hasBinaryProperty(c, UCHAR_DEFAULT_IGNORABLE_CODE_POINT);
+  return std::find(kClassesOfVowels.begin(), kClassesOfVowels.end(), place) ==
+         kClassesOfVowels.end();
+}
+
+void dropDiacritics(WipedUnits& units) {
   std::size_t kept = 0;
   for (std::size_t next = 0, start = 0; next < units.size(); start = next) {
     UChar32 c = 0;
     U16_NEXT(units.data(), next, units.size(), c);
-    if (u_charType(c) == U_NON_SPACING_MARK) continue;
+    if (isDiacritic(c)) continue;
     while (start < next) units[kept++] = units[start++];
   }
   units.resize(kept);
@@ -143,7 +157,7 @@ std::optional<QNSecret> foldedLetters(std::string_view text, QNFolding folding) 
   const bool marks = leavesAside(folding, QNFolding::marks);
   UErrorCode status = U_ZERO_ERROR;
   WipedUnits units = decomposed(secretUnitsOf(text, kReplaced, status), kNFD, status);
-  if (marks) dropMarks(units);
+  if (marks) dropDiacritics(units);
   if (leavesAside(folding, QNFolding::letterCase)) units = withFoldedCase(units, status);
   // A folded letter may be a composed one again.
   if (!marks) units = decomposed(units, kNFD, status);

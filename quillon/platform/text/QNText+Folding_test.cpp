@@ -51,6 +51,26 @@ TEST(QNTextFolding, FoldsLettersThatCarryTheirStrokeInside) {
   EXPECT_EQ(foldedForSearch("Ðð Þþ"), "dd thth");
 }
 
+TEST(QNTextFolding, MarksThatAreVowelsAreKept) {
+  for (const char* const word : {"กิน", "กู", "ກຸ", "कुल", "రీ", "ཀི"}) {
+    EXPECT_EQ(foldedForSearch(word), word);
+  }
+}
+
+TEST(QNTextFolding, ToneMarksPointsAndWhatIsNotSeenAreDropped) {
+  EXPECT_EQ(foldedForSearch("ก่า"), "กา");
+  EXPECT_EQ(foldedForSearch("שָׁלוֹם"), "שלום");
+  EXPECT_EQ(foldedForSearch("كِتَاب"), "كتاب");
+  EXPECT_EQ(foldedForSearch("क़लम"), "कलम");
+  EXPECT_EQ(foldedForSearch("☎\uFE0F"), "☎");
+}
+
+TEST(QNTextFolding, ASecretIsFoldedLikeAnyText) {
+  for (const char* const text : {"", "Plain 1", "CRÈME ﬁ Łódź", "\u0301", "A\xFFZ", "銀行"}) {
+    EXPECT_EQ(secretFoldedForSearch(text).reveal(), foldedForSearch(text));
+  }
+}
+
 TEST(QNTextFolding, TheLocaleDoesNotTouchWhatIsSearched) {
   for (const char* const tag : {"en-US", "tr-TR", "lt-LT"}) {
     const QNScopedLocale locale(tag);

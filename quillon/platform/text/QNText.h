@@ -72,6 +72,14 @@ std::string qn_describedDate(std::uint64_t seconds);
 /// day from UTC-11 to UTC+12:59; for users beyond, the nearest hour that is that day there. Nothing
 /// for a day that isn't there, and for a year of less than four digits.
 std::optional<std::int64_t> qn_parseDate(std::string_view text);
+/// The first and the last day of a month, each by its first moment in the user's time zone; seconds
+/// since 1970. The year is one of the Gregorian calendar, as cards and passports print it in every
+/// country; months beyond 12 go on into the next year.
+struct QNMonthDays {
+  std::int64_t first = 0;
+  std::int64_t last = 0;
+};
+std::optional<QNMonthDays> qn_daysOfMonth(std::int32_t month, std::int32_t ofYear);
 /// A day of this year as the locale writes it in numbers, for telling what can be typed.
 std::string qn_exampleOfDate();
 
@@ -79,9 +87,13 @@ std::string qn_exampleOfDate();
 /// The number as the user's locale writes it, in groups: "1,234" in English.
 std::string qn_formatNumber(std::uint64_t number);
 
+// Card numbers: QNText+CardNumbers.cpp
+/// A card's number, given in digits alone, in blocks as cards show it: "4111 1111 1111 1111".
+QNSecret mr_asFormattedCreditCardNumber(std::string_view digits);
+
 // Folding: QNText+Folding.cpp
-/// Folded for search: NFD, marks dropped, case folded, and a small table for letters that carry
-/// their stroke inside (ø, ł, đ, ħ and their like). Folding twice changes nothing.
+/// Folded for search: NFD, diacritics dropped, case folded, and a small table for letters that
+/// carry their stroke inside (ø, ł, đ, ħ and their like). Folding twice changes nothing.
 std::string foldedForSearch(std::string_view text);
 /// The same of a text that must not outlive its use.
 QNSecret secretFoldedForSearch(std::string_view text);

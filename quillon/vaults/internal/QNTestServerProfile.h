@@ -37,6 +37,7 @@ class QNTestServerProfile final : public QNServerProfile,
   void setTemplate(std::shared_ptr<QNTemplate> known) { _template = std::move(known); }
   void setAccountUUID(std::optional<std::string> uuid) { _accountUUID = std::move(uuid); }
   void setUserAccount(std::shared_ptr<H9UserAccount> account) { _account = std::move(account); }
+  void setAccountName(std::optional<std::string> name) { _accountName = std::move(name); }
   void setSuspended(bool suspended) { _suspended = suspended; }
   /// Successful calls so far, by any way.
   [[nodiscard]] std::uint64_t numberOfSealings() const { return _sealings; }
@@ -114,6 +115,7 @@ class QNTestServerProfile final : public QNServerProfile,
   [[nodiscard]] std::uint64_t accountId() const override { return 1; }
   [[nodiscard]] std::optional<std::string> accountUUID() const override { return _accountUUID; }
   [[nodiscard]] std::shared_ptr<H9UserAccount> userAccount() const override { return _account; }
+  [[nodiscard]] std::optional<std::string> accountName() const override { return _accountName; }
   [[nodiscard]] bool isSuspended() const override { return _suspended; }
 
   // Names and looks: an account vault has no hint
@@ -223,6 +225,7 @@ class QNTestServerProfile final : public QNServerProfile,
   std::shared_ptr<QNTemplate> _template;
   std::optional<std::string> _accountUUID = "ACCOUNT";
   std::shared_ptr<H9UserAccount> _account;
+  std::optional<std::string> _accountName;
   std::uint64_t _oid;
   std::uint64_t _profileType = kProfileTypeAccountVault;
   std::string _vaultType = "U";

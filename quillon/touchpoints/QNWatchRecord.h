@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string_view>
+
+#include "quillon/platform/json/QNJson.h"
+
+namespace quillon {
+
+class QNItem;
+
+/// What a watch gets of one item: in clear, since a watch has no vault. Both objects of a record
+/// lie in the wiping resource; wipe what you make of them. The keys: QNWatchConstants.h.
+///
+///   QNOTPKeychainItemUUIDKey          text
+///   QNOTPKeychainItemNameKey          text: the title
+///   QNOTPKeychainItemURLKey           text: the host of the main address
+///   QNWatchKeychainItemValueDataKey   object: QNWatchTypeKey, then what the kind adds
+///
+/// What isn't there is "".
+class QNWatchRecord final {
+ public:
+  /// One of QNWatchType....
+  explicit QNWatchRecord(std::string_view type);
+  void setValue(const std::optional<QNSecret>& value, std::string_view forKey);
+  /// The whole record. Hold the item's monitor since before the first value was read.
+  [[nodiscard]] JsonObject dictionaryOfItem(QNItem& item) &&;
+
+ private:
+  JsonObject _values;
+};
+
+}  // namespace quillon
