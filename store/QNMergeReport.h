@@ -41,11 +41,23 @@ struct QNMergedItem {
   std::vector<QNMergedField> fields;  // of `joined`, replacedMine and replacedTheirs; by name
 };
 
+/// What a merge did with one folder: copied, replaced, deleted, or deletionRefused.
+struct QNMergedFolder {
+  std::string uuid;
+  QNMergedItem::Kind kind = QNMergedItem::Kind::replacedMine;
+};
+
 struct QNMergeReport {
-  std::vector<QNMergedItem> items;  // that were touched, by uuid; what was in step isn't named,
-                                    // nor what both had deleted
-  std::uint64_t compared = 0;       // uuids of both sides together
-  std::uint64_t opened = 0;         // readings of details; an item that is joined is read 3 times
+  std::vector<QNMergedItem> items;      // that were touched, by uuid; what was in step isn't named,
+                                        // nor what both had deleted
+  std::vector<QNMergedFolder> folders;  // in the same way
+  /// uuid of each folder whose place was changed on one side so that it lies in itself, or whose
+  /// parent the other side had deleted: it is at the top on both sides.
+  std::vector<std::string> foldersMovedToTop;
+  /// uuid of each smart folder that is in quarantine now, as QNStore::folders() tells.
+  std::vector<std::string> quarantinedFolders;
+  std::uint64_t compared = 0;  // uuids of both sides together
+  std::uint64_t opened = 0;    // readings of details; an item that is joined is read 3 times
 };
 
 }  // namespace quillon

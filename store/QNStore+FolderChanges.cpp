@@ -35,32 +35,44 @@ QNResult<std::optional<Bytes>> sealedIcon(const QNFolder& folder, QNProfile& vau
 
 // Rows
 
-QNResult<QNStore::Database::FolderBefore> QNStore::Database::folderBefore(
-    QNQuery query, const std::shared_ptr<QNProfile>& vault) {
-  if (!query.next()) return FolderBefore{};
-  const QNFolderRow row = folderRow(query);
+QNStore::Database::FolderBefore QNStore::Database::folderBeforeOf(
+    const QNFolderRow& row, const std::shared_ptr<QNProfile>& vault) {
   FolderBefore before;
   before.seal = QNRowSealer(*vault).seal(row);
   before.oid = row.oid;
   before.createdAt = row.createdAt;
+  before.updatedAt = row.updatedAt;
   before.txTimestamp = row.txTimestamp;
   before.uuid = row.uuid;
   if (row.parentUUID) before.parentUUID = *row.parentUUID;
   before.isSmart = row.smart != 0;
   before.isDeleted = isDeleted(row);
+  return before;
+}
+
+QNResult<QNStore::Database::FolderBefore> QNStore::Database::folderBefore(
+    QNQuery query, const std::shared_ptr<QNProfile>& vault) {
+  if (!query.next()) return FolderBefore{};
+  const QNFolderRow row = folderRow(query);
+  FolderBefore before = folderBeforeOf(row, vault);
   if (!sealFits(before.seal, row.seal)) {
     return storeError(QNStoreErrorCode::damaged, "the folder's row was altered");
   }
   return before;
 }
 
+QNResult<QNStore::Database::FolderBefore> QNStore::Database::folderRowNow(
+    std::uint64_t oid, const std::shared_ptr<QNProfile>& vault) {
+  return folderBefore(
+      file->query("SELECT " QN_FOLDER_COLUMNS " FROM folders WHERE oid = ?1 AND vault_id = ?2", oid,
+                  vault->oid()),
+      vault);
+}
+
 QNResult<QNStore::Database::FolderBefore> QNStore::Database::folderBefore(
     const QNFolder& folder, const std::shared_ptr<QNProfile>& vault) {
   auto before = folder.hasOid()
-                    ? folderBefore(file->query("SELECT " QN_FOLDER_COLUMNS
-                                               " FROM folders WHERE oid = ?1 AND vault_id = ?2",
-                                               folder.oid(), vault->oid()),
-                                   vault)
+                    ? folderRowNow(folder.oid(), vault)
                     : folderBefore(file->query("SELECT " QN_FOLDER_COLUMNS
                                                " FROM folders WHERE uuid = ?1 AND vault_id = ?2",
                                                *folder.uuid(), vault->oid()),
@@ -75,6 +87,15 @@ QNResult<QNStore::Database::FolderBefore> QNStore::Database::folderBefore(
                       "the folder was saved or deleted by somebody else");
   }
   return before;
+}
+
+std::vector<QNStore::Database::FolderBefore> QNStore::Database::deletedFolders(
+    const std::shared_ptr<QNProfile>& vault) {
+  std::vector<FolderBefore> deleted;
+  QNQuery query = file->query(
+      "SELECT " QN_FOLDER_COLUMNS " FROM folders WHERE vault_id = ?1 AND status = 2", vault->oid());
+  while (query.next()) deleted.push_back(folderBeforeOf(folderRow(query), vault));
+  return deleted;
 }
 
 QNResult<QNDone> QNStore::Database::writeFolderRow(QNFolderRow& row,
@@ -114,7 +135,8 @@ QNResult<QNDone> QNStore::Database::saveFolder(const std::shared_ptr<QNFolder>& 
   const bool moves = !before.value().seal || before.value().parentUUID != folder->parentUUID();
   const auto placed = moves ? requirePlace(*folder, *vault.value()) : QNResult<QNDone>(QNDone{});
   if (!placed.ok()) return placed.error();
-  return writeFolder(folder, vault.value(), before.value(), Times::now);
+  const bool isSmart = folder->smartFolder() || (before.value().isSmart && isQuarantined(*folder));
+  return writeFolder(folder, vault.value(), before.value(), Times::now, isSmart);
 }
 
 /// Goes up from the parent: it must come to the top, and not to the folder on its way.
@@ -142,12 +164,11 @@ QNResult<QNDone> QNStore::Database::requirePlace(const QNFolder& folder, const Q
 
 QNResult<QNDone> QNStore::Database::writeFolder(const std::shared_ptr<QNFolder>& folder,
                                                 const std::shared_ptr<QNProfile>& vault,
-                                                const FolderBefore& before, Times times) {
+                                                const FolderBefore& before, Times times,
+                                                bool isSmart) {
   if (folder->mutableOverview() == nullptr) {
     return storeError(QNStoreErrorCode::unreadableItem, "the folder doesn't open");
   }
-  const bool staysSmart =
-      folder->smartFolder() || (before.isSmart && !before.isDeleted && isQuarantined(*folder));
   const auto icon = sealedIcon(*folder, *vault);
   if (!icon.ok()) return icon.error();
   noteForUndo(folder);
@@ -163,7 +184,7 @@ QNResult<QNDone> QNStore::Database::writeFolder(const std::shared_ptr<QNFolder>&
   row.createdAt = folder->createdAt();
   row.updatedAt = folder->updatedAt();
   row.txTimestamp = folder->txTimestamp();
-  row.smart = staysSmart ? 1 : 0;
+  row.smart = isSmart ? 1 : 0;
   row.displayOrder = folder->displayOrder();
   row.parentUUID = folder->parentUUID();
   row.uuid = *folder->uuid();
@@ -202,7 +223,7 @@ QNResult<QNDone> QNStore::Database::deleteFolder(const std::shared_ptr<QNFolder>
   }
   const auto before = folderBefore(*folder, vault.value());
   if (!before.ok()) return before.error();
-  const auto buried = buryFolder(before.value(), vault.value(), secondsNow());
+  const auto buried = buryFolder(before.value(), vault.value(), secondsNow(), Times::now);
   if (!buried.ok()) return buried.error();
   afterCommit.emplace_back([folder] {
     folder->_setOid(0);
@@ -214,7 +235,7 @@ QNResult<QNDone> QNStore::Database::deleteFolder(const std::shared_ptr<QNFolder>
 
 QNResult<QNDone> QNStore::Database::buryFolder(const FolderBefore& before,
                                                const std::shared_ptr<QNProfile>& vault,
-                                               std::uint64_t deletedAt) {
+                                               std::uint64_t deletedAt, Times times) {
   QNFolderRow row;
   row.oid = before.seal ? before.oid : freshFolderOid();
   row.status = kDeletedFolder;
@@ -224,18 +245,19 @@ QNResult<QNDone> QNStore::Database::buryFolder(const FolderBefore& before,
   row.uuid = before.uuid;
   const auto written = writeFolderRow(row, vault, before);
   if (!written.ok()) return written.error();
-  const auto moved = moveSubfolders(before, vault);
+  const auto moved = moveSubfolders(before, vault, times);
   if (!moved.ok()) return moved.error();
   const auto freed = takeOutOfFolder(
       oidsOf(file->query("SELECT oid FROM items WHERE vault_id = ?1 AND folder_uuid = ?2",
                          vault->oid(), before.uuid)),
-      vault);
+      vault, times);
   return freed.ok() ? QNResult<QNDone>(QNDone{}) : freed.error();
 }
 
 /// Up to where the folder was. Rows that aren't sound stay as they are.
 QNResult<QNDone> QNStore::Database::moveSubfolders(const FolderBefore& deleted,
-                                                   const std::shared_ptr<QNProfile>& vault) {
+                                                   const std::shared_ptr<QNProfile>& vault,
+                                                   Times times) {
   const auto oids = oidsOf(
       file->query("SELECT oid FROM folders WHERE vault_id = ?1 AND parent_uuid = ?2 AND status = 0",
                   vault->oid(), deleted.uuid));
@@ -244,7 +266,7 @@ QNResult<QNDone> QNStore::Database::moveSubfolders(const FolderBefore& deleted,
     if (folder == nullptr) continue;
     const bool wouldHoldItself = deleted.parentUUID == *folder->uuid();
     folder->setParentUUID(wouldHoldItself ? std::nullopt : deleted.parentUUID);
-    const auto saved = saveFolderInPlace(folder, vault);
+    const auto saved = saveFolderInPlace(folder, vault, times);
     if (!saved.ok()) return saved.error();
   }
   return QNDone{};
@@ -260,10 +282,11 @@ std::shared_ptr<QNFolder> QNStore::Database::folderWithOid(
 }
 
 QNResult<QNDone> QNStore::Database::saveFolderInPlace(const std::shared_ptr<QNFolder>& folder,
-                                                      const std::shared_ptr<QNProfile>& vault) {
+                                                      const std::shared_ptr<QNProfile>& vault,
+                                                      Times times) {
   const auto before = folderBefore(*folder, vault);
   if (!before.ok()) return before.error();
-  return writeFolder(folder, vault, before.value(), Times::now);
+  return writeFolder(folder, vault, before.value(), times, folder->smartFolder());
 }
 
 std::vector<std::uint64_t> QNStore::Database::oidsOf(QNQuery query) {
@@ -273,13 +296,13 @@ std::vector<std::uint64_t> QNStore::Database::oidsOf(QNQuery query) {
 }
 
 QNResult<std::vector<std::string>> QNStore::Database::takeOutOfFolder(
-    const std::vector<std::uint64_t>& oids, const std::shared_ptr<QNProfile>& vault) {
+    const std::vector<std::uint64_t>& oids, const std::shared_ptr<QNProfile>& vault, Times times) {
   std::vector<std::string> uuids;
   for (const std::uint64_t oid : oids) {
     const auto item = shellWithOid(oid, vault);
     if (item == nullptr) continue;
     item->clearFolder();
-    const auto saved = saveItems({&item, 1}, Times::now);
+    const auto saved = saveItems({&item, 1}, times);
     if (!saved.ok()) return saved.error();
     uuids.push_back(*item->uuid());
   }
@@ -305,22 +328,30 @@ QNResult<QNFolderRepair> QNStore::repairFolders(const std::shared_ptr<QNProfile>
   return repair;
 }
 
+QNResult<std::vector<std::string>> QNStore::Database::moveMisplacedToTop(
+    const std::shared_ptr<QNProfile>& vault, Times times) {
+  const auto folders = readFolders(vault);
+  if (!folders.ok()) return folders.error();
+  const std::vector<std::string>& misplaced = folders.value().misplaced;
+  for (const auto& folder : folders.value().folders) {
+    if (std::find(misplaced.begin(), misplaced.end(), *folder->uuid()) == misplaced.end()) continue;
+    folder->setParentUUID(std::nullopt);
+    const auto saved = saveFolderInPlace(folder, vault, times);
+    if (!saved.ok()) return saved.error();
+  }
+  return misplaced;
+}
+
 QNResult<QNDone> QNStore::Database::repairFolders(const std::shared_ptr<QNProfile>& vault,
                                                   QNFolderRepair& repair) {
   const auto ledger = openLedger(vault);
   if (!ledger.ok()) return ledger.error();
-  const auto folders = readFolders(vault);
-  if (!folders.ok()) return folders.error();
-  repair.foldersMovedToTop = folders.value().misplaced;
-  for (const auto& folder : folders.value().folders) {
-    const auto& misplaced = repair.foldersMovedToTop;
-    if (std::find(misplaced.begin(), misplaced.end(), *folder->uuid()) == misplaced.end()) continue;
-    folder->setParentUUID(std::nullopt);
-    const auto saved = saveFolderInPlace(folder, vault);
-    if (!saved.ok()) return saved.error();
-  }
-  auto freed = takeOutOfFolder(oidsOf(file->query(kSelectStrayItems, vault->oid())), vault);
+  auto moved = moveMisplacedToTop(vault, Times::now);
+  if (!moved.ok()) return moved.error();
+  auto freed =
+      takeOutOfFolder(oidsOf(file->query(kSelectStrayItems, vault->oid())), vault, Times::now);
   if (!freed.ok()) return freed.error();
+  repair.foldersMovedToTop = std::move(moved).value();
   repair.itemsMovedToTop = std::move(freed).value();
   return QNDone{};
 }

@@ -42,15 +42,6 @@ void linkFolders(QNFolderReport& report) {
   sortByTitle(report.top);
 }
 
-/// A folder whose old predicate would end the process must not be asked for it.
-void quarantine(QNFolderReport& report) {
-  for (const auto& folder : report.folders) {
-    if (!folder->smartFolder() || !folder->smartFolderFault()) continue;
-    folder->setSmartFolder(false);
-    report.quarantined.push_back(*folder->uuid());
-  }
-}
-
 }  // namespace
 
 QNFolderRow folderRow(const QNQuery& query) {
@@ -113,8 +104,15 @@ QNResult<QNFolderReport> QNStore::Database::readFolders(const std::shared_ptr<QN
   }
   report.ledgerBroken = !count.agreesWith(ledger.value().folders);
   linkFolders(report);
-  quarantine(report);
   return report;
+}
+
+void QNStore::Database::quarantine(QNFolderReport& report) {
+  for (const auto& folder : report.folders) {
+    if (!folder->smartFolder() || !folder->smartFolderFault()) continue;
+    folder->setSmartFolder(false);
+    report.quarantined.push_back(*folder->uuid());
+  }
 }
 
 void QNStore::Database::countItems(const QNFolderReport& report, QNProfile& vault) {
@@ -130,7 +128,9 @@ void QNStore::Database::countItems(const QNFolderReport& report, QNProfile& vaul
 QNResult<QNFolderReport> QNStore::folders(const std::shared_ptr<QNProfile>& vault) {
   return _database->read([&]() -> QNResult<QNFolderReport> {
     auto report = _database->readFolders(vault);
-    if (report.ok()) _database->countItems(report.value(), *vault);
+    if (!report.ok()) return report.error();
+    Database::quarantine(report.value());
+    _database->countItems(report.value(), *vault);
     return report;
   });
 }
@@ -152,9 +152,10 @@ QNResult<std::shared_ptr<QNFolder>> QNStore::folder(const std::shared_ptr<QNProf
 
 void QNStore::Database::checkFolders(const std::shared_ptr<QNProfile>& vault,
                                      QNCheckReport& report) {
-  const auto read = readFolders(vault);
+  auto read = readFolders(vault);
   if (!read.ok()) return;  // SQLite's error stays with the connection
-  const QNFolderReport& folders = read.value();
+  QNFolderReport& folders = read.value();
+  quarantine(folders);
   report.foldersChecked = folders.folders.size() + folders.damaged.size();
   for (const std::string& uuid : folders.damaged) {
     report.problems.push_back("folder " + uuid + ": it was altered or doesn't open");

@@ -11,6 +11,7 @@
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/json/QNJsonEquality.h"
 #include "store/QNStore.h"
+#include "store/internal/QNFolderMerge.h"
 #include "store/internal/QNItemParts.h"
 #include "store/internal/QNStoreState.h"
 
@@ -162,6 +163,9 @@ class QNStore::Merge final {
 // The sides as they are
 
 QNResult<QNDone> QNStore::Merge::run() {
+  // First: what is deleted leaves its items changed.
+  const auto folders = FolderMerge(_mine.given, _theirs.given, report).run();
+  if (!folders.ok()) return folders.error();
   auto read = readMemory(_mine, _theirs);
   if (read.ok()) read = readMemory(_theirs, _mine);
   if (read.ok()) read = readHeads(_mine);

@@ -248,12 +248,12 @@ class QNStore final {
 
   // Merging: QNStore+Merge.cpp
   enum class MergeMode { write, dryRun };
-  /// Brings two vaults of two stores into step: afterwards both hold the same items, but for those
-  /// of different categories (notJoined), and a second run changes nothing. Attachments, counters
-  /// of use and the place among the favourites aren't brought over. One transaction on each side,
-  /// and none may be open. A dry run does the same and takes it back, so it needs the right to
-  /// write too. Errors: sameFile, notFound for a side without store or vault, locked, damaged if
-  /// either vault isn't sound, busy, notWritable, unreadableItem, ...
+  /// Brings two vaults of two stores into step: afterwards both hold the same folders, and the
+  /// same items but for those of different categories (notJoined), and a second run changes
+  /// nothing. Attachments, counters of use and the place among the favourites aren't brought over.
+  /// One transaction on each side, and none may be open. A dry run does the same and takes it back,
+  /// so it needs the right to write too. Errors: sameFile, notFound for a side without store or
+  /// vault, locked, damaged if either vault isn't sound, busy, notWritable, unreadableItem, ...
   static QNResult<QNMergeReport> merge(const QNMergeSide& mine, const QNMergeSide& theirs,
                                        MergeMode mode = MergeMode::write);
 
@@ -273,6 +273,7 @@ class QNStore final {
  private:
   struct Database;
   class Merge;
+  class FolderMerge;
   static QNResult<QNDone> requireTwoStores(const QNMergeSide& mine, const QNMergeSide& theirs);
   explicit QNStore(std::unique_ptr<Database> database);
   std::unique_ptr<Database> _database;

@@ -204,8 +204,10 @@ struct QNStore::Database {
   /// Null if overview or icon doesn't open.
   static std::shared_ptr<QNFolder> folderOf(const QNFolderRow& row,
                                             const std::shared_ptr<QNProfile>& vault);
-  /// Without the numbers of items.
+  /// Without the numbers of items, and with smart folders that belong into quarantine.
   QNResult<QNFolderReport> readFolders(const std::shared_ptr<QNProfile>& vault);
+  /// A folder whose old predicate would end the process must not be asked for it.
+  static void quarantine(QNFolderReport& report);
   void countItems(const QNFolderReport& report, QNProfile& vault);
   void checkFolders(const std::shared_ptr<QNProfile>& vault, QNCheckReport& report);
 
@@ -215,14 +217,20 @@ struct QNStore::Database {
     std::optional<QNSeal> seal;  // nothing for a folder without a row
     std::uint64_t oid = 0;
     std::uint64_t createdAt = 0;
+    std::uint64_t updatedAt = 0;
     std::uint64_t txTimestamp = 0;
     std::string uuid;
     std::optional<std::string> parentUUID;
     bool isSmart = false;
     bool isDeleted = false;
   };
-  /// Error: damaged.
+  static FolderBefore folderBeforeOf(const QNFolderRow& row,
+                                     const std::shared_ptr<QNProfile>& vault);
+  /// Of the first row. Error: damaged.
   QNResult<FolderBefore> folderBefore(QNQuery query, const std::shared_ptr<QNProfile>& vault);
+  QNResult<FolderBefore> folderRowNow(std::uint64_t oid, const std::shared_ptr<QNProfile>& vault);
+  /// What stays of them, whether their rows are sound or not.
+  std::vector<FolderBefore> deletedFolders(const std::shared_ptr<QNProfile>& vault);
   /// The folder's row; for a new one that of a deleted folder of its uuid. Errors: lostRace,
   /// exists, damaged.
   QNResult<FolderBefore> folderBefore(const QNFolder& folder,
@@ -234,18 +242,19 @@ struct QNStore::Database {
   QNResult<QNDone> requirePlace(const QNFolder& folder, const QNProfile& vault);
   QNResult<QNDone> writeFolder(const std::shared_ptr<QNFolder>& folder,
                                const std::shared_ptr<QNProfile>& vault, const FolderBefore& before,
-                               Times times);
-  /// Wherever its parent is.
+                               Times times, bool isSmart);
+  /// Wherever its parent is, and smart or not as it is.
   QNResult<QNDone> saveFolderInPlace(const std::shared_ptr<QNFolder>& folder,
-                                     const std::shared_ptr<QNProfile>& vault);
+                                     const std::shared_ptr<QNProfile>& vault, Times times);
   std::uint64_t freshFolderOid();
   void noteForUndo(const std::shared_ptr<QNFolder>& folder);
   QNResult<QNDone> deleteFolder(const std::shared_ptr<QNFolder>& folder);
-  /// Makes a tombstone of a row, or a new one, and empties the folder.
+  /// Makes a tombstone of a row, or a new one, and empties the folder. `times` are those of what it
+  /// held.
   QNResult<QNDone> buryFolder(const FolderBefore& before, const std::shared_ptr<QNProfile>& vault,
-                              std::uint64_t deletedAt);
+                              std::uint64_t deletedAt, Times times);
   QNResult<QNDone> moveSubfolders(const FolderBefore& deleted,
-                                  const std::shared_ptr<QNProfile>& vault);
+                                  const std::shared_ptr<QNProfile>& vault, Times times);
   /// Null if the row isn't sound.
   std::shared_ptr<QNFolder> folderWithOid(std::uint64_t oid,
                                           const std::shared_ptr<QNProfile>& vault);
@@ -255,7 +264,11 @@ struct QNStore::Database {
   /// The uuid of each item that was saved without a folder; rows that aren't sound stay as they
   /// are.
   QNResult<std::vector<std::string>> takeOutOfFolder(const std::vector<std::uint64_t>& oids,
-                                                     const std::shared_ptr<QNProfile>& vault);
+                                                     const std::shared_ptr<QNProfile>& vault,
+                                                     Times times);
+  /// The uuid of each folder that was misplaced.
+  QNResult<std::vector<std::string>> moveMisplacedToTop(const std::shared_ptr<QNProfile>& vault,
+                                                        Times times);
   QNResult<QNDone> repairFolders(const std::shared_ptr<QNProfile>& vault, QNFolderRepair& repair);
 
   // Synchronisation: QNStore+Sync.cpp
