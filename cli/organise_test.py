@@ -30,7 +30,7 @@ class OrganiseTest(ToolTest):
     def tag_list(self):
         return [(tag["tag"], tag["items"]) for tag in self.run_tool("tag", "list", "--json").json]
 
-    def folder(self, path):
+    def make_folder(self, path):
         return self.run_tool("folder", "add", path).out.strip()
 
     def folders(self):
@@ -224,7 +224,7 @@ class Lists(OrganiseTest):
                          ["Below", "In"])
 
     def test_a_folder_includes_those_below_it_unless_told_otherwise(self):
-        self.folder("Work/Bills")
+        self.make_folder("Work/Bills")
         for title, folder in (("In", "Work"), ("Below", "Work/Bills")):
             self.add(title)
             self.run_tool("move", title, folder)
@@ -243,29 +243,32 @@ class Lists(OrganiseTest):
         self.note("Middle")
         self.assertEqual(self.names("list"), ["Ape", "Middle", "Zebra"])
         self.assertEqual(self.names("list", "--sort", "category"), ["Ape", "Zebra", "Middle"])
-        self.assertEqual(self.names("list", "--sort", "strength"), ["Zebra", "Ape", "Middle"])
+        self.assertEqual(self.names("list", "--sort", "strength"), ["Middle", "Zebra", "Ape"])
 
     def sections(self, *options):
         value = self.run_tool("list", "--sections", "--json", *options).json
         return [(one["section"], [item["title"] for item in one["items"]]) for one in value]
 
     def test_sections_of_each_order(self):
-        self.add("ärta", "--password=-", stdin="password")
+        self.add("ärta", "--password=-", stdin="correct zebra")
         self.add("Ape", "--generate")
-        self.add("7 up")
+        self.add("Ant")
+        self.add("7 up", "--password=-", stdin="password")
         self.note("Middle")
-        self.assertEqual(self.sections(), [("#", ["7 up"]), ("A", ["Ape", "ärta"]),
-                                           ("M", ["Middle"])])
+        self.assertEqual(self.sections(), [("#", ["7 up"]), ("A", ["Ant", "Ape"]),
+                                           ("Ä", ["ärta"]), ("M", ["Middle"])])
         self.assertEqual(self.sections("--sort", "category"),
-                         [("Logins", ["7 up", "Ape", "ärta"]), ("Secure Notes", ["Middle"])])
+                         [("Logins", ["7 up", "Ant", "Ape", "ärta"]),
+                          ("Secure Notes", ["Middle"])])
         strengths = self.sections("--sort", "strength")
-        self.assertRegex(strengths[0][0], "^[0-9]+–[0-9]+$")
-        self.assertEqual(strengths[0][1], ["ärta"])
-        self.assertEqual(strengths[1:], [("80–100", ["Ape"]), ("—", ["7 up", "Middle"])])
+        self.assertEqual(strengths[0], ("0", ["7 up", "Ant", "Middle"]))
+        self.assertRegex(strengths[1][0], "^(1–19|20–39|40–59|60–79)$")
+        self.assertEqual([titles for _, titles in strengths[1:]], [["ärta"], ["Ape"]])
+        self.assertEqual(strengths[2][0], "80–100")
         for order in ("updated", "created"):
             ((month, titles),) = self.sections("--sort", order)
             self.assertRegex(month, r"^\d{4}-\d\d$")
-            self.assertEqual(len(titles), 4)
+            self.assertEqual(len(titles), 5)
 
     def test_sections_in_a_table_stand_under_headings(self):
         self.add("Bank", "--username", "jo")
@@ -411,7 +414,7 @@ class Tags(OrganiseTest):
 
 class Folders(OrganiseTest):
     def test_a_path_makes_the_folders_on_the_way(self):
-        uuid = self.folder("Work/Clients/Old")
+        uuid = self.make_folder("Work/Clients/Old")
         self.assertRegex(uuid, UUID)
         other = self.run_tool("folder", "add", "work/Bills", "--json").json["uuid"]
         folders = self.folders()
@@ -425,7 +428,7 @@ class Folders(OrganiseTest):
 
     def test_a_tree_is_drawn_with_the_items_outside_the_trash(self):
         for path in ("Work/Clients", "Work/bills/Old", "Private"):
-            self.folder(path)
+            self.make_folder(path)
         for title, folder in (("A", "Work"), ("B", "Work"), ("C", "Work/bills"), ("D", "Work")):
             self.add(title)
             self.run_tool("move", title, folder)
@@ -439,24 +442,24 @@ class Folders(OrganiseTest):
         self.assertEqual([line[:36] for line in long], list(self.folders()))
 
     def test_what_is_there_is_not_made_twice(self):
-        self.folder("Work/Bills")
+        self.make_folder("Work/Bills")
         for path in ("Work", "Work/Bills"):
             self.assertIn("already", self.run_tool("folder", "add", path, code=1).err)
-        self.folder("work")  # another one
+        self.make_folder("work")  # another one
         self.assertEqual(len(self.folders()), 3)
 
     def test_every_folder_of_a_path_needs_a_name(self):
         for path in ("", "/", "a//b", "/a", "a/", " ", "a/ /b"):
             self.assertIn("a folder needs a name",
                           self.run_tool("folder", "add", path, code=2).err)
-        self.folder("A")
+        self.make_folder("A")
         for title in ("", "  ", "a/b"):
             self.run_tool("folder", "rename", "A", title, code=2)
         self.assertEqual([folder["title"] for folder in self.folders().values()], ["A"])
 
     def test_a_folder_is_named_by_uuid_or_by_its_way(self):
         for path in ("A/Same", "B/Same", "Büro"):
-            self.folder(path)
+            self.make_folder(path)
         a = self.run_tool("folder", "rename", "a/same", "First", "--json").json
         self.assertEqual(a["title"], "First")
         self.run_tool("folder", "rename", a["uuid"].upper(), "Same")
@@ -466,7 +469,7 @@ class Folders(OrganiseTest):
         self.assertIn("no folder", self.run_tool("folder", "rename", "Same", "x", code=4).err)
 
     def test_two_folders_of_one_name_are_5_and_are_listed(self):
-        uuids = [self.folder("Büro"), self.folder("A")]
+        uuids = [self.make_folder("Büro"), self.make_folder("A")]
         self.run_tool("folder", "rename", uuids[1], "Büro")
         result = self.run_tool("folder", "delete", "Büro", code=5)
         self.assertEqual(sorted(line[:36] for line in result.err.splitlines()[:2]), sorted(uuids))
@@ -476,7 +479,7 @@ class Folders(OrganiseTest):
         self.assertEqual(list(self.folders()), [uuids[0]])
 
     def test_a_folder_moves_with_all_that_is_in_it_but_not_into_itself(self):
-        self.folder("A/B/C")
+        self.make_folder("A/B/C")
         moved = self.run_tool("folder", "move", "A/B", "--to-top", "--json").json
         self.assertIsNone(moved["parent"])
         self.assertEqual([(f["title"], f["folders"]) for f in self.folders().values()],
@@ -492,7 +495,7 @@ class Folders(OrganiseTest):
         self.run_tool("check")
 
     def test_a_deleted_folder_leaves_its_items_and_its_folders_move_up(self):
-        self.folder("A/B/C")
+        self.make_folder("A/B/C")
         for title in ("in", "trashed"):
             self.add(title)
             self.run_tool("move", title, "A/B")
@@ -507,7 +510,7 @@ class Folders(OrganiseTest):
         self.assertIn("problems: 0", self.run_tool("check").out)
 
     def test_items_move_in_and_out(self):
-        folder = self.folder("Work/Bills")
+        folder = self.make_folder("Work/Bills")
         uuid = self.add("Bank")
         self.assertEqual(self.run_tool("move", "Bank", "work/bills", "--json").json,
                          {"uuid": uuid, "folder": folder})
@@ -526,10 +529,10 @@ class Folders(OrganiseTest):
 
     def test_titles_of_every_shape_are_kept_and_shown_escaped(self):
         for text in ODD_TEXTS:
-            uuid = self.folder(text)
+            uuid = self.make_folder(text)
             self.assertEqual(self.run_tool("folder", "rename", text, text, "--json").json["uuid"],
                              uuid)
-        self.folder("Top")
+        self.make_folder("Top")
         self.run_tool("folder", "move", ODD_TEXTS[0], "Top")
         self.assertEqual(sorted(folder["title"] for folder in self.folders().values()),
                          sorted(ODD_TEXTS + ["Top"]))
@@ -539,7 +542,7 @@ class Folders(OrganiseTest):
         self.assertIn("\\x1b[31mred\\x07", self.run_tool("folder", "list").out)
 
     def test_a_terminal_never_gets_control_characters(self):
-        self.folder("\x1b[31mred\x07/\u202eb")
+        self.make_folder("\x1b[31mred\x07/\u202eb")
         terminal = Terminal(self, "folder", "list")
         terminal.answer("Password: ", PASSWORD)
         self.assertEqual(terminal.end(), 0)
@@ -567,7 +570,7 @@ class SmartFolders(OrganiseTest):
 
     def test_the_list_tells_the_predicates(self):
         uuid = self.smart("Weak ones", 'title  CONTAINS[cd]  "w"')
-        self.folder("Ordinary")
+        self.make_folder("Ordinary")
         self.assertEqual(self.run_tool("smart", "list", "--json").json,
                          [{"uuid": uuid, "title": "Weak ones",
                            "predicate": 'title CONTAINS[cd] "w"'}])
@@ -578,7 +581,7 @@ class SmartFolders(OrganiseTest):
     def test_what_it_finds_is_listed_as_by_list(self):
         self.smart("Work", 'ANY tagsForSearch == "work"')
         self.assertEqual(self.names("smart", "show", "Work", "--sort", "strength"),
-                         ["Weak", "Strong", "Note"])
+                         ["Note", "Weak", "Strong"])
         value = self.run_tool("smart", "show", "Work", "--sections", "--json").json
         self.assertEqual([one["section"] for one in value], ["N", "S", "W"])
         self.assertEqual(self.run_tool("smart", "show", "Work", "--long").out,
@@ -596,7 +599,7 @@ class SmartFolders(OrganiseTest):
         self.assertEqual([(f["title"], f["smart"]) for f in folders.values()],
                          [("Work", False), ("Weak ones", True)])
         self.assertIn("smart folder", self.run_tool("folder", "list").out.splitlines()[1])
-        self.folder("Plain")
+        self.make_folder("Plain")
         for command in (["move", "Weak", uuid], ["folder", "move", "Plain", uuid],
                         ["folder", "add", "Work/Weak ones/x"], ["list", "--folder", uuid]):
             self.assertIn("smart folder", self.run_tool(*command, code=1).err, command)
@@ -623,14 +626,14 @@ class SmartFolders(OrganiseTest):
 
 class Damage(OrganiseTest):
     def test_check_counts_folders_and_finds_nothing_to_repair(self):
-        self.folder("A/B")
+        self.make_folder("A/B")
         checked = self.run_tool("check", "--repair", "--json").json
         self.assertEqual((checked["foldersChecked"], checked["clean"]), (2, True))
         self.assertEqual(checked["repaired"], {"foldersMovedToTop": [], "itemsMovedToTop": []})
 
     def test_a_folder_row_that_was_altered_is_told_of_and_left_out(self):
-        self.folder("A")
-        self.folder("B")
+        self.make_folder("A")
+        self.make_folder("B")
         with sqlite3.connect(self.store) as database:
             (overview,) = database.execute("SELECT overview FROM folders WHERE oid = 1").fetchone()
             database.execute("UPDATE folders SET overview = ? WHERE oid = 1",
@@ -642,8 +645,8 @@ class Damage(OrganiseTest):
         self.assertFalse(self.run_tool("check", "--json", code=6).json["clean"])
 
     def test_a_folder_row_that_was_taken_away_is_noticed(self):
-        self.folder("A")
-        self.folder("B")
+        self.make_folder("A")
+        self.make_folder("B")
         with sqlite3.connect(self.store) as database:
             database.execute("DELETE FROM folders WHERE oid = 1")
         database.close()

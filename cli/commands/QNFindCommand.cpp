@@ -1,7 +1,7 @@
 // find and for: items by words, by a predicate, or by the page that they fit.
 
 #include "cli/commands/QNCommands.h"
-#include "cli/commands/QNFolderTree.h"
+#include "cli/commands/QNVaultFolders.h"
 #include "cli/fields/QNGivenPredicate.h"
 #include "cli/output/QNItemSearch.h"
 #include "cli/output/QNListing.h"

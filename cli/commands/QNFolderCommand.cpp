@@ -70,12 +70,12 @@ QNCommandResult saveMoved(Global global, const QNVaultSession& session, QNFolder
              : saved.error();
 }
 
-using Choose = QNResult<QNFolderRef> (QNFolderTree::*)(std::string_view) const;
+using Choose = QNResult<QNFolderRef> (QNVaultFolders::*)(std::string_view) const;
 
 QNCommandResult deleteFolder(Global global, std::string_view name, Choose choose) {
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
-  const auto tree = QNFolderTree::read(session.value());
+  const auto tree = QNVaultFolders::read(session.value());
   if (!tree) return tree.error();
   const auto folder = (tree.value().*choose)(name);
   if (!folder) return folder.error();
@@ -89,7 +89,7 @@ QNCommandResult deleteFolder(Global global, std::string_view name, Choose choose
 QNCommandResult runCommand(Global global, const QNFolderListArguments& arguments) {
   const auto session = QNVaultSession::open(global, QNStore::Access::readOnly);
   if (!session) return session.error();
-  const auto tree = QNFolderTree::read(session.value());
+  const auto tree = QNVaultFolders::read(session.value());
   if (!tree) return tree.error();
   QNOutput out;
   if (global.json) {
@@ -111,7 +111,7 @@ QNCommandResult runCommand(Global global, const QNFolderAddArguments& arguments)
 QNCommandResult runCommand(Global global, const QNFolderMoveArguments& arguments) {
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
-  const auto tree = QNFolderTree::read(session.value());
+  const auto tree = QNVaultFolders::read(session.value());
   if (!tree) return tree.error();
   const auto folder = tree.value().choose(arguments.folder);
   if (!folder) return folder.error();
@@ -124,7 +124,7 @@ QNCommandResult runCommand(Global global, const QNFolderMoveArguments& arguments
 QNCommandResult runCommand(Global global, const QNFolderRenameArguments& arguments) {
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
-  const auto tree = QNFolderTree::read(session.value());
+  const auto tree = QNVaultFolders::read(session.value());
   if (!tree) return tree.error();
   const auto folder = tree.value().choose(arguments.folder);
   if (!folder) return folder.error();
@@ -135,11 +135,11 @@ QNCommandResult runCommand(Global global, const QNFolderRenameArguments& argumen
 }
 
 QNCommandResult runCommand(Global global, const QNFolderDeleteArguments& arguments) {
-  return deleteFolder(global, arguments.folder, &QNFolderTree::choose);
+  return deleteFolder(global, arguments.folder, &QNVaultFolders::choose);
 }
 
 QNCommandResult runCommand(Global global, const QNSmartDeleteArguments& arguments) {
-  return deleteFolder(global, arguments.folder, &QNFolderTree::chooseSmart);
+  return deleteFolder(global, arguments.folder, &QNVaultFolders::chooseSmart);
 }
 
 }  // namespace quillon

@@ -1,5 +1,5 @@
 #include "cli/commands/QNCommands.h"
-#include "cli/commands/QNFolderTree.h"
+#include "cli/commands/QNVaultFolders.h"
 #include "cli/output/QNListing.h"
 
 namespace quillon {

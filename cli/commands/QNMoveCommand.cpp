@@ -1,6 +1,6 @@
 #include "cli/commands/QNCommands.h"
-#include "cli/commands/QNFolderTree.h"
 #include "cli/commands/QNItemChoice.h"
+#include "cli/commands/QNVaultFolders.h"
 #include "cli/output/QNOutput.h"
 
 namespace quillon {
@@ -10,7 +10,7 @@ namespace {
 QNResult<std::optional<std::string>> targetOf(const QNVaultSession& session,
                                               const QNMoveArguments& arguments) {
   if (!arguments.folder) return std::optional<std::string>();
-  const auto tree = QNFolderTree::read(session);
+  const auto tree = QNVaultFolders::read(session);
   if (!tree) return tree.error();
   const auto folder = tree.value().chooseOrdinary(*arguments.folder);
   if (!folder) return folder.error();

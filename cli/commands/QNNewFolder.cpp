@@ -6,7 +6,7 @@ namespace {
 // Goes down a path, and makes what isn't there.
 class NewFolders {
  public:
-  NewFolders(const QNVaultSession& session, const QNFolderTree& tree)
+  NewFolders(const QNVaultSession& session, const QNVaultFolders& tree)
       : _session(session), _tree(tree) {}
 
   QNResult<QNDone> enter(std::string_view title) {
@@ -59,7 +59,7 @@ class NewFolders {
   }
 
   const QNVaultSession& _session;
-  const QNFolderTree& _tree;
+  const QNVaultFolders& _tree;
   QNFolderRef _here;  // null at the top
   std::vector<QNFolderRef> _made;
 };
@@ -68,7 +68,7 @@ class NewFolders {
 
 QNResult<QNFolderRef> addFolder(const QNVaultSession& session, std::string_view path,
                                 const std::function<void(QNFolder&)>& prepare) {
-  const auto tree = QNFolderTree::read(session);
+  const auto tree = QNVaultFolders::read(session);
   if (!tree) return tree.error();
   NewFolders folders(session, tree.value());
   std::size_t end = path.find('/');

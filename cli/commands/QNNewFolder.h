@@ -3,7 +3,7 @@
 #include <functional>
 #include <string_view>
 
-#include "cli/commands/QNFolderTree.h"
+#include "cli/commands/QNVaultFolders.h"
 
 namespace quillon {
 

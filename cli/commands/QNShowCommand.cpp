@@ -4,8 +4,8 @@
 #include <array>
 
 #include "cli/commands/QNCommands.h"
-#include "cli/commands/QNFolderTree.h"
 #include "cli/commands/QNItemChoice.h"
+#include "cli/commands/QNVaultFolders.h"
 #include "cli/fields/QNCategoryNames.h"
 #include "cli/fields/QNFieldChoice.h"
 #include "cli/fields/QNItemEditing.h"
@@ -122,7 +122,7 @@ constexpr std::array<std::string_view, 15> kLabels = {
 QNResult<std::optional<std::string>> folderOf(const QNVaultSession& session, const QNItem& item) {
   const auto uuid = item.folderUUID();
   if (!uuid) return std::optional<std::string>();
-  const auto tree = QNFolderTree::read(session);
+  const auto tree = QNVaultFolders::read(session);
   if (!tree) return tree.error();
   return tree.value().pathTo(*uuid);
 }

@@ -30,7 +30,7 @@ void printLine(QNOutput& out, QNFolder& folder, const std::string& predicate, bo
 QNCommandResult runCommand(Global global, const QNSmartListArguments& arguments) {
   const auto session = QNVaultSession::open(global, QNStore::Access::readOnly);
   if (!session) return session.error();
-  const auto tree = QNFolderTree::read(session.value());
+  const auto tree = QNVaultFolders::read(session.value());
   if (!tree) return tree.error();
   QNOutput out;
   JsonArray array(jsonStorage());
@@ -66,7 +66,7 @@ QNCommandResult runCommand(Global global, const QNSmartAddArguments& arguments) 
 QNCommandResult runCommand(Global global, const QNSmartShowArguments& arguments) {
   const auto session = QNVaultSession::open(global, QNStore::Access::readOnly);
   if (!session) return session.error();
-  const auto tree = QNFolderTree::read(session.value());
+  const auto tree = QNVaultFolders::read(session.value());
   if (!tree) return tree.error();
   const auto folder = tree.value().chooseSmart(arguments.folder);
   if (!folder) return folder.error();

@@ -22,7 +22,7 @@ struct QNItemFilter {
   [[nodiscard]] bool admits(QNItem& item) const;
 };
 
-/// The filter for what the user named, but for the folder, which QNFolderTree knows. Error with
+/// The filter for what the user named, but for the folder, which QNVaultFolders knows. Error with
 /// exit code 2 for a category that isn't known.
 QNResult<QNItemFilter> itemFilter(const QNFilterArguments& arguments);
 

@@ -26,12 +26,6 @@ std::uint64_t newestFirst(std::uint64_t seconds) {
   return std::numeric_limits<std::uint64_t>::max() - seconds;
 }
 
-// What has no password comes last.
-std::uint64_t weakestFirst(std::int16_t strength) {
-  return strength > 0 ? static_cast<std::uint64_t>(strength)
-                      : std::numeric_limits<std::uint64_t>::max();
-}
-
 // No byte of a collation key is 0: equal texts are sorted by what follows.
 void appendText(std::string& key, std::string_view text) {
   key += collationKey(text);
@@ -49,7 +43,8 @@ void appendOrder(std::string& key, QNItem& item, QNListOrder order) {
     case QNListOrder::category:
       return appendText(key, pluralTitleOfCategory(item.categoryUUID().value_or("")));
     case QNListOrder::strength:
-      return appendNumber(key, weakestFirst(item.passwordStrength()));
+      return appendNumber(key,
+                          static_cast<std::uint64_t>(std::max<int>(item.passwordStrength(), 0)));
   }
 }
 
@@ -58,10 +53,12 @@ std::string monthOf(std::uint64_t seconds) {
   return time.empty() ? std::string(kNothing) : time.substr(0, kMonthLength);
 }
 
+// No password and one that is guessed at once are both 0: an overview doesn't tell them apart.
 std::string bandOf(std::int16_t strength) {
-  if (strength <= 0) return std::string(kNothing);
+  if (strength <= 0) return "0";
   const int first = std::min(strength / kBandWidth * kBandWidth, kLastBand);
-  return fmt::format("{}–{}", first, first == kLastBand ? 100 : first + kBandWidth - 1);
+  return fmt::format("{}–{}", std::max(first, 1),
+                     first == kLastBand ? 100 : first + kBandWidth - 1);
 }
 
 }  // namespace

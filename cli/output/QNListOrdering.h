@@ -14,7 +14,7 @@ namespace quillon {
 std::string listKeyOf(QNItem& item, QNListOrder order, std::uint32_t rank = 0);
 
 /// The heading that an item stands under: the first letter of its title, its category, a month
-/// ("2026-11") of the user's time zone, or how strong its password is ("20–39"); "—" for none.
+/// ("2026-11") of the user's time zone, "—" for none, or how strong its password is ("20–39").
 std::string sectionTitleOf(QNItem& item, QNListOrder order);
 
 /// The same order and the same headings, for the list model. Nobody chooses it by its words: the

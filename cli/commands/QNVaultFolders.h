@@ -14,9 +14,9 @@ using QNFolderRef = std::shared_ptr<QNFolder>;
 
 /// The folders of a vault, smart ones too, as people name them: by uuid, or by their titles from
 /// the top, parted by "/".
-class QNFolderTree final {
+class QNVaultFolders final {
  public:
-  static QNResult<QNFolderTree> read(const QNVaultSession& session);
+  static QNResult<QNVaultFolders> read(const QNVaultSession& session);
 
   /// By uuid first. Equal titles win over ones that differ in case and accents. Errors: exit code 4
   /// for none, 5 for several, which are listed on standard error.
@@ -39,12 +39,12 @@ class QNFolderTree final {
   [[nodiscard]] QNExit warn() const;
 
  private:
-  explicit QNFolderTree(QNFolderReport report) : _report(std::move(report)) {}
+  explicit QNVaultFolders(QNFolderReport report) : _report(std::move(report)) {}
   QNFolderReport _report;
 };
 
 /// Keeps a filter to the folder that the user named, if one was, and to what lies below it if he
-/// wants that. Errors: as QNFolderTree::chooseOrdinary() has them.
+/// wants that. Errors: as QNVaultFolders::chooseOrdinary() has them.
 QNResult<QNDone> chooseFolderOf(QNItemFilter& filter, const QNVaultSession& session,
                                 const QNFilterArguments& arguments);
 

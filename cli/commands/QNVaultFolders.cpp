@@ -1,4 +1,4 @@
-#include "cli/commands/QNFolderTree.h"
+#include "cli/commands/QNVaultFolders.h"
 
 #include <fmt/format.h>
 
@@ -69,13 +69,13 @@ std::string shownTitle(QNFolder& folder) {
   return shownText(titleOf(folder));
 }
 
-QNResult<QNFolderTree> QNFolderTree::read(const QNVaultSession& session) {
+QNResult<QNVaultFolders> QNVaultFolders::read(const QNVaultSession& session) {
   auto report = session.store().folders(session.vault());
   if (!report) return report.error();
-  return QNFolderTree(std::move(report).value());
+  return QNVaultFolders(std::move(report).value());
 }
 
-QNResult<QNFolderRef> QNFolderTree::choose(std::string_view name) const {
+QNResult<QNFolderRef> QNVaultFolders::choose(std::string_view name) const {
   const std::string lowered = lowercaseIdentifier(name);
   const auto hasUUID = [&](const QNFolderRef& folder) {
     return *folder->uuid() == name || *folder->uuid() == lowered;
@@ -89,7 +89,7 @@ QNResult<QNFolderRef> QNFolderTree::choose(std::string_view name) const {
   return found.best().front();
 }
 
-QNResult<QNFolderRef> QNFolderTree::chooseOrdinary(std::string_view name) const {
+QNResult<QNFolderRef> QNVaultFolders::chooseOrdinary(std::string_view name) const {
   auto folder = choose(name);
   if (!folder || !folder.value()->smartFolder()) return folder;
   return toolError(QNExit::failed,
@@ -97,13 +97,14 @@ QNResult<QNFolderRef> QNFolderTree::chooseOrdinary(std::string_view name) const 
                    "what it finds");
 }
 
-QNResult<QNFolderRef> QNFolderTree::chooseSmart(std::string_view name) const {
+QNResult<QNFolderRef> QNVaultFolders::chooseSmart(std::string_view name) const {
   auto folder = choose(name);
   if (!folder || folder.value()->smartFolder()) return folder;
   return toolError(QNExit::failed, "that is no smart folder");
 }
 
-QNResult<QNFolderRef> QNFolderTree::child(const QNFolderRef& parent, std::string_view title) const {
+QNResult<QNFolderRef> QNVaultFolders::child(const QNFolderRef& parent,
+                                            std::string_view title) const {
   const auto among =
       parent == nullptr ? std::span<const QNFolderRef>(_report.top) : parent->subfolders();
   const std::string folded = foldedForSearch(title);
@@ -118,7 +119,7 @@ QNResult<QNFolderRef> QNFolderTree::child(const QNFolderRef& parent, std::string
   return best.empty() ? nullptr : best.front();
 }
 
-std::optional<std::string> QNFolderTree::pathTo(std::string_view uuid) const {
+std::optional<std::string> QNVaultFolders::pathTo(std::string_view uuid) const {
   const auto found =
       std::find_if(_report.folders.begin(), _report.folders.end(),
                    [uuid](const QNFolderRef& folder) { return *folder->uuid() == uuid; });
@@ -130,7 +131,7 @@ std::optional<std::string> QNFolderTree::pathTo(std::string_view uuid) const {
   return path;
 }
 
-Folders QNFolderTree::all() const {
+Folders QNVaultFolders::all() const {
   Folders folders;
   for (const QNFolderRef& folder : _report.top) {
     const Folders branch = folder->flattenedAndSorted();
@@ -139,7 +140,7 @@ Folders QNFolderTree::all() const {
   return folders;
 }
 
-QNExit QNFolderTree::warn() const {
+QNExit QNVaultFolders::warn() const {
   if (!_report.damaged.empty()) {
     say(fmt::format("damaged folders left out: {}; quillon check names them",
                     _report.damaged.size()));
@@ -166,7 +167,7 @@ QNExit QNFolderTree::warn() const {
 QNResult<QNDone> chooseFolderOf(QNItemFilter& filter, const QNVaultSession& session,
                                 const QNFilterArguments& arguments) {
   if (!arguments.folder) return QNDone{};
-  const auto tree = QNFolderTree::read(session);
+  const auto tree = QNVaultFolders::read(session);
   if (!tree) return tree.error();
   const auto folder = tree.value().chooseOrdinary(*arguments.folder);
   if (!folder) return folder.error();
