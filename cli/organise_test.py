@@ -631,6 +631,26 @@ class Damage(OrganiseTest):
         self.assertEqual((checked["foldersChecked"], checked["clean"]), (2, True))
         self.assertEqual(checked["repaired"], {"foldersMovedToTop": [], "itemsMovedToTop": []})
 
+    def test_an_item_whose_folder_is_not_there_is_told_of_and_taken_out(self):
+        uuid = self.add("Bank")
+        self.make_folder("Work")
+        self.run_tool("move", "Bank", "Work")
+        export = self.path("all.json")
+        self.run_tool("export", "--plaintext", export)
+        self.environment["QUILLON_STORE"] = self.path("other.qn")
+        self.make_store()
+        self.run_tool("import", export)
+        checked = self.run_tool("check", "--json").json
+        self.assertEqual((checked["clean"], len(checked["remarks"])), (True, 1))
+        self.assertIn(uuid, checked["remarks"][0])
+        self.assertIn(uuid, self.run_tool("check").out)
+        self.assertNotIn("Folder", self.run_tool("show", "Bank").out)
+        self.assertEqual(self.run_tool("check", "--repair").out,
+                         f"taken out of a folder that isn't there: item {uuid}\n"
+                         "items checked: 1, problems: 0\n")
+        self.assertIsNone(self.show(uuid)["folder"])
+        self.assertEqual(self.run_tool("check", "--json").json["remarks"], [])
+
     def test_a_folder_row_that_was_altered_is_told_of_and_left_out(self):
         self.make_folder("A")
         self.make_folder("B")
