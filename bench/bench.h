@@ -74,6 +74,8 @@ void benchImport(std::size_t count);
 void benchMemory(std::size_t count);
 /// Two stores that differ in one item of a hundred.
 void benchMerge(std::size_t count);
+/// A keystroke in `quillon pick`: the list narrowed and the screen drawn.
+void benchPick(std::size_t count);
 void benchRows();
 void benchSections();
 void benchTemplates();

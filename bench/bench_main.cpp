@@ -1,4 +1,5 @@
-// quillon_bench [list|save|import|memory|merge|otp|rows|sections|templates|unlock|all] [ITEMS...]
+// quillon_bench [list|save|import|memory|merge|otp|pick|rows|sections|templates|unlock|all]
+// [ITEMS...]
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -22,6 +23,7 @@ bool runNamed(std::string_view name, std::size_t count) {
   run("save", benchSave);
   run("memory", benchMemory);
   run("merge", benchMerge);
+  run("pick", benchPick);
   const auto runOnce = [&](std::string_view one, void (*bench)()) {
     if (!all && name != one) return;
     known = true;
@@ -46,7 +48,7 @@ int main(int argc, char** argv) {
     if (count == 0 || !runNamed(name, count)) {
       std::fprintf(stderr,
                    "usage: quillon_bench "
-                   "[list|save|import|memory|merge|otp|rows|sections|templates|unlock|all] "
+                   "[list|save|import|memory|merge|otp|pick|rows|sections|templates|unlock|all] "
                    "[ITEMS...]\n");
       return 2;
     }

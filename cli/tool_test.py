@@ -36,7 +36,7 @@ DOTS = "••••••••••"
 COMMANDS = ["init", "import", "export", "list", "find", "show", "add", "edit", "trash", "restore",
             "delete", "history", "duplicate", "copy", "fingerprint", "categories", "template",
             "passwd", "info", "check", "backup", "merge", "conflicts", "resolve", "vault", "otp",
-            "generate", "completion"]
+            "generate", "pick", "shell", "completion"]
 NESTED = {"add": [None, "login"], "vault": ["list", "add", "icon", "color"]}
 
 
@@ -1654,6 +1654,11 @@ COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf '%s\\n' "${COMPREPLY
             self.assertEqual(self.complete("quillon", "copy", option, "exp"), ["export.csv"])
         self.assertEqual(self.complete("quillon", "vault", "icon", "--set", "exp"), ["export.csv"])
         self.assertEqual(self.complete("quillon", "completion", "f"), ["fish"])
+        self.assertEqual(self.complete("quillon", "pi"), ["pick"])
+        self.assertEqual(self.complete("quillon", "pick", "--cl"), ["--clipboard", "--clear"])
+        self.assertEqual(self.complete("quillon", "pick", "--clipboard", "x"), ["xclip", "xsel"])
+        self.assertEqual(self.complete("quillon", "pick", "--print", "o"), ["otp"])
+        self.assertEqual(self.complete("quillon", "shell", "--i"), ["--idle"])
 
     def test_pictures_cost_nothing_at_start(self):
         self.environment["LD_DEBUG"] = "files"

@@ -9,11 +9,14 @@
 #include <cstdlib>
 
 #include "cli/QNToolError.h"
+#include "cli/arguments/QNCommandOutline.h"
 #include "cli/arguments/internal/QNDefinition.h"
 #include "quillon/platform/text/QNASCII.h"
 
 namespace quillon {
 namespace {
+
+constexpr const char* kPasswordPrefix = "password";
 
 QNError wrongUsage(std::string_view message) {
   return toolError(QNExit::wrongUsage, message);
@@ -39,6 +42,7 @@ void defineCommands(CLI::App& app, QNArguments& out) {
   defineVault(app, out);
   defineOTP(app, out);
   defineGenerate(app, out);
+  defineTerminal(app, out);
   defineCompletion(app, out);
 }
 
@@ -111,19 +115,27 @@ QNError usageErrorFrom(const CLI::App& app, const CLI::ParseError& error) {
   return wrongUsage(error.what());
 }
 
+// What the line left out.
+void complete(QNGlobalArguments& global, const QNGlobalArguments& defaults) {
+  global.kept = defaults.kept;
+  global.json = global.json || defaults.json;
+  if (global.language.empty()) global.language = defaults.language;
+  if (global.password.kind == QNPasswordSource::Kind::terminal) global.password = defaults.password;
+  global.password.prefix = kPasswordPrefix;
+  // The vault of a shell is one of its store alone.
+  if (global.vault.empty() && global.store.empty()) global.vault = defaults.vault;
+  if (global.vault.empty() && defaults.store.empty()) {
+    global.vault = environmentVariable("QUILLON_VAULT");
+  }
+  if (global.store.empty()) global.store = defaults.store;
+  if (global.store.empty()) global.store = defaultStore();
+}
+
 QNArguments textArguments(const QNGlobalArguments& global, std::string name, std::string text) {
   return {global, QNTextArguments{std::move(name), std::move(text)}};
 }
 
-}  // namespace
-
-std::string_view versionText() {
-  return "quillon " QUILLON_VERSION;
-}
-
-QNResult<QNArguments> parseArguments(const std::vector<std::string>& arguments) {
-  QNArguments out;
-  CLI::App app("Keeps passwords in an encrypted vault.", "quillon");
+void defineAll(CLI::App& app, QNArguments& out) {
   app.fallthrough();
   app.require_subcommand(1);
   app.set_version_flag("--version", std::string(versionText()));
@@ -140,11 +152,61 @@ QNResult<QNArguments> parseArguments(const std::vector<std::string>& arguments) 
          "The language of titles, labels and dates: ar, de, en, es, fr, ja or pt, perhaps with a "
          "country, such as pt-BR; by default that of the environment")
       ->type_name("TAG");
-  addPasswordSource(app, "password", "The vault's password", out.global.password);
+  addPasswordSource(app, kPasswordPrefix, "The vault's password", out.global.password);
   defineCommands(app, out);
+}
+
+// "{title,updated,created}", which CLI11 puts behind the type's name.
+std::vector<std::string> choicesFrom(const std::string& typeName) {
+  std::vector<std::string> choices;
+  const auto open = typeName.find('{');
+  if (open == std::string::npos || !typeName.ends_with('}')) return choices;
+  const std::string list = typeName.substr(open + 1, typeName.size() - open - 2);
+  for (std::size_t start = 0; start <= list.size();) {
+    const auto end = std::min(list.find(',', start), list.size());
+    choices.push_back(list.substr(start, end - start));
+    start = end + 1;
+  }
+  return choices;
+}
+
+QNCommandOutline outlineOf(const CLI::App& command, const std::string& name) {
+  QNCommandOutline outline{name, {}, {}};
+  for (const CLI::Option* const option : command.get_options()) {
+    const std::vector<std::string> choices = choicesFrom(option->get_type_name());
+    const bool takesValue = option->get_expected_max() > 0 && option->get_type_size_max() > 0;
+    if (option->get_positional()) outline.words.push_back({option->get_name(true), true, choices});
+    for (const std::string& word : option->get_lnames()) {
+      outline.options.push_back({"--" + word, takesValue, choices});
+    }
+  }
+  return outline;
+}
+
+void addOutlines(const CLI::App& command, const std::string& name,
+                 std::vector<QNCommandOutline>& outlines) {
+  outlines.push_back(outlineOf(command, name));
+  for (const CLI::App* const nested : command.get_subcommands({})) {
+    addOutlines(*nested, name.empty() ? nested->get_name() : name + " " + nested->get_name(),
+                outlines);
+  }
+}
+
+}  // namespace
+
+std::string_view versionText() {
+  return "quillon " QUILLON_VERSION;
+}
+
+QNResult<QNArguments> parseArguments(const std::vector<std::string>& arguments,
+                                     const QNGlobalArguments& defaults) {
+  QNArguments out;
+  CLI::App app("Keeps passwords in an encrypted vault.", "quillon");
+  defineAll(app, out);
   // Help and version end the reading, perhaps before --json was seen.
   QNGlobalArguments forText;
-  forText.json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+  forText.json =
+      defaults.json || std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::CallForHelp&) {
@@ -154,13 +216,20 @@ QNResult<QNArguments> parseArguments(const std::vector<std::string>& arguments) 
   } catch (const CLI::ParseError& error) {
     return usageErrorFrom(app, error);
   }
-  if (out.global.store.empty()) out.global.store = defaultStore();
-  if (out.global.vault.empty()) {
-    out.global.vault = environmentVariable("QUILLON_VAULT");
-  } else if (std::holds_alternative<QNInitArguments>(out.command)) {
+  if (!out.global.vault.empty() && std::holds_alternative<QNInitArguments>(out.command)) {
     return wrongUsage("init makes the first vault; quillon vault add makes another one");
   }
+  complete(out.global, defaults);
   return out;
+}
+
+std::vector<QNCommandOutline> commandOutlines() {
+  QNArguments out;
+  CLI::App app;
+  defineAll(app, out);
+  std::vector<QNCommandOutline> outlines;
+  addOutlines(app, "", outlines);
+  return outlines;
 }
 
 }  // namespace quillon

@@ -1,6 +1,7 @@
 #pragma once
 // What the user asked for, as values: one type for each command. Made by parseArguments().
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -21,6 +22,8 @@ struct QNPasswordSource {
   std::string prefix;  // of its options: "password" for --password-file and the others
 };
 
+class QNKeptVaults;
+
 struct QNGlobalArguments {
   std::filesystem::path store;
   std::string vault;  // by name; empty for the first one, which every store has
@@ -28,6 +31,8 @@ struct QNGlobalArguments {
   /// A BCP 47 tag; empty for the language of the environment.
   std::string language;
   QNPasswordSource password;
+  /// What the shell that the command was typed in keeps open; null outside one.
+  QNKeptVaults* kept = nullptr;
 };
 
 /// Where the password of an item comes from.
@@ -223,6 +228,21 @@ struct QNVaultColorArguments {
   std::optional<std::string> set;  // "#RRGGBB", or without the "#"
   bool clear = false;
 };
+struct QNShellArguments {
+  std::chrono::seconds idle{300};  // until the vault is locked; 0 for never
+  bool keepsHistory = true;
+};
+/// Prints the chosen field or copies it.
+struct QNPickArguments {
+  std::vector<std::string> words;
+  std::optional<std::string> category;
+  std::optional<std::string> tag;
+  enum class Use { print, copy };
+  Use use = Use::print;
+  std::optional<std::string> field;  // chosen in the finder if there is none
+  std::string clipboard;             // a program, or "terminal"; empty for what the desktop has
+  std::chrono::seconds clear{45};    // until the clipboard is cleared; 0 for never
+};
 struct QNCompletionArguments {
   std::string shell;
 };
@@ -242,7 +262,7 @@ struct QNArguments {
                QNVaultAddArguments, QNVaultIconArguments, QNVaultColorArguments,
                QNGenerateArguments, QNCompletionArguments, QNHistoryArguments, QNDuplicateArguments,
                QNFingerprintArguments, QNCopyArguments, QNExportArguments, QNMergeArguments,
-               QNConflictsArguments, QNResolveArguments>
+               QNConflictsArguments, QNResolveArguments, QNShellArguments, QNPickArguments>
       command;
 };
 

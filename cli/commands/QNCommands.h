@@ -40,10 +40,12 @@ QNCommandResult runCommand(Global global, const QNVaultAddArguments& arguments);
 QNCommandResult runCommand(Global global, const QNVaultIconArguments& arguments);
 QNCommandResult runCommand(Global global, const QNVaultColorArguments& arguments);
 QNCommandResult runCommand(Global global, const QNGenerateArguments& arguments);
+QNCommandResult runCommand(Global global, const QNPickArguments& arguments);
+QNCommandResult runCommand(Global global, const QNShellArguments& arguments);
 QNCommandResult runCommand(Global global, const QNCompletionArguments& arguments);
 
 /// Reads the command line, runs the command, and says what went wrong. What the process ends
-/// with.
-QNExit runTool(const std::vector<std::string>& arguments);
+/// with. `defaults` are those of the shell that the line was typed in.
+QNExit runTool(const std::vector<std::string>& arguments, const QNGlobalArguments& defaults = {});
 
 }  // namespace quillon

@@ -54,7 +54,7 @@ QNResult<std::string> copyToSibling(const QNVaultSession& session, QNItem& item,
   const auto vault = openSibling(session, global);
   if (!vault) return vault.error();
   auto uuid = saveCopy(item, session.store(), vault.value());
-  vault.value()->lock();
+  if (vault.value() != session.primaryVault()) vault.value()->lock();  // that one is the session's
   return uuid;
 }
 

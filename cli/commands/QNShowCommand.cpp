@@ -7,6 +7,7 @@
 #include "cli/commands/QNItemChoice.h"
 #include "cli/fields/QNCategoryNames.h"
 #include "cli/fields/QNFieldChoice.h"
+#include "cli/fields/QNFieldValue.h"
 #include "cli/fields/QNItemEditing.h"
 #include "cli/output/QNItemJson.h"
 #include "cli/output/QNLabels.h"
@@ -143,79 +144,21 @@ QNCommandResult printSheet(QNItem& item, bool reveal) {
   return out.finish();
 }
 
-std::optional<QNSecret> secretFrom(const std::optional<std::string>& text) {
-  if (!text) return std::nullopt;
-  return QNSecret(*text);
-}
-
-std::optional<QNSecret> valueOf(QNItem& item, QNFieldName field) {
-  switch (field) {
-    case QNFieldName::title:
-      return secretFrom(item.title());
-    case QNFieldName::username:
-      return secretFrom(item.username());
-    case QNFieldName::password:
-      return item.password();
-    case QNFieldName::url:
-      return secretFrom(item.URLString());
-    case QNFieldName::notes:
-      return secretFrom(item.notesPlain());
-  }
-  return std::nullopt;
-}
-
-// The value itself for a pipe or file; a terminal never gets what it would obey.
-QNCommandResult printValue(std::string_view text) {
-  QNOutput out;
-  if (out.isTerminal()) {
-    out.line(shownLines(text));
-  } else {
-    out.line(text);
-  }
-  return out.finish();
-}
-
-QNCommandResult printOwn(QNItem& item, QNFieldName field) {
-  const auto value = valueOf(item, field);
-  if (!value || value->empty()) {
-    return toolError(QNExit::notFound, fmt::format("the item has no {}", nameOfField(field)));
-  }
-  return printValue(value->reveal());  // the user asked for it
-}
-
-std::string partOf(const QNItemField& field, const std::string& part) {
-  const auto stored = field.jsonValue();
-  const auto* const address = stored ? stored->if_object() : nullptr;
-  const auto text = address == nullptr ? std::nullopt : mr_validStringValueForKey(*address, part);
-  return std::string(text.value_or(""));  // of an address, which is shown in clear
-}
-
-QNCommandResult printChosen(const QNChosenField& chosen, const QNFieldTexts& texts) {
-  const QNSecret value = chosen.part.empty() ? texts.plainValueOf(*chosen.field)
-                                             : QNSecret(partOf(*chosen.field, chosen.part));
-  if (value.empty()) return toolError(QNExit::notFound, "the field is empty");
-  return printValue(value.reveal());  // the user asked for it
-}
-
-QNCommandResult showOwn(Global global, QNItem& item, QNFieldName field, bool reveal) {
-  if (!global.json) return printOwn(item, field);
-  const bool isPassword = field == QNFieldName::password;
-  return printJson(shownJson(item, reveal       ? QNRevealed::everything
-                                   : isPassword ? QNRevealed::password
-                                                : QNRevealed::nothing));
-}
-
-// A place of the item's own goes before a field of that name, but not before one that it lacks.
 QNCommandResult showField(Global global, QNItem& item, const QNShowArguments& arguments) {
   const std::string& name = *arguments.field;
+  if (!global.json) {
+    const auto value = valueNamed(item, name);
+    if (!value) return value.error();
+    return printValue(value.value().reveal());  // the user asked for it
+  }
   const QNFieldTexts texts(item.categoryUUID());
-  if (const auto own = fieldNamed(name)) {
-    const bool isOwn = hasOwnPlaceFor(item, *own) || fieldsNamed(item, texts, name).empty();
-    if (isOwn) return showOwn(global, item, *own, arguments.reveal);
+  if (const auto own = ownFieldNamed(item, texts, name)) {
+    return printJson(shownJson(item, arguments.reveal               ? QNRevealed::everything
+                                     : own == QNFieldName::password ? QNRevealed::password
+                                                                    : QNRevealed::nothing));
   }
   const auto chosen = chooseField(item, texts, name);
   if (!chosen) return chosen.error();
-  if (!global.json) return printChosen(chosen.value(), texts);
   return printJson(shownJson(item, arguments.reveal ? QNRevealed::everything : QNRevealed::nothing,
                              chosen.value().field.get()));
 }

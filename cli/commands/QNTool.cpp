@@ -10,22 +10,35 @@
 namespace quillon {
 namespace {
 
-QNCommandResult run(const std::vector<std::string>& line) {
-  const auto arguments = parseArguments(line);
+// The language of one command, and the one before it afterwards.
+class CommandLanguage {
+ public:
+  explicit CommandLanguage(const std::string& tag)
+      : _before(QNLocalization::sharedLocalization().language()), _locale(tag) {
+    QNLocalization::sharedLocalization().setLanguage(tag);
+  }
+  ~CommandLanguage() { QNLocalization::sharedLocalization().setLanguage(_before); }
+  CommandLanguage(const CommandLanguage&) = delete;
+  CommandLanguage& operator=(const CommandLanguage&) = delete;
+
+ private:
+  std::string _before;
+  QNScopedLocale _locale;
+};
+
+QNCommandResult run(const std::vector<std::string>& line, const QNGlobalArguments& defaults) {
+  const auto arguments = parseArguments(line, defaults);
   if (!arguments) return arguments.error();
   const QNGlobalArguments& global = arguments.value().global;
-  std::optional<QNScopedLocale> locale;
-  if (!global.language.empty()) {
-    locale.emplace(global.language);
-    QNLocalization::sharedLocalization().setLanguage(global.language);
-  }
+  std::optional<CommandLanguage> language;
+  if (!global.language.empty()) language.emplace(global.language);
   return std::visit([&](const auto& command) { return runCommand(global, command); },
                     arguments.value().command);
 }
 
-QNCommandResult runCaught(const std::vector<std::string>& line) {
+QNCommandResult runCaught(const std::vector<std::string>& line, const QNGlobalArguments& defaults) {
   try {
-    return run(line);
+    return run(line, defaults);
   } catch (const std::exception& error) {  // memory is short
     return toolError(QNExit::failed, error.what());
   }
@@ -40,8 +53,8 @@ QNCommandResult runCommand(Global global, const QNTextArguments& arguments) {
   return out.finish();
 }
 
-QNExit runTool(const std::vector<std::string>& arguments) {
-  const QNCommandResult result = runCaught(arguments);
+QNExit runTool(const std::vector<std::string>& arguments, const QNGlobalArguments& defaults) {
+  const QNCommandResult result = runCaught(arguments, defaults);
   if (result) return result.value();
   // The reader of a pipe has gone: nobody is there to be told.
   if (!result.error().message.empty()) say(result.error().message);

@@ -11,6 +11,8 @@
 namespace quillon {
 namespace {
 
+using OpenVault = std::shared_ptr<QNOpenVault>;
+
 QNError wrongPassword(const QNProfile& vault, std::string_view typed) {
   if (!isUTF8(typed)) {
     return toolError(QNExit::wrongPassword, "wrong password: it isn't UTF-8 text");
@@ -41,6 +43,52 @@ QNResult<bool> unlockOther(QNStore& store, QNProfile& vault,
     primary->lock();
   }
   return store.unlock(vault, password);
+}
+
+// Null if this is no command of a shell, or one for another store.
+QNKeptVaults* keptFor(const QNGlobalArguments& global) {
+  return global.kept != nullptr && global.kept->isOf(global.store) ? global.kept : nullptr;
+}
+
+QNResult<std::shared_ptr<QNStore>> storeFor(const QNGlobalArguments& global,
+                                            QNStore::Access access) {
+  if (auto* const kept = keptFor(global)) return kept->store(global, access);
+  auto store = openStore(global, access);
+  if (!store) return store.error();
+  return std::shared_ptr<QNStore>(std::move(store).value());
+}
+
+// Another vault of a store of which the first one is open. Null if that one doesn't open it.
+QNResult<OpenVault> openWithPrimary(const std::shared_ptr<QNStore>& store,
+                                    const std::shared_ptr<QNProfile>& vault,
+                                    const std::shared_ptr<QNProfile>& primary) {
+  const auto opened = store->unlockWithPrimary(*vault, primary);
+  if (!opened) return opened.error();
+  return opened.value() ? std::make_shared<QNOpenVault>(store, vault, primary) : OpenVault();
+}
+
+QNResult<OpenVault> openWithPassword(const QNGlobalArguments& global,
+                                     const std::shared_ptr<QNStore>& store,
+                                     const std::shared_ptr<QNProfile>& vault,
+                                     std::string_view prompt) {
+  const auto primary = vault->isPrimaryProfile() ? QNResult<std::shared_ptr<QNProfile>>(vault)
+                                                 : lockedPrimary(*store);
+  if (!primary) return primary.error();
+  const auto password = readPassword(global.password, prompt);
+  if (!password) return password.error();
+  // The key is derived from it, and the vault keeps it sealed while it is open.
+  const std::string_view text = password.value().reveal();
+  const auto unlocked = vault == primary.value()
+                            ? store->unlock(*vault, text)
+                            : unlockOther(*store, *vault, primary.value(), text);
+  const bool isPrimaryOpen = primary.value()->isUnlocked();
+  auto open =
+      std::make_shared<QNOpenVault>(store, vault, isPrimaryOpen ? primary.value() : nullptr);
+  if (!unlocked) return unlocked.error();
+  if (!unlocked.value()) {
+    return wrongPassword(vault->passwordHint() ? *vault : *primary.value(), text);
+  }
+  return open;
 }
 
 }  // namespace
@@ -78,27 +126,23 @@ QNResult<std::shared_ptr<QNProfile>> lockedVault(QNStore& store, const QNGlobalA
 
 QNResult<QNVaultSession> QNVaultSession::open(const QNGlobalArguments& global,
                                               QNStore::Access access, std::string_view prompt) {
-  auto store = openStore(global, access);
+  const auto store = storeFor(global, access);
   if (!store) return store.error();
-  auto vault = lockedVault(*store.value(), global);
-  if (!vault) return vault.error();
-  auto primary = vault.value()->isPrimaryProfile() ? vault : lockedPrimary(*store.value());
-  if (!primary) return primary.error();
-  const auto password = readPassword(global.password, prompt);
-  if (!password) return password.error();
-  // The key is derived from it, and the vault keeps it sealed while it is open.
-  const std::string_view text = password.value().reveal();
-  const auto unlocked = vault.value() == primary.value()
-                            ? store.value()->unlock(*vault.value(), text)
-                            : unlockOther(*store.value(), *vault.value(), primary.value(), text);
-  const bool isPrimaryOpen = primary.value()->isUnlocked();
-  QNVaultSession session(std::move(store).value(), vault.value(),
-                         isPrimaryOpen ? primary.value() : nullptr);
-  if (!unlocked) return unlocked.error();
-  if (!unlocked.value()) {
-    return wrongPassword(vault.value()->passwordHint() ? *vault.value() : *primary.value(), text);
+  QNKeptVaults* const kept = keptFor(global);
+  if (kept != nullptr) {
+    if (auto open = kept->vaultNamed(global.vault)) return QNVaultSession(std::move(open));
   }
-  return session;
+  const auto vault = lockedVault(*store.value(), global);
+  if (!vault) return vault.error();
+  QNResult<OpenVault> open = OpenVault();
+  const auto primary = kept == nullptr ? nullptr : kept->primaryVault();
+  if (primary != nullptr) open = openWithPrimary(store.value(), vault.value(), primary);
+  if (open && open.value() == nullptr) {
+    open = openWithPassword(global, store.value(), vault.value(), prompt);
+  }
+  if (!open) return open.error();
+  if (kept != nullptr) kept->keep(global.vault, open.value());
+  return QNVaultSession(std::move(open).value());
 }
 
 QNResult<QNDone> requireTwoStores(const QNGlobalArguments& global,
@@ -124,11 +168,6 @@ QNResult<QNVaultSession> QNVaultSession::openBeside(const QNGlobalArguments& glo
   const std::string where = shownText(file.string());
   const bool isNamed = session.error().message.starts_with(where);
   return isNamed ? session.error() : session.error().within(where);
-}
-
-QNVaultSession::~QNVaultSession() {
-  if (_vault != nullptr) _vault->lock();
-  if (_primary != nullptr && _primary != _vault) _primary->lock();
 }
 
 QNExit warnOfDamage(const QNListReport& report) {

@@ -2,15 +2,18 @@
 
 #include "cli/QNToolError.h"
 #include "cli/arguments/QNArguments.h"
+#include "cli/commands/QNKeptVaults.h"
 #include "store/QNStore.h"
 
 namespace quillon {
 
 /// The store and the vault that the user chose, open: by the password of the primary vault, which
-/// opens the others, or by one of its own. What was unlocked is locked again when this goes.
+/// opens the others, or by one of its own. What was unlocked is locked again when this goes, unless
+/// a shell keeps it for its next command.
 class QNVaultSession final {
  public:
-  /// Opens the file, asks for the password, and unlocks. Errors: exit code 3 for a wrong password,
+  /// Opens the file, asks for the password, and unlocks; what a shell keeps open is there without
+  /// both. Errors: exit code 3 for a wrong password,
   /// 4 for a vault that isn't there, 6 for a damaged store, 7 for a file that isn't there.
   static QNResult<QNVaultSession> open(const QNGlobalArguments& global, QNStore::Access access) {
     return open(global, access, "Password: ");
@@ -21,24 +24,19 @@ class QNVaultSession final {
                                              const std::filesystem::path& file,
                                              const std::string& vault,
                                              const QNPasswordSource& password);
-  ~QNVaultSession();
   QNVaultSession(QNVaultSession&&) noexcept = default;
   QNVaultSession& operator=(QNVaultSession&&) = delete;
 
-  [[nodiscard]] QNStore& store() const { return *_store; }
-  [[nodiscard]] const std::shared_ptr<QNProfile>& vault() const { return _vault; }
+  [[nodiscard]] QNStore& store() const { return *_open->store; }
+  [[nodiscard]] const std::shared_ptr<QNProfile>& vault() const { return _open->vault; }
   /// Null if the vault was opened by a password of its own.
-  [[nodiscard]] const std::shared_ptr<QNProfile>& primaryVault() const { return _primary; }
+  [[nodiscard]] const std::shared_ptr<QNProfile>& primaryVault() const { return _open->primary; }
 
  private:
   static QNResult<QNVaultSession> open(const QNGlobalArguments& global, QNStore::Access access,
                                        std::string_view prompt);
-  QNVaultSession(std::unique_ptr<QNStore> store, std::shared_ptr<QNProfile> vault,
-                 std::shared_ptr<QNProfile> primary)
-      : _store(std::move(store)), _vault(std::move(vault)), _primary(std::move(primary)) {}
-  std::unique_ptr<QNStore> _store;
-  std::shared_ptr<QNProfile> _vault;
-  std::shared_ptr<QNProfile> _primary;
+  explicit QNVaultSession(std::shared_ptr<QNOpenVault> open) : _open(std::move(open)) {}
+  std::shared_ptr<QNOpenVault> _open;
 };
 
 /// The store file, opened; a missing one is an error with exit code 7.

@@ -45,6 +45,8 @@ $_quillon_global"
       echo "--length --no-symbols --no-digits --avoid-ambiguous --words --separator --pin --count \
 $_quillon_global"
       ;;
+    pick) echo "--category --tag --print --copy --clipboard --clear $_quillon_global" ;;
+    shell) echo "--idle --no-history $_quillon_global" ;;
     otp) echo "--qr --at --url --url-file $_quillon_global" ;;
     vault-add)
       echo "--own-password --own-password-file --own-password-fd --own-password-stdin --hint \
@@ -104,12 +106,14 @@ _quillon() {
     --lang) words='ar de en es fr ja pt' ;;
     --sort) words='title updated created' ;;
     --keep) words='mine theirs' ;;
+    --clipboard) words='terminal wl-copy xclip xsel pbcopy' ;;
+    --print) words='title username password url notes otp' ;;
     --field)
       [[ $command == resolve ]] && return
       words='title username password url notes'
       ;;
     --hint | --title | --username | --url | --notes | --length | --count | --vault | --words | \
-      --separator | --pin | --at | --to | --other-vault | *-fd)
+      --separator | --pin | --at | --to | --other-vault | --idle | *-fd)
       return
       ;;
     --set-file | --add-field | --unset | --tag | --untag) return ;;
@@ -121,7 +125,7 @@ _quillon() {
             '')
               words='init import export list find show add edit trash restore delete history duplicate
                 copy fingerprint categories template passwd info check backup merge conflicts resolve
-                vault otp generate completion'
+                vault otp generate pick shell completion'
               ;;
             add) words=$_quillon_categories ;;
             vault) words='list add icon color' ;;

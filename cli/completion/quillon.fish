@@ -1,6 +1,6 @@
 # Completions of quillon for fish. Titles aren't completed: that would need the password.
 
-set -l commands init import export list find show add edit trash restore delete history duplicate copy fingerprint categories template passwd info check backup merge conflicts resolve vault otp generate completion
+set -l commands init import export list find show add edit trash restore delete history duplicate copy fingerprint categories template passwd info check backup merge conflicts resolve vault otp generate pick shell completion
 
 set -l categories login secure-note credit-card identity password bank-account database driver-license email membership outdoor-license passport reward-program router server social-security-number software-license
 set -l others document api-credential medical-record ssh-key crypto-wallet
@@ -43,6 +43,8 @@ complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a resolve -d
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a vault -d 'The vaults of the store'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a otp -d 'Print a one-time password'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a generate -d 'Print random passwords'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a pick -d 'Find an item while you type'
+complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a shell -d 'Unlock once, then run commands'
 complete -c quillon -n "not __fish_seen_subcommand_from $commands" -a completion -d 'Print the completions of a shell'
 
 complete -c quillon -n '__fish_seen_subcommand_from init' -l hint -x -d 'What reminds you of the password'
@@ -111,4 +113,12 @@ complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subco
 complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from icon' -l set -r -F -d 'Take this PNG, JPEG or SVG'
 complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from icon' -l save -r -F -d 'Copy it to a new file'
 complete -c quillon -n '__fish_seen_subcommand_from vault; and __fish_seen_subcommand_from icon color' -l clear -d 'Take it away'
+complete -c quillon -n '__fish_seen_subcommand_from pick' -l category -x -a "$categories" -d 'Only of this category'
+complete -c quillon -n '__fish_seen_subcommand_from pick' -l tag -x -d 'Only with this tag'
+complete -c quillon -n '__fish_seen_subcommand_from pick' -l print -x -a 'title username password url notes otp' -d 'Print this field'
+complete -c quillon -n '__fish_seen_subcommand_from pick' -l copy -d 'Copy the password, or =FIELD'
+complete -c quillon -n '__fish_seen_subcommand_from pick' -l clipboard -x -a 'terminal wl-copy xclip xsel pbcopy' -d 'The program that takes it'
+complete -c quillon -n '__fish_seen_subcommand_from pick' -l clear -x -d 'Clear the clipboard after so long'
+complete -c quillon -n '__fish_seen_subcommand_from shell' -l idle -x -d 'Lock after so long without a key'
+complete -c quillon -n '__fish_seen_subcommand_from shell' -l no-history -d 'Neither read nor write the history'
 complete -c quillon -n '__fish_seen_subcommand_from completion' -a 'bash zsh fish'

@@ -4,6 +4,8 @@
 
 #include <cerrno>
 
+#include "cli/output/QNShownText.h"
+
 namespace quillon {
 namespace {
 
@@ -62,6 +64,16 @@ QNCommandResult printJson(const JsonObject& value, QNExit exit) {
   out.json(value);
   out.line("");
   return out.finish(exit);
+}
+
+QNCommandResult printValue(std::string_view text) {
+  QNOutput out;
+  if (out.isTerminal()) {
+    out.line(shownLines(text));
+  } else {
+    out.line(text);
+  }
+  return out.finish();
 }
 
 }  // namespace quillon

@@ -39,4 +39,7 @@ class QNOutput final {
 /// Prints the one value of a command with --json, with a newline behind it.
 QNCommandResult printJson(const JsonObject& value, QNExit exit = QNExit::done);
 
+/// Prints one value: itself to a pipe or file; a terminal never gets what it would obey.
+QNCommandResult printValue(std::string_view text);
+
 }  // namespace quillon

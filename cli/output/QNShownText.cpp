@@ -105,6 +105,19 @@ std::size_t shownWidth(std::string_view text) {
   return width;
 }
 
+std::string_view cutToWidth(std::string_view text, std::size_t columns) {
+  std::size_t width = 0;
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+  for (std::size_t next = 0; next < text.size();) {
+    const std::size_t start = next;
+    UChar32 c = 0;
+    U8_NEXT(bytes, next, text.size(), c);
+    width += widthOf(c);
+    if (width > columns) return text.substr(0, start);
+  }
+  return text;
+}
+
 std::string padded(std::string text, std::size_t width) {
   const std::size_t taken = shownWidth(text);
   if (taken < width) text.append(width - taken, ' ');

@@ -22,6 +22,8 @@ std::string_view withoutIsolation(std::string_view text);
 
 /// Columns that a terminal takes for a shown text.
 std::size_t shownWidth(std::string_view text);
+/// As much of a shown text as `columns` hold; marks stay with their letter.
+std::string_view cutToWidth(std::string_view text, std::size_t columns);
 /// Blanks behind a shown text up to `width` columns.
 std::string padded(std::string text, std::size_t width);
 

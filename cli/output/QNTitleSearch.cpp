@@ -10,8 +10,10 @@ bool isInWord(char c) {
   return byte >= 0x80 || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
 }
 
-// 0, 1 or 2, as QNTitleSearch::rankOf() tells; nothing if the word isn't there. Both folded.
-std::optional<std::uint32_t> rankOfWord(std::string_view title, std::string_view word) {
+}  // namespace
+
+std::optional<std::uint32_t> QNTitleSearch::rankOfWord(std::string_view title,
+                                                       std::string_view word) {
   std::size_t found = title.find(word);
   if (found == 0) return 0;
   if (found == std::string_view::npos) return std::nullopt;
@@ -20,8 +22,6 @@ std::optional<std::uint32_t> rankOfWord(std::string_view title, std::string_view
   }
   return 2;
 }
-
-}  // namespace
 
 QNTitleSearch::QNTitleSearch(const std::vector<std::string>& words) {
   for (const std::string& word : words) _words.push_back(foldedForSearch(trimmed(word)));

@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "cli/QNToolError.h"
+#include "cli/terminal/QNHeldSignals.h"
 
 namespace quillon {
 namespace {
@@ -27,12 +28,12 @@ class OpenFile {
   int _descriptor;
 };
 
-// As read(2), going on after an interruption.
+// As read(2), going on after a signal, unless the user gave up.
 ssize_t readSome(int descriptor, void* place, std::size_t size) {
   ssize_t count = 0;
   do {
     count = read(descriptor, place, size);
-  } while (count < 0 && errno == EINTR);
+  } while (count < 0 && errno == EINTR && !QNInterruption::happened());
   return count;
 }
 
@@ -42,19 +43,26 @@ QNError unreadablePassword() {
 
 }  // namespace
 
-QNResult<QNSecret> readLine(int descriptor) {
+QNResult<std::optional<QNSecret>> readLineIfAny(int descriptor) {
   QNSecret line;
   for (;;) {
     char c = 0;
     const ssize_t count = readSome(descriptor, &c, 1);
     if (count < 0) return unreadablePassword();
-    if (count == 0 && line.empty()) return toolError(QNExit::wrongUsage, "no password was given");
-    if (count == 0 || c == '\n') return line;
+    if (count == 0 && line.empty()) return std::optional<QNSecret>();
+    if (count == 0 || c == '\n') return std::optional<QNSecret>(std::move(line));
     if (line.size() == kMaxPasswordBytes) {
       return toolError(QNExit::wrongUsage, "the password is too long");
     }
     line.append({&c, 1});
   }
+}
+
+QNResult<QNSecret> readLine(int descriptor) {
+  auto line = readLineIfAny(descriptor);
+  if (!line) return line.error();
+  if (!line.value()) return toolError(QNExit::wrongUsage, "no password was given");
+  return *std::move(line).value();
 }
 
 QNResult<QNSecret> readSecret(int descriptor) {

@@ -2,70 +2,44 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <optional>
 
 #include "cli/QNToolError.h"
+#include "cli/terminal/QNHeldSignals.h"
 #include "cli/terminal/QNMessages.h"
 
 namespace quillon {
 namespace {
 
-constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
-volatile std::sig_atomic_t caughtSignal = 0;
-
-extern "C" void noteSignal(int number) {
-  caughtSignal = number;
-}
-
-// While it lives the terminal doesn't echo, and signals are noted and wait: they are let in
-// during wait() only, so that none arrives unseen just before it.
+// While it lives the terminal doesn't echo, and signals wait.
 class QuietTerminal {
  public:
   explicit QuietTerminal(int terminal) : _terminal(terminal) {
-    caughtSignal = 0;
-    sigset_t held;
-    sigemptyset(&held);
-    struct sigaction noting {};
-    noting.sa_handler = noteSignal;
-    for (std::size_t i = 0; i < kSignals.size(); ++i) {
-      sigaddset(&held, kSignals[i]);
-      sigaction(kSignals[i], &noting, &_actionsBefore[i]);
-    }
-    sigprocmask(SIG_BLOCK, &held, &_maskBefore);
     tcgetattr(terminal, &_settingsBefore);
     termios quiet = _settingsBefore;
     quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     quiet.c_lflag |= ICANON | ISIG | ECHONL;
     tcsetattr(terminal, TCSAFLUSH, &quiet);
   }
-  ~QuietTerminal() {
-    tcsetattr(_terminal, TCSAFLUSH, &_settingsBefore);
-    for (std::size_t i = 0; i < kSignals.size(); ++i) {
-      sigaction(kSignals[i], &_actionsBefore[i], nullptr);
-    }
-    sigprocmask(SIG_SETMASK, &_maskBefore, nullptr);
-  }
+  ~QuietTerminal() { tcsetattr(_terminal, TCSAFLUSH, &_settingsBefore); }
   QuietTerminal(const QuietTerminal&) = delete;
   QuietTerminal& operator=(const QuietTerminal&) = delete;
 
   // Until there is something to read: true. False after a signal.
   [[nodiscard]] bool wait() const {
-    pollfd waiting{_terminal, POLLIN, 0};
-    return ppoll(&waiting, 1, nullptr, &_maskBefore) > 0 && caughtSignal == 0;
+    return _signals.wait(_terminal) == QNHeldSignals::End::readable;
   }
 
  private:
+  QNHeldSignals _signals{
+      QNHeldSignals::Sizes::ignored};  // before the settings change, and until they are back
   int _terminal;
   termios _settingsBefore{};
-  sigset_t _maskBefore{};
-  std::array<struct sigaction, kSignals.size()> _actionsBefore{};
 };
 
 QNResult<QNSecret> lineFrom(int terminal) {
@@ -98,7 +72,8 @@ QNResult<QNSecret> promptForSecret(std::string_view prompt, std::string_view ins
     printRaw(prompt);
     line = quietLineFrom(terminal);
     // The terminal is as before by now. After a stop the process goes on here, and asks again.
-    if (!line && caughtSignal != 0) kill(getpid(), caughtSignal);
+    if (const int caught = QNHeldSignals::takeCaught(); caught != 0) QNHeldSignals::deliver(caught);
+    if (QNInterruption::happened()) line = toolError(QNExit::failed, "nothing was typed");
   }
   close(terminal);
   return std::move(*line);

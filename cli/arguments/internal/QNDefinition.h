@@ -71,5 +71,6 @@ void defineMerge(CLI::App& app, QNArguments& out);      // merge, conflicts, res
 void defineVault(CLI::App& app, QNArguments& out);
 void defineOTP(CLI::App& app, QNArguments& out);
 void defineGenerate(CLI::App& app, QNArguments& out);
+void defineTerminal(CLI::App& app, QNArguments& out);  // pick, shell
 
 }  // namespace quillon
