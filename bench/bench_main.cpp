@@ -52,10 +52,11 @@ int main(int argc, char** argv) {
   if (counts.empty()) counts.push_back(100'000);
   for (const std::size_t count : counts) {
     if (count == 0 || !runNamed(name, count)) {
-      std::fprintf(stderr,
-                   "usage: quillon_bench "
-                   "[folders|list|lists|save|import|memory|merge|search|search_contents|otp|pick|rows|"
-                   "sections|smart|templates|unlock|all] [ITEMS...]\n");
+      std::fprintf(
+          stderr,
+          "usage: quillon_bench "
+          "[folders|list|lists|save|import|memory|merge|search|search_contents|otp|pick|rows|"
+          "sections|smart|templates|unlock|all] [ITEMS...]\n");
       return 2;
     }
   }

@@ -16,19 +16,26 @@ struct Keystrokes {
   double sum = 0;
 };
 
-// Each letter narrows, and the screen is drawn.
+// Each letter narrows, and the screen is drawn. Of each keystroke the round counts that least else
+// disturbed.
 Keystrokes measureTyping(QNPickList& list, std::string_view typed) {
+  std::vector<double> best(typed.size(), 1e300);
+  for (int round = 0; round < 7; ++round) {
+    list.narrowTo("");
+    for (std::size_t size = 1; size <= typed.size(); ++size) {
+      const double seconds = secondsOf([&] {
+        list.narrowTo(typed.substr(0, size));
+        const std::string screen = drawn({list, "> ", typed.substr(0, size)}, {50, 160});
+        use(screen.data());
+      });
+      best[size - 1] = std::min(best[size - 1], seconds);
+    }
+  }
   Keystrokes found;
-  for (std::size_t size = 1; size <= typed.size(); ++size) {
-    const double seconds = secondsOf([&] {
-      list.narrowTo(typed.substr(0, size));
-      const std::string screen = drawn({list, "> ", typed.substr(0, size)}, {50, 160});
-      use(screen.data());
-    });
+  for (const double seconds : best) {
     found.worst = std::max(found.worst, seconds);
     found.sum += seconds;
   }
-  list.narrowTo("");
   return found;
 }
 
@@ -53,8 +60,8 @@ void benchPick(std::size_t count) {
   // Letters that all items hold, that few do, and that none does.
   for (const std::string_view typed : {"example 77 person", "account 4242", "nowhere", "e", "1"}) {
     const Keystrokes found = measureTyping(list, typed);
-    fmt::print("  {:18} worst key {:6.2f} ms, {:5.1f} times the floor; {:.2f} ms a key; {}\n", typed,
-               found.worst * 1e3, found.worst / floor,
+    fmt::print("  {:18} worst key {:6.2f} ms, {:5.1f} times the floor; {:.2f} ms a key; {}\n",
+               typed, found.worst * 1e3, found.worst / floor,
                found.sum * 1e3 / static_cast<double>(typed.size()),
                found.worst <= kLimit ? "within 16 ms" : "TOO SLOW");
   }

@@ -207,8 +207,8 @@ QNResult<QNArguments> parseArguments(const std::vector<std::string>& arguments,
   defineAll(app, out);
   // Help and version end the reading, perhaps before --json was seen.
   QNGlobalArguments forText;
-  forText.json = defaults.json ||
-                 std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+  forText.json =
+      defaults.json || std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::CallForHelp&) {

@@ -164,7 +164,7 @@ QNCommandResult showField(Global global, QNItem& item, const QNShowArguments& ar
   }
   const QNFieldTexts texts(item.categoryUUID());
   if (const auto own = ownFieldNamed(item, texts, name)) {
-    return printJson(shownJson(item, arguments.reveal                ? QNRevealed::everything
+    return printJson(shownJson(item, arguments.reveal               ? QNRevealed::everything
                                      : own == QNFieldName::password ? QNRevealed::password
                                                                     : QNRevealed::nothing));
   }

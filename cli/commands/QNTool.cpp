@@ -36,8 +36,7 @@ QNCommandResult run(const std::vector<std::string>& line, const QNGlobalArgument
                     arguments.value().command);
 }
 
-QNCommandResult runCaught(const std::vector<std::string>& line,
-                          const QNGlobalArguments& defaults) {
+QNCommandResult runCaught(const std::vector<std::string>& line, const QNGlobalArguments& defaults) {
   try {
     return run(line, defaults);
   } catch (const std::exception& error) {  // memory is short

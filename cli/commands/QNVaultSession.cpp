@@ -71,8 +71,8 @@ QNResult<OpenVault> openWithPassword(const QNGlobalArguments& global,
                                      const std::shared_ptr<QNStore>& store,
                                      const std::shared_ptr<QNProfile>& vault,
                                      std::string_view prompt) {
-  const auto primary =
-      vault->isPrimaryProfile() ? QNResult<std::shared_ptr<QNProfile>>(vault) : lockedPrimary(*store);
+  const auto primary = vault->isPrimaryProfile() ? QNResult<std::shared_ptr<QNProfile>>(vault)
+                                                 : lockedPrimary(*store);
   if (!primary) return primary.error();
   const auto password = readPassword(global.password, prompt);
   if (!password) return password.error();

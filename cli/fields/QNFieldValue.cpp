@@ -45,8 +45,7 @@ std::optional<QNSecret> ownValueOf(QNItem& item, QNFieldName field) {
 std::optional<QNFieldName> ownFieldNamed(QNItem& item, const QNFieldTexts& texts,
                                          std::string_view name) {
   const auto own = fieldNamed(name);
-  const bool isOwn =
-      own && (hasOwnPlaceFor(item, *own) || fieldsNamed(item, texts, name).empty());
+  const bool isOwn = own && (hasOwnPlaceFor(item, *own) || fieldsNamed(item, texts, name).empty());
   return isOwn ? own : std::nullopt;
 }
 
@@ -70,8 +69,7 @@ QNResult<QNSecret> codeOf(QNItem& item) {
   const auto field = item.firstTOTPField();
   const auto seed = field == nullptr ? std::nullopt : field->stringValue();
   if (!seed) return toolError(QNExit::notFound, "the item has no one-time password");
-  const QNTOTPGenerator::Date now(
-      std::chrono::duration<double>(static_cast<double>(secondsNow())));
+  const QNTOTPGenerator::Date now(std::chrono::duration<double>(static_cast<double>(secondsNow())));
   const std::string_view text = seed->reveal();  // into a key that wipes itself
   auto result = QNTOTPGenerator::generate(text, now);
   if (result) return std::move(result.value().code);

@@ -103,8 +103,8 @@ class Child {
       arguments.push_back(const_cast<char*>(argument.c_str()));  // NOLINT: not written to
     }
     arguments.push_back(nullptr);
-    _errorNumber = posix_spawn(&_process, arguments[0], &files, &attributes, arguments.data(),
-                               environ);
+    _errorNumber =
+        posix_spawn(&_process, arguments[0], &files, &attributes, arguments.data(), environ);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&files);
   }
@@ -158,8 +158,7 @@ QNResult<QNClipboard> QNClipboard::named(const std::string& name) {
   return QNClipboard(std::vector<std::string>());
 }
 
-QNResult<QNDone> QNClipboard::put(std::string_view text,
-                                  const QNRawTerminal& terminal) const {
+QNResult<QNDone> QNClipboard::put(std::string_view text, const QNRawTerminal& terminal) const {
   if (_command.empty()) {
     terminal.write(sequenceFor(text).reveal());  // the user asked for it
     return QNDone{};

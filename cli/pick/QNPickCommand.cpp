@@ -34,7 +34,8 @@ QNError left() {
   return toolError(QNExit::failed, "");
 }
 
-QNResult<Picked> pickField(QNRawTerminal& terminal, QNItem& item, const QNPickArguments& arguments) {
+QNResult<Picked> pickField(QNRawTerminal& terminal, QNItem& item,
+                           const QNPickArguments& arguments) {
   Picked picked{*item.uuid(), item.title(), arguments.field.value_or(""), {}};
   QNPickFields fields(item);
   if (!arguments.field) {
@@ -95,9 +96,10 @@ void countDown(QNRawTerminal& terminal, std::chrono::seconds time) {
     tell(terminal, fmt::format("quillon: copied; the clipboard is cleared in {:.0f} s, or now with "
                                "any key",
                                std::ceil(left)));
-    const auto event = terminal.next(std::min(1000ms, std::chrono::milliseconds(
-                                                          std::lround(std::ceil(left * 1e3)))))
-                           .event;
+    const auto event =
+        terminal
+            .next(std::min(1000ms, std::chrono::milliseconds(std::lround(std::ceil(left * 1e3)))))
+            .event;
     if (event == QNRawTerminal::Event::key || event == QNRawTerminal::Event::ended) break;
   }
   terminal.write("\r\x1b[K");

@@ -44,7 +44,8 @@ std::string atLine(std::size_t row, std::string_view text, bool isSelected = fal
 std::string_view endOfWidth(std::string_view shown, std::size_t columns) {
   while (shownWidth(shown) > columns) {
     std::size_t first = 1;
-    while (first < shown.size() && (static_cast<unsigned char>(shown[first]) & 0xC0) == 0x80) ++first;
+    while (first < shown.size() && (static_cast<unsigned char>(shown[first]) & 0xC0) == 0x80)
+      ++first;
     shown.remove_prefix(first);
   }
   return shown;

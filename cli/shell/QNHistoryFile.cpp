@@ -76,8 +76,8 @@ QNResult<QNDone> QNHistoryFile::append(std::string_view line) {
   QNResult<QNDone> done = requirePlainFile(descriptor, _file);
   // One write, so that the lines of two shells don't mix.
   const std::string whole = std::string(line) + '\n';
-  if (done && (::fchmod(descriptor, 0600) != 0 ||
-               ::write(descriptor, whole.data(), whole.size()) < 0)) {
+  if (done &&
+      (::fchmod(descriptor, 0600) != 0 || ::write(descriptor, whole.data(), whole.size()) < 0)) {
     done = fileError(_file, errno);
   }
   ::close(descriptor);

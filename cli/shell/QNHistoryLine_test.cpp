@@ -13,13 +13,29 @@ std::string kept(std::string_view line) {
 }
 
 TEST(HistoryLine, KeepsWhatNamesSomething) {
-  for (const std::string_view line :
-       {"list", "show Bank", "show 'My bank' --field pin", "list --tag work --sort updated",
-        "list --tag=work", "add router --title Home --tag net", "vault add work", "vault list",
-        "find forum shop", "edit Bank --set pin", "edit Bank --set-file notes=letter.txt",
-        "edit Bank --set password=-", "edit Bank --set notes=", "add login --title Bank --generate",
-        "passwd --new-password-file new.txt", "otp Bank --at 59", "copy Bank --to work",
-        "help edit", "lock", "exit", "pick bank --copy", "--json list", "generate --length 30"}) {
+  for (const std::string_view line : {"list",
+                                      "show Bank",
+                                      "show 'My bank' --field pin",
+                                      "list --tag work --sort updated",
+                                      "list --tag=work",
+                                      "add router --title Home --tag net",
+                                      "vault add work",
+                                      "vault list",
+                                      "find forum shop",
+                                      "edit Bank --set pin",
+                                      "edit Bank --set-file notes=letter.txt",
+                                      "edit Bank --set password=-",
+                                      "edit Bank --set notes=",
+                                      "add login --title Bank --generate",
+                                      "passwd --new-password-file new.txt",
+                                      "otp Bank --at 59",
+                                      "copy Bank --to work",
+                                      "help edit",
+                                      "lock",
+                                      "exit",
+                                      "pick bank --copy",
+                                      "--json list",
+                                      "generate --length 30"}) {
     EXPECT_EQ(kept(line), line);
   }
 }

@@ -109,8 +109,8 @@ void QNShell::runWords(const std::vector<std::string>& words) {
   if (words.front() == "help") return runHelp(words);
   if (words.size() == 1 && words.front() == "lock") return lock();
   if (holdsHidden(words)) {
-    return fail(toolError(QNExit::wrongUsage,
-                          "the history doesn't keep that value: write it anew"));
+    return fail(
+        toolError(QNExit::wrongUsage, "the history doesn't keep that value: write it anew"));
   }
   const QNExit exit = runTool(words, _defaults);
   if (exit != QNExit::done) _lastFailure = exit;

@@ -69,8 +69,9 @@ std::string_view commonStart(const Choices& choices) {
   const std::string_view first = choices.front();
   std::size_t size = first.size();
   for (const std::string_view other : choices) {
-    const auto ends = std::mismatch(first.begin(), first.begin() + static_cast<std::ptrdiff_t>(size),
-                                    other.begin(), other.end());
+    const auto ends =
+        std::mismatch(first.begin(), first.begin() + static_cast<std::ptrdiff_t>(size),
+                      other.begin(), other.end());
     size = static_cast<std::size_t>(ends.first - first.begin());
     while (size > 0 && (isInsideCharacter(first, size) || isInsideCharacter(other, size))) --size;
   }

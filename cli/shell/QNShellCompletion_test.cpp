@@ -15,10 +15,12 @@ using Kind = QNShellCompletion::Kind;
 class ShellCompletion : public ::testing::Test {
  protected:
   QNLineCompletion complete(std::string_view line) {
-    return QNShellCompletion(outlines, [this](Kind kind, const std::string& item) {
-             askedItem = item;
-             return names[static_cast<std::size_t>(kind)];
-           }).complete(line);
+    return QNShellCompletion(outlines,
+                             [this](Kind kind, const std::string& item) {
+                               askedItem = item;
+                               return names[static_cast<std::size_t>(kind)];
+                             })
+        .complete(line);
   }
   std::string lineAfter(std::string_view line) {
     const auto completion = complete(line);

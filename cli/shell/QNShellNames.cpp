@@ -60,12 +60,12 @@ void QNShellNames::forget() {
 
 void QNShellNames::list(const QNOpenVault& open) {
   forget();
-  const auto report = open.store->list(
-      open.vault, QNStore::Which::all, [this](const std::shared_ptr<QNItem>& item) {
-        _items.push_back({item->title(), *item->uuid()});
-        const auto tags = item->tags();
-        _tags.insert(_tags.end(), tags.begin(), tags.end());
-      });
+  const auto report = open.store->list(open.vault, QNStore::Which::all,
+                                       [this](const std::shared_ptr<QNItem>& item) {
+                                         _items.push_back({item->title(), *item->uuid()});
+                                         const auto tags = item->tags();
+                                         _tags.insert(_tags.end(), tags.begin(), tags.end());
+                                       });
   std::sort(_tags.begin(), _tags.end());
   _tags.erase(std::unique(_tags.begin(), _tags.end()), _tags.end());
   _isListed = report.ok();

@@ -44,11 +44,28 @@ std::vector<std::string> wordsOfSystemShell(const std::string& line) {
 }
 
 TEST(ShellWords, ReadsWhatTheSystemsShellReads) {
-  for (const std::string line :
-       {"show Bank", "  show \t Bank  ", "show 'My bank'", "show \"My bank\"", "show My\\ bank",
-        "a'b'\"c\"d", "''", "\"\" ''", "a\\'b", "'a\\b'", "\"a\\b\"", "\"a\\\\b\"", "\"a\\\"b\"",
-        "\"it's\"", "'say \"hi\"'", "\"a\\$b\\`c\"", "show Bank # of mine", "a#b", "'#' x",
-        "ü 日本 'é ö'", "--set notes='two words'", "x=1 y"}) {
+  for (const std::string line : {"show Bank",
+                                 "  show \t Bank  ",
+                                 "show 'My bank'",
+                                 "show \"My bank\"",
+                                 "show My\\ bank",
+                                 "a'b'\"c\"d",
+                                 "''",
+                                 "\"\" ''",
+                                 "a\\'b",
+                                 "'a\\b'",
+                                 "\"a\\b\"",
+                                 "\"a\\\\b\"",
+                                 "\"a\\\"b\"",
+                                 "\"it's\"",
+                                 "'say \"hi\"'",
+                                 "\"a\\$b\\`c\"",
+                                 "show Bank # of mine",
+                                 "a#b",
+                                 "'#' x",
+                                 "ü 日本 'é ö'",
+                                 "--set notes='two words'",
+                                 "x=1 y"}) {
     EXPECT_EQ(wordsOf(line), wordsOfSystemShell(line)) << line;
   }
 }
@@ -95,8 +112,8 @@ TEST(ShellWords, OfABegunLineEndWithTheOneThatIsWritten) {
 }
 
 TEST(ShellWords, ComeBackFromTheirQuotedForm) {
-  for (const std::string word : {"", "Bank", "My bank", "it's", "a\\b", "\"x\"", "#1", "ü 日本", "a\tb",
-                                 "$x", "--tag", "'"}) {
+  for (const std::string word : {"", "Bank", "My bank", "it's", "a\\b", "\"x\"", "#1", "ü 日本",
+                                 "a\tb", "$x", "--tag", "'"}) {
     EXPECT_THAT(wordsOf(quotedWord(word)), ElementsAre(word));
   }
   EXPECT_EQ(quotedWord("Bank-1_a.b@c"), "Bank-1_a.b@c");

@@ -14,7 +14,10 @@ TEST(WideText, GoesThereAndBack) {
 }
 
 TEST(WideText, ShowsWhatIsNoTextAsSuch) {
-  EXPECT_EQ(wideText("a\xff" "b"), L"a\xFFFD" L"b");
+  EXPECT_EQ(wideText("a\xff"
+                     "b"),
+            L"a\xFFFD"
+            L"b");
   EXPECT_EQ(textOfWide(std::wstring(1, static_cast<wchar_t>(0xD800))), "\xEF\xBF\xBD");
   EXPECT_EQ(textOfWide(std::wstring(1, static_cast<wchar_t>(0x110000))), "\xEF\xBF\xBD");
 }

@@ -17,9 +17,9 @@ enum class QNKey {
   pageDown,
   home,
   end,
-  erase,      // the character before the cursor
-  eraseWord,  // Ctrl-W
-  eraseAll,   // Ctrl-U
+  erase,       // the character before the cursor
+  eraseWord,   // Ctrl-W
+  eraseAll,    // Ctrl-U
   endOfInput,  // Ctrl-D
   unknown,
 };

@@ -21,9 +21,9 @@ TEST(Keys, AreReadFromTheSequencesOfUsualTerminals) {
   EXPECT_THAT(keysOf("\x1b[A\x1b[B\x1bOA\x1bOB"),
               ElementsAre(QNKey::up, QNKey::down, QNKey::up, QNKey::down));
   EXPECT_THAT(keysOf("\x1b[5~\x1b[6~"), ElementsAre(QNKey::pageUp, QNKey::pageDown));
-  EXPECT_THAT(keysOf("\x1b[H\x1b[F\x1b[1~\x1b[4~\x1bOH\x1bOF"),
-              ElementsAre(QNKey::home, QNKey::end, QNKey::home, QNKey::end, QNKey::home,
-                          QNKey::end));
+  EXPECT_THAT(
+      keysOf("\x1b[H\x1b[F\x1b[1~\x1b[4~\x1bOH\x1bOF"),
+      ElementsAre(QNKey::home, QNKey::end, QNKey::home, QNKey::end, QNKey::home, QNKey::end));
   EXPECT_THAT(keysOf("\r\x03\x07\x04\x1a\x0e\x10\x7f\x08\x17\x15"),
               ElementsAre(QNKey::enter, QNKey::leave, QNKey::leave, QNKey::endOfInput,
                           QNKey::suspend, QNKey::down, QNKey::up, QNKey::erase, QNKey::erase,

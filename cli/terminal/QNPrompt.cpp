@@ -36,7 +36,8 @@ class QuietTerminal {
   }
 
  private:
-  QNHeldSignals _signals{QNHeldSignals::Sizes::ignored};  // before the settings change, and until they are back
+  QNHeldSignals _signals{
+      QNHeldSignals::Sizes::ignored};  // before the settings change, and until they are back
   int _terminal;
   termios _settingsBefore{};
 };
