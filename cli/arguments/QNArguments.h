@@ -312,8 +312,7 @@ struct QNShellArguments {
 /// Prints the chosen field or copies it.
 struct QNPickArguments {
   std::vector<std::string> words;
-  std::optional<std::string> category;
-  std::optional<std::string> tag;
+  QNFilterArguments filter;
   enum class Use { print, copy };
   Use use = Use::print;
   std::optional<std::string> field;  // chosen in the finder if there is none
@@ -331,20 +330,19 @@ struct QNTextArguments {
 
 struct QNArguments {
   QNGlobalArguments global;
-  std::variant<QNTextArguments, QNInitArguments, QNImportArguments, QNExportArguments,
-               QNListArguments, QNFindArguments, QNForArguments, QNShowArguments, QNAddArguments,
-               QNAddLoginArguments, QNEditArguments, QNTrashArguments, QNRestoreArguments,
-               QNDeleteArguments, QNFavoriteArguments, QNMoveArguments, QNTagListArguments,
-               QNTagAddArguments, QNTagRemoveArguments, QNTagRenameArguments, QNFolderListArguments,
-               QNFolderAddArguments, QNFolderMoveArguments, QNFolderRenameArguments,
-               QNFolderDeleteArguments, QNSmartListArguments, QNSmartAddArguments,
-               QNSmartShowArguments, QNSmartDeleteArguments, QNHistoryArguments,
-               QNDuplicateArguments, QNCopyArguments, QNFingerprintArguments, QNCategoriesArguments,
-               QNTemplateArguments, QNPasswdArguments, QNInfoArguments, QNCheckArguments,
-               QNBackupArguments, QNMergeArguments, QNConflictsArguments, QNResolveArguments,
-               QNVaultListArguments, QNVaultAddArguments, QNVaultIconArguments,
-               QNVaultColorArguments, QNOTPArguments, QNGenerateArguments, QNCompletionArguments,
-               QNShellArguments, QNPickArguments>
+  std::variant<
+      QNTextArguments, QNInitArguments, QNImportArguments, QNExportArguments, QNListArguments,
+      QNFindArguments, QNForArguments, QNShowArguments, QNAddArguments, QNAddLoginArguments,
+      QNEditArguments, QNTrashArguments, QNRestoreArguments, QNDeleteArguments, QNFavoriteArguments,
+      QNMoveArguments, QNTagListArguments, QNTagAddArguments, QNTagRemoveArguments,
+      QNTagRenameArguments, QNFolderListArguments, QNFolderAddArguments, QNFolderMoveArguments,
+      QNFolderRenameArguments, QNFolderDeleteArguments, QNSmartListArguments, QNSmartAddArguments,
+      QNSmartShowArguments, QNSmartDeleteArguments, QNHistoryArguments, QNDuplicateArguments,
+      QNCopyArguments, QNFingerprintArguments, QNCategoriesArguments, QNTemplateArguments,
+      QNPasswdArguments, QNInfoArguments, QNCheckArguments, QNBackupArguments, QNMergeArguments,
+      QNConflictsArguments, QNResolveArguments, QNVaultListArguments, QNVaultAddArguments,
+      QNVaultIconArguments, QNVaultColorArguments, QNOTPArguments, QNGenerateArguments,
+      QNCompletionArguments, QNShellArguments, QNPickArguments>
       command;
 };
 

@@ -5,30 +5,6 @@
 namespace quillon {
 namespace {
 
-void addFilters(CLI::App& command, QNFilterArguments& filter) {
-  command.add_option("--category", filter.category, "Only the items of this category")
-      ->check(isText());
-  command
-      .add_option("--tag", filter.tag, "Only the items that have this tag, or one nested below it")
-      ->type_name("NAME")
-      ->check(isText());
-  command
-      .add_option("--folder", filter.folder,
-                  "Only the items in this folder, or in one below it: its uuid, or titles from the "
-                  "top, parted by /")
-      ->type_name("FOLDER")
-      ->check(isText());
-  command.add_flag("--favorites", filter.favorites, "Only the favorites");
-  command.add_flag_callback(
-      "--not-nested", [&filter] { filter.nested = false; },
-      "With --tag and --folder, nothing that lies below them");
-  command.parse_complete_callback([&filter] {
-    if (!filter.nested && !filter.tag && !filter.folder) {
-      refuse("--not-nested is for --tag and --folder");
-    }
-  });
-}
-
 void defineList(CLI::App& app, QNArguments& out) {
   auto [command, given] = define<QNListArguments>(app, out, "list", "List titles and subtitles");
   command->add_flag("--trashed", given->trashed, "List what is in the trash instead");

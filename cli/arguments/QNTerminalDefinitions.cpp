@@ -22,11 +22,7 @@ void definePick(CLI::App& app, QNArguments& out) {
   auto [command, given] =
       define<QNPickArguments>(app, out, "pick", "Find an item while you type, in the terminal");
   command->add_option("WORDS", given->words, "What to begin with")->check(isText());
-  command->add_option("--category", given->category, "Only the items of this category")
-      ->check(isText());
-  command->add_option("--tag", given->tag, "Only the items that have this tag")
-      ->type_name("NAME")
-      ->check(isText());
+  addFilters(*command, given->filter);
   auto* const print = command->add_option("--print", given->field,
                                           "Print this field; you choose one if none is named");
   print->type_name("FIELD")->check(isText());

@@ -69,8 +69,9 @@ std::string shownTitle(QNFolder& folder) {
   return shownText(titleOf(folder));
 }
 
-QNResult<QNVaultFolders> QNVaultFolders::read(const QNVaultSession& session) {
-  auto report = session.store().folders(session.vault());
+QNResult<QNVaultFolders> QNVaultFolders::read(QNStore& store,
+                                              const std::shared_ptr<QNProfile>& vault) {
+  auto report = store.folders(vault);
   if (!report) return report.error();
   return QNVaultFolders(std::move(report).value());
 }

@@ -16,7 +16,10 @@ using QNFolderRef = std::shared_ptr<QNFolder>;
 /// the top, parted by "/".
 class QNVaultFolders final {
  public:
-  static QNResult<QNVaultFolders> read(const QNVaultSession& session);
+  static QNResult<QNVaultFolders> read(const QNVaultSession& session) {
+    return read(session.store(), session.vault());
+  }
+  static QNResult<QNVaultFolders> read(QNStore& store, const std::shared_ptr<QNProfile>& vault);
 
   /// By uuid first. Equal titles win over ones that differ in case and accents. Errors: exit code 4
   /// for none, 5 for several, which are listed on standard error.

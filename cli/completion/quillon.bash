@@ -58,7 +58,10 @@ $_quillon_global"
       echo "--length --no-symbols --no-digits --avoid-ambiguous --words --separator --pin --count \
 $_quillon_global"
       ;;
-    pick) echo "--category --tag --print --copy --clipboard --clear $_quillon_global" ;;
+    pick)
+      echo "--category --tag --folder --favorites --not-nested --print --copy --clipboard --clear" \
+        "$_quillon_global"
+      ;;
     shell) echo "--idle --no-history $_quillon_global" ;;
     otp) echo "--qr --at --url --url-file $_quillon_global" ;;
     vault-add)

@@ -5,8 +5,7 @@
 #include <cmath>
 
 #include "cli/commands/QNCommands.h"
-#include "cli/commands/QNVaultSession.h"
-#include "cli/fields/QNItemFilter.h"
+#include "cli/commands/QNVaultFolders.h"
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
 #include "cli/pick/QNClipboard.h"
@@ -125,12 +124,14 @@ QNCommandResult copy(Global global, const Picked& picked, const QNClipboard& cli
 }  // namespace
 
 QNCommandResult runCommand(Global global, const QNPickArguments& arguments) {
-  const auto filter = itemFilter(arguments.category, arguments.tag);
+  auto filter = itemFilter(arguments.filter);
   if (!filter) return filter.error();
   const auto clipboard = QNClipboard::named(arguments.clipboard);
   if (!clipboard) return clipboard.error();
   const auto session = QNVaultSession::open(global, QNStore::Access::readOnly);
   if (!session) return session.error();
+  const auto folder = chooseFolderOf(filter.value(), session.value(), arguments.filter);
+  if (!folder) return folder.error();
   QNPickItems items;
   const auto report = items.load(session.value(), filter.value());
   if (!report) return report.error();

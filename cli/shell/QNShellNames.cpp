@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "cli/commands/QNVaultFolders.h"
 #include "cli/fields/QNCategoryNames.h"
 #include "cli/fields/QNFieldChoice.h"
 #include "cli/fields/QNFieldTexts.h"
@@ -35,6 +36,17 @@ std::vector<std::string> vaultNames(QNStore& store) {
   return names;
 }
 
+// As QNVaultFolders::choose() takes them.
+std::vector<std::string> folderPaths(const QNOpenVault& open) {
+  std::vector<std::string> paths;
+  const auto folders = QNVaultFolders::read(*open.store, open.vault);
+  if (!folders) return paths;
+  for (const QNFolderRef& folder : folders.value().all()) {
+    if (auto path = folders.value().pathTo(*folder->uuid())) paths.push_back(std::move(*path));
+  }
+  return paths;
+}
+
 }  // namespace
 
 std::vector<std::string> QNShellNames::of(Kind kind, const std::string& item,
@@ -42,13 +54,12 @@ std::vector<std::string> QNShellNames::of(Kind kind, const std::string& item,
   if (kind == Kind::category) return categoryNames();
   if (open == nullptr) return kind == Kind::field ? ownFieldNames() : std::vector<std::string>();
   if (kind == Kind::vault) return vaultNames(*open->store);
+  if (kind == Kind::folder) return folderPaths(*open);
   if (!_isListed) list(*open);
   if (kind == Kind::tag) return _tags;
   if (kind == Kind::field) return fieldsOf(item, *open);
   std::vector<std::string> titles;
-  if (kind == Kind::item) {
-    for (const Item& listed : _items) titles.push_back(listed.title);
-  }
+  for (const Item& listed : _items) titles.push_back(listed.title);
   return titles;
 }
 

@@ -54,6 +54,8 @@ Definition<Arguments> defineForItem(CLI::App& app, QNArguments& out, const std::
 
 /// A tag as an item takes it; one without a name is refused, since nobody would see it.
 std::string tagOrRefuse(const std::string& tag);
+/// The options that narrow a listing: --category, --tag, --folder, --favorites, --not-nested.
+void addFilters(CLI::App& command, QNFilterArguments& filter);
 /// --sort.
 void addOrder(CLI::App& command, QNListOrder& order);
 /// --sections.
