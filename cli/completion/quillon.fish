@@ -75,7 +75,7 @@ complete -c quillon -n '__fish_seen_subcommand_from show history conflicts' -l r
 complete -c quillon -n '__fish_seen_subcommand_from show' -l field -x -a 'title username password url notes' -d 'Print one field alone'
 complete -c quillon -n "__fish_seen_subcommand_from add; and not __fish_seen_subcommand_from $categories vault tag folder smart" -a "$categories" -d Category
 complete -c quillon -n '__fish_seen_subcommand_from template' -a "$categories $others" -d Category
-complete -c quillon -n '__fish_seen_subcommand_from add edit list find for' -l tag -x -d Tag
+complete -c quillon -n '__fish_seen_subcommand_from add edit list find for pick' -l tag -x -d Tag
 complete -c quillon -n '__fish_seen_subcommand_from edit' -l untag -x -d 'Take a tag away'
 complete -c quillon -n '__fish_seen_subcommand_from add' -l title -x -d Title
 complete -c quillon -n '__fish_seen_subcommand_from add' -l username -x -d 'User name'
