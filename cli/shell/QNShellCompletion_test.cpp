@@ -54,7 +54,8 @@ TEST_F(ShellCompletion, CompletesTheOptionsOfTheCommand) {
   EXPECT_EQ(lineAfter("list --vau"), "list --vault ");
   EXPECT_THAT(complete("list --").choices, Contains("--category"));
   EXPECT_THAT(complete("list --").choices, Not(Contains("--reveal")));
-  EXPECT_THAT(complete("list --sort ").choices, ElementsAre("created", "title", "updated"));
+  EXPECT_THAT(complete("list --sort ").choices,
+              ElementsAre("category", "created", "strength", "title", "updated"));
   EXPECT_EQ(lineAfter("list --sort=up"), "list --sort=updated ");
 }
 
