@@ -4,6 +4,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace quillon {
@@ -34,7 +35,13 @@ class QNLocalization final {
   static bool isLanguageTag(std::string_view text);
 
   // Reading: QNLocalization+Strings.cpp
-  using Table = std::map<std::string, std::string, std::less<>>;
+  struct KeyHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view key) const noexcept {
+      return std::hash<std::string_view>()(key);
+    }
+  };
+  using Table = std::unordered_map<std::string, std::string, KeyHash, std::equal_to<>>;
   /// Reads one table's text. A broken line gives a log line, with `name` in it, and is skipped.
   static Table parseStrings(std::string_view text, std::string_view name);
 
