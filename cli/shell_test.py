@@ -79,6 +79,10 @@ class Scripts(ShellTest):
         self.script("list")
         self.script("show 'Bank", code=2)
 
+    def test_a_line_that_is_too_long_is_told_of_as_such(self):
+        result = self.script("show " + "x" * (1 << 20), code=2)
+        self.assertIn("the line is too long", result.err)
+
     def test_exit_ends_it_before_the_rest(self):
         result = self.script("exit", "show nobody")
         self.assertEqual((result.out, result.err), ("", ""))

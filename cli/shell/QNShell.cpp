@@ -93,7 +93,7 @@ QNCommandResult QNShell::runTyped() {
 QNCommandResult QNShell::runScript() {
   for (;;) {
     waitForInput();
-    const auto line = readLineIfAny(STDIN_FILENO);
+    const auto line = readLineIfAny(STDIN_FILENO, "the line");
     if (!line) return line.error();
     // Cut into words, which are wiped with the heap.
     if (!line.value() || !take(line.value()->reveal())) return _lastFailure;
