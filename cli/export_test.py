@@ -193,6 +193,15 @@ class ImportOfAnExport(ExportTest):
         self.assertEqual(self.run_tool("import", file).out, "added: 0\nalready there: 5\n")
         self.assertEqual(self.export().bytes, before)
 
+    def test_reports_about_a_foreign_category_reach_no_terminal_as_they_are(self):
+        self.add("Bank")
+        exported = json.loads(self.export().out)
+        exported["items"][0]["row"]["uuid"] = "2b48f940-d7ad-48c5-a3b9-b339b8f7a128"
+        exported["items"][0]["row"]["categoryUUID"] = "\x1b[31mred"
+        result = self.run_tool("import", self.write("e.json", json.dumps(exported)))
+        self.assertIn("categoryUUID '\\x1b[31mred'", result.err)
+        self.assertNotIn("\x1b", result.err)
+
     def test_an_item_with_other_content_is_left_alone(self):
         self.fill()
         file = self.write("e.json", self.export().bytes)

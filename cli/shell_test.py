@@ -79,6 +79,10 @@ class Scripts(ShellTest):
         self.script("list")
         self.script("show 'Bank", code=2)
 
+    def test_a_line_that_is_too_long_is_told_of_as_such(self):
+        result = self.script("show " + "x" * (1 << 20), code=2)
+        self.assertIn("the line is too long", result.err)
+
     def test_exit_ends_it_before_the_rest(self):
         result = self.script("exit", "show nobody")
         self.assertEqual((result.out, result.err), ("", ""))
@@ -155,6 +159,14 @@ class Vaults(ShellTest):
                              f"list --store {self.path('other.qn')} --password-file {file}")
         self.assertIn("went over", result.out)
         self.assertEqual(result.out.splitlines()[-1].split()[0], "Bank")
+
+    def test_another_store_does_not_get_the_password_of_the_shell(self):
+        other = self.path("other.qn")
+        self.run_tool("init", "--store", other, password=PASSWORD)
+        shell = self.run_raw("shell", "--password-file", self.write("password", PASSWORD),
+                             stdin=f"list --store {other}\n")
+        self.assertNotEqual(shell.code, 0)
+        self.assertNotIn("wrong password", shell.err)
 
     def test_a_new_password_counts_from_the_next_opening(self):
         self.script("passwd --new-password-stdin", OTHER, "add login --title Bank", "list")
@@ -292,14 +304,45 @@ class Typing(ShellTest):
 
     @unittest.skipIf(os.geteuid() != 0, "another process of the user may not look into the memory")
     def test_what_an_idle_shell_knew_of_items_is_gone_from_its_memory(self):
-        self.add("Bank")
-        self.add("Unshown title of an overview")
+        self.add("Bank", "--tag", "Q7tag-of-it")
+        titles = ("Unshown title of an overview", "Q7short-title", "Q7tag-of-it")
+        self.add(titles[0])
+        self.add(titles[1])
         terminal = self.shell("--idle", "2")
         terminal.press("show ban\t")
         terminal.read_until("Bank")
-        self.assertTrue(self.memory_holds(terminal, "Unshown title of an overview"))
+        self.assertEqual([self.memory_holds(terminal, title) for title in titles], [True] * 3)
         terminal.read_until(LOCKED)
-        self.assertFalse(self.memory_holds(terminal, "Unshown title of an overview"))
+        self.assertEqual([self.memory_holds(terminal, title) for title in titles], [False] * 3)
+
+    @unittest.skipIf(os.geteuid() != 0, "another process of the user may not look into the memory")
+    def test_what_tab_listed_is_gone_from_the_memory_of_a_locked_shell(self):
+        self.add("Q7one")
+        self.add("Q7other")
+        terminal = self.shell("--idle", "2")
+        terminal.press("show Q7o\t")
+        terminal.read_until("Q7other")
+        self.assertTrue(self.memory_holds(terminal, "Q7other"))
+        terminal.read_until(LOCKED)
+        self.assertFalse(self.memory_holds(terminal, "Q7other"))
+
+    def holds_store(self, terminal):
+        """Is the store open? Who has an open vault holds both."""
+        place = f"/proc/{terminal.pid}/fd"
+        return any(os.readlink(os.path.join(place, name)) == self.store
+                   for name in os.listdir(place))
+
+    @unittest.skipIf(os.geteuid() != 0, "another process of the user may not look at its files")
+    def test_a_locked_shell_holds_no_open_vault(self):
+        self.add("Bank")
+        for options, keys in (((), "lock\r"), (("--idle", "1"), "")):
+            terminal = self.shell(*options)
+            before = self.holds_store(terminal)
+            terminal.press(keys)
+            terminal.read_until(LOCKED)
+            self.assertEqual((before, self.holds_store(terminal)), (True, False))
+            terminal.press("exit\r")
+            self.assertEqual(terminal.end(), 0)
 
     def test_history_comes_back_with_the_arrows_and_in_the_next_shell(self):
         terminal = self.shell()
@@ -320,12 +363,13 @@ class Typing(ShellTest):
         self.add("Bank")
         terminal = self.shell()
         for line in ("edit Bank --set notes=s3cret", " show Bank", "hunter2",
-                     "edit Bank --set password=hunter3", "show Bank --field notes"):
+                     "edit Bank --set password=hunter3", "edit Bank --set notes=my pin",
+                     "show Bank --field notes"):
             terminal.line(line)
         self.assertEqual(terminal.leave(), 0)
         self.assertEqual(self.history(),
                          ["edit Bank --set notes=‹hidden›",
-                          "edit Bank --set password=‹hidden›", "show Bank --field notes", "exit"])
+                          "edit", "edit", "show Bank --field notes", "exit"])
         path = self.path(".local/share/quillon/shell-history")
         self.assertEqual(stat.S_IMODE(os.stat(path).st_mode), 0o600)
         self.assertEqual(self.show("Bank")["notes"], "s3cret")
@@ -363,6 +407,33 @@ class Typing(ShellTest):
         terminal.read_until("ork ")
         terminal.press("\r")
         self.assertIn("Bank of mine", terminal.until_prompt())
+        self.assertEqual(terminal.leave(), 0)
+
+    def test_tab_completes_folders(self):
+        self.run_tool("folder", "add", "Travel/Lisbon")
+        self.run_tool("folder", "add", "Home")
+        terminal = self.shell()
+        terminal.press("folder move Hom\tTravel/Li\t")
+        terminal.read_until("sbon ")
+        terminal.press("\r")
+        terminal.until_prompt()
+        self.assertEqual(terminal.leave(), 0)
+        self.assertIn("   └─ Home ", self.run_tool("folder", "list").out)
+
+    def test_a_piece_of_a_character_keeps_nothing_waiting(self):
+        terminal = self.shell("--idle", "1")
+        os.write(terminal.fd, b"\xe6\x97")
+        terminal.read_until(LOCKED, seconds=10)
+        self.assertIn("\ufffd", terminal.output.decode())
+
+    def test_a_lock_asks_at_the_terminal_whatever_gave_the_first_password(self):
+        terminal = Typist(self, "shell", "--password-file", self.write("password", PASSWORD))
+        terminal.read_until(PROMPT)
+        terminal.press("lock\r")
+        terminal.until_prompt(LOCKED)
+        terminal.press("list\r")
+        terminal.answer("Password: ", PASSWORD)
+        terminal.until_prompt()
         self.assertEqual(terminal.leave(), 0)
 
     def test_tab_lists_what_could_be_meant(self):

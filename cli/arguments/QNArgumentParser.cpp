@@ -122,9 +122,11 @@ void complete(QNGlobalArguments& global, const QNGlobalArguments& defaults) {
   global.kept = defaults.kept;
   global.json = global.json || defaults.json;
   if (global.language.empty()) global.language = defaults.language;
-  if (global.password.kind == QNPasswordSource::Kind::terminal) global.password = defaults.password;
+  // The password and the vault of a shell are those of its store alone.
+  if (global.password.kind == QNPasswordSource::Kind::terminal && global.store.empty()) {
+    global.password = defaults.password;
+  }
   global.password.prefix = kPasswordPrefix;
-  // The vault of a shell is one of its store alone.
   if (global.vault.empty() && global.store.empty()) global.vault = defaults.vault;
   if (global.vault.empty() && defaults.store.empty()) {
     global.vault = environmentVariable("QUILLON_VAULT");

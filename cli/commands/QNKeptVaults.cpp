@@ -26,11 +26,20 @@ QNOpenVault::QNOpenVault(std::shared_ptr<QNStore> ofStore, std::shared_ptr<QNPro
     : store(std::move(ofStore)), vault(std::move(opened)), primary(std::move(first)) {}
 
 QNOpenVault::~QNOpenVault() {
+  lock();
+}
+
+void QNOpenVault::lock() {
   if (vault != nullptr) vault->lock();
   if (primary != nullptr && primary != vault) primary->lock();
 }
 
 void QNKeptVaults::lock() {
+  for (const auto& [name, open] : _vaults) open->lock();
+  letGo();
+}
+
+void QNKeptVaults::letGo() {
   _vaults.clear();
   _store.reset();
 }
@@ -46,15 +55,15 @@ QNKeptVaults::Place QNKeptVaults::placeOf(const std::filesystem::path& file) {
   return {static_cast<std::uint64_t>(about.st_dev), static_cast<std::uint64_t>(about.st_ino)};
 }
 
-void QNKeptVaults::lockIfStale() {
+void QNKeptVaults::letGoIfStale() {
   const bool sound = std::all_of(_vaults.begin(), _vaults.end(),
                                  [](const auto& kept) { return isAsStored(*kept.second); });
-  if (!sound || placeOf(_file) != _place) lock();
+  if (!sound || placeOf(_file) != _place) letGo();
 }
 
 QNResult<std::shared_ptr<QNStore>> QNKeptVaults::store(const QNGlobalArguments& global,
                                                        QNStore::Access access) {
-  lockIfStale();
+  letGoIfStale();
   if (_store != nullptr && (access == QNStore::Access::readOnly || _access == access)) {
     return _store;
   }
@@ -66,7 +75,7 @@ QNResult<std::shared_ptr<QNStore>> QNKeptVaults::store(const QNGlobalArguments& 
     opened = openStore(global, given);
   }
   if (!opened) return opened.error();
-  lock();
+  letGo();
   _store = std::move(opened).value();
   _access = given;
   _place = place;

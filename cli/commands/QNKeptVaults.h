@@ -18,6 +18,9 @@ struct QNOpenVault final {
   QNOpenVault(const QNOpenVault&) = delete;
   QNOpenVault& operator=(const QNOpenVault&) = delete;
 
+  /// Also for whoever else holds it.
+  void lock();
+
   std::shared_ptr<QNStore> store;
   std::shared_ptr<QNProfile> vault;
   std::shared_ptr<QNProfile> primary;  // null if the vault was opened by a password of its own
@@ -30,7 +33,8 @@ class QNKeptVaults final {
  public:
   explicit QNKeptVaults(std::filesystem::path store) : _file(std::move(store)) {}
 
-  /// Locks all vaults and closes the store: keys are wiped.
+  /// Locks all vaults, whoever else holds them, and closes the store: keys are wiped. Between two
+  /// commands: one that runs would lose the vault that it works with.
   void lock();
   [[nodiscard]] bool isLocked() const { return _vaults.empty(); }
 
@@ -52,7 +56,9 @@ class QNKeptVaults final {
     bool operator==(const Place&) const = default;
   };
   static Place placeOf(const std::filesystem::path& file);
-  void lockIfStale();
+  // Of what a command that runs holds, the end of that command locks it.
+  void letGo();
+  void letGoIfStale();
 
   std::filesystem::path _file;
   Place _place;  // of the file that is open

@@ -3,8 +3,10 @@
 #include "cli/arguments/QNArgumentParser.h"
 #include "cli/commands/QNCommands.h"
 #include "cli/output/QNOutput.h"
+#include "cli/output/QNShownText.h"
 #include "cli/terminal/QNMessages.h"
 #include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/text/QNLocalization.h"
 
 namespace quillon {
@@ -24,6 +26,22 @@ class CommandLanguage {
  private:
   std::string _before;
   QNScopedLocale _locale;
+};
+
+// What the library reports may quote texts of a vault, which anybody may have written.
+class ShownReports {
+ public:
+  ShownReports() : _before(MRLogger::sharedLogger().setSink(show)) {}
+  ~ShownReports() { MRLogger::sharedLogger().setSink(std::move(_before)); }
+  ShownReports(const ShownReports&) = delete;
+  ShownReports& operator=(const ShownReports&) = delete;
+
+ private:
+  static void show(const MRLogRecord& record) {
+    const std::string object = shownText(record.object);
+    say(object + (object.empty() ? "" : ": ") + shownText(record.text));
+  }
+  MRLogger::Sink _before;
 };
 
 QNCommandResult run(const std::vector<std::string>& line, const QNGlobalArguments& defaults) {
@@ -54,6 +72,7 @@ QNCommandResult runCommand(Global global, const QNTextArguments& arguments) {
 }
 
 QNExit runTool(const std::vector<std::string>& arguments, const QNGlobalArguments& defaults) {
+  const ShownReports reports;
   const QNCommandResult result = runCaught(arguments, defaults);
   if (result) return result.value();
   // The reader of a pipe has gone: nobody is there to be told.

@@ -29,9 +29,7 @@ std::vector<std::string> linesOf(std::string_view text) {
 }
 
 // A link might lead into a file of somebody else.
-QNResult<QNDone> requirePlainFile(int descriptor, const std::filesystem::path& file) {
-  struct stat about {};
-  if (::fstat(descriptor, &about) != 0) return fileError(file, errno);
+QNResult<QNDone> requirePlain(const struct stat& about, const std::filesystem::path& file) {
   if (S_ISREG(about.st_mode) && about.st_uid == ::geteuid()) return QNDone{};
   return fileError(file, EPERM);
 }
@@ -51,10 +49,13 @@ std::filesystem::path QNHistoryFile::defaultPlace() {
 }
 
 QNResult<std::vector<std::string>> QNHistoryFile::read() {
-  std::error_code failed;
-  const auto type = std::filesystem::symlink_status(_file, failed).type();
-  if (type == std::filesystem::file_type::not_found) return std::vector<std::string>();
-  if (type != std::filesystem::file_type::regular) return fileError(_file, EPERM);
+  struct stat about {};
+  if (::lstat(_file.c_str(), &about) != 0) {
+    if (errno == ENOENT) return std::vector<std::string>();
+    return fileError(_file, errno);
+  }
+  const auto plain = requirePlain(about, _file);
+  if (!plain) return plain.error();
   const auto content = readFile(_file, kMaxBytes);
   if (!content) return content.error();
   std::vector<std::string> lines = linesOf(textOf(content.value()));
@@ -73,7 +74,9 @@ QNResult<QNDone> QNHistoryFile::append(std::string_view line) {
   const int descriptor =
       ::open(_file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0600);
   if (descriptor < 0) return fileError(_file, errno);
-  QNResult<QNDone> done = requirePlainFile(descriptor, _file);
+  struct stat about {};
+  QNResult<QNDone> done =
+      ::fstat(descriptor, &about) == 0 ? requirePlain(about, _file) : fileError(_file, errno);
   // One write, so that the lines of two shells don't mix.
   const std::string whole = std::string(line) + '\n';
   if (done &&

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <fstream>
 
@@ -108,6 +109,17 @@ TEST_F(HistoryFile, FollowsNoLink) {
   ASSERT_FALSE(appended.ok());
   EXPECT_EQ(exitFor(appended.error()), QNExit::fileError);
   EXPECT_EQ(fs::file_size(folder / "letter"), 9u);
+}
+
+TEST_F(HistoryFile, OfSomebodyElseIsNotRead) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root gives a file away";
+  write("list\n");
+  ASSERT_EQ(::chown(place.c_str(), 1, 1), 0);
+
+  const auto read = QNHistoryFile(place).read();
+
+  ASSERT_FALSE(read.ok());
+  EXPECT_EQ(exitFor(read.error()), QNExit::fileError);
 }
 
 TEST_F(HistoryFile, LiesInTheUsersDataFolder) {

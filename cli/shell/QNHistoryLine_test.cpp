@@ -21,11 +21,11 @@ TEST(HistoryLine, KeepsWhatNamesSomething) {
                                       "add router --title Home --tag net",
                                       "vault add work",
                                       "vault list",
-                                      "find forum shop",
                                       "edit Bank --set pin",
                                       "edit Bank --set-file notes=letter.txt",
                                       "edit Bank --set password=-",
                                       "edit Bank --set notes=",
+                                      "trash Bank",
                                       "add login --title Bank --generate",
                                       "passwd --new-password-file new.txt",
                                       "otp Bank --at 59",
@@ -33,7 +33,15 @@ TEST(HistoryLine, KeepsWhatNamesSomething) {
                                       "help edit",
                                       "lock",
                                       "exit",
-                                      "pick bank --copy",
+                                      "pick --copy",
+                                      "smart show Weak",
+                                      "folder move Travel --to-top",
+                                      "folder move Travel Home",
+                                      "tag rename work job",
+                                      "merge other.qn --other-vault work",
+                                      "template credit-card",
+                                      "otp 'My bank'",
+                                      "help vault add",
                                       "--json list",
                                       "generate --length 30"}) {
     EXPECT_EQ(kept(line), line);
@@ -59,14 +67,58 @@ TEST(HistoryLine, HidesTheValuesOfOptionsThatHoldContent) {
 }
 
 TEST(HistoryLine, HidesWhatWasTypedInTheWrongWay) {
-  EXPECT_EQ(kept("edit Bank password=s3cret"), "edit Bank password=‹hidden›");
-  EXPECT_EQ(kept("add login --title Bank --password=s3cret"),
-            "add login --title Bank --password=‹hidden›");
-  EXPECT_EQ(kept("add login --title Bank --password s3cret"),
-            "add login --title Bank --password ‹hidden›");
-  EXPECT_EQ(kept("edit Bank --pasword s3cret"), "edit Bank --pasword ‹hidden›");
-  EXPECT_EQ(kept("edit Bank --pasword=s3cret"), "edit Bank --pasword=‹hidden›");
-  EXPECT_EQ(kept("list -ps3cret"), "list ‹hidden›");
+  EXPECT_EQ(kept("trash password=s3cret"), "trash password=‹hidden›");
+  EXPECT_EQ(kept("otp JBSWY3DPEHPK3PXP"), "otp ‹hidden›");
+  EXPECT_EQ(kept("otp 'jbsw y3dp ehpk 3pxp'"), "otp ‹hidden›");
+  EXPECT_EQ(kept("otp otpauth://totp/x?secret"), "otp ‹hidden›");
+  EXPECT_EQ(kept("edit --set password hunter2"), "edit --set password ‹hidden›");
+}
+
+TEST(HistoryLine, KeepsTheNameAloneOfACommandThatDoesNotTakeTheLine) {
+  EXPECT_EQ(kept("edit Bank password=s3cret"), "edit");
+  EXPECT_EQ(kept("add login --title Bank --password=s3cret"), "add login");
+  EXPECT_EQ(kept("add login --title Bank --password s3cret"), "add login");
+  EXPECT_EQ(kept("edit Bank --pasword s3cret"), "edit");
+  EXPECT_EQ(kept("edit Bank --pasword=s3cret"), "edit");
+  EXPECT_EQ(kept("list -ps3cret"), "list");
+  EXPECT_EQ(kept("edit Bank --set notes=my pin is 1234"), "edit");
+  EXPECT_EQ(kept("add login --title B --notes my pin is 1234"), "add login");
+  EXPECT_EQ(kept("edit Bank --set password hunter2"), "edit");
+  EXPECT_EQ(kept("add login --title B --password= hunter2"), "add login");
+  EXPECT_EQ(kept("edit Bank --set notes= hunter2"), "edit");
+  EXPECT_EQ(kept("passwd hunter2"), "passwd");
+  EXPECT_EQ(kept("lock hunter2"), "lock");
+  EXPECT_EQ(kept("vault add work hunter2"), "vault add");
+  EXPECT_EQ(kept("help hunter2"), "help");
+  EXPECT_EQ(kept("passwd hunter2 --help"), "passwd");
+  EXPECT_EQ(kept("show -- hunter2"), "show");
+}
+
+TEST(HistoryLine, KeepsAnOptionOfItsOwnCommandAlone) {
+  EXPECT_EQ(kept("generate --pin 6"), "generate --pin 6");
+  EXPECT_EQ(kept("add credit-card --title C --pin 1234"), "add");
+  EXPECT_EQ(kept("edit Bank --pin 1234"), "edit");
+  EXPECT_EQ(kept("edit Bank --pin=1234"), "edit");
+}
+
+TEST(HistoryLine, HidesWhatIsSearchedFor) {
+  EXPECT_EQ(kept("find --contents hunter2"), "find --contents ‹hidden›");
+  EXPECT_EQ(kept("find forum shop --long"), "find ‹hidden› ‹hidden› --long");
+  EXPECT_EQ(kept("find --where 'password == \"hunter2\"'"), "find --where ‹hidden›");
+  EXPECT_EQ(kept("find --category --tag hunter2"), "find --category --tag ‹hidden›");
+  EXPECT_EQ(kept("pick bank --copy"), "pick ‹hidden› --copy");
+  EXPECT_EQ(kept("for https://user:pw@host/"), "for ‹hidden›");
+  EXPECT_EQ(kept("for host"), "for ‹hidden›");
+  for (const std::string_view predicate :
+       {"password CONTAINS \"hunter2\"", "password LIKE \"hunter2\"",
+        "password MATCHES \"hunter2\"", "password IN {\"hunter2\"}", "password < \"hunter2\"",
+        "\"hunter2\" == password"}) {
+    EXPECT_EQ(kept("smart add X '" + std::string(predicate) + "'"), "smart add X ‹hidden›");
+  }
+}
+
+TEST(HistoryLine, HidesAValueThatLooksLikeAnOption) {
+  EXPECT_EQ(kept("add login --title B --notes --hunter2"), "add login --title B --notes ‹hidden›");
 }
 
 TEST(HistoryLine, KeepsNothingOfALineThatBeginsWithABlank) {
@@ -85,12 +137,7 @@ TEST(HistoryLine, KeepsNothingOfWhatIsNoCommand) {
 }
 
 TEST(HistoryLine, HidesAValueThatItDoesNotKnowToBeAName) {
-  // Whatever commands there are: an option whose value isn't on the list of names is hidden.
-  const std::vector<QNCommandOutline> outlines = {
-      {"", {}, {}}, {"new", {{"--made-up", true, {}}, {"--flag", false, {}}}, {}}};
-
-  EXPECT_EQ(historyLineOf("new --made-up s3cret --flag word", outlines),
-            "new --made-up ‹hidden› --flag word");
+  EXPECT_EQ(kept("pick --clipboard s3cret --clear 5"), "pick --clipboard ‹hidden› --clear 5");
 }
 
 TEST(LineGrammar, ReadsDefinitionsOfTheTool) {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <histedit.h>
 #include <langinfo.h>
+#include <poll.h>
 #include <unicode/utf8.h>
 #include <unistd.h>
 
@@ -10,6 +11,7 @@
 #include <cerrno>
 #include <clocale>
 #include <cstdio>
+#include <exception>
 
 #include "cli/QNToolError.h"
 #include "cli/output/QNShownText.h"
@@ -23,6 +25,7 @@ namespace {
 constexpr int kMaxRemembered = 1000;
 constexpr std::size_t kMaxShownChoices = 200;
 constexpr std::size_t kListWidth = 78;
+constexpr int kTrailMilliseconds = 100;  // between the bytes of one character
 
 // libedit asks the C library what characters are and how wide. The tool writes UTF-8 whatever the
 // environment says.
@@ -83,13 +86,22 @@ struct QNLineEditor::Editor {
     el_wget(edit, EL_CLIENTDATA, &self);
     return *static_cast<Editor*>(self);
   }
-  static wchar_t* promptOf(EditLine* edit) {
+  // libedit calls these, and nothing may be thrown through it.
+  static wchar_t* promptOf(EditLine* edit) noexcept {
     Editor& self = of(edit);
     self.prompt = wideText(self.calls.prompt());
     return self.prompt.data();
   }
-  static int readCharacter(EditLine* edit, wchar_t* place) { return of(edit).next(*place); }
-  static unsigned char complete(EditLine* edit, int) { return of(edit).completeWord(); }
+  static int readCharacter(EditLine* edit, wchar_t* place) noexcept {
+    return of(edit).next(*place);
+  }
+  static unsigned char complete(EditLine* edit, int) noexcept {
+    try {
+      return of(edit).completeWord();
+    } catch (const std::exception&) {  // memory is short
+      return CC_ERROR;
+    }
+  }
   static unsigned char giveUp(EditLine* edit, int) {
     of(edit).isGivenUp = true;
     return CC_NEWLINE;
@@ -108,10 +120,17 @@ struct QNLineEditor::Editor {
     int count = 1;
     if (readByte(bytes[0]) <= 0) return 0;
     const int trail = U8_COUNT_TRAIL_BYTES(static_cast<std::uint8_t>(bytes[0]));
-    while (count <= trail && readByte(bytes[static_cast<std::size_t>(count)]) > 0) ++count;
+    while (count <= trail && comesSoon() && readByte(bytes[static_cast<std::size_t>(count)]) > 0) {
+      ++count;
+    }
     place = wideText({bytes.data(), static_cast<std::size_t>(count)})[0];
     wipe(bytes.data(), bytes.size());
     return 1;
+  }
+  // A key sends its bytes together. Of a piece of one, U+FFFD is made.
+  [[nodiscard]] bool comesSoon() const {
+    pollfd waiting{fileno(terminal), POLLIN, 0};
+    return ::poll(&waiting, 1, kTrailMilliseconds) > 0;
   }
   ssize_t readByte(char& byte) const {
     ssize_t count = 0;
@@ -175,8 +194,19 @@ struct QNLineEditor::Editor {
     }
     if (completion.choices.empty()) return CC_REFRESH_BEEP;
     if (completion.choices.size() == 1) return CC_REFRESH;
-    std::fputs(("\n" + listOf(completion.choices)).c_str(), terminal);
+    show("\n");
+    show(listOf(completion.choices));
     return CC_REDISPLAY;
+  }
+
+  // Past the stream, whose buffer would keep the names of a vault that is locked by then.
+  void show(std::string_view text) const {
+    std::fflush(terminal);
+    for (std::size_t done = 0; done < text.size();) {
+      const ssize_t count = ::write(fileno(terminal), text.data() + done, text.size() - done);
+      if (count <= 0) return;  // nobody sees it
+      done += static_cast<std::size_t>(count);
+    }
   }
 
   Calls calls;

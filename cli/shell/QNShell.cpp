@@ -53,14 +53,23 @@ QNShell::QNShell(const QNGlobalArguments& global, const QNShellArguments& argume
 }
 
 QNCommandResult QNShell::run() {
-  const auto session = QNVaultSession::open(_defaults, QNStore::Access::readOnly);
-  if (!session) return session.error();
-  // What comes next from there is no password: the vault is opened again from the terminal.
+  const auto opened = openVault();
+  if (!opened) return opened.error();
+  const bool isTyped = isatty(STDIN_FILENO) == 1;
+  // A lock asks the person who types. To a script a file says the same again; what comes next from
+  // elsewhere is no password.
   using Kind = QNPasswordSource::Kind;
   QNPasswordSource& source = _defaults.password;
-  if (source.kind != Kind::file) source.kind = Kind::terminal;
+  if (isTyped || source.kind != Kind::file) source.kind = Kind::terminal;
   startIdle();
-  return isatty(STDIN_FILENO) == 1 ? runTyped() : runScript();
+  return isTyped ? runTyped() : runScript();
+}
+
+// What was opened stays with _kept alone: a session that the shell held would outlast a lock.
+QNResult<QNDone> QNShell::openVault() {
+  const auto session = QNVaultSession::open(_defaults, QNStore::Access::readOnly);
+  if (!session) return session.error();
+  return QNDone{};
 }
 
 QNCommandResult QNShell::runTyped() {
@@ -84,7 +93,7 @@ QNCommandResult QNShell::runTyped() {
 QNCommandResult QNShell::runScript() {
   for (;;) {
     waitForInput();
-    const auto line = readLineIfAny(STDIN_FILENO);
+    const auto line = readLineIfAny(STDIN_FILENO, "the line");
     if (!line) return line.error();
     // Cut into words, which are wiped with the heap.
     if (!line.value() || !take(line.value()->reveal())) return _lastFailure;

@@ -25,6 +25,7 @@ class QNShell final {
   QNCommandResult run();
 
  private:
+  QNResult<QNDone> openVault();
   QNCommandResult runTyped();
   QNCommandResult runScript();
   /// False if it was the last.

@@ -21,11 +21,12 @@ struct Named {
   Kind kind;
   std::string_view behind = "";  // what follows the name without a blank
 };
-constexpr std::array<Named, 17> kNamed = {{
+constexpr std::array<Named, 18> kNamed = {{
     {"ITEM", Kind::item},
     {"CATEGORY", Kind::category},
     {"TAG", Kind::tag},
     {"FOLDER", Kind::folder},
+    {"PARENT", Kind::folder},
     {"--tag", Kind::tag},
     {"--untag", Kind::tag},
     {"--category", Kind::category},

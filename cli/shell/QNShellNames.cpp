@@ -65,8 +65,9 @@ std::vector<std::string> QNShellNames::of(Kind kind, const std::string& item,
 
 void QNShellNames::forget() {
   _isListed = false;
-  _items.clear();
-  _tags.clear();
+  // Short texts lie inside the vectors' blocks, which clear() would keep as they are.
+  std::vector<Item>().swap(_items);
+  std::vector<std::string>().swap(_tags);
 }
 
 void QNShellNames::list(const QNOpenVault& open) {

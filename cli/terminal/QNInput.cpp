@@ -37,29 +37,27 @@ ssize_t readSome(int descriptor, void* place, std::size_t size) {
   return count;
 }
 
-QNError unreadablePassword() {
-  return fileError("the password", errno);
-}
+constexpr std::string_view kPassword = "the password";
 
 }  // namespace
 
-QNResult<std::optional<QNSecret>> readLineIfAny(int descriptor) {
+QNResult<std::optional<QNSecret>> readLineIfAny(int descriptor, std::string_view what) {
   QNSecret line;
   for (;;) {
     char c = 0;
     const ssize_t count = readSome(descriptor, &c, 1);
-    if (count < 0) return unreadablePassword();
+    if (count < 0) return fileError(what, errno);
     if (count == 0 && line.empty()) return std::optional<QNSecret>();
     if (count == 0 || c == '\n') return std::optional<QNSecret>(std::move(line));
     if (line.size() == kMaxPasswordBytes) {
-      return toolError(QNExit::wrongUsage, "the password is too long");
+      return toolError(QNExit::wrongUsage, fmt::format("{} is too long", what));
     }
     line.append({&c, 1});
   }
 }
 
 QNResult<QNSecret> readLine(int descriptor) {
-  auto line = readLineIfAny(descriptor);
+  auto line = readLineIfAny(descriptor, kPassword);
   if (!line) return line.error();
   if (!line.value()) return toolError(QNExit::wrongUsage, "no password was given");
   return *std::move(line).value();
@@ -70,7 +68,7 @@ QNResult<QNSecret> readSecret(int descriptor) {
   Bytes buffer(4096);
   for (;;) {
     const ssize_t count = readSome(descriptor, buffer.data(), buffer.size());
-    if (count < 0) return unreadablePassword();
+    if (count < 0) return fileError(kPassword, errno);
     // A producer that failed must not take a stored secret away.
     if (count == 0 && secret.empty()) {
       return toolError(QNExit::wrongUsage, "there was nothing on standard input");

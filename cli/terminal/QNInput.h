@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string_view>
 
 #include "quillon/platform/errors/QNError.h"
 #include "quillon/platform/memory/QNSecret.h"
@@ -17,8 +18,8 @@ inline constexpr std::size_t kMaxSecretBytes = std::size_t{16} << 20;
 /// The next line, without its newline; it may be the file's last and have none. Error with exit
 /// code 2 at the end of the file, or if the line is longer than kMaxPasswordBytes.
 QNResult<QNSecret> readLine(int descriptor);
-/// The same, and nothing at the end of the file.
-QNResult<std::optional<QNSecret>> readLineIfAny(int descriptor);
+/// The same, and nothing at the end of the file. Errors tell of `what`: "the password".
+QNResult<std::optional<QNSecret>> readLineIfAny(int descriptor, std::string_view what);
 /// All that is left, without one newline at the end. Error with exit code 2 if there is nothing: an
 /// empty secret is an empty line.
 QNResult<QNSecret> readSecret(int descriptor);
