@@ -175,7 +175,7 @@ QNCommandResult runCommand(Global global, const QNPickArguments& arguments) {
   QNPickItems items;
   const auto report = items.load(session.value(), filter.value());
   if (!report) return report.error();
-  const QNExit exit = warnOfDamage(report.value());
+  const QNExit exit = std::max(folder.value(), warnOfDamage(report.value()));
   const auto picked = pick(session.value(), items, arguments);
   if (!picked) return picked.error();
   const auto done = arguments.use == Use::print
