@@ -314,6 +314,7 @@ class Tags(OrganiseTest):
                          [["trips/rail"], ["trips/rail"], []])
         self.assertEqual(self.run_tool("tag", "add", "x", "A", "--json").json,
                          {"tag": "x", "items": 1})
+        self.assertEqual(self.run_tool("tag", "add", "x", "A", "B").out, "items changed: 1\n")
 
     def test_one_item_that_is_not_there_leaves_all_alone(self):
         self.add("A")
