@@ -314,6 +314,7 @@ class Tags(OrganiseTest):
                          [["trips/rail"], ["trips/rail"], []])
         self.assertEqual(self.run_tool("tag", "add", "x", "A", "--json").json,
                          {"tag": "x", "items": 1})
+        self.assertEqual(self.run_tool("tag", "add", "x", "A", "B").out, "items changed: 1\n")
 
     def test_one_item_that_is_not_there_leaves_all_alone(self):
         self.add("A")
@@ -485,7 +486,7 @@ class Folders(OrganiseTest):
         self.assertEqual([(f["title"], f["folders"]) for f in self.folders().values()],
                          [("A", 0), ("B", 1), ("C", 0)])
         for parent in ("B", "B/C"):
-            self.assertIn("can't lie in itself",
+            self.assertIn("would lie in itself",
                           self.run_tool("folder", "move", "B", parent, code=1).err)
         self.run_tool("folder", "move", "A", "B/C")
         self.assertEqual(self.run_tool("folder", "list").out.split()[::3][0], "B")
@@ -662,6 +663,14 @@ class Damage(OrganiseTest):
         result = self.run_tool("folder", "list", "--json", code=6)
         self.assertEqual([folder["title"] for folder in result.json], ["B"])
         self.assertIn("damaged folders left out: 1", result.err)
+        self.assertEqual(self.run_tool("for", "https://b.example", "--folder", "B", code=6).out, "")
+        for command in (["list"], ["find", "--where", "TRUEPREDICATE"]):
+            result = self.run_tool(*command, "--folder", "B", code=6)
+            self.assertIn("damaged folders left out: 1", result.err)
+            self.assertIn("no folder that is left",
+                          self.run_tool(*command, "--folder", "A", code=6).err)
+            self.run_tool(*command)
+        self.run_tool("folder", "delete", "A", code=6)
         self.assertFalse(self.run_tool("check", "--json", code=6).json["clean"])
 
     def test_a_folder_row_that_was_taken_away_is_noticed(self):

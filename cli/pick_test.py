@@ -401,10 +401,10 @@ class Copying(PickTest):
         return [base64.b64decode(text, validate=True).decode()
                 for text in re.findall(rb"\x1b\]52;c;([^\x07]*)\x07", picker.output)]
 
-    def program(self, name):
+    def program(self, name, end=""):
         """A program for the clipboard that writes down what it gets and with which options."""
         path = self.write(name, f"#!/bin/sh\necho \"$@\" >>'{self.path('options')}'\n"
-                                f"{{ cat; echo '|'; }} >>'{self.path('clipboard')}'\n")
+                                f"{{ cat; echo '|'; }} >>'{self.path('clipboard')}'\n{end}\n")
         os.chmod(path, 0o755)
         return path
 
@@ -431,13 +431,48 @@ class Copying(PickTest):
         self.assertEqual(self.clipboard_of(picker), ["jo", ""])
 
     def test_a_signal_clears_it_too_and_restores_the_terminal(self):
-        for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT):
+        for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT, signal.SIGUSR1,
+                       signal.SIGUSR2, signal.SIGALRM, signal.SIGXCPU):
             picker = self.pick("--copy")
             picker.read_until("is cleared in 45 s")
             os.kill(picker.pid, number)
             picker.wait_for_echo(True)
             self.assertEqual(picker.end(), -number)
             self.assertEqual(self.clipboard_of(picker), ["pa55 word", ""])
+
+    def test_a_signal_that_stops_it_clears_it_first(self):
+        shell = Terminal(self, "--norc", "-ic",
+                         '"$0" pick bank --copy; echo "stopped"; fg >/dev/null', tool_test.TOOL,
+                         program="bash")
+        shell.answer("Password: ", PASSWORD)
+        shell.read_until("1 of 1")
+        os.write(shell.fd, b"\r")
+        shell.read_until("is cleared in 45 s")
+        with open(f"/proc/{shell.pid}/task/{shell.pid}/children") as children:
+            os.kill(int(children.read().split()[0]), signal.SIGTSTP)
+        shell.read_until("stopped")
+        self.assertEqual(self.clipboard_of(shell), ["pa55 word", ""])
+        self.assertEqual(shell.end(), 0)
+        self.assertEqual(self.clipboard_of(shell), ["pa55 word", ""])
+
+    def test_a_signal_that_ends_it_goes_before_one_that_stops_it(self):
+        picker = self.pick("--copy", "--clipboard", self.program("slow", "sleep 1"))
+        os.kill(picker.pid, signal.SIGTSTP)
+        time.sleep(0.2)
+        os.kill(picker.pid, signal.SIGTERM)
+        picker.wait_for_echo(True)
+        self.assertEqual(picker.end(), -signal.SIGTERM)
+        self.assertTrue(self.read("clipboard").endswith(b"|\n|\n"))
+
+    def test_keys_that_were_pressed_before_dont_clear_it(self):
+        picker = self.pick("--copy", "--clipboard", self.program("slow", "sleep 1"))
+        picker.press("x ")
+        picker.read_until("is cleared in 45 s")
+        picker.read_until("is cleared in 44 s")
+        self.assertEqual(self.read("clipboard"), b"pa55 word|\n")
+        picker.press(" ")
+        self.assertEqual(picker.end(), 0)
+        self.assertEqual(self.read("clipboard"), b"pa55 word|\n|\n")
 
     def test_a_time_of_0_leaves_it_there(self):
         picker = self.pick("--copy", "--clear", "0")
@@ -475,6 +510,31 @@ class Copying(PickTest):
         picker = self.pick("--copy", "--clipboard", "false")
         self.assertEqual(picker.end(), 1)
         self.assertIn(b"didn't take the text", picker.output)
+
+    def test_what_a_program_took_before_it_failed_is_cleared(self):
+        picker = self.pick("--copy", "--clipboard", self.program("failing", "exit 1"))
+        self.assertEqual(picker.end(), 1)
+        self.assertIn(b"didn't take the text", picker.output)
+        self.assertEqual(self.read("clipboard"), b"pa55 word|\n|\n")
+
+    def test_a_program_that_hangs_is_ended_and_the_clipboard_cleared(self):
+        program = self.program("hanging", "exec sleep 1000")
+        picker = self.pick("--copy", "--clipboard", program)
+        self.assertEqual(picker.end(), 1)
+        self.assertIn(b"didn't take the text", picker.output)
+        self.assertEqual(self.read("clipboard"), b"pa55 word|\n|\n")
+
+    def test_a_signal_needs_no_patience_with_a_program_that_hangs(self):
+        again = self.path("again")
+        program = self.program("hanging", f"[ -e '{again}' ] && exit\n>'{again}'\nexec sleep 1000")
+        picker = self.pick("--copy", "--clipboard", program)
+        while not os.path.exists(again):
+            time.sleep(0.02)
+        began = time.monotonic()
+        os.kill(picker.pid, signal.SIGTERM)
+        self.assertEqual(picker.end(), -signal.SIGTERM)
+        self.assertLess(time.monotonic() - began, 4)
+        self.assertEqual(self.read("clipboard"), b"pa55 word|\n|\n")
 
     def test_json_is_one_value_without_the_secret(self):
         picker = self.pick("--copy", "--clear", "0", "--json")

@@ -1,5 +1,7 @@
 // find and for: items by words, by a predicate, or by the page that they fit.
 
+#include <algorithm>
+
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNVaultFolders.h"
 #include "cli/fields/QNGivenPredicate.h"
@@ -9,14 +11,16 @@
 namespace quillon {
 namespace {
 
-QNCommandResult print(QNListing& listing, const QNListReport& report) {
+// `exit` is what the folders end with.
+QNCommandResult print(QNListing& listing, const QNListReport& report, QNExit exit) {
   QNOutput out;
   listing.print(out);
-  return out.finish(warnOfDamage(report));
+  return out.finish(std::max(exit, warnOfDamage(report)));
 }
 
 QNCommandResult findByWords(Global global, const QNFindArguments& arguments,
-                            const QNItemFilter& filter, const QNVaultSession& session) {
+                            const QNItemFilter& filter, const QNVaultSession& session,
+                            QNExit exit) {
   std::vector<std::string> unread;
   const auto load = [&](QNItem& item) {
     const bool loaded = session.store().loadDetails(item.shared_from_this()).ok();
@@ -34,19 +38,19 @@ QNCommandResult findByWords(Global global, const QNFindArguments& arguments,
   if (!report) return report.error();
   auto& damaged = report.value().damaged;
   damaged.insert(damaged.end(), unread.begin(), unread.end());
-  return print(listing, report.value());
+  return print(listing, report.value(), exit);
 }
 
 QNCommandResult findByPredicate(Global global, const QNFindArguments& arguments,
                                 const QNPredicate& predicate, const QNItemFilter& filter,
-                                const QNVaultSession& session) {
+                                const QNVaultSession& session, QNExit exit) {
   QNListing listing(listForm(global.json, arguments.withUUIDs));
   const auto report = session.store().listMatching(session.vault(), QNStore::Which::normal,
                                                    predicate, [&](const auto& item) {
                                                      if (filter.admits(*item)) listing.add(item);
                                                    });
   if (!report) return report.error();
-  return print(listing, report.value());
+  return print(listing, report.value(), exit);
 }
 
 }  // namespace
@@ -62,9 +66,9 @@ QNCommandResult runCommand(Global global, const QNFindArguments& arguments) {
   const auto folder = chooseFolderOf(filter.value(), session.value(), arguments.filter);
   if (!folder) return folder.error();
   return predicate.value() == nullptr
-             ? findByWords(global, arguments, filter.value(), session.value())
+             ? findByWords(global, arguments, filter.value(), session.value(), folder.value())
              : findByPredicate(global, arguments, *predicate.value(), filter.value(),
-                               session.value());
+                               session.value(), folder.value());
 }
 
 // In the order in which they would be offered for the page.
@@ -85,7 +89,7 @@ QNCommandResult runCommand(Global global, const QNForArguments& arguments) {
   }
   QNOutput out;
   listing.print(out);
-  return out.finish();
+  return out.finish(folder.value());
 }
 
 }  // namespace quillon

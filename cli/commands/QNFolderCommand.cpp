@@ -14,27 +14,30 @@ namespace {
 
 constexpr std::size_t kTitleWidth = 40;
 
-JsonObject jsonOf(QNFolder& folder) {
+JsonObject jsonOf(QNFolder& folder, bool isSmart) {
   JsonObject object(jsonStorage());
   setJsonText(object, "uuid", *folder.uuid());
   setJsonText(object, "title", folder.title().value_or(""));
   const auto parent = folder.parentFolder();
   object["parent"] = nullptr;
   if (parent != nullptr) setJsonText(object, "parent", *parent->uuid());
-  object["smart"] = folder.smartFolder();
+  object["smart"] = isSmart;
   object["items"] = folder.numberOfItems();
   object["folders"] = folder.numberOfChildren();
   return object;
 }
 
-void printList(QNOutput& out, const std::vector<QNFolderRef>& folders) {
+void printList(QNOutput& out, const QNVaultFolders& tree) {
   JsonArray array(jsonStorage());
-  for (const QNFolderRef& folder : folders) array.emplace_back(jsonOf(*folder));
+  for (const QNFolderRef& folder : tree.all()) {
+    array.emplace_back(jsonOf(*folder, tree.isSmart(*folder)));
+  }
   out.json(Json(std::move(array)));
   out.line("");
 }
 
-void printTree(QNOutput& out, const std::vector<QNFolderRef>& folders, bool withUUIDs) {
+void printTree(QNOutput& out, const QNVaultFolders& tree, bool withUUIDs) {
+  const std::vector<QNFolderRef> folders = tree.all();
   std::vector<std::size_t> levels;
   for (const QNFolderRef& folder : folders) levels.push_back(folder->indentationLevel());
   const std::vector<std::string> branches = branchesOfTree(levels);
@@ -42,7 +45,7 @@ void printTree(QNOutput& out, const std::vector<QNFolderRef>& folders, bool with
     QNFolder& folder = *folders[i];
     if (withUUIDs) out.text(shownText(*folder.uuid()) + "  ");
     out.text(padded(branches[i] + shownTitle(folder), kTitleWidth) + "  ");
-    out.line(folder.smartFolder()
+    out.line(tree.isSmart(folder)
                  ? QNLocalizedString("smart folder")
                  : localizedFormat("items: %jd", std::to_string(folder.numberOfItems())));
   }
@@ -62,12 +65,8 @@ QNCommandResult saveMoved(Global global, const QNVaultSession& session, QNFolder
                           const QNFolderRef& parent) {
   folder->setParentUUID(parent == nullptr ? std::nullopt : std::optional(*parent->uuid()));
   const auto saved = session.store().saveFolder(folder);
-  if (saved) return done(global, *folder, "parent", textOrNull(folder->parentUUID()));
-  const bool isInItself = isStoreError(saved.error(), QNStoreErrorCode::misplacedFolder);
-  return isInItself
-             ? toolError(QNExit::failed, "a folder can't lie in itself, nor below " +
-                                             std::to_string(QNStore::kMaxFolderLevels) + " others")
-             : saved.error();
+  if (!saved) return saved.error();
+  return done(global, *folder, "parent", textOrNull(folder->parentUUID()));
 }
 
 using Choose = QNResult<QNFolderRef> (QNVaultFolders::*)(std::string_view) const;
@@ -93,9 +92,9 @@ QNCommandResult runCommand(Global global, const QNFolderListArguments& arguments
   if (!tree) return tree.error();
   QNOutput out;
   if (global.json) {
-    printList(out, tree.value().all());
+    printList(out, tree.value());
   } else {
-    printTree(out, tree.value().all(), arguments.withUUIDs);
+    printTree(out, tree.value(), arguments.withUUIDs);
   }
   return out.finish(tree.value().warn());
 }

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNVaultFolders.h"
 #include "cli/output/QNListing.h"
@@ -21,7 +23,7 @@ QNCommandResult runCommand(Global global, const QNListArguments& arguments) {
   if (!report) return report.error();
   QNOutput out;
   listing.print(out);
-  return out.finish(warnOfDamage(report.value()));
+  return out.finish(std::max(folder.value(), warnOfDamage(report.value())));
 }
 
 }  // namespace quillon

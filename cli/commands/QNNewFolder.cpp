@@ -16,7 +16,7 @@ class NewFolders {
       make(title);
       return QNDone{};
     }
-    if (there.value()->smartFolder()) {
+    if (_tree.isSmart(*there.value())) {
       return toolError(QNExit::failed, "a smart folder holds no others");
     }
     _here = there.value();

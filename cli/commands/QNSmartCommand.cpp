@@ -1,5 +1,8 @@
 // smart list, add and show.
 
+#include <algorithm>
+#include <optional>
+
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNNewFolder.h"
 #include "cli/fields/QNGivenPredicate.h"
@@ -12,11 +15,18 @@ namespace {
 
 constexpr std::size_t kTitleWidth = 40;
 
-JsonObject jsonOf(QNFolder& folder, const std::string& predicate) {
+// Nothing in quarantine: this version can't use it.
+std::optional<std::string> predicateOf(QNFolder& folder) {
+  const auto predicate = folder.smartFolderPredicate();
+  return predicate == nullptr ? std::nullopt : std::optional(predicate->predicateFormat());
+}
+
+JsonObject jsonOf(QNFolder& folder, const std::optional<std::string>& predicate) {
   JsonObject object(jsonStorage());
   setJsonText(object, "uuid", *folder.uuid());
   setJsonText(object, "title", folder.title().value_or(""));
-  setJsonText(object, "predicate", predicate);
+  object["predicate"] = nullptr;
+  if (predicate) setJsonText(object, "predicate", *predicate);
   return object;
 }
 
@@ -35,12 +45,12 @@ QNCommandResult runCommand(Global global, const QNSmartListArguments& arguments)
   QNOutput out;
   JsonArray array(jsonStorage());
   for (const QNFolderRef& folder : tree.value().all()) {
-    if (!folder->smartFolder()) continue;
-    const std::string predicate = folder->smartFolderPredicate()->predicateFormat();
+    if (!tree.value().isSmart(*folder)) continue;
+    const auto predicate = predicateOf(*folder);
     if (global.json) {
       array.emplace_back(jsonOf(*folder, predicate));
     } else {
-      printLine(out, *folder, predicate, arguments.withUUIDs);
+      printLine(out, *folder, predicate.value_or(""), arguments.withUUIDs);
     }
   }
   if (global.json) {
@@ -71,6 +81,9 @@ QNCommandResult runCommand(Global global, const QNSmartShowArguments& arguments)
   const auto folder = tree.value().chooseSmart(arguments.folder);
   if (!folder) return folder.error();
   const auto predicate = folder.value()->smartFolderPredicate();
+  if (predicate == nullptr) {
+    return toolError(QNExit::failed, "this version can't use the predicate of that smart folder");
+  }
   QNListing listing(listForm(global.json, arguments.withUUIDs), arguments.order,
                     arguments.sections ? QNListLayout::sections : QNListLayout::plain);
   const auto report = session.value().store().listMatching(
@@ -79,7 +92,7 @@ QNCommandResult runCommand(Global global, const QNSmartShowArguments& arguments)
   if (!report) return report.error();
   QNOutput out;
   listing.print(out);
-  return out.finish(warnOfDamage(report.value()));
+  return out.finish(std::max(tree.value().warn(), warnOfDamage(report.value())));
 }
 
 }  // namespace quillon

@@ -164,10 +164,15 @@ QNCommandResult runCommand(Global global, const QNTagAddArguments& arguments) {
   if (!session) return session.error();
   const auto items = chooseItems(session.value(), arguments.items);
   if (!items) return items.error();
-  for (const auto& item : items.value()) item->addTag(arguments.tag);
-  const auto saved = session.value().store().saveAll(items.value());
+  Items changed;
+  for (const auto& item : items.value()) {
+    const Tags before = item->tags();
+    item->addTag(arguments.tag);
+    if (item->tags() != before) changed.push_back(item);
+  }
+  const auto saved = session.value().store().saveAll(changed);
   if (!saved) return saved.error();
-  return printChanged(global, arguments.tag, items.value().size(), QNExit::done);
+  return printChanged(global, arguments.tag, changed.size(), QNExit::done);
 }
 
 QNCommandResult runCommand(Global global, const QNTagRemoveArguments& arguments) {

@@ -86,13 +86,16 @@ QNResult<QNFolderRef> QNVaultFolders::choose(std::string_view name) const {
   FoldersByPath found(name);
   found.look(_report.top);
   if (found.best().size() > 1) return ambiguous(found.best());
-  if (found.best().empty()) return toolError(QNExit::notFound, "no folder has that uuid or name");
-  return found.best().front();
+  if (!found.best().empty()) return found.best().front();
+  if (isWhole()) return toolError(QNExit::notFound, "no folder has that uuid or name");
+  return toolError(
+      QNExit::damaged,
+      "no folder that is left has that uuid or name; quillon check names damaged ones");
 }
 
 QNResult<QNFolderRef> QNVaultFolders::chooseOrdinary(std::string_view name) const {
   auto folder = choose(name);
-  if (!folder || !folder.value()->smartFolder()) return folder;
+  if (!folder || !isSmart(*folder.value())) return folder;
   return toolError(QNExit::failed,
                    "that is a smart folder, which holds nothing itself; quillon smart show lists "
                    "what it finds");
@@ -100,7 +103,7 @@ QNResult<QNFolderRef> QNVaultFolders::chooseOrdinary(std::string_view name) cons
 
 QNResult<QNFolderRef> QNVaultFolders::chooseSmart(std::string_view name) const {
   auto folder = choose(name);
-  if (!folder || folder.value()->smartFolder()) return folder;
+  if (!folder || isSmart(*folder.value())) return folder;
   return toolError(QNExit::failed, "that is no smart folder");
 }
 
@@ -130,6 +133,12 @@ std::optional<std::string> QNVaultFolders::pathTo(std::string_view uuid) const {
     path.insert(0, titleOf(*above) + "/");
   }
   return path;
+}
+
+bool QNVaultFolders::isSmart(const QNFolder& folder) const {
+  const auto& quarantined = _report.quarantined;
+  return folder.smartFolder() ||
+         std::find(quarantined.begin(), quarantined.end(), *folder.uuid()) != quarantined.end();
 }
 
 Folders QNVaultFolders::all() const {
@@ -162,19 +171,19 @@ QNExit QNVaultFolders::warn() const {
                     "names them",
                     _report.quarantined.size()));
   }
-  return _report.damaged.empty() && !_report.ledgerBroken ? QNExit::done : QNExit::damaged;
+  return isWhole() ? QNExit::done : QNExit::damaged;
 }
 
-QNResult<QNDone> chooseFolderOf(QNItemFilter& filter, const QNVaultSession& session,
+QNResult<QNExit> chooseFolderOf(QNItemFilter& filter, const QNVaultSession& session,
                                 const QNFilterArguments& arguments) {
-  if (!arguments.folder) return QNDone{};
+  if (!arguments.folder) return QNExit::done;
   const auto tree = QNVaultFolders::read(session);
   if (!tree) return tree.error();
   const auto folder = tree.value().chooseOrdinary(*arguments.folder);
   if (!folder) return folder.error();
   filter.folderUUIDs.emplace({*folder.value()->uuid()});
   if (arguments.nested) addUUIDs(*filter.folderUUIDs, *folder.value());
-  return QNDone{};
+  return tree.value().warn();
 }
 
 }  // namespace quillon

@@ -22,7 +22,8 @@ class QNVaultFolders final {
   static QNResult<QNVaultFolders> read(QNStore& store, const std::shared_ptr<QNProfile>& vault);
 
   /// By uuid first. Equal titles win over ones that differ in case and accents. Errors: exit code 4
-  /// for none, 5 for several, which are listed on standard error.
+  /// for none, 6 if it may be one that is damaged or missing, 5 for several, which are listed on
+  /// standard error.
   [[nodiscard]] QNResult<QNFolderRef> choose(std::string_view name) const;
   /// The same, of those that hold items and folders; exit code 1 for a smart one.
   [[nodiscard]] QNResult<QNFolderRef> chooseOrdinary(std::string_view name) const;
@@ -35,6 +36,8 @@ class QNVaultFolders final {
   /// The titles from the top to the folder of that uuid, as choose() takes them; nothing if there
   /// is no such folder.
   [[nodiscard]] std::optional<std::string> pathTo(std::string_view uuid) const;
+  /// Also one in quarantine, which calls itself an ordinary one.
+  [[nodiscard]] bool isSmart(const QNFolder& folder) const;
   /// Depth first, by title.
   [[nodiscard]] std::vector<QNFolderRef> all() const;
 
@@ -43,12 +46,15 @@ class QNVaultFolders final {
 
  private:
   explicit QNVaultFolders(QNFolderReport report) : _report(std::move(report)) {}
+  // No row is left out.
+  [[nodiscard]] bool isWhole() const { return _report.damaged.empty() && !_report.ledgerBroken; }
   QNFolderReport _report;
 };
 
 /// Keeps a filter to the folder that the user named, if one was, and to what lies below it if he
-/// wants that. Errors: as QNVaultFolders::chooseOrdinary() has them.
-QNResult<QNDone> chooseFolderOf(QNItemFilter& filter, const QNVaultSession& session,
+/// wants that. Gives what QNVaultFolders::warn() does, for a list that may be short. Errors: as
+/// QNVaultFolders::chooseOrdinary() has them.
+QNResult<QNExit> chooseFolderOf(QNItemFilter& filter, const QNVaultSession& session,
                                 const QNFilterArguments& arguments);
 
 /// What a folder is called, on a terminal.

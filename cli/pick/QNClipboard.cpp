@@ -9,19 +9,27 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 
 #include "cli/QNToolError.h"
 #include "cli/output/QNShownText.h"
 #include "quillon/platform/data/MRData.h"
+#include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/memory/QNSecret.h"
 
 namespace quillon {
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr std::string_view kTerminal = "terminal";
+// How long a program may take, and how often one looks whether it is done.
+constexpr double kProgramSeconds = 5;
+constexpr auto kProgramStep = 10ms;
 
 // In the order of preference; `environment` tells that the program's desktop is there.
 struct Program {
@@ -108,37 +116,77 @@ class Child {
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&files);
   }
+  // Ends it, if it still runs.
+  ~Child() {
+    if (_errorNumber != 0 || _hasEnded) return;
+    ::kill(_process, SIGKILL);
+    ::waitpid(_process, nullptr, 0);
+  }
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
   [[nodiscard]] bool isRunning() const { return _errorNumber == 0; }
-  // True if it ended well.
-  [[nodiscard]] bool wait() const {
+  // Did it end well? Nothing while it runs.
+  std::optional<bool> end() {
     int status = 0;
-    while (::waitpid(_process, &status, 0) < 0) {
-      if (errno != EINTR) return false;
-    }
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    const pid_t ended = ::waitpid(_process, &status, WNOHANG);
+    if (ended == 0) return std::nullopt;
+    _hasEnded = true;
+    return ended == _process && WIFEXITED(status) && WEXITSTATUS(status) == 0;
   }
 
  private:
   pid_t _process = 0;
   int _errorNumber = 0;
+  bool _hasEnded = false;
 };
 
-void writeAll(int descriptor, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t count = ::write(descriptor, text.data(), text.size());
-    if (count < 0 && errno != EINTR) return;  // how the program ends tells
-    if (count > 0) text.remove_prefix(static_cast<std::size_t>(count));
+// The end of a pipe that a program reads a text from, as fast as it likes.
+class Input {
+ public:
+  Input(int descriptor, std::string_view text) : _descriptor(descriptor), _text(text) {
+    ::fcntl(_descriptor, F_SETFL, O_NONBLOCK);
   }
-}
+  ~Input() { close(); }
+  Input(const Input&) = delete;
+  Input& operator=(const Input&) = delete;
+  // As much as there is room for; behind the last of it the program sees the end.
+  void feed() {
+    while (!_text.empty()) {
+      const ssize_t count = ::write(_descriptor, _text.data(), _text.size());
+      if (count < 0 && errno == EAGAIN) return;
+      if (count < 0 && errno != EINTR) break;  // how the program ends tells
+      if (count > 0) _text.remove_prefix(static_cast<std::size_t>(count));
+    }
+    close();
+  }
 
-bool give(std::string_view text, const std::vector<std::string>& command) {
+ private:
+  void close() {
+    if (_descriptor >= 0) ::close(_descriptor);
+    _descriptor = -1;
+    _text = {};
+  }
+  int _descriptor;
+  std::string_view _text;
+};
+
+enum class Signals { giveUp, wait };
+
+bool give(std::string_view text, const std::vector<std::string>& command,
+          const QNRawTerminal& terminal, Signals signals) {
   std::array<int, 2> ends{};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) return false;
-  const Child child(command, ends[0]);
+  Input input(ends[1], text);
+  Child child(command, ends[0]);
   ::close(ends[0]);
-  if (child.isRunning()) writeAll(ends[1], text);
-  ::close(ends[1]);
-  return child.isRunning() && child.wait();
+  if (!child.isRunning()) return false;
+  const double latest = steadySeconds() + kProgramSeconds;
+  while (steadySeconds() < latest) {
+    input.feed();
+    if (const auto well = child.end()) return *well;
+    if (!terminal.pause(kProgramStep) && signals == Signals::giveUp) return false;
+  }
+  return false;
 }
 
 }  // namespace
@@ -163,9 +211,19 @@ QNResult<QNDone> QNClipboard::put(std::string_view text, const QNRawTerminal& te
     terminal.write(sequenceFor(text).reveal());  // the user asked for it
     return QNDone{};
   }
-  if (give(text, _command)) return QNDone{};
+  if (give(text, _command, terminal, Signals::giveUp)) return QNDone{};
   return toolError(QNExit::failed, fmt::format("{} didn't take the text for the clipboard",
                                                shownText(_command.front())));
+}
+
+QNResult<QNDone> QNClipboard::clear(const QNRawTerminal& terminal) const {
+  if (_command.empty()) {
+    terminal.write(sequenceFor("").reveal());  // holds nothing
+    return QNDone{};
+  }
+  if (give("", _command, terminal, Signals::wait)) return QNDone{};
+  return toolError(QNExit::failed,
+                   fmt::format("{} didn't clear the clipboard", shownText(_command.front())));
 }
 
 }  // namespace quillon

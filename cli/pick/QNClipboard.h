@@ -18,12 +18,12 @@ class QNClipboard final {
   /// Error with exit code 2 for a program that isn't there.
   static QNResult<QNClipboard> named(const std::string& name);
 
-  /// Error with exit code 1 if the program fails. A terminal tells nobody whether it obeyed.
+  /// Error with exit code 1 if the program fails, takes too long, or a signal came that ends the
+  /// process: the text may be there all the same. A terminal tells nobody whether it obeyed.
   [[nodiscard]] QNResult<QNDone> put(std::string_view text, const QNRawTerminal& terminal) const;
-  /// Leaves the clipboard empty, whatever has been copied to it since.
-  [[nodiscard]] QNResult<QNDone> clear(const QNRawTerminal& terminal) const {
-    return put("", terminal);
-  }
+  /// Leaves the clipboard empty, whatever has been copied to it since. Signals wait until it is
+  /// done. Error with exit code 1 if the program fails or takes too long.
+  [[nodiscard]] QNResult<QNDone> clear(const QNRawTerminal& terminal) const;
 
  private:
   explicit QNClipboard(std::vector<std::string> command) : _command(std::move(command)) {}

@@ -88,10 +88,49 @@ void tell(const QNRawTerminal& terminal, const std::string& text) {
   terminal.write(cutToWidth(text, terminal.size().columns - 1));
 }
 
-// Until the time is up, or a key or a signal comes.
-void countDown(QNRawTerminal& terminal, std::chrono::seconds time) {
+// What was copied, cleared again however this is left: by an error, a signal or a stop, too.
+class ClipboardContent {
+ public:
+  // Both must outlive it. One that stays is never cleared.
+  enum class Stay { forNow, forGood };
+  ClipboardContent(const QNClipboard& clipboard, QNRawTerminal& terminal, Stay stay)
+      : _clipboard(clipboard), _terminal(terminal), _stay(stay) {
+    _terminal.beforeStop([this] { static_cast<void>(clear()); });  // told of at the end
+  }
+  ~ClipboardContent() {
+    static_cast<void>(clear());
+    _terminal.beforeStop(nullptr);
+  }
+  ClipboardContent(const ClipboardContent&) = delete;
+  ClipboardContent& operator=(const ClipboardContent&) = delete;
+
+  // The text may be there after an error, too.
+  QNResult<QNDone> put(std::string_view text) {
+    _mustGo = _stay == Stay::forNow;
+    return _clipboard.put(text, _terminal);
+  }
+  [[nodiscard]] bool mustGo() const { return _mustGo; }
+  QNResult<QNDone> clear() {
+    if (!_mustGo) return QNDone{};
+    auto done = _clipboard.clear(_terminal);
+    _mustGo = !done;
+    return done;
+  }
+
+ private:
+  const QNClipboard& _clipboard;
+  QNRawTerminal& _terminal;
+  Stay _stay;
+  bool _mustGo = false;
+};
+
+// Until the time is up, or a key or a signal comes. A key that was pressed before is none.
+void countDown(QNRawTerminal& terminal, const ClipboardContent& content,
+               std::chrono::seconds time) {
+  terminal.forgetTyped();
   const double end = steadySeconds() + static_cast<double>(time.count());
-  for (double left = end - steadySeconds(); left > 0; left = end - steadySeconds()) {
+  for (double left = end - steadySeconds(); left > 0 && content.mustGo();
+       left = end - steadySeconds()) {
     tell(terminal, fmt::format("quillon: copied; the clipboard is cleared in {:.0f} s, or now with "
                                "any key",
                                std::ceil(left)));
@@ -108,13 +147,14 @@ QNCommandResult copy(Global global, const Picked& picked, const QNClipboard& cli
                      std::chrono::seconds clear) {
   const auto terminal = QNRawTerminal::open(QNRawTerminal::Screen::shared);
   if (!terminal) return terminal.error();
-  // The user asked for it.
-  auto done = clipboard.put(picked.value.reveal(), *terminal.value());
-  if (done && clear.count() > 0) {
-    countDown(*terminal.value(), clear);
-    done = clipboard.clear(*terminal.value());
-  }
+  using Stay = ClipboardContent::Stay;
+  ClipboardContent content(clipboard, *terminal.value(),
+                           clear.count() > 0 ? Stay::forNow : Stay::forGood);
+  const auto done = content.put(picked.value.reveal());  // the user asked for it
   if (!done) return done.error();
+  if (content.mustGo()) countDown(*terminal.value(), content, clear);
+  const auto cleared = content.clear();
+  if (!cleared) return cleared.error();
   if (!global.json) return QNExit::done;
   JsonObject object = jsonOf(picked);
   object["cleared"] = clear.count() > 0;
@@ -135,7 +175,7 @@ QNCommandResult runCommand(Global global, const QNPickArguments& arguments) {
   QNPickItems items;
   const auto report = items.load(session.value(), filter.value());
   if (!report) return report.error();
-  const QNExit exit = warnOfDamage(report.value());
+  const QNExit exit = std::max(folder.value(), warnOfDamage(report.value()));
   const auto picked = pick(session.value(), items, arguments);
   if (!picked) return picked.error();
   const auto done = arguments.use == Use::print

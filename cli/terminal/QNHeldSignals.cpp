@@ -9,12 +9,24 @@ namespace {
 volatile std::sig_atomic_t caughtSignal = 0;
 volatile std::sig_atomic_t wasInterrupted = 0;
 
+// What ends the process goes first: it may come together with one that stops it.
+int urgencyOf(int number) {
+  if (number == 0) return 0;
+  if (number == SIGWINCH) return 1;
+  return number == SIGTSTP ? 2 : 3;
+}
+
 extern "C" void noteSignal(int number) {
-  if (caughtSignal == 0 || caughtSignal == SIGWINCH) caughtSignal = number;
+  if (urgencyOf(number) > urgencyOf(caughtSignal)) caughtSignal = number;
 }
 
 extern "C" void noteInterruption(int) {
   wasInterrupted = 1;
+}
+
+timespec timeOf(std::chrono::milliseconds time) {
+  return {static_cast<time_t>(time.count() / 1000),
+          static_cast<long>(time.count() % 1000) * 1'000'000};
 }
 
 }  // namespace
@@ -42,15 +54,21 @@ QNHeldSignals::~QNHeldSignals() {
 
 QNHeldSignals::End QNHeldSignals::wait(int descriptor,
                                        std::optional<std::chrono::milliseconds> atMost) const {
+  if (caughtSignal != 0) return End::signal;
   pollfd waiting{descriptor, POLLIN, 0};
-  timespec time{};
-  if (atMost) {
-    time.tv_sec = static_cast<time_t>(atMost->count() / 1000);
-    time.tv_nsec = static_cast<long>(atMost->count() % 1000) * 1'000'000;
-  }
+  const timespec time = timeOf(atMost.value_or(std::chrono::milliseconds::zero()));
   const int ready = ppoll(&waiting, 1, atMost ? &time : nullptr, &_maskBefore);
   if (caughtSignal != 0) return End::signal;
   return ready == 0 ? End::timedOut : End::readable;
+}
+
+void QNHeldSignals::pause(std::chrono::milliseconds time) const {
+  const timespec atMost = timeOf(time);
+  ppoll(nullptr, 0, &atMost, &_maskBefore);
+}
+
+bool QNHeldSignals::mustEnd() {
+  return urgencyOf(caughtSignal) == urgencyOf(SIGTERM);
 }
 
 int QNHeldSignals::takeCaught() {

@@ -20,19 +20,24 @@ class QNHeldSignals final {
   QNHeldSignals& operator=(const QNHeldSignals&) = delete;
 
   enum class End { readable, timedOut, signal };
-  /// Until there is something to read, at most so long.
+  /// Until there is something to read, at most so long. A signal that was noted before counts.
   [[nodiscard]] End wait(int descriptor,
                          std::optional<std::chrono::milliseconds> atMost = std::nullopt) const;
+  /// For so long, or until any signal comes.
+  void pause(std::chrono::milliseconds time) const;
 
-  /// The signal that came, 0 for none; forgotten by this call. One that ends or stops the process
-  /// goes before a new size.
+  /// The signal that came, 0 for none; forgotten by this call. One that ends the process goes
+  /// before one that stops it, and both go before a new size.
   static int takeCaught();
+  /// Did one come that ends the process? It stays to be taken.
+  [[nodiscard]] static bool mustEnd();
   /// Sends a signal to the process itself. To be called when this is gone: it does what it does
   /// elsewhere, and a process that was stopped goes on behind the call.
   static void deliver(int number);
 
  private:
-  static constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGWINCH};
+  static constexpr std::array kSignals = {SIGINT,  SIGTERM, SIGHUP,  SIGQUIT, SIGUSR1,
+                                          SIGUSR2, SIGALRM, SIGXCPU, SIGTSTP, SIGWINCH};
   std::size_t _count;  // of them: the last one is of sizes
   sigset_t _maskBefore{};
   std::array<struct sigaction, kSignals.size()> _actionsBefore{};

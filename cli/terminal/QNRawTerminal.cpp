@@ -35,9 +35,10 @@ QNRawTerminal::QNRawTerminal(int descriptor, Screen screen)
 }
 
 QNRawTerminal::~QNRawTerminal() {
+  const int caught = _endedBy != 0 ? _endedBy : QNHeldSignals::takeCaught();
   leave();
   ::close(_descriptor);
-  if (_endedBy != 0) QNHeldSignals::deliver(_endedBy);
+  if (caught != 0) QNHeldSignals::deliver(caught);
 }
 
 void QNRawTerminal::enter() {
@@ -97,9 +98,20 @@ QNRawTerminal::Next QNRawTerminal::next(std::optional<std::chrono::milliseconds>
 }
 
 void QNRawTerminal::suspend() {
+  if (_beforeStop) _beforeStop();
   leave();
   QNHeldSignals::deliver(SIGTSTP);
   enter();
+}
+
+void QNRawTerminal::forgetTyped() {
+  tcflush(_descriptor, TCIFLUSH);
+  _keys = {};
+}
+
+bool QNRawTerminal::pause(std::chrono::milliseconds time) const {
+  _signals->pause(time);
+  return !QNHeldSignals::mustEnd();
 }
 
 bool QNRawTerminal::readMore() {

@@ -3,6 +3,7 @@
 #include <termios.h>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -22,7 +23,7 @@ class QNRawTerminal final {
   enum class Screen { own, shared };
   /// Error with exit code 2 without a terminal.
   static QNResult<std::unique_ptr<QNRawTerminal>> open(Screen screen);
-  /// A signal that ended the wait ends the process here.
+  /// A signal that came and wasn't told yet, or was told as `ended`, ends the process here.
   ~QNRawTerminal();
   QNRawTerminal(const QNRawTerminal&) = delete;
   QNRawTerminal& operator=(const QNRawTerminal&) = delete;
@@ -45,6 +46,12 @@ class QNRawTerminal final {
   Next next(std::optional<std::chrono::milliseconds> atMost = std::nullopt);
   /// Stops the process as Ctrl-Z does elsewhere; returns when it goes on.
   void suspend();
+  /// Called before each stop, which may never end: for what mustn't be left behind.
+  void beforeStop(std::function<void()> work) { _beforeStop = std::move(work); }
+  /// Throws away what was typed until now.
+  void forgetTyped();
+  /// Waits so long, but for what comes from outside. False if the process is to end: see next().
+  [[nodiscard]] bool pause(std::chrono::milliseconds time) const;
 
  private:
   QNRawTerminal(int descriptor, Screen screen);
@@ -57,7 +64,8 @@ class QNRawTerminal final {
   termios _before{};
   std::optional<QNHeldSignals> _signals;
   QNKeyReader _keys;
-  int _endedBy = 0;  // a signal
+  std::function<void()> _beforeStop;  // may be empty
+  int _endedBy = 0;                   // a signal
 };
 
 }  // namespace quillon
