@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <unordered_map>
 
 #include "quillon/organisation/QNFolder.h"
 #include "quillon/platform/environment/QNEnvironment.h"
@@ -71,6 +72,9 @@ QNResult<QNStore::Database::FolderBefore> QNStore::Database::folderRowNow(
 
 QNResult<QNStore::Database::FolderBefore> QNStore::Database::folderBefore(
     const QNFolder& folder, const std::shared_ptr<QNProfile>& vault) {
+  if (folder.uuid() == nullptr) {
+    return storeError(QNStoreErrorCode::unreadableItem, "the folder has no uuid");
+  }
   auto before = folder.hasOid()
                     ? folderRowNow(folder.oid(), vault)
                     : folderBefore(file->query("SELECT " QN_FOLDER_COLUMNS
@@ -85,6 +89,9 @@ QNResult<QNStore::Database::FolderBefore> QNStore::Database::folderBefore(
   if (folder.hasOid() && (!isThere || before.value().txTimestamp != folder.txTimestamp())) {
     return storeError(QNStoreErrorCode::lostRace,
                       "the folder was saved or deleted by somebody else");
+  }
+  if (isThere && before.value().uuid != *folder.uuid()) {  // a row keeps its uuid
+    return storeError(QNStoreErrorCode::notFound, "the folder's row is that of another uuid");
   }
   return before;
 }
@@ -133,16 +140,21 @@ QNResult<QNDone> QNStore::Database::saveFolder(const std::shared_ptr<QNFolder>& 
   const auto before = folderBefore(*folder, vault.value());
   if (!before.ok()) return before.error();
   const bool moves = !before.value().seal || before.value().parentUUID != folder->parentUUID();
-  const auto placed = moves ? requirePlace(*folder, *vault.value()) : QNResult<QNDone>(QNDone{});
+  const auto placed =
+      moves ? requirePlace(*folder, before.value(), *vault.value()) : QNResult<QNDone>(QNDone{});
   if (!placed.ok()) return placed.error();
   const bool isSmart = folder->smartFolder() || (before.value().isSmart && isQuarantined(*folder));
   return writeFolder(folder, vault.value(), before.value(), Times::now, isSmart);
 }
 
-/// Goes up from the parent: it must come to the top, and not to the folder on its way.
-QNResult<QNDone> QNStore::Database::requirePlace(const QNFolder& folder, const QNProfile& vault) {
+/// Goes up from the parent: it must come to the top, and not to the folder on its way. What hangs
+/// below the folder must find its place too.
+QNResult<QNDone> QNStore::Database::requirePlace(const QNFolder& folder, const FolderBefore& before,
+                                                 const QNProfile& vault) {
   std::optional<std::string> above = folder.parentUUID();
-  for (std::size_t level = 1; above; ++level) {
+  if (!above) return QNDone{};
+  std::size_t level = 1;
+  for (; above; ++level) {
     QNQuery query = file->query(
         "SELECT parent_uuid FROM folders WHERE vault_id = ?1 AND uuid = ?2 AND status = 0",
         vault.oid(), *above);
@@ -159,7 +171,35 @@ QNResult<QNDone> QNStore::Database::requirePlace(const QNFolder& folder, const Q
     above.reset();
     if (isThere && query.optionalText(0)) above.emplace(*query.optionalText(0));
   }
+  const std::size_t below = before.seal ? levelsBelow(*folder.uuid(), vault) : 0;
+  if (level + below > kMaxFolderLevels) {
+    return storeError(QNStoreErrorCode::misplacedFolder,
+                      "what is in the folder would lie too deep");
+  }
   return QNDone{};
+}
+
+/// In time linear in the folders of the vault, which no index finds by their parent. It ends where
+/// the folder lies in itself.
+std::size_t QNStore::Database::levelsBelow(const std::string& uuid, const QNProfile& vault) {
+  std::unordered_multimap<std::string, std::string> subfolders;
+  QNQuery query = file->query(
+      "SELECT parent_uuid, uuid FROM folders WHERE vault_id = ?1 AND status = 0 AND parent_uuid IS "
+      "NOT NULL AND uuid <> ?2",
+      vault.oid(), uuid);
+  while (query.next()) subfolders.emplace(query.text(0), query.text(1));
+  std::size_t levels = 0;
+  std::vector<std::string> level = {uuid};
+  while (true) {
+    std::vector<std::string> below;
+    for (const std::string& each : level) {
+      const auto [first, last] = subfolders.equal_range(each);
+      std::for_each(first, last, [&below](const auto& it) { below.push_back(it.second); });
+    }
+    if (below.empty()) return levels;
+    level = std::move(below);
+    ++levels;
+  }
 }
 
 QNResult<QNDone> QNStore::Database::writeFolder(const std::shared_ptr<QNFolder>& folder,
@@ -336,14 +376,20 @@ QNResult<std::vector<std::string>> QNStore::Database::moveMisplacedToTop(
     const std::shared_ptr<QNProfile>& vault, Times times) {
   const auto folders = readFolders(vault);
   if (!folders.ok()) return folders.error();
-  const std::vector<std::string>& misplaced = folders.value().misplaced;
+  const auto holds = [](const std::vector<std::string>& uuids, const std::string& uuid) {
+    return std::find(uuids.begin(), uuids.end(), uuid) != uuids.end();
+  };
+  std::vector<std::string> moved;
   for (const auto& folder : folders.value().folders) {
-    if (std::find(misplaced.begin(), misplaced.end(), *folder->uuid()) == misplaced.end()) continue;
+    if (!holds(folders.value().misplaced, *folder->uuid())) continue;
+    // A damaged parent may come back from a backup, and finds its folders then.
+    if (holds(folders.value().damaged, folder->parentUUID().value_or(""))) continue;
     folder->setParentUUID(std::nullopt);
     const auto saved = saveFolderInPlace(folder, vault, times);
     if (!saved.ok()) return saved.error();
+    moved.push_back(*folder->uuid());
   }
-  return misplaced;
+  return moved;
 }
 
 QNResult<QNDone> QNStore::Database::repairFolders(const std::shared_ptr<QNProfile>& vault,

@@ -229,6 +229,54 @@ TEST_F(QNStoreFolderChanges, OfAFailedTransactionLeaveTheObjectsAsTheyWere) {
   EXPECT_EQ(treeIn(session), "changed 0 new 0");
 }
 
+TEST_F(QNStoreFolderChanges, PutNoFolderWhereWhatIsInItWouldLieTooDeep) {
+  std::shared_ptr<QNFolder> last;
+  const auto top = makeFolder(session.vault, "top");
+  const auto subfolder = makeFolder(session.vault, "sub", top);
+  const auto done = session.store->inTransaction([&]() -> QNResult<QNDone> {
+    for (std::size_t level = 0; level + 1 < QNStore::kMaxFolderLevels; ++level) {
+      last = savedFolder(session, "level", last);
+    }
+    EXPECT_EQ(errorOfSaving(top), "");
+    EXPECT_EQ(errorOfSaving(subfolder), "");
+    return QNDone{};
+  });
+  ASSERT_EQ(errorOf(done), "");
+
+  top->setParentUUID(*last->uuid());
+  EXPECT_EQ(errorOfSaving(top), misplaced);
+  top->setParentUUID(last->parentUUID());
+  EXPECT_EQ(errorOfSaving(top), "");
+
+  EXPECT_THAT(foldersIn(session).misplaced, IsEmpty());
+}
+
+TEST_F(QNStoreFolderChanges, KeepTheUUIDOfARow) {
+  const auto box = savedFolder(session, "box");
+  const auto renamed = reread(*box);
+  renamed->setUuid(sharedString("another"));
+
+  EXPECT_EQ(errorOfSaving(renamed), notFound);
+  EXPECT_EQ(errorOf(session.store->deleteFolder(renamed)), notFound);
+
+  EXPECT_EQ(treeIn(session), "box 0");
+  EXPECT_EQ(problemsIn(session), std::vector<std::string>());
+  EXPECT_EQ(errorOfSaving(box), "");
+}
+
+TEST_F(QNStoreFolderChanges, NeedAUUID) {
+  const auto box = savedFolder(session, "box");
+  const std::string unreadable = codeText(QNStoreErrorCode::unreadableItem);
+  for (const std::uint64_t oid : {std::uint64_t{0}, box->oid()}) {
+    const auto nameless = std::make_shared<QNFolder>(QNExisting{oid});
+    nameless->setProfile(session.vault);
+    nameless->setTxTimestamp(box->txTimestamp());
+    EXPECT_EQ(errorOfSaving(nameless), unreadable);
+    EXPECT_EQ(errorOf(session.store->deleteFolder(nameless)), oid == 0 ? notFound : unreadable);
+  }
+  EXPECT_EQ(treeIn(session), "box 0");
+}
+
 // Deleting
 
 TEST_F(QNStoreFolderChanges, LeaveTheItemsOfADeletedFolderInNone) {
@@ -396,7 +444,7 @@ class QNStoreMisplacedFolders : public QNStoreFolderChanges {
     return std::move(repaired).value();
   }
   static std::string problemOf(const QNFolder& folder) {
-    return "folder " + *folder.uuid() + ": its parent isn't there, or lies in it";
+    return "folder " + *folder.uuid() + ": its parent isn't there, lies in it, or is too deep";
   }
 };
 
@@ -451,6 +499,21 @@ TEST_F(QNStoreMisplacedFolders, ThatAreRepairedNeedNoSecondRepair) {
   EXPECT_THAT(second.foldersMovedToTop, IsEmpty());
   EXPECT_THAT(second.itemsMovedToTop, IsEmpty());
   EXPECT_EQ(reread(*orphan)->txTimestamp(), revision);
+}
+
+TEST_F(QNStoreMisplacedFolders, UnderADamagedOneStayThereThroughARepair) {
+  const MRCapturingSink silence;
+  const auto parent = savedFolder(session, "parent");
+  const auto child = savedFolder(session, "child", parent);
+  const auto orphan = savedFolder(session, "orphan");
+  writeParent(*orphan, "nobody");
+  change("UPDATE folders SET display_order = 9 WHERE oid = 1");
+  ASSERT_THAT(foldersIn(session).misplaced, ElementsAre(*child->uuid(), *orphan->uuid()));
+
+  EXPECT_THAT(repair().foldersMovedToTop, ElementsAre(*orphan->uuid()));
+
+  change("UPDATE folders SET display_order = 0 WHERE oid = 1");
+  EXPECT_EQ(treeIn(session), "orphan 0 parent 0 [child 0]");
 }
 
 TEST_F(QNStoreMisplacedFolders, CanBeRenamedWhereTheyAre) {

@@ -162,7 +162,8 @@ void QNStore::Database::checkFolders(const std::shared_ptr<QNProfile>& vault,
     report.problems.push_back("folder " + uuid + ": it was altered or doesn't open");
   }
   for (const std::string& uuid : folders.misplaced) {
-    report.problems.push_back("folder " + uuid + ": its parent isn't there, or lies in it");
+    report.problems.push_back("folder " + uuid +
+                              ": its parent isn't there, lies in it, or is too deep");
   }
   if (folders.ledgerBroken) {
     report.problems.emplace_back(

@@ -219,7 +219,8 @@ TEST_F(QNStoreSealedFolders, NoticeAChangeOfEachColumn) {
               codeText(QNStoreErrorCode::damaged));
     EXPECT_THAT(check().problems,
                 ElementsAre("folder " + firstUuid + ": it was altered or doesn't open",
-                            "folder " + secondUuid + ": its parent isn't there, or lies in it"));
+                            "folder " + secondUuid +
+                                ": its parent isn't there, lies in it, or is too deep"));
     restore();
   }
 }
@@ -251,9 +252,10 @@ TEST_F(QNStoreSealedFolders, NoticeARowThatWasTakenAway) {
 
   EXPECT_TRUE(report.ledgerBroken);
   EXPECT_THAT(report.misplaced, ElementsAre(secondUuid));
-  EXPECT_THAT(check().problems,
-              ElementsAre("folder " + secondUuid + ": its parent isn't there, or lies in it",
-                          "folders are missing, were added, or are older than the ledger says"));
+  EXPECT_THAT(
+      check().problems,
+      ElementsAre("folder " + secondUuid + ": its parent isn't there, lies in it, or is too deep",
+                  "folders are missing, were added, or are older than the ledger says"));
 }
 
 TEST_F(QNStoreSealedFolders, NoticeARowOfAnOlderState) {

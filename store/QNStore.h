@@ -50,8 +50,8 @@ struct QNFolderReport {
   std::vector<std::shared_ptr<QNFolder>> folders;
   /// Those of them that no other holds, by title, in the user's language.
   std::vector<std::shared_ptr<QNFolder>> top;
-  /// uuid of each that is at the top only because its parent isn't there, or because it would lie
-  /// in itself. Its parentUUID() is what was stored.
+  /// uuid of each that is at the top only because its parent isn't there or is damaged, because it
+  /// would lie in itself, or because it would lie too deep. Its parentUUID() is what was stored.
   std::vector<std::string> misplaced;
   /// uuid of each smart folder whose predicate, written by an older version, can't be brought
   /// forward: smartFolderPredicate() would end the process. It is handed out as an ordinary folder,
@@ -220,15 +220,17 @@ class QNStore final {
   static constexpr std::size_t kMaxFolderLevels = 1000;
   /// Saves a folder, dirty or not: sets updatedAt and txTimestamp; its parent is the folder of
   /// parentUUID(). Saving a trashed folder is deleting it. Errors: misplacedFolder, if the parent
-  /// isn't there, is in the folder itself, or lies too deep; lostRace, locked, unreadableItem,
-  /// exists, notFound, damaged, ...
+  /// isn't there, is in the folder itself, or lies too deep for it or for what hangs below it;
+  /// notFound, if its row is that of another uuid; unreadableItem, if it has no uuid; lostRace,
+  /// locked, exists, damaged, ...
   QNResult<QNDone> saveFolder(const std::shared_ptr<QNFolder>& folder);
   /// Makes the row a tombstone: uuid, time of creation and time of now stay. Its items lose their
   /// folder, trashed ones too, and its subfolders move up to its parent: these rows are saved, so
   /// objects of them that are held must be read anew. The folder has no row id any more.
   QNResult<QNDone> deleteFolder(const std::shared_ptr<QNFolder>& folder);
   /// Takes the parent from folders that are misplaced, and the folder from items that are in none
-  /// that is there. Damaged rows stay as they are. Errors: as for saving.
+  /// that is there. Damaged rows stay as they are, and what hangs under them keeps them for its
+  /// parent. Errors: as for saving.
   QNResult<QNFolderRepair> repairFolders(const std::shared_ptr<QNProfile>& vault);
 
   // Synchronisation: QNStore+Sync.cpp

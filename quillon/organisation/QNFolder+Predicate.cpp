@@ -34,6 +34,7 @@ void QNFolder::setSmartFolderPredicate(const QNPredicateRef& predicate) {
                                    archive.error().domainCodeString());
     return;
   }
+  const std::lock_guard lock(monitor());  // nobody sees the question without its version
   std::string text = mr_base64encode(archive.value());
   setOverviewText(text, kPredicate);
   wipe(text.data(), text.size());
@@ -58,6 +59,7 @@ QNResult<QNPredicateRef> QNFolder::storedPredicate() {
 
 QNPredicateRef QNFolder::smartFolderPredicate() {
   if (!_smartFolder) return nullptr;
+  const std::lock_guard lock(monitor());
   auto stored = storedPredicate();
   if (!stored.ok()) {
     MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(),
@@ -72,6 +74,7 @@ QNPredicateRef QNFolder::smartFolderPredicate() {
 }
 
 std::optional<QNError> QNFolder::smartFolderFault() {
+  const std::lock_guard lock(monitor());
   if (!_smartFolder || smartFolderVersion() >= kPresentVersion) return std::nullopt;
   const auto stored = storedPredicate();
   if (!stored.ok() || stored.value() == nullptr) return std::nullopt;

@@ -93,7 +93,7 @@ class QNFolder final : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::uint64_t indentationLevel() const;
   /// Is the parent of `folder` this one or one that stands above this one?
   [[nodiscard]] bool isParentOfFolder(const QNFolder& folder) const;
-  /// This folder and all below it, depth first, subfolders in the order of their titles.
+  /// This folder and all below it, depth first, by title; each once for every way down to it.
   [[nodiscard]] std::vector<std::shared_ptr<QNFolder>> flattenedAndSorted();
   /// "empty", "1 item" or "%@ items" in the user's language; subfolders count as items.
   [[nodiscard]] std::string localizedSubtitle() const;

@@ -239,7 +239,10 @@ struct QNStore::Database {
                                   const FolderBefore& before);
   QNResult<QNDone> saveFolder(const std::shared_ptr<QNFolder>& folder);
   /// Error: misplacedFolder.
-  QNResult<QNDone> requirePlace(const QNFolder& folder, const QNProfile& vault);
+  QNResult<QNDone> requirePlace(const QNFolder& folder, const FolderBefore& before,
+                                const QNProfile& vault);
+  /// The height of what hangs below a folder: 0 if nothing does.
+  std::size_t levelsBelow(const std::string& uuid, const QNProfile& vault);
   QNResult<QNDone> writeFolder(const std::shared_ptr<QNFolder>& folder,
                                const std::shared_ptr<QNProfile>& vault, const FolderBefore& before,
                                Times times, bool isSmart);
@@ -266,7 +269,7 @@ struct QNStore::Database {
   QNResult<std::vector<std::string>> takeOutOfFolder(const std::vector<std::uint64_t>& oids,
                                                      const std::shared_ptr<QNProfile>& vault,
                                                      Times times);
-  /// The uuid of each folder that was misplaced.
+  /// The uuid of each folder that was moved. What hangs under a damaged row stays there.
   QNResult<std::vector<std::string>> moveMisplacedToTop(const std::shared_ptr<QNProfile>& vault,
                                                         Times times);
   QNResult<QNDone> repairFolders(const std::shared_ptr<QNProfile>& vault, QNFolderRepair& repair);

@@ -31,14 +31,16 @@ bool operator==(const QNComparisonPredicate::Parts& a, const QNComparisonPredica
          a.left == b.left && a.right == b.right;
 }
 
-QNComparisonPredicate::QNComparisonPredicate(Parts parts)
-    : _parts(std::move(parts)), _test(std::make_unique<const QNComparisonTest>(_parts)) {}
+QNComparisonPredicate::QNComparisonPredicate(Parts parts) : _parts(std::move(parts)) {}
 
 QNComparisonPredicate::~QNComparisonPredicate() = default;
 
 QNPredicateRef QNComparisonPredicate::comparison(Parts parts) {
   if ((parts.options & ~kAllOptions) != 0) return nullptr;
-  return withinLimits(QNPredicateRef(new QNComparisonPredicate(std::move(parts))));
+  const std::shared_ptr<QNComparisonPredicate> made(new QNComparisonPredicate(std::move(parts)));
+  if (withinLimits(made) == nullptr) return nullptr;
+  made->_test = std::make_unique<const QNComparisonTest>(made->_parts);  // costs more than a look
+  return made;
 }
 
 bool QNComparisonPredicate::needsDetails() const {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include "quillon/organisation/predicates/internal/QNPredicateTesting.h"
 
 namespace quillon {
@@ -207,6 +209,60 @@ TEST(QNComparisonPredicate, GivesUpListsThatMultiply) {
 
   EXPECT_EQ(answer(object, "ANY many IN " + list + "}"),
             "the predicate costs more than is allowed");
+}
+
+std::string listOf(std::size_t count, const std::string& element) {
+  std::string list = "{" + element;
+  for (std::size_t i = 1; i < count; ++i) list += ", " + element;
+  return list + "}";
+}
+
+TEST(QNComparisonPredicate, DoesNotWalkAListThatIsNoneOfTheRightLength) {
+  QNSampleObject object;
+  object.withTexts("many", std::vector<std::string>(30'000, "x"));
+  const std::string list = listOf(21'000, "0");
+  const auto start = std::chrono::steady_clock::now();
+
+  EXPECT_EQ(answer(object, "ANY many == " + list), "no");
+  EXPECT_EQ(answer(object, "ANY many != " + list), "yes");
+  EXPECT_EQ(answer(object, "ALL many != " + list), "yes");
+  EXPECT_EQ(answer(object, "ANY many BETWEEN " + list), "no");
+  EXPECT_EQ(answer(object, "many == " + list), "no");
+
+  // Some thousand times as long as that takes, and a part of what as many walks would.
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+}
+
+TEST(QNComparisonPredicate, PaysForEachElementOfListsOfOneLength) {
+  QNSampleObject object;
+  object.withTexts("many", std::vector<std::string>(10'000, "x"));
+  for (const std::string comparison : {"==", "!="}) {
+    QNPredicateBudget budget;
+    const std::uint64_t before = budget.left();
+
+    ASSERT_TRUE(predicate("many " + comparison + " " + listOf(10'000, "\"x\""))
+                    ->evaluate(object, budget)
+                    .ok());
+
+    EXPECT_GE(before - budget.left(), 10'000 * QNPredicateBudget::kStepsPerComparison);
+  }
+}
+
+TEST(QNComparisonPredicate, PaysForAnswersThatTheObjectMakes) {
+  for (const bool isList : {false, true}) {
+    QNSampleObject object;
+    if (isList) {
+      object.withTexts("big", std::vector<std::string>(10'000, std::string(100, 'a')));
+    } else {
+      object.withText("big", std::string(1'000'000, 'a'));
+    }
+    const auto question = predicate("big == 0");
+    QNPredicateBudget budget;
+
+    while (question->evaluate(object, budget).ok()) ASSERT_LE(object.numberOfQuestions, 100);
+
+    EXPECT_GE(object.numberOfQuestions, 30);
+  }
 }
 
 TEST(QNComparisonPredicate, SharesOneBudgetAmongObjects) {

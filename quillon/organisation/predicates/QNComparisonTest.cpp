@@ -105,33 +105,40 @@ QNOperand elementOf(const QNExpression::List& list, std::size_t index) {
   return operandOf(list[index]);
 }
 
-/// Gives the elements of a list in order, until `test` is true of one. Nothing if it is no list.
-template <class Test>
-std::optional<bool> anyElement(const QNOperand& list, const Test& test) {
-  const auto anyOf = [&test](const auto& elements) {
-    for (std::size_t i = 0; i < lengthOf(elements); ++i) {
-      if (test(elementOf(elements, i))) return true;
-    }
-    return false;
-  };
-  if (const auto* const stored = std::get_if<const JsonArray*>(&list)) return anyOf(**stored);
+/// Hands a list to `see`, as what holds it. Nothing if it is no list.
+template <class See>
+auto ofList(const QNOperand& list, const See& see)
+    -> std::optional<decltype(see(QNExpression::List()))> {
+  if (const auto* const stored = std::get_if<const JsonArray*>(&list)) return see(**stored);
   if (const auto* const texts = std::get_if<const std::vector<QNSecret>*>(&list)) {
-    return anyOf(**texts);
+    return see(**texts);
   }
   if (const auto* const constants = std::get_if<const QNExpression::List*>(&list)) {
-    return anyOf(**constants);
+    return see(**constants);
   }
   return std::nullopt;
 }
 
-std::optional<std::vector<QNOperand>> elementsOf(const QNOperand& list) {
-  std::vector<QNOperand> elements;
-  const auto keep = [&elements](const QNOperand& element) {
-    elements.push_back(element);
+/// Gives the elements of a list in order, until `test` is true of one. Nothing if it is no list.
+template <class Test>
+std::optional<bool> anyElement(const QNOperand& list, const Test& test) {
+  return ofList(list, [&test](const auto& elements) {
+    for (std::size_t i = 0; i < lengthOf(elements); ++i) {
+      if (test(elementOf(elements, i))) return true;
+    }
     return false;
-  };
-  if (!anyElement(list, keep)) return std::nullopt;
-  return elements;
+  });
+}
+
+std::optional<std::size_t> countOf(const QNOperand& list) {
+  return ofList(list, [](const auto& elements) { return lengthOf(elements); });
+}
+
+/// `index` must be below the list's count.
+QNOperand elementAt(const QNOperand& list, std::size_t index) {
+  const auto element =
+      ofList(list, [index](const auto& elements) { return elementOf(elements, index); });
+  return element.value_or(std::monostate());
 }
 
 template <class Value>
@@ -268,13 +275,15 @@ bool QNComparisonTest::compareScalars(QNOperatorType operatorType, const QNOpera
 
 bool QNComparisonTest::equalLists(const QNOperand& left, const QNOperand& right,
                                   QNPredicateRun& run) const {
-  const auto a = elementsOf(left);
-  const auto b = elementsOf(right);
-  if (!a || !b || a->size() != b->size() ||
-      !run.spend(a->size() * QNPredicateBudget::kStepsPerComparison))
+  const auto count = countOf(left);
+  if (!count || count != countOf(right) ||
+      !run.spend(*count * QNPredicateBudget::kStepsPerComparison)) {
     return false;
-  for (std::size_t i = 0; i < a->size(); ++i) {
-    if (!compareScalars(QNOperatorType::equalTo, (*a)[i], (*b)[i], run)) return false;
+  }
+  for (std::size_t i = 0; i < *count; ++i) {
+    if (!compareScalars(QNOperatorType::equalTo, elementAt(left, i), elementAt(right, i), run)) {
+      return false;
+    }
   }
   return true;
 }
@@ -290,10 +299,9 @@ bool QNComparisonTest::holds(const QNOperand& whole, const QNOperand& part,
 
 bool QNComparisonTest::isBetween(const QNOperand& left, const QNOperand& right,
                                  QNPredicateRun& run) const {
-  const auto bounds = elementsOf(right);
-  return bounds && bounds->size() == 2 &&
-         compareScalars(QNOperatorType::greaterThanOrEqualTo, left, bounds->front(), run) &&
-         compareScalars(QNOperatorType::lessThanOrEqualTo, left, bounds->back(), run);
+  return countOf(right) == 2u &&
+         compareScalars(QNOperatorType::greaterThanOrEqualTo, left, elementAt(right, 0), run) &&
+         compareScalars(QNOperatorType::lessThanOrEqualTo, left, elementAt(right, 1), run);
 }
 
 bool QNComparisonTest::matches(const QNOperand& left, const QNOperand& right,

@@ -32,9 +32,29 @@ class ConstantPredicate final : public QNPredicate {
 
 // One asking
 
+namespace {
+
+/// What it took to make an answer; nothing for one that lies in the object.
+std::uint64_t stepsToMake(const QNKeyPathValue& value) {
+  if (const auto* const text = std::get_if<QNSecret>(&value)) return text->size();
+  const auto* const texts = std::get_if<std::vector<QNSecret>>(&value);
+  if (texts == nullptr) return 0;
+  std::uint64_t steps = 0;
+  for (const QNSecret& text : *texts) {
+    steps += QNPredicateBudget::kStepsPerComparison + text.size();
+  }
+  return steps;
+}
+
+}  // namespace
+
 std::optional<QNKeyPathValue> QNPredicateRun::valueForKeyPath(const QNKeyPath& keyPath) {
   auto value = _source.valueForKeyPath(keyPath);
-  if (!value) fail(unknownKeyPath(keyPath));
+  if (!value) {
+    fail(unknownKeyPath(keyPath));
+  } else {
+    spend(stepsToMake(*value));
+  }
   return value;
 }
 
