@@ -6,8 +6,8 @@
 
 namespace quillon {
 
-/// What a row of a mixed list stands for. This library makes items and packages alone; the other
-/// two belong to whoever shows the list.
+/// What a row of a mixed list stands for. This library makes items alone; the others belong to
+/// whoever shows the list.
 enum class QNListItemType : std::int64_t {
   none = 0,
   item = 1,

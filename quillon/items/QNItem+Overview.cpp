@@ -4,7 +4,8 @@
 #include "quillon/platform/text/QNText.h"
 
 // Each reader copies what it found before it gives up the monitor: a save on another thread may
-// write into the overview.
+// write into the overview. Each setter drops what was made of a text once the new one is there:
+// before that, a search would make it of the old one again.
 
 namespace quillon {
 
@@ -15,8 +16,8 @@ std::string QNItem::title() {
 }
 
 void QNItem::setTitle(std::optional<std::string_view> title) {
-  dropSearchTexts();
   setOverviewText(title, kOverviewTitle);
+  dropSearchTexts();
 }
 
 std::optional<std::string> QNItem::additionalInformation() {
@@ -26,9 +27,9 @@ std::optional<std::string> QNItem::additionalInformation() {
 }
 
 void QNItem::setAdditionalInformation(std::optional<std::string_view> text) {
+  setOverviewText(text, kOverviewAdditionalInformation);
   dropURLCaches();
   dropOverviewForSearch();
-  setOverviewText(text, kOverviewAdditionalInformation);
 }
 
 std::optional<std::string> QNItem::_additionalInformation() {

@@ -5,9 +5,11 @@
 //   contents    all that, then tags, titles of fields, values, titles of sections
 //
 // The first two read the block that SearchTexts is, which the first search makes and which stays
-// until what it was made of is set. The third opens the details, and keeps nothing of them.
+// until what it was made of is set. The third opens the details, which then stay open with the
+// item until it is released, and makes nothing of them that stays.
 
 #include <algorithm>
+#include <optional>
 
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/items/QNItem.h"
@@ -74,6 +76,7 @@ std::shared_ptr<const QNSearchPredicate> QNItem::cachedPredicateForSearchString(
 
 void QNItem::clearCaches() {
   predicateCache().removeAllObjects();
+  SearchTexts::releaseDropped();
 }
 
 // Levels
@@ -155,16 +158,16 @@ std::vector<std::shared_ptr<QNItem>> QNItem::itemsMatchingLowercaseStrings(
   const auto itemAhead = [items](std::size_t place, std::size_t by) {
     return place + by < items.size() ? items[place + by].get() : nullptr;
   };
-  const SearchTexts::Reading reading;
+  std::optional<SearchTexts::Reading> reading;
+  if (level != QNSearchLevel::contents) reading.emplace();
   const auto matches = [&reading, level](QNItem& item, const QNSearchPredicate& test) {
-    const SearchTexts* const texts = reading.textsOf(item);
+    const SearchTexts* const texts = reading ? reading->textsOf(item) : nullptr;
     const bool made = texts != nullptr && texts->holdsTitle;
     if (made && level == QNSearchLevel::title) return test.matchesFolded(texts->foldedTitle());
-    if (!made || level != QNSearchLevel::overview || !texts->holdsOverview) {
-      return item.matches(test, level);
-    }
-    return test.matchesFolded(texts->folded()) ||
-           (texts->uuidSize == test.searched().size() && item.hasLowercaseUUID(test.searched()));
+    if (!made || !texts->holdsOverview) return item.matches(test, level);
+    if (test.matchesFolded(texts->folded())) return true;
+    // The uuid itself is read under the monitor.
+    return texts->uuidSize == test.searched().size() && item.overviewMatches(test);
   };
   std::vector<std::shared_ptr<QNItem>> found;
   for (std::size_t i = 0; i < items.size(); ++i) {

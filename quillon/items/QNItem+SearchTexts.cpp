@@ -1,9 +1,12 @@
 #include <cstring>
 #include <mutex>
+#include <utility>
 
 #include "quillon/items/internal/QNItemSearchTexts.h"
 #include "quillon/logins/QNItemURL.h"
+#include "quillon/platform/text/QNLocalization.h"
 #include "quillon/platform/text/QNText.h"
+#include "quillon/platform/text/internal/QNSecretText.h"
 
 namespace quillon {
 namespace {
@@ -20,13 +23,25 @@ std::uint32_t sizeOf(std::string_view text) noexcept {
   return static_cast<std::uint32_t>(text.size());
 }
 
+// What title() gives, in small letters and never in memory that isn't wiped. The monitor is held.
+QNSecret lowercaseTitleOf(QNItem& item) {
+  const auto title = item.overviewTextForKey(kOverviewTitle);
+  return secretLowercaseIdentifier(title ? *title : QNLocalizedString("Unnamed"));
+}
+
+std::atomic<std::size_t> numberOfDropped{0};
+
 }  // namespace
+
+std::size_t numberOfDroppedSearchTexts() noexcept {
+  return numberOfDropped;
+}
 
 // Searches that take no monitor, and what was dropped while there was one.
 struct QNItem::SearchTexts::Readings {
   std::atomic<std::size_t> count{0};
   std::mutex mutex;
-  std::vector<SearchTexts*> dropped;
+  SearchTexts* dropped = nullptr;  // the last; each knows the one before it
 };
 
 QNItem::SearchTexts::Readings& QNItem::SearchTexts::readings() {
@@ -56,12 +71,40 @@ QNItem::SearchTexts* QNItem::SearchTexts::make(std::string_view lowercaseTitle,
   return made;
 }
 
-// Whoever counts from now on finds the item's next block: this one was taken out before.
+QNItem::SearchTexts* QNItem::SearchTexts::copy() const {
+  if (!holdsOverview) return copyOfTitle();
+  SearchTexts* const made = make(lowercaseTitle(), lowercase().substr(_titleSize));
+  made->holdsTitle = holdsTitle;
+  return made;
+}
+
+QNItem::SearchTexts* QNItem::SearchTexts::copyOfTitle() const {
+  SearchTexts* const made = make(lowercaseTitle(), std::nullopt);
+  made->holdsTitle = holdsTitle;
+  return made;
+}
+
+// Whoever counts from now on finds the item's next block: this one was taken out before. The last
+// one that reads looks for what was dropped once its count is given back: so look at the count
+// with the mutex held, or it has gone by.
 void QNItem::SearchTexts::release(SearchTexts* texts) noexcept {
   if (texts == nullptr) return;
-  if (readings().count == 0) return free(texts);
-  const std::lock_guard lock(readings().mutex);
-  readings().dropped.push_back(texts);
+  Readings& all = readings();
+  if (all.count == 0) return free(texts);
+  const std::lock_guard lock(all.mutex);
+  if (all.count == 0) return free(texts);
+  texts->_nextDropped = std::exchange(all.dropped, texts);
+  ++numberOfDropped;
+}
+
+void QNItem::SearchTexts::releaseDropped() noexcept {
+  Readings& all = readings();
+  const std::lock_guard lock(all.mutex);
+  if (all.count != 0) return;  // one that began since may read what was dropped since
+  while (all.dropped != nullptr) {
+    free(std::exchange(all.dropped, all.dropped->_nextDropped));
+    --numberOfDropped;
+  }
 }
 
 void QNItem::SearchTexts::free(SearchTexts* texts) noexcept {
@@ -75,11 +118,7 @@ QNItem::SearchTexts::Reading::Reading() noexcept {
 }
 
 QNItem::SearchTexts::Reading::~Reading() {
-  if (--readings().count != 0) return;
-  const std::lock_guard lock(readings().mutex);
-  if (readings().count != 0) return;  // one that began since may read what was dropped since
-  for (SearchTexts* const texts : readings().dropped) free(texts);
-  readings().dropped.clear();
+  if (--readings().count == 0) releaseDropped();
 }
 
 const QNItem::SearchTexts* QNItem::SearchTexts::Reading::textsOf(
@@ -115,24 +154,26 @@ std::string QNItem::lowercaseOverviewStringForSearch2() {
 QNItem::SearchTexts& QNItem::searchTexts() {
   SearchTexts* const kept = _search.load(std::memory_order_relaxed);
   if (kept != nullptr && kept->holdsTitle) return *kept;
-  const std::string lowercase = lowercaseIdentifier(title());
-  SearchTexts* const made = SearchTexts::make(lowercase, std::nullopt);
+  SearchTexts* const made = SearchTexts::make(lowercaseTitleOf(*this).reveal(), std::nullopt);
   made->holdsTitle = overviewIsParsed();
   return keepSearchTexts(made);
 }
 
 QNItem::SearchTexts& QNItem::searchTextsWithOverview(bool withBlanksOfEmptyParts) {
-  SearchTexts& texts = searchTexts();
-  if (texts.holdsOverview) return texts;
-  const std::string_view title = texts.lowercaseTitle();
+  SearchTexts* const kept = _search.load(std::memory_order_relaxed);
+  const bool keptTitle = kept != nullptr && kept->holdsTitle;
+  if (keptTitle && kept->holdsOverview) return *kept;
+  const QNSecret title = keptTitle ? QNSecret(kept->lowercaseTitle()) : lowercaseTitleOf(*this);
   const std::string host = QNItemURL::extractSearchStringFromURLString(URLString().value_or(""));
   QNSecret rest;
   if (withBlanksOfEmptyParts || !title.empty()) rest.append(" ");
   rest.append(host);
   if (withBlanksOfEmptyParts || !host.empty()) rest.append(" ");
-  rest.append(lowercaseIdentifier(additionalInformation().value_or("")));
-  SearchTexts* const made = SearchTexts::make(title, rest.reveal());  // into a block that is wiped
-  made->holdsTitle = texts.holdsTitle;
+  const auto subtitle = overviewTextForKey(kOverviewAdditionalInformation);
+  rest.append(secretLowercaseIdentifier(subtitle.value_or("")).reveal());  // joined, as above
+  // Into a block that is wiped.
+  SearchTexts* const made = SearchTexts::make(title.reveal(), rest.reveal());
+  made->holdsTitle = keptTitle || overviewIsParsed();
   made->holdsOverview = overviewIsParsed();
   return keepSearchTexts(made);
 }
@@ -155,7 +196,7 @@ void QNItem::dropOverviewForSearch() {
   const std::lock_guard lock(monitor());
   const SearchTexts* const texts = _search.load(std::memory_order_relaxed);
   if (texts == nullptr || !texts->holdsOverview) return;
-  keepSearchTexts(SearchTexts::make(texts->lowercaseTitle(), std::nullopt));
+  keepSearchTexts(texts->copyOfTitle());
 }
 
 }  // namespace quillon

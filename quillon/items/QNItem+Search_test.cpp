@@ -2,6 +2,7 @@
 
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/items/QNPredicateCache.h"
+#include "quillon/items/internal/QNItemSearchTexts.h"
 #include "quillon/items/internal/QNMergeTesting.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/internal/QNMemoryWatch.h"
@@ -153,6 +154,40 @@ TEST(QNItemSearch, AListedItemIsSearchedByTheCopyOfItsAddress) {
 
 // What drops them
 
+/// Is searched in the middle of each change, as another thread may do.
+class ItemSearchedWhileItChanges final : public QNItem {
+ public:
+  using QNItem::QNItem;
+  std::string_view className() const override { return "ItemSearchedWhileItChanges"; }
+  void markRowDirty() override {
+    QNItem::markRowDirty();
+    if (!isSearched) return;
+    EXPECT_NE(lowercaseOverviewStringForSearch(), "");
+    EXPECT_NE(nakedDomain(), std::nullopt);
+  }
+  bool isSearched = false;
+};
+
+TEST(QNItemSearch, ASearchInTheMiddleOfAChangeKeepsNothingOfWhatWas) {
+  const auto item = std::make_shared<ItemSearchedWhileItChanges>(initNew);
+  item->setProfile(localVault());
+  item->setTitle("My Bank");
+  item->setAdditionalInformation("Ann");
+  item->setURLString("https://a.example/");
+  item->isSearched = true;
+
+  item->setTitle("My Shop");
+  EXPECT_EQ(item->lowercaseOverviewStringForSearch(), "my shop a.example ann");
+  item->setAdditionalInformation("Ben");
+  EXPECT_EQ(item->lowercaseOverviewStringForSearch(), "my shop a.example ben");
+  item->setURLString("https://b.example/");
+  EXPECT_EQ(item->lowercaseOverviewStringForSearch(), "my shop b.example ben");
+  EXPECT_EQ(item->nakedDomain(), "b.example");
+  item->setURLString(std::nullopt);
+
+  EXPECT_EQ(item->lowercaseOverviewStringForSearch(), "my shop ben");
+}
+
 TEST(QNItemSearch, ANewTitleIsFound) {
   const auto item = itemTitled("My Bank");
   EXPECT_TRUE(item->overviewMatchesLowercaseString("bank"));
@@ -230,6 +265,47 @@ TEST(QNItemSearch, WhatDidNotOpenIsLookedAtAgain) {
   EXPECT_EQ(item->lowercaseOverviewStringForSearch(), "my bank www.bank.example ann");
 }
 
+TEST(QNItemSearch, WhatDidNotOpenIsLookedAtAgainAfterANewUuidToo) {
+  const auto vault = localVault();
+  const auto row = filledItem(vault);
+  save(*row);
+  const auto item = listed(*row, vault);
+  item->setOverviewData(Bytes(60, 1));
+  {
+    const MRCapturingSink sink;
+    EXPECT_EQ(item->lowercaseTitle(), "unnamed");
+    item->setUuid(sharedString("NEW-UUID"));
+  }
+
+  item->setOverviewData(row->overviewData());
+
+  EXPECT_EQ(item->lowercaseTitle(), "my bank");
+}
+
+TEST(QNItemSearch, OfManyItemsLooksAgainAtOneThatDidNotOpen) {
+  const auto vault = localVault();
+  const auto row = filledItem(vault);
+  save(*row);
+  const std::shared_ptr<QNItem> item = listed(*row, vault);
+  const std::vector<std::shared_ptr<QNItem>> items = {item};
+  item->setOverviewData(Bytes(60, 1));
+  const auto levels = {QNSearchLevel::title, QNSearchLevel::overview};
+  {
+    const MRCapturingSink sink;
+    for (const auto level : levels) {
+      EXPECT_THAT(QNItem::itemsMatchingLowercaseStrings(items, {"unnamed"}, level),
+                  ElementsAre(item));
+    }
+  }
+
+  item->setOverviewData(row->overviewData());
+
+  for (const auto level : levels) {
+    EXPECT_THAT(QNItem::itemsMatchingLowercaseStrings(items, {"unnamed"}, level), IsEmpty());
+    EXPECT_THAT(QNItem::itemsMatchingLowercaseStrings(items, {"bank"}, level), ElementsAre(item));
+  }
+}
+
 // Levels
 
 TEST(QNItemSearch, TheTitleMatchesWithoutRegardToDiacritics) {
@@ -293,6 +369,10 @@ TEST(QNItemSearch, TheOverviewLevelOpensNoDetails) {
 
   EXPECT_TRUE(item->titleMatchesLowercaseString("bank"));
   EXPECT_FALSE(item->titleMatchesLowercaseString("9876"));
+  EXPECT_TRUE(item->overviewMatchesLowercaseString("ann"));
+  EXPECT_FALSE(item->overviewMatchesLowercaseString("9876"));
+  EXPECT_TRUE(item->contentsMatchesLowercaseString("ann"));
+  EXPECT_TRUE(item->contentsMatchesLowercaseString("savings"));
   EXPECT_EQ(vault->numberOfItemKeysUnwrapped(), unwrapped);
   EXPECT_TRUE(item->contentsMatchesLowercaseString("9876"));
 
@@ -499,6 +579,53 @@ TEST(QNItemSearch, WhatASearchKeepsIsWiped) {
   EXPECT_EQ(watch.found(), 0u);
 }
 
+TEST(QNItemSearch, WhatASearchOverManyKeepsIsWipedAndReleased) {
+  const auto vault = localVault();
+  const auto row = newItem(vault);
+  row->setTitle("A Title Of Plain Letters");
+  row->setAdditionalInformation("A Subtitle Of Plain Letters");
+  save(*row);
+  const QNFreedBlockWatch title("Title Of Plain");
+  const QNFreedBlockWatch lowercaseTitle("title of plain");
+  const QNFreedBlockWatch lowercaseSubtitle("subtitle of plain");
+  {
+    const std::vector<std::shared_ptr<QNItem>> items = {listed(*row, vault), listed(*row, vault)};
+    for (const auto level : {QNSearchLevel::title, QNSearchLevel::overview}) {
+      EXPECT_EQ(QNItem::itemsMatchingLowercaseStrings(items, {"plain"}, level).size(), 2u);
+    }
+    items[0]->setUuid(sharedString("NEW-UUID"));
+    EXPECT_TRUE(items[1]->contentsMatchesLowercaseString("subtitle"));
+  }
+
+  EXPECT_EQ(title.found(), 0u);
+  EXPECT_EQ(lowercaseTitle.found(), 0u);
+  EXPECT_EQ(lowercaseSubtitle.found(), 0u);
+  EXPECT_EQ(numberOfDroppedSearchTexts(), 0u);
+}
+
+TEST(QNItemSearch, NothingStaysDroppedWhenSearchesEndBesideChanges) {
+  const auto item = itemTitled("My Bank");
+  const std::vector<std::shared_ptr<QNItem>> items = {item};
+  std::atomic<bool> done{false};
+  const auto search = [&] {
+    while (!done) {
+      QNItem::itemsMatchingLowercaseStrings(items, {"bank"}, QNSearchLevel::overview);
+    }
+  };
+
+  std::thread one(search);
+  std::thread two(search);
+  for (int i = 0; i < 3000; ++i) {
+    item->setTitle(i % 2 == 0 ? "My Bank" : "My Shop");
+    item->setUuid(sharedString("UUID-" + std::to_string(i)));
+  }
+  done = true;
+  one.join();
+  two.join();
+
+  EXPECT_EQ(numberOfDroppedSearchTexts(), 0u);
+}
+
 TEST(QNItemSearch, SearchesMayOverlapWithEachOtherAndWithSaves) {
   const auto item = filledItem();
   std::atomic<int> wrong{0};
@@ -519,6 +646,7 @@ TEST(QNItemSearch, SearchesMayOverlapWithEachOtherAndWithSaves) {
   for (int i = 0; i < 60; ++i) {
     item->setAdditionalInformation("Ann");
     item->willSave();
+    item->setUuid(sharedString("UUID-" + std::to_string(i)));
     item->setAdditionalInformation("Ann");
   }
   done = true;

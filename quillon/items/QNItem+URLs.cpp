@@ -84,18 +84,16 @@ std::optional<std::string> QNItem::URLString() {
 
 void QNItem::setURLString(std::optional<std::string_view> url) {
   if (!URLsAreAvailable()) return;
-  dropURLCaches();
-  dropOverviewForSearch();
+  if (url) markRowDirty();
   if (!url) {
-    if (hasURLs()) removeURLAtIndex(0);
-    return;
-  }
-  markRowDirty();
-  if (const auto first = URLAtIndex(0)) {
+    removeURLAtIndex(0);
+  } else if (const auto first = URLAtIndex(0)) {
     first->setURLString(url);
   } else {
     addURLString(*url);
   }
+  dropURLCaches();  // last: before, another thread would fill them with the former address
+  dropOverviewForSearch();
 }
 
 void QNItem::addURL(const std::shared_ptr<QNItemURL>& url) {

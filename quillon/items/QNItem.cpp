@@ -78,16 +78,17 @@ std::string_view QNItem::uuidForLogging(const QNSharedString& uuid) {
 }
 
 void QNItem::setUuid(QNSharedString uuid) {
+  const std::lock_guard lock(monitor());
   if (equalContent(_uuid, uuid)) return;
   if (profileType() == 0) {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
                                        "Can't set uuid without first setting profile(Type)");
   }
   _uuid = std::move(uuid);
-  const std::lock_guard lock(monitor());
   if (_open != nullptr) _open->cachedItemSpecifier.reset();
-  SearchTexts* const texts = _search.load(std::memory_order_relaxed);
-  if (texts != nullptr) texts->uuidSize = _uuid == nullptr ? 0 : std::uint32_t(_uuid->size());
+  // A block that others may read isn't written to: the next one gets the new size.
+  const SearchTexts* const texts = _search.load(std::memory_order_relaxed);
+  if (texts != nullptr) keepSearchTexts(texts->copy());
 }
 
 void QNItem::updateUuid(QNSharedString uuid, std::uint64_t ifProfileTypeMatches) {

@@ -176,8 +176,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool titleMatchesLowercaseString(std::string_view string);
   /// The whole uuid matches too.
   [[nodiscard]] bool overviewMatchesLowercaseString(std::string_view string);
-  /// Opens the details: values, concealed and retired ones too, tags, titles of fields and
-  /// sections. Without details, what the overview gives.
+  /// Opens the details, which stay open until the item is released: values, concealed and retired
+  /// ones too, tags, titles of fields and sections. Without details, what the overview gives.
   [[nodiscard]] bool contentsMatchesLowercaseString(std::string_view string);
   // Does each of the strings match? True for none.
   using SearchStrings = std::vector<std::string>;
@@ -185,7 +185,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool overviewMatchesLowercaseStrings(const SearchStrings& strings);
   [[nodiscard]] bool contentsMatchesLowercaseStrings(const SearchStrings& strings);
   /// Those whose answer at that level is true, in order, nulls left out. For many items: several
-  /// times as fast as to ask each.
+  /// times as fast as to ask each. The contents level leaves open what it opened, as above.
   static std::vector<std::shared_ptr<QNItem>> itemsMatchingLowercaseStrings(
       std::span<const std::shared_ptr<QNItem>> items, const SearchStrings& strings,
       QNSearchLevel level);
@@ -200,8 +200,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] virtual std::vector<std::string> allFieldTitlesForSearch();
   [[nodiscard]] std::vector<std::string> allSectionTitlesForSearch();
 
-  // Search by words of title and hosts: QNItem+SearchWords.cpp. Kept until setTitle() or a change
-  // in the list of addresses.
+  // Search by words of title and hosts: QNItem+SearchWords.cpp. Kept until setTitle(), addURL(),
+  // removeURL() or removeURLAtIndex(). Load the details first: hosts that aren't there stay none.
   /// In small letters. One of them is empty where two separators meet, or one stands at an end.
   [[nodiscard]] std::set<std::string> helperSearchWords();
   /// Does each of the strings match? A string of one word is looked for in the words, or at their

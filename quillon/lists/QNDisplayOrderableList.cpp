@@ -4,7 +4,9 @@
 #include <utility>
 
 #include "quillon/lists/internal/QNListRange.h"
+#include "quillon/objects/QNDatabaseObjectWithOverview.h"
 #include "quillon/platform/data/QNNotFound.h"
+#include "quillon/templates/QNGenericCategory.h"
 
 namespace quillon {
 namespace {
@@ -18,6 +20,15 @@ QNDisplayOrderable* orderable(const Row& row) {
 // A row that has no order stands among others only if a later one brought the flag back.
 void setOrder(const Row& row, std::uint64_t order) {
   if (auto* const it = orderable(row)) it->setDisplayOrder(order);
+}
+
+std::optional<std::string> uuidOf(const Row& row) {
+  if (const auto* const category = dynamic_cast<const QNGenericCategory*>(row.get())) {
+    return category->uuid();
+  }
+  const auto* const object = dynamic_cast<const QNDatabaseObjectWithOverview*>(row.get());
+  const QNSharedString uuid = object == nullptr ? nullptr : object->uuid();
+  return uuid == nullptr ? std::nullopt : std::optional(*uuid);
 }
 
 // Whatever the rows are: logs have always told them as categories.
@@ -63,10 +74,7 @@ std::int64_t QNDisplayOrderableList::indexOfObjectWithId(std::uint64_t oid) cons
 }
 
 std::int64_t QNDisplayOrderableList::indexOfItemWithUUID(std::string_view uuid) const {
-  return indexOfFirst([uuid](const Row& row) {
-    const QNSharedString its = row->uuid();
-    return its != nullptr && *its == uuid;
-  });
+  return indexOfFirst([uuid](const Row& row) { return uuidOf(row) == uuid; });
 }
 
 std::set<std::uint64_t> QNDisplayOrderableList::allIds() const {
@@ -78,7 +86,7 @@ std::set<std::uint64_t> QNDisplayOrderableList::allIds() const {
 std::set<std::string> QNDisplayOrderableList::allUUIDs() const {
   std::set<std::string> uuids;
   for (const Row& row : _items) {
-    if (const QNSharedString uuid = row->uuid()) uuids.insert(*uuid);
+    if (auto uuid = uuidOf(row)) uuids.insert(*std::move(uuid));
   }
   return uuids;
 }

@@ -7,16 +7,20 @@
 #include <string_view>
 #include <vector>
 
-#include "quillon/objects/QNDatabaseObjectWithOverview.h"
+#include "quillon/objects/QNDatabaseObject.h"
 
 namespace quillon {
 
 /// Rows that a user moves about. A moved row gets a number between those of its new neighbours, so
 /// that one object alone changes; only when no number is left there are all rows numbered anew.
-/// Which objects get dirty by that is their setters' business. Not locked.
+/// Which objects get dirty by that is their setters' business: the first number of a folder, an
+/// address or a category dirties nothing. After a move save every row whose number changed, dirty
+/// or not. Not locked.
+///
+/// DANGER: an item's display order is its favourite index: to number items makes all favourites.
 class QNDisplayOrderableList final {
  public:
-  using Row = std::shared_ptr<QNDatabaseObjectWithOverview>;
+  using Row = std::shared_ptr<QNDatabaseObject>;
   static constexpr std::uint64_t kFirstDisplayOrder = 1000000;
   static constexpr std::uint64_t kDisplayOrderStep = 100000;
   /// A row with a higher one has all rows numbered anew.
@@ -38,13 +42,15 @@ class QNDisplayOrderableList final {
   [[nodiscard]] Row objectAtIndex(std::size_t index) const;
   void removeItemAtIndex(std::size_t index);
 
-  // The first row of that identity, or kNotFound
+  // The first row of that identity, or kNotFound. Only categories and rows with an overview have a
+  // uuid.
   [[nodiscard]] std::int64_t indexOfObjectWithId(std::uint64_t oid) const;
   [[nodiscard]] std::int64_t indexOfItemWithUUID(std::string_view uuid) const;
   [[nodiscard]] std::set<std::uint64_t> allIds() const;
   [[nodiscard]] std::set<std::string> allUUIDs() const;
 
-  /// Has a row a display order that isn't saved? False for rows that can't be moved.
+  /// Has a row a dirty display order? False for rows that can't be moved. Not for a row that got
+  /// its first number, unless its setter says so.
   [[nodiscard]] bool needsSaving() const;
   /// Numbers all rows anew, in their order.
   void resetDisplayOrder();

@@ -5,8 +5,10 @@
 
 #include <array>
 
+#include "quillon/objects/QNDatabaseObjectWithOverview.h"
 #include "quillon/platform/data/QNNotFound.h"
 #include "quillon/platform/log/MRLogger.h"
+#include "quillon/templates/QNCategory.h"
 
 namespace quillon {
 namespace {
@@ -38,6 +40,21 @@ class MovableRow final : public FixedRow, public QNDisplayOrderable {
   }
 
   int numberOfSettings = 0;
+
+ private:
+  std::uint64_t _order;
+};
+
+/// Its first number dirties nothing, as with folders, addresses and categories.
+class FolderLikeRow final : public FixedRow, public QNDisplayOrderable {
+ public:
+  FolderLikeRow(std::uint64_t oid, std::uint64_t order) : FixedRow(oid), _order(order) {}
+  std::uint64_t displayOrder() const override { return _order; }
+  void setDisplayOrder(std::uint64_t order) override {
+    if (_order == order) return;
+    if (_order != 0) markDisplayOrderDirty();
+    _order = order;
+  }
 
  private:
   std::uint64_t _order;
@@ -186,6 +203,31 @@ TEST(QNDisplayOrderableList, NeedsSavingWhenARowsOrderDoes) {
   rows[1]->markDisplayOrderDirty();
 
   EXPECT_TRUE(list.needsSaving());
+}
+
+TEST(QNDisplayOrderableList, NeedsNoSavingWhenRowsGotTheirFirstNumbersFromSettersThatSayNothing) {
+  const Rows rows = {std::make_shared<FolderLikeRow>(1, 0), std::make_shared<FolderLikeRow>(2, 0)};
+  QNDisplayOrderableList list(rows);
+
+  list.resetDisplayOrder();
+  EXPECT_THAT(ordersIn(list), ElementsAre(1000000, 1100000));
+  EXPECT_FALSE(list.needsSaving());
+
+  list.moveItemAtIndex(1, 0);
+  EXPECT_THAT(ordersIn(list), ElementsAre(500000, 1000000));
+  EXPECT_TRUE(list.needsSaving());
+}
+
+TEST(QNDisplayOrderableList, FindsCategoriesByTheirUuids) {
+  const auto category = std::make_shared<QNCategory>(QNExisting{7});
+  category->setUuid("003");
+  const QNDisplayOrderableList list({rowsOf({10})[0], category});
+
+  EXPECT_TRUE(list.itemsAreOrderable());
+  EXPECT_EQ(list.indexOfItemWithUUID("003"), 1);
+  EXPECT_EQ(list.indexOfItemWithUUID("004"), kNotFound);
+  EXPECT_THAT(list.allUUIDs(), ElementsAre("003", "uuid-1"));
+  EXPECT_THAT(list.allIds(), ElementsAre(1, 7));
 }
 
 TEST(QNDisplayOrderableList, NeedsNoSavingWhenItsRowsCantBeMoved) {

@@ -137,12 +137,14 @@ std::optional<QNIndexPath> QNItemList::indexPathForItemWithSpecifier(
 
 void QNItemList::enumerateItemsUsingBlock(
     const std::function<void(const std::shared_ptr<QNItem>& item)>& block) const {
+  if (!block) return;
   enumerateItemsUsingCancelableBlock([&block](const auto& item, bool&) { block(item); });
 }
 
 // Over copies, so that the block may change the list.
 void QNItemList::enumerateItemsUsingCancelableBlock(
     const std::function<void(const std::shared_ptr<QNItem>& item, bool& stop)>& block) const {
+  if (!block) return;
   bool stop = false;
   for (const auto& section : sections()) {
     for (const auto& item : section->items()) {

@@ -247,6 +247,13 @@ TEST_F(QNItemListTest, EndsItsWalkWhereItIsStopped) {
   }
 }
 
+TEST_F(QNItemListTest, WalksForNobodyWithoutFailing) {
+  const auto list = QNItemList::initWithSections({section("A", {listedItem("1")})});
+
+  EXPECT_NO_THROW(list->enumerateItemsUsingBlock({}));
+  EXPECT_NO_THROW(list->enumerateItemsUsingCancelableBlock({}));
+}
+
 TEST_F(QNItemListTest, MayBeChangedByWhoWalksIt) {
   const auto list = QNItemList::initWithSections({section("A", {listedItem("1")})});
 

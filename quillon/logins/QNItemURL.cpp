@@ -27,13 +27,6 @@ std::optional<std::string> ownText(std::optional<std::string_view> text) {
   return text ? std::optional<std::string>(*text) : std::nullopt;
 }
 
-// ASCII letters don't follow the locale: "EXAMPLE.IT" is example.it in Turkey too.
-std::string lowercaseHost(std::string_view host) {
-  std::string lower(host);
-  std::transform(lower.begin(), lower.end(), lower.begin(), lowercaseASCII);
-  return isASCII(lower) ? lower : lowercaseText(lower);
-}
-
 bool startsWithIgnoringCase(std::string_view text, std::string_view lowerPrefix) {
   return text.size() >= lowerPrefix.size() &&
          std::equal(lowerPrefix.begin(), lowerPrefix.end(), text.begin(),
@@ -65,7 +58,8 @@ std::string QNItemURL::extractSearchStringFromURLString(std::string_view url) {
   constexpr std::string_view separator = "://";
   const std::size_t scheme = url.find(separator);
   if (scheme != std::string_view::npos) url.remove_prefix(scheme + separator.size());
-  return lowercaseHost(url.substr(0, url.find_first_of("?/:")));
+  // A host doesn't follow the locale: "EXAMPLE.IT" is example.it in Turkey too.
+  return lowercaseIdentifier(url.substr(0, url.find_first_of("?/:")));
 }
 
 std::optional<std::string> QNItemURL::URLString() {

@@ -69,6 +69,8 @@ TEST(QNItemURLSearchString, LowersPlainLettersAlikeInEveryLocale) {
   const QNScopedLocale turkish("tr-TR");
 
   EXPECT_EQ(QNItemURL::extractSearchStringFromURLString("https://EXAMPLE.IT/"), "example.it");
+  EXPECT_EQ(QNItemURL::extractSearchStringFromURLString("https://BÜCHERKISTE.IT/"),
+            "bücherkiste.it");
 }
 
 TEST_F(QNItemURLTest, KeepsAddressAndLabelInItsOverview) {

@@ -126,7 +126,9 @@ void QNItemSpecifier::iterateOverProfilesInSpecifiers(
   for (const Ref& specifier : specifiers) {
     if (specifier != nullptr) itemsByProfile[specifier->_profileUUID].push_back(specifier->_uuid);
   }
-  for (const auto& [profile, items] : itemsByProfile) withBlock(profile, items);
+  for (const auto& [profile, items] : itemsByProfile) {
+    if (withBlock) withBlock(profile, items);
+  }
   if (completion) completion();
 }
 

@@ -257,6 +257,16 @@ TEST(QNItemSpecifier, GivesNoProfileOfNoSpecifiersAndStillCompletes) {
   EXPECT_EQ(completions, 1);
 }
 
+TEST(QNItemSpecifier, GivesProfilesToNobodyAndStillCompletes) {
+  const Refs specifiers{specifier("1", "a")};
+  int completions = 0;
+
+  EXPECT_NO_THROW(QNItemSpecifier::iterateOverProfilesInSpecifiers(
+      specifiers, {}, [&completions] { ++completions; }));
+
+  EXPECT_EQ(completions, 1);
+}
+
 TEST(QNItemSpecifier, FindsItemsInTheOrderOfTheSpecifiers) {
   const auto vault = vaultOf("vault");
   const Items items{itemOf("a", vault), nullptr, itemOf("b", vault), itemOf("c", vault)};

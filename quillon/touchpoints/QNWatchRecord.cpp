@@ -1,6 +1,7 @@
 #include "quillon/touchpoints/QNWatchRecord.h"
 
 #include "quillon/items/QNItem.h"
+#include "quillon/platform/urls/QNURLTools.h"
 #include "quillon/touchpoints/QNWatchConstants.h"
 
 namespace quillon {
@@ -18,7 +19,11 @@ JsonObject QNWatchRecord::dictionaryOfItem(QNItem& item) && {
   JsonObject record(jsonStorage());
   setJsonText(record, QNOTPKeychainItemUUIDKey, uuid == nullptr ? "" : *uuid);
   setJsonText(record, QNOTPKeychainItemNameKey, item.title());
-  setJsonText(record, QNOTPKeychainItemURLKey, item.derivedDomain().value_or(""));
+  // Of the address as it is now: derivedDomain() may be that of another one.
+  const auto address = item.URLString();
+  const auto host =
+      address ? QNURLTools::shared().extractHostFromURLString(*address) : std::nullopt;
+  setJsonText(record, QNOTPKeychainItemURLKey, host.value_or(""));
   record.emplace(QNWatchKeychainItemValueDataKey, std::move(_values));
   return record;
 }

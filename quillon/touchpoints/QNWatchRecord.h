@@ -17,6 +17,9 @@ class QNItem;
 ///   QNWatchKeychainItemValueDataKey   object: QNWatchTypeKey, then what the kind adds
 ///
 /// What isn't there is "".
+/// DANGER: what doesn't open is "" too: the record of an item in a locked vault looks like one of
+/// an item without values. Look whether details() gives something before you put it in place of
+/// another.
 class QNWatchRecord final {
  public:
   /// One of QNWatchType....

@@ -6,9 +6,11 @@
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/kinds/QNCreditCard.h"
 #include "quillon/kinds/QNSecureNote.h"
+#include "quillon/logins/QNItemURL.h"
 #include "quillon/logins/QNLogin.h"
 #include "quillon/logins/QNPassword.h"
 #include "quillon/platform/internal/QNMemoryWatch.h"
+#include "quillon/platform/log/MRLogger.h"
 #include "quillon/templates/internal/QNTestCategories.h"
 
 namespace quillon {
@@ -62,6 +64,39 @@ TEST(QNWatchRecord, OfAnAddressWithoutAHostHasAnEmptyOne) {
   login->addURLString("https://");
 
   EXPECT_EQ(login->appleWatchDictionaryRepresentation().at("QNOTPKeychainItemURLKey"), Json(""));
+}
+
+TEST(QNWatchRecord, HasTheHostOfTheAddressAsItIs) {
+  const auto login = newIn<QNLogin>();
+  login->addURLString("https://a.example");
+  EXPECT_EQ(login->appleWatchDictionaryRepresentation().at("QNOTPKeychainItemURLKey"),
+            Json("a.example"));
+  EXPECT_EQ(login->derivedDomain(), "a.example");
+
+  login->URLAtIndex(0)->setURLString("https://b.example");
+
+  EXPECT_EQ(login->appleWatchDictionaryRepresentation().at("QNOTPKeychainItemURLKey"),
+            Json("b.example"));
+}
+
+TEST(QNWatchRecord, OfAnItemThatDoesNotOpenHasEmptyTexts) {
+  const auto vault = localVault();
+  const auto row = std::make_shared<QNSecureNote>(initNew);
+  row->setProfile(vault);
+  row->setNotesPlain("a note");
+  row->willSave();
+  const auto note = std::make_shared<QNSecureNote>(QNExisting{1});
+  note->setProfile(vault);
+  note->markLoadingDetails();
+  note->setEncryptedKey(row->encryptedKey());
+  note->setDetailsData(row->detailsData());
+  note->markDetailsLoaded();
+  vault->lock();
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(valuesOf(note->appleWatchDictionaryRepresentation()),
+            R"({"QNWatchTypeKey":"QNWatchTypeSecureNote","QNWatchSecureNoteItemNoteKey":""})");
+  EXPECT_EQ(note->details(), nullptr);
 }
 
 TEST(QNWatchRecord, OfAnItemWithoutAUuidHasAnEmptyOne) {
@@ -148,6 +183,38 @@ TEST_P(QNWatchRecordSecrets, LeavesNoFreedBlockWithAPassword) {
   ASSERT_EQ(login->appleWatchDictionaryRepresentation().size(), 4u);
 
   EXPECT_EQ(watch.found(), 0u);
+}
+
+TEST_P(QNWatchRecordSecrets, LeavesNoFreedBlockWithAPasswordThatStandsAlone) {
+  const auto item = newIn<QNPassword>();
+  item->setPassword(GetParam());
+  const QNFreedBlockWatch watch(GetParam());
+
+  ASSERT_EQ(item->appleWatchDictionaryRepresentation().size(), 4u);
+
+  EXPECT_EQ(watch.found(), 0u);
+}
+
+TEST_P(QNWatchRecordSecrets, LeavesNoFreedBlockWithANote) {
+  const auto note = newIn<QNSecureNote>();
+  note->setNotesPlain(GetParam());
+  const QNFreedBlockWatch watch(GetParam());
+
+  ASSERT_EQ(note->appleWatchDictionaryRepresentation().size(), 4u);
+
+  EXPECT_EQ(watch.found(), 0u);
+}
+
+TEST_P(QNWatchRecordSecrets, LeavesNoFreedBlockWithWhatACardHides) {
+  for (const char* const identifier : {"cvv", "pin"}) {
+    const auto card = cardWithNumber("378282246310005");
+    card->setStringFieldValue(GetParam(), identifier);
+    const QNFreedBlockWatch watch(GetParam());
+
+    ASSERT_EQ(card->appleWatchDictionaryRepresentation().size(), 4u);
+
+    EXPECT_EQ(watch.found(), 0u) << identifier;
+  }
 }
 
 TEST_P(QNWatchRecordSecrets, LeavesNoStackWithAPassword) {

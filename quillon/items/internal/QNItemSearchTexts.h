@@ -15,6 +15,9 @@ struct QNSearchWords {
   std::vector<QNSecret> folded;
 };
 
+/// For tests: how many blocks are dropped and not released yet, in the whole process.
+[[nodiscard]] std::size_t numberOfDroppedSearchTexts() noexcept;
+
 /// The title, or the whole overview, which begins with it: in small letters and folded, in one
 /// block that is wiped when it is released. The texts stand right behind the object: a search over
 /// many items waits for memory, and so it waits once an item.
@@ -26,8 +29,13 @@ class QNItem::SearchTexts final {
  public:
   /// `rest` is what follows the title in the overview; without it the title is all there is.
   static SearchTexts* make(std::string_view lowercaseTitle, std::optional<std::string_view> rest);
+  /// For keepSearchTexts(), which gives it the words.
+  [[nodiscard]] SearchTexts* copy() const;
+  [[nodiscard]] SearchTexts* copyOfTitle() const;
   /// When nobody reads without the monitor any more.
   static void release(SearchTexts* texts) noexcept;
+  /// What is dropped and nobody reads any more; does nothing while somebody reads.
+  static void releaseDropped() noexcept;
 
   /// Lives as long as a search that takes no monitors: to take one writes to each item's memory.
   /// A block that is dropped meanwhile, as by a save on another thread, stays until its end.
@@ -71,6 +79,7 @@ class QNItem::SearchTexts final {
   struct Readings;
   static Readings& readings();
 
+  SearchTexts* _nextDropped = nullptr;  // a list that needs no memory: to drop mustn't fail
   static constexpr std::uint32_t kSame = std::numeric_limits<std::uint32_t>::max();
   std::uint32_t _titleSize = 0;
   std::uint32_t _lowercaseSize = 0;  // kSame: the folded text is it

@@ -13,6 +13,7 @@
 #include "quillon/platform/text/QNASCII.h"
 #include "quillon/platform/text/QNText.h"
 #include "quillon/platform/text/internal/QNPlainLetters.h"
+#include "quillon/platform/text/internal/QNSecretText.h"
 
 namespace quillon {
 namespace {
@@ -108,6 +109,17 @@ WipedUnits withFoldedCase(const WipedUnits& units, UErrorCode& status) {
   return result;
 }
 
+// By the rules of no language.
+WipedUnits inSmallLetters(const WipedUnits& units, UErrorCode& status) {
+  constexpr std::size_t longestSmallLetter = 3;
+  WipedUnits result(units.size() * longestSmallLetter);
+  const int32_t length =
+      u_strToLower(result.data(), static_cast<int32_t>(result.size()), units.data(),
+                   static_cast<int32_t>(units.size()), "", &status);
+  result.resize(static_cast<std::size_t>(std::max(length, 0)));
+  return result;
+}
+
 // The marks of no class, and of these, are vowels, as Thai, Tibetan and the scripts of India write
 // them: without those a word is another one.
 constexpr std::array<std::uint8_t, 7> kClassesOfVowels = {84, 91, 103, 118, 129, 130, 132};
@@ -180,6 +192,13 @@ std::string foldedForSearch(std::string_view text) {
 
 QNSecret secretFoldedForSearch(std::string_view text) {
   return foldedText(text, QNFolding::caseAndMarks);
+}
+
+QNSecret secretLowercaseIdentifier(std::string_view text) {
+  if (isASCII(text)) return secretLowered(text);
+  UErrorCode status = U_ZERO_ERROR;
+  const WipedUnits lower = inSmallLetters(secretUnitsOf(text, kReplaced, status), status);
+  return U_SUCCESS(status) ? utf8Of(lower, false) : QNSecret(text);
 }
 
 QNSecret foldedText(std::string_view text, QNFolding folding) {

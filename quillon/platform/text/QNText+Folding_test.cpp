@@ -7,6 +7,7 @@
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/internal/QNMemoryWatch.h"
 #include "quillon/platform/text/QNText.h"
+#include "quillon/platform/text/internal/QNSecretText.h"
 
 namespace quillon {
 namespace {
@@ -68,6 +69,15 @@ TEST(QNTextFolding, ToneMarksPointsAndWhatIsNotSeenAreDropped) {
 TEST(QNTextFolding, ASecretIsFoldedLikeAnyText) {
   for (const char* const text : {"", "Plain 1", "CRÈME ﬁ Łódź", "\u0301", "A\xFFZ", "銀行"}) {
     EXPECT_EQ(secretFoldedForSearch(text).reveal(), foldedForSearch(text));
+  }
+}
+
+TEST(QNTextFolding, ASecretInSmallLettersIsWhatTheTextIs) {
+  for (const char* const tag : {"en-US", "tr-TR"}) {
+    const QNScopedLocale locale(tag);
+    for (const char* const text : {"", "ABC xyz", "ÄRGER Izgara İ", "ΟΔΟΣ", "A\xFFZ", "𐐀"}) {
+      EXPECT_EQ(secretLowercaseIdentifier(text).reveal(), lowercaseIdentifier(text)) << text;
+    }
   }
 }
 
