@@ -7,6 +7,7 @@ import json
 import os
 import sqlite3
 import sys
+import time
 import unittest
 
 import tool_test
@@ -132,6 +133,28 @@ class Merge(MergeTest):
             "went over         Mine\\x1b[31m"])
         self.check_both()
         self.assertEqual(self.merge().out, "items compared: 3, changed: 0\n")
+
+    def test_what_became_of_folders_is_told(self):
+        uuids = {title: self.run_tool("folder", "add", title).out.strip() for title in "ABCE"}
+        self.copy_store()
+        time.sleep(1.1)  # of one second it isn't the later one that counts
+        self.run_tool("folder", "move", "B", "C")
+        self.at("folder", "move", "C", "B")
+        self.at("folder", "delete", "E")
+        self.at("folder", "rename", "A", "Z\x1b[31m")
+        self.at("folder", "add", "D")
+        report = self.merge("--dry-run", "--json").json
+        self.assertIn({"uuid": uuids["A"], "title": "A", "what": "replacedMine"},
+                      report["folders"])
+        self.assertEqual(sorted(report["foldersMovedToTop"]), sorted([uuids["B"], uuids["C"]]))
+        self.assertEqual((report["items"], report["quarantinedFolders"]), ([], []))
+        lines = self.merge().out.splitlines()
+        for line in ("changed here      folder A", "came over         folder D",
+                     "deleted here      folder E", "moved to the top  folder B"):
+            self.assertIn(line, lines)
+        self.assertEqual(lines[-1], "items compared: 0, changed: 0")
+        self.check_both()
+        self.assertEqual(self.merge().out, "items compared: 0, changed: 0\n")
 
     def test_what_one_side_changed_replaces_the_others(self):
         first = self.add("First", "--username", "jo")

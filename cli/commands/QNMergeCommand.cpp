@@ -9,6 +9,7 @@
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
 #include "cli/terminal/QNMessages.h"
+#include "quillon/organisation/QNFolder.h"
 
 namespace quillon {
 namespace {
@@ -57,6 +58,11 @@ QNResult<QNDone> addTitles(const QNVaultSession& session, Titles& titles) {
       session.vault(), QNStore::Which::all,
       [&](const std::shared_ptr<QNItem>& item) { titles.emplace(*item->uuid(), item->title()); });
   if (!report) return report.error();
+  const auto tree = session.store().folders(session.vault());
+  if (!tree) return tree.error();
+  for (const auto& folder : tree.value().folders) {
+    titles.emplace(*folder->uuid(), folder->title().value_or(""));
+  }
   return QNDone{};
 }
 
@@ -93,13 +99,32 @@ JsonObject jsonOf(const QNMergedItem& item, const Titles& titles) {
   return object;
 }
 
+JsonObject jsonOf(const QNMergedFolder& folder, const Titles& titles) {
+  JsonObject object(jsonStorage());
+  setJsonText(object, "uuid", folder.uuid);
+  setJsonText(object, "title", titleOf(titles, folder.uuid));
+  setJsonText(object, "what", textIn(kKinds, folder.kind).name);
+  return object;
+}
+
+JsonArray jsonOf(const std::vector<std::string>& uuids) {
+  JsonArray array;
+  for (const std::string& uuid : uuids) array.emplace_back(uuid);
+  return array;
+}
+
 JsonObject jsonOf(const QNMergeReport& report, const Titles& titles, bool dryRun) {
+  JsonArray folders(jsonStorage());
+  for (const QNMergedFolder& folder : report.folders) folders.emplace_back(jsonOf(folder, titles));
   JsonArray items(jsonStorage());
   for (const QNMergedItem& item : report.items) items.emplace_back(jsonOf(item, titles));
   JsonObject object(jsonStorage());
   object["dryRun"] = dryRun;
   object["compared"] = report.compared;
   object.emplace("items", std::move(items));
+  object.emplace("folders", std::move(folders));
+  object["foldersMovedToTop"] = jsonOf(report.foldersMovedToTop);
+  object["quarantinedFolders"] = jsonOf(report.quarantinedFolders);
   return object;
 }
 
@@ -110,6 +135,25 @@ void print(QNOutput& out, const QNMergedItem& item, const Titles& titles) {
   for (const QNMergedField& field : item.fields) {
     out.line(fmt::format("  {}  {}", padded(shownText(field.name), kFieldWidth),
                          textIn(kOutcomes, field.outcome).text));
+  }
+}
+
+void printFolder(QNOutput& out, std::string_view what, const std::string& uuid,
+                 const Titles& titles) {
+  const std::string title = titleOf(titles, uuid);
+  out.line(fmt::format("{}  folder {}", padded(std::string(what), kTextWidth),
+                       shownText(title.empty() ? uuid : title)));
+}
+
+void printFolders(QNOutput& out, const QNMergeReport& report, const Titles& titles) {
+  for (const QNMergedFolder& folder : report.folders) {
+    printFolder(out, textIn(kKinds, folder.kind).text, folder.uuid, titles);
+  }
+  for (const std::string& uuid : report.foldersMovedToTop) {
+    printFolder(out, "moved to the top", uuid, titles);
+  }
+  for (const std::string& uuid : report.quarantinedFolders) {
+    printFolder(out, "can't be used", uuid, titles);
   }
 }
 
@@ -124,6 +168,7 @@ QNCommandResult printReport(Global global, const QNMergeReport& report, const Ti
   if (global.json) return printJson(jsonOf(report, titles, dryRun));
   QNOutput out;
   for (const QNMergedItem& item : report.items) print(out, item, titles);
+  printFolders(out, report, titles);
   out.line(fmt::format("items compared: {}, {}: {}", report.compared,
                        dryRun ? "would be changed" : "changed", changedIn(report)));
   return out.finish();
