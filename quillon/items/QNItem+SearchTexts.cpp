@@ -5,8 +5,8 @@
 #include "quillon/items/internal/QNItemSearchTexts.h"
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/platform/text/QNLocalization.h"
+#include "quillon/platform/text/QNSecretText.h"
 #include "quillon/platform/text/QNText.h"
-#include "quillon/platform/text/internal/QNSecretText.h"
 
 namespace quillon {
 namespace {

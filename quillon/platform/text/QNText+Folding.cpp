@@ -11,9 +11,9 @@
 
 #include "quillon/platform/memory/QNBytes.h"
 #include "quillon/platform/text/QNASCII.h"
+#include "quillon/platform/text/QNSecretText.h"
 #include "quillon/platform/text/QNText.h"
 #include "quillon/platform/text/internal/QNPlainLetters.h"
-#include "quillon/platform/text/internal/QNSecretText.h"
 
 namespace quillon {
 namespace {

@@ -6,8 +6,8 @@
 
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/internal/QNMemoryWatch.h"
+#include "quillon/platform/text/QNSecretText.h"
 #include "quillon/platform/text/QNText.h"
-#include "quillon/platform/text/internal/QNSecretText.h"
 
 namespace quillon {
 namespace {
