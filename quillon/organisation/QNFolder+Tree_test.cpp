@@ -90,7 +90,7 @@ TEST(QNFolderTree, ListsAFolderThatWasAddedTwiceTwice) {
 TEST(QNFolderTree, EndsOnARing) {
   const auto a = folderTitled("a");
   const auto b = childOf(a, "b");
-  b->addSubfolder(a);
+  b->addSubfolder(Folder(Folder(), a.get()));  // not held: a ring that holds itself never goes
 
   EXPECT_EQ(a->indentationLevel(), 1u);
   EXPECT_EQ(b->indentationLevel(), 1u);

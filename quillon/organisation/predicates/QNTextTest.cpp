@@ -11,8 +11,9 @@ namespace quillon {
 namespace {
 
 bool contains(std::string_view text, std::string_view part) {
-  // Linear whatever both hold, which find() isn't.
-  return part.empty() || ::memmem(text.data(), text.size(), part.data(), part.size()) != nullptr;
+  // Linear whatever both hold, which find() isn't. An empty text may have no address.
+  if (part.empty() || text.empty()) return part.empty();
+  return ::memmem(text.data(), text.size(), part.data(), part.size()) != nullptr;
 }
 
 bool compareFolded(QNOperatorType operatorType, std::string_view left, std::string_view right,
