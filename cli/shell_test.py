@@ -291,7 +291,10 @@ class Typing(ShellTest):
     def memory_holds(self, terminal, text):
         """Does any memory of the tool that can be written hold the text?"""
         with open(f"/proc/{terminal.pid}/maps") as maps:
-            places = [line.split()[0].split("-") for line in maps if " rw" in line]
+            lines = maps.readlines()
+        if any("libasan" in line for line in lines):
+            self.skipTest("the sanitizer's own memory is too large to be looked through")
+        places = [line.split()[0].split("-") for line in lines if " rw" in line]
         with open(f"/proc/{terminal.pid}/mem", "rb", 0) as memory:
             for start, end in places:
                 memory.seek(int(start, 16))
