@@ -112,9 +112,12 @@ TEST_F(HistoryFile, FollowsNoLink) {
 }
 
 TEST_F(HistoryFile, OfSomebodyElseIsNotRead) {
-  if (::geteuid() != 0) GTEST_SKIP() << "only root gives a file away";
-  write("list\n");
-  ASSERT_EQ(::chown(place.c_str(), 1, 1), 0);
+  if (::geteuid() == 0) {
+    write("list\n");
+    ASSERT_EQ(::chown(place.c_str(), 1, 1), 0);
+  } else {
+    place = "/etc/passwd";  // root's: nobody else can give a file of his own away
+  }
 
   const auto read = QNHistoryFile(place).read();
 
