@@ -219,17 +219,19 @@ std::vector<std::shared_ptr<QNItemURL>> QNStore::Database::readURLs(std::uint64_
 // By website
 
 QNResult<std::unique_ptr<QNItemSetForURL>> QNStore::itemSetForURL(
-    const std::shared_ptr<QNProfile>& vault, std::string_view url) {
+    const std::shared_ptr<QNProfile>& vault, std::string_view url,
+    std::vector<std::string>* damaged) {
   return _database->read([&]() -> QNResult<std::unique_ptr<QNItemSetForURL>> {
     const auto ledger = _database->ledgerNow(*vault);
     if (!ledger.ok()) return ledger.error();
     const QNURLTools& tools = QNURLTools::shared();
     const std::string& salt = *vault->uuid();
-    const auto derived = _database->itemsWithHash(vault, kSelectItemsWithDerivedHash,
-                                                  tools.derivedHashWithSalt(salt, url), {});
+    const auto derived = _database->itemsWithHash(
+        vault, kSelectItemsWithDerivedHash, tools.derivedHashWithSalt(salt, url), {}, damaged);
     if (!derived.ok()) return derived.error();
-    const auto naked = _database->itemsWithHash(
-        vault, kSelectItemsWithNakedHash, tools.nakedHashWithSalt(salt, url), derived.value());
+    const auto naked =
+        _database->itemsWithHash(vault, kSelectItemsWithNakedHash,
+                                 tools.nakedHashWithSalt(salt, url), derived.value(), damaged);
     if (!naked.ok()) return naked.error();
     auto set = std::make_unique<QNItemSetForURL>(std::string(url));
     set->profile = vault;
@@ -245,7 +247,8 @@ QNResult<std::unique_ptr<QNItemSetForURL>> QNStore::itemSetForURL(
 
 QNResult<QNItemSetForURL::Items> QNStore::Database::itemsWithHash(
     const std::shared_ptr<QNProfile>& vault, std::string_view sql,
-    const std::optional<std::string>& hash, const QNItemSetForURL::Items& butNot) {
+    const std::optional<std::string>& hash, const QNItemSetForURL::Items& butNot,
+    std::vector<std::string>* damaged) {
   QNItemSetForURL::Items items;
   if (!hash) return items;
   QNQuery query = file->query(sql, *hash, vault->oid());
@@ -258,8 +261,14 @@ QNResult<QNItemSetForURL::Items> QNStore::Database::itemsWithHash(
     QNQuery row = file->query("SELECT " QN_ITEM_COLUMNS " FROM items WHERE oid = ?1", oid);
     if (!row.next()) break;
     const auto item = itemOf(itemRow(row), vault);
-    if (!item.ok()) return item.error();
-    items.push_back(item.value());
+    if (item.ok()) {
+      items.push_back(item.value());
+    } else if (damaged == nullptr) {
+      return item.error();
+    } else if (const std::string uuid(row.text(13));
+               std::find(damaged->begin(), damaged->end(), uuid) == damaged->end()) {
+      damaged->push_back(uuid);  // found by host and by domain, told once
+    }
   }
   return items;
 }

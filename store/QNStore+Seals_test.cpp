@@ -344,6 +344,20 @@ TEST_F(QNStoreSeals, NoticeAPlantedHashWhenItIsFound) {
   EXPECT_EQ(errorOf(set), damaged);
 }
 
+TEST_F(QNStoreSeals, NameAnAlteredRowOnceAndFindTheOthersOfThePage) {
+  runSQL(
+      "UPDATE urls SET derived_hash = (SELECT derived_hash FROM urls WHERE item_id = 2), "
+      "naked_hash = (SELECT naked_hash FROM urls WHERE item_id = 2) WHERE oid = 1");
+  Session session = openSession(file);
+  std::vector<std::string> left;
+
+  const auto set = session.store->itemSetForURL(session.vault, "https://other.example", &left);
+
+  ASSERT_TRUE(set.ok());
+  EXPECT_EQ(set.value()->matchingItems().size(), 1u);
+  EXPECT_EQ(left.size(), 1u);
+}
+
 TEST_F(QNStoreSeals, LoadNothingIntoAShellFromAlteredRows) {
   Session session = openSession(file);
   std::vector<std::shared_ptr<QNItem>> shells;

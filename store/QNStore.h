@@ -204,9 +204,12 @@ class QNStore final {
   /// row has changed since.
   QNResult<QNDone> loadDetails(const std::shared_ptr<QNItem>& item);
   /// The items whose addresses have the page's host or naked domain, by hash, details loaded, as
-  /// the inputs of a set. Trashed items are left out.
-  QNResult<std::unique_ptr<QNItemSetForURL>> itemSetForURL(const std::shared_ptr<QNProfile>& vault,
-                                                           std::string_view url);
+  /// the inputs of a set. Trashed items are left out. A row that was altered is left out too, and
+  /// its uuid added to `damaged`; without that place it is the error damaged. A row that was taken
+  /// out behind our back isn't missed here; list() and check() tell.
+  QNResult<std::unique_ptr<QNItemSetForURL>> itemSetForURL(
+      const std::shared_ptr<QNProfile>& vault, std::string_view url,
+      std::vector<std::string>* damaged = nullptr);
 
   // Folders: QNStore+Folders.cpp
   /// Errors: locked, or the file can't be read.

@@ -79,7 +79,9 @@ QNCommandResult runCommand(Global global, const QNForArguments& arguments) {
   if (!session) return session.error();
   const auto folder = chooseFolderOf(filter.value(), session.value(), arguments.filter);
   if (!folder) return folder.error();
-  const auto set = session.value().store().itemSetForURL(session.value().vault(), arguments.url);
+  QNListReport report;
+  const auto set = session.value().store().itemSetForURL(session.value().vault(), arguments.url,
+                                                         &report.damaged);
   if (!set) return set.error();
   set.value()->limitMatchesToDerivedDomain = true;  // the page's own host first
   QNListing listing(listForm(global.json, arguments.withUUIDs));
@@ -87,9 +89,7 @@ QNCommandResult runCommand(Global global, const QNForArguments& arguments) {
   for (const auto& item : set.value()->matchingItems()) {
     if (filter.value().admits(*item)) listing.add(item, rank++);
   }
-  QNOutput out;
-  listing.print(out);
-  return out.finish(folder.value());
+  return print(listing, report, folder.value());
 }
 
 }  // namespace quillon

@@ -28,8 +28,14 @@ std::vector<std::string> linesOf(std::string_view text) {
   return lines;
 }
 
-// A link might lead into a file of somebody else.
-QNResult<QNDone> requirePlain(const struct stat& about, const std::filesystem::path& file) {
+// A link, which isn't followed, might lead into a file of somebody else; a pipe isn't waited for.
+int openPlainly(const std::filesystem::path& file, int flags) {
+  return ::open(file.c_str(), flags | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
+}
+
+QNResult<QNDone> requirePlain(int descriptor, const std::filesystem::path& file) {
+  struct stat about {};
+  if (::fstat(descriptor, &about) != 0) return fileError(file, errno);
   if (S_ISREG(about.st_mode) && about.st_uid == ::geteuid()) return QNDone{};
   return fileError(file, EPERM);
 }
@@ -49,14 +55,14 @@ std::filesystem::path QNHistoryFile::defaultPlace() {
 }
 
 QNResult<std::vector<std::string>> QNHistoryFile::read() {
-  struct stat about {};
-  if (::lstat(_file.c_str(), &about) != 0) {
+  const int descriptor = openPlainly(_file, O_RDONLY);
+  if (descriptor < 0) {
     if (errno == ENOENT) return std::vector<std::string>();
     return fileError(_file, errno);
   }
-  const auto plain = requirePlain(about, _file);
-  if (!plain) return plain.error();
-  const auto content = readFile(_file, kMaxBytes);
+  const auto plain = requirePlain(descriptor, _file);
+  const auto content = plain ? readOpenFile(descriptor, _file, kMaxBytes) : plain.error();
+  ::close(descriptor);
   if (!content) return content.error();
   std::vector<std::string> lines = linesOf(textOf(content.value()));
   if (lines.size() <= kMaxLines) return lines;
@@ -71,12 +77,9 @@ QNResult<std::vector<std::string>> QNHistoryFile::read() {
 
 QNResult<QNDone> QNHistoryFile::append(std::string_view line) {
   makeFolder(_file.parent_path());
-  const int descriptor =
-      ::open(_file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0600);
+  const int descriptor = openPlainly(_file, O_WRONLY | O_CREAT | O_APPEND);
   if (descriptor < 0) return fileError(_file, errno);
-  struct stat about {};
-  QNResult<QNDone> done =
-      ::fstat(descriptor, &about) == 0 ? requirePlain(about, _file) : fileError(_file, errno);
+  QNResult<QNDone> done = requirePlain(descriptor, _file);
   // One write, so that the lines of two shells don't mix.
   const std::string whole = std::string(line) + '\n';
   if (done &&

@@ -111,6 +111,19 @@ TEST_F(HistoryFile, FollowsNoLink) {
   EXPECT_EQ(fs::file_size(folder / "letter"), 9u);
 }
 
+TEST_F(HistoryFile, WaitsForNoPipe) {
+  fs::create_directories(place.parent_path());
+  ASSERT_EQ(::mkfifo(place.c_str(), 0600), 0);
+
+  const auto read = QNHistoryFile(place).read();
+  const auto appended = QNHistoryFile(place).append("list");
+
+  ASSERT_FALSE(read.ok());
+  EXPECT_EQ(exitFor(read.error()), QNExit::fileError);
+  ASSERT_FALSE(appended.ok());
+  EXPECT_EQ(exitFor(appended.error()), QNExit::fileError);
+}
+
 TEST_F(HistoryFile, OfSomebodyElseIsNotRead) {
   if (::geteuid() == 0) {
     write("list\n");

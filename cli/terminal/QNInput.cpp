@@ -87,13 +87,16 @@ QNResult<QNSecret> readSecret(int descriptor) {
 QNResult<Bytes> readFile(const std::filesystem::path& file, std::size_t limit) {
   const OpenFile opened(file);
   if (opened.descriptor() < 0) return fileError(file, errno);
+  return readOpenFile(opened.descriptor(), file, limit);
+}
+
+QNResult<Bytes> readOpenFile(int descriptor, const std::filesystem::path& file, std::size_t limit) {
   constexpr std::size_t kFirstSize = 64 * 1024;
   Bytes content(kFirstSize);
   std::size_t size = 0;
   for (;;) {
     if (size == content.size()) content.resize(size * 2);
-    const ssize_t count =
-        readSome(opened.descriptor(), content.data() + size, content.size() - size);
+    const ssize_t count = readSome(descriptor, content.data() + size, content.size() - size);
     if (count < 0) return fileError(file, errno);
     if (count == 0) break;
     size += static_cast<std::size_t>(count);

@@ -26,5 +26,7 @@ QNResult<QNSecret> readSecret(int descriptor);
 
 /// Whole content of a file or pipe, in memory that wipes itself. Errors have exit code 7.
 QNResult<Bytes> readFile(const std::filesystem::path& file, std::size_t limit);
+/// The same of one that is open; `file` is its name in errors.
+QNResult<Bytes> readOpenFile(int descriptor, const std::filesystem::path& file, std::size_t limit);
 
 }  // namespace quillon

@@ -26,12 +26,10 @@ std::string_view withoutBlankEnds(std::string_view level) {
 
 std::string levelsJoined(std::string_view tag) {
   std::string joined;
-  for (std::size_t start = 0; start <= tag.size();) {
-    const std::size_t end = std::min(tag.find(QNTagSeparatorString, start), tag.size());
-    const std::string_view level = withoutBlankEnds(tag.substr(start, end - start));
+  for (const std::string_view given : componentsSeparatedByString(tag, QNTagSeparatorString)) {
+    const std::string_view level = withoutBlankEnds(given);
     if (!level.empty() && !joined.empty()) joined += QNTagSeparatorString;
     joined += level;
-    start = end + QNTagSeparatorString.size();
   }
   return joined;
 }

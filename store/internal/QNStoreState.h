@@ -189,7 +189,8 @@ struct QNStore::Database {
   QNResult<QNItemSetForURL::Items> itemsWithHash(const std::shared_ptr<QNProfile>& vault,
                                                  std::string_view sql,
                                                  const std::optional<std::string>& hash,
-                                                 const QNItemSetForURL::Items& butNot);
+                                                 const QNItemSetForURL::Items& butNot,
+                                                 std::vector<std::string>* damaged);
 
   // Lists: QNStore+Lists.cpp
   template <class Show>
