@@ -7,15 +7,24 @@
 
 namespace quillon {
 
+/// The eight characters at `place`.
+inline std::uint64_t eightBytesAt(const char* place) noexcept {
+  std::uint64_t word = 0;
+  std::memcpy(&word, place, sizeof word);
+  return word;
+}
+
 inline bool isASCII(std::string_view text) noexcept {
+  constexpr std::size_t wordSize = sizeof(std::uint64_t);
   std::uint64_t bits = 0;
-  std::size_t i = 0;
-  for (; i + sizeof bits <= text.size(); i += sizeof bits) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + i, sizeof word);
-    bits |= word;
+  if (text.size() < wordSize) {
+    for (const char c : text) bits |= static_cast<std::uint8_t>(c);
+  } else {
+    for (std::size_t i = 0; i + wordSize < text.size(); i += wordSize) {
+      bits |= eightBytesAt(text.data() + i);
+    }
+    bits |= eightBytesAt(text.data() + text.size() - wordSize);  // may overlap the one before it
   }
-  for (; i < text.size(); ++i) bits |= static_cast<std::uint8_t>(text[i]);
   return (bits & 0x8080808080808080u) == 0;
 }
 
