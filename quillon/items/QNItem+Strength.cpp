@@ -24,6 +24,11 @@ std::optional<double> numberOf(const Json* value) {
   return std::nullopt;
 }
 
+bool saysYes(const Json* value) {
+  if (value != nullptr && value->is_bool()) return value->get_bool();
+  return numberOf(value).value_or(0) != 0;
+}
+
 std::int16_t cutTo16Bits(double number) {
   using Limits = std::numeric_limits<std::int16_t>;
   return static_cast<std::int16_t>(std::clamp<double>(number, Limits::min(), Limits::max()));
@@ -46,17 +51,20 @@ std::optional<double> QNItem::passwordBitsEntropy() {
 
 bool QNItem::passwordGeneratedByRandomNumberGenerator() {
   const std::lock_guard lock(monitor());
-  const Json* const value = overviewObjectForKey(QNItemOverviewPasswordPasswordGeneratedByRNGKey);
-  if (value != nullptr && value->is_bool()) return value->get_bool();
-  return numberOf(value).value_or(0) != 0;
+  return saysYes(overviewObjectForKey(QNItemOverviewPasswordPasswordGeneratedByRNGKey));
 }
 
 std::int16_t QNItem::passwordStrength() {
   const std::lock_guard lock(monitor());
-  if (passwordGeneratedByRandomNumberGenerator()) {
-    return strengthWithBitsEntropy(passwordBitsEntropy().value_or(0));
+  const JsonObject* const overview = mutableOverview();  // once: smart folders ask every item
+  if (overview == nullptr) return 0;
+  const auto number = [overview](std::string_view key) {
+    return numberOf(memberForKey(*overview, key)).value_or(0);
+  };
+  if (saysYes(memberForKey(*overview, QNItemOverviewPasswordPasswordGeneratedByRNGKey))) {
+    return strengthWithBitsEntropy(number(QNItemOverviewPasswordBitsEntropyKey));
   }
-  return cutTo16Bits(numberOf(overviewObjectForKey(QNItemOverviewPasswordStrengthKey)).value_or(0));
+  return cutTo16Bits(number(QNItemOverviewPasswordStrengthKey));
 }
 
 bool QNItem::shouldShowPasswordStrength() {

@@ -143,7 +143,7 @@ std::optional<JsonObject> QNDatabaseObjectWithOverview::overviewCopy() {
 
 const Json* QNDatabaseObjectWithOverview::overviewObjectForKey(std::string_view key) {
   const JsonObject* const overview = mutableOverview();
-  const Json* const found = overview != nullptr ? overview->if_contains(key) : nullptr;
+  const Json* const found = overview != nullptr ? memberForKey(*overview, key) : nullptr;
   return found != nullptr && !found->is_null() ? found : nullptr;
 }
 

@@ -135,7 +135,7 @@ std::shared_ptr<QNItemField> QNTemplate::instantiateField(const JsonObject& defi
   if (title && !title->empty()) {
     field->setTitle(title);
   } else {
-    const std::string_view identifier = field->identifier().value_or("");
+    const std::string_view identifier = name ? *name : field->identifier().value_or("");
     field->setTitle(identifier.empty() ? "" : strings.ofKey(identifier));
   }
   if (const auto* const attributes = objectOf(definition, "attributes")) {

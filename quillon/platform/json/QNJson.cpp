@@ -105,12 +105,10 @@ void removeNulls(Json& value) {
   if (value.is_array()) removeNulls(value.get_array());
 }
 
-// Does a text that may lie in the object outlive the writing of a member? The object moves all
-// members when it grows, and ends the value that it replaces.
-bool textSurvives(const JsonObject& object, const Json* present, std::string_view text) {
-  if (present == nullptr) return object.size() < object.capacity();
-  const auto* const replaced = present->if_string();
-  if (replaced == nullptr) return !present->is_structured();
+// Does a text that may lie in the object outlive the end of one of its values?
+bool textSurvives(const Json& ended, std::string_view text) {
+  const auto* const replaced = ended.if_string();
+  if (replaced == nullptr) return !ended.is_structured();
   const std::less<> before;
   return before(text.data() + text.size(), replaced->data()) ||
          before(replaced->data() + replaced->size(), text.data());
@@ -167,8 +165,20 @@ Json mr_deepMutableCopy(const Json& value) {
   return Json(value, jsonStorage());
 }
 
+const Json* memberForKey(const JsonObject& object, std::string_view key) {
+  constexpr std::size_t mostToLookThrough = 16;
+  if (object.size() > mostToLookThrough || key.empty()) return object.if_contains(key);
+  for (const auto& member : object) {
+    const std::string_view name = member.key();
+    if (name.size() == key.size() && name.front() == key.front() && name == key) {
+      return &member.value();
+    }
+  }
+  return nullptr;
+}
+
 const Json* mr_objectForKey(const JsonObject& object, std::string_view key, JsonKind ofClass) {
-  const Json* const found = object.if_contains(key);
+  const Json* const found = memberForKey(object, key);
   return found != nullptr && found->kind() == ofClass ? found : nullptr;
 }
 
@@ -209,10 +219,11 @@ std::optional<std::uint64_t> mr_unsignedValueForKey(const JsonObject& object,
 }
 
 void setJsonText(JsonObject& object, std::string_view key, std::string_view text) {
-  Json* const present = object.if_contains(key);
-  if (textSurvives(object, present, text)) {
-    Json& value = present == nullptr ? object[key] : *present;
-    value.emplace_string().assign(text);
+  // An object that grows moves its members. With room for one more the key is looked for once.
+  const bool hasRoom = object.size() < object.capacity();
+  Json* const place = hasRoom ? &object[key] : object.if_contains(key);
+  if (place != nullptr && textSurvives(*place, text)) {
+    place->emplace_string().assign(text);
     return;
   }
   // A copy in a string of the JSON kind would stay on the stack if it is short.

@@ -52,6 +52,9 @@ void mr_removeNSNullValues(JsonObject& object);
 JsonObject mr_deepMutableCopy(const JsonObject& object);
 Json mr_deepMutableCopy(const Json& value);
 
+/// The member; null if it isn't there. As if_contains(), but looks through a small object without
+/// comparing names that begin otherwise: overviews are asked by the hundred thousand.
+const Json* memberForKey(const JsonObject& object, std::string_view key);
 /// The member if it is there and of that kind; null otherwise.
 const Json* mr_objectForKey(const JsonObject& object, std::string_view key, JsonKind ofClass);
 const Json* mr_objectForKey(const JsonObject& object, std::string_view key,

@@ -313,6 +313,27 @@ TEST(mr_unsignedValueForKey, CutsFractionsAndReadsNothingOutOfRange) {
   EXPECT_EQ(mr_unsignedValueForKey({}, "n"), std::nullopt);
 }
 
+TEST(memberForKey, FindsWhatTheObjectHasUnderThatName) {
+  for (const std::size_t size : {0u, 1u, 16u, 17u, 40u}) {
+    JsonObject object(jsonStorage());
+    for (std::size_t i = 0; i < size; ++i) object["k" + std::to_string(i)] = i;
+
+    for (const char* const key : {"", "k", "k0", "k7", "k15", "k16", "k39", "x0", "k00"}) {
+      EXPECT_EQ(memberForKey(object, key), object.if_contains(key)) << size << ' ' << key;
+    }
+  }
+}
+
+TEST(memberForKey, KnowsAnEmptyName) {
+  JsonObject object(jsonStorage());
+  object["a"] = 1;
+  EXPECT_EQ(memberForKey(object, ""), nullptr);
+
+  object[""] = 2;
+
+  EXPECT_EQ(memberForKey(object, ""), object.if_contains(""));
+}
+
 TEST(setJsonText, ReplacesWhateverStoodThere) {
   JsonObject target(jsonStorage());
 
