@@ -36,54 +36,53 @@ QNExpression foldedConstant(const QNExpression& expression, QNFolding folding) {
   return expression;
 }
 
+/// Makes an operand where it stays: one that is copied while it is new is waited for.
+struct Filling {
+  void operator()(std::monostate /*it*/) const { operand = std::monostate(); }
+  void operator()(QNExpression::Nil /*it*/) const { operand = std::monostate(); }
+  void operator()(const QNKeyPath& /*it*/) const { operand = std::monostate(); }
+  void operator()(const std::string& it) const { operand.emplace<QNComparedText>(it, true); }
+  void operator()(const QNExpression::List& it) const { operand = &it; }
+  void operator()(std::string_view it) const { operand.emplace<QNComparedText>(it, false); }
+  // Looked at where it lies.
+  void operator()(const QNSecret& it) const { operand.emplace<QNComparedText>(it.reveal(), false); }
+  void operator()(const std::vector<QNSecret>& it) const { operand = &it; }
+  template <class Plain>
+  void operator()(Plain it) const {
+    operand = it;
+  }
+  QNOperand& operand;
+};
+
 QNOperand operandOf(const QNExpression& folded) {
-  struct Seeing {
-    QNOperand operator()(QNExpression::Nil) const { return std::monostate(); }
-    QNOperand operator()(bool value) const { return value; }
-    QNOperand operator()(std::int64_t value) const { return value; }
-    QNOperand operator()(double value) const { return value; }
-    QNOperand operator()(std::chrono::sys_seconds value) const { return value; }
-    QNOperand operator()(const std::string& value) const { return QNComparedText{value, true}; }
-    QNOperand operator()(const QNExpression::List& value) const { return &value; }
-    QNOperand operator()(const QNKeyPath& /*value*/) const { return std::monostate(); }
-  };
-  return std::visit(Seeing(), folded.content());
+  QNOperand operand;
+  std::visit(Filling{operand}, folded.content());
+  return operand;
 }
 
-QNOperand operandOf(const QNKeyPathValue& value) {
-  struct Seeing {
-    QNOperand operator()(std::monostate) const { return std::monostate(); }
-    QNOperand operator()(bool it) const { return it; }
-    QNOperand operator()(std::int64_t it) const { return it; }
-    QNOperand operator()(double it) const { return it; }
-    QNOperand operator()(std::chrono::sys_seconds it) const { return it; }
-    QNOperand operator()(std::string_view it) const { return QNComparedText{it, false}; }
-    QNOperand operator()(const JsonArray* it) const { return it; }
-    // Looked at where it lies.
-    QNOperand operator()(const QNSecret& it) const { return QNComparedText{it.reveal(), false}; }
-    QNOperand operator()(const std::vector<QNSecret>& it) const { return &it; }
-  };
-  return std::visit(Seeing(), value);
-}
-
-/// One side of the comparison in one run. The answer is made where it stays: moving one costs more
-/// than looking at it.
+/// One side of the comparison in one run.
 class Side {
  public:
   /// A key path is asked for; without one it is the constant. Both arguments must outlive it.
   Side(const QNKeyPath* keyPath, const QNOperand& constant, QNPredicateRun& run)
       : _isKnown(keyPath == nullptr || run.mayAsk(*keyPath)),
-        _value(keyPath != nullptr && _isKnown ? run.valueForKeyPath(*keyPath) : std::nullopt),
-        _operand(_value ? operandOf(*_value) : constant) {}
+        _value(keyPath != nullptr && _isKnown ? run.valueForKeyPath(*keyPath) : std::nullopt) {
+    if (_value) {
+      std::visit(Filling{_own}, *_value);
+    } else {
+      _operand = &constant;
+    }
+  }
   Side(const Side&) = delete;
   Side& operator=(const Side&) = delete;
   bool isKnown() const { return _isKnown; }
-  const QNOperand& operand() const { return _operand; }
+  const QNOperand& operand() const { return *_operand; }
 
  private:
   bool _isKnown;
   std::optional<QNKeyPathValue> _value;
-  QNOperand _operand;
+  QNOperand _own;
+  const QNOperand* _operand = &_own;
 };
 
 std::size_t lengthOf(const JsonArray& list) {
@@ -96,10 +95,10 @@ std::size_t lengthOf(const std::vector<Element>& list) {
 QNOperand elementOf(const JsonArray& list, std::size_t index) {
   const auto* const text = list[index].if_string();
   if (text == nullptr) return std::monostate();
-  return QNComparedText{std::string_view(text->data(), text->size()), false};
+  return QNComparedText(std::string_view(text->data(), text->size()), false);
 }
 QNOperand elementOf(const std::vector<QNSecret>& list, std::size_t index) {
-  return QNComparedText{list[index].reveal(), false};  // looked at where it lies
+  return QNComparedText(list[index].reveal(), false);  // looked at where it lies
 }
 QNOperand elementOf(const QNExpression::List& list, std::size_t index) {
   return operandOf(list[index]);
@@ -215,20 +214,19 @@ QNTruth QNComparisonTest::truth(QNPredicateRun& run) const {
   const Side left(_left.asKeyPath(), _leftConstant, run);
   const Side right(_right.asKeyPath(), _rightConstant, run);
   if (!left.isKnown() || !right.isKnown()) return QNTruth::unknown;
-  return modified(left.operand(), right.operand(), run) ? QNTruth::yes : QNTruth::no;
+  const bool holds = _parts.modifier == QNComparisonModifier::direct
+                         ? compare(_parts.operatorType, left.operand(), right.operand(), run)
+                         : holdsForElements(left.operand(), right.operand(), run);
+  return holds ? QNTruth::yes : QNTruth::no;
 }
 
-bool QNComparisonTest::modified(const QNOperand& left, const QNOperand& right,
-                                QNPredicateRun& run) const {
-  const QNOperatorType operatorType = _parts.operatorType;
-  if (_parts.modifier == QNComparisonModifier::direct) {
-    return compare(operatorType, left, right, run);
-  }
+bool QNComparisonTest::holdsForElements(const QNOperand& left, const QNOperand& right,
+                                        QNPredicateRun& run) const {
   const bool isAny = _parts.modifier == QNComparisonModifier::any;
   if (isNothing(left)) return !isAny;
   const auto settles = [&](const QNOperand& element) {
     return !run.spend(QNPredicateBudget::kStepsPerComparison) ||
-           compare(operatorType, element, right, run) == isAny || run.fault();
+           compare(_parts.operatorType, element, right, run) == isAny || run.fault();
   };
   const auto settled = anyElement(left, settles);
   return (settled ? *settled : settles(left)) == isAny;

@@ -25,6 +25,8 @@
 namespace quillon {
 namespace {
 
+using Answer = std::optional<QNKeyPathValue>;
+
 // Wiped once it is copied, as far as the string itself knows what it holds.
 QNSecret moved(std::string text) {
   QNSecret secret(text);
@@ -32,39 +34,37 @@ QNSecret moved(std::string text) {
   return secret;
 }
 
-QNKeyPathValue valueOf(std::optional<std::string> text) {
-  if (!text) return std::monostate();
+Answer valueOf(std::optional<std::string> text) {
+  if (!text) return QNKeyPathValue();
   return moved(std::move(*text));
 }
 
-QNKeyPathValue valueOf(std::optional<QNSecret> secret) {
-  if (!secret) return std::monostate();
+Answer valueOf(std::optional<QNSecret> secret) {
+  if (!secret) return QNKeyPathValue();
   return std::move(*secret);
 }
 
-QNKeyPathValue valueOf(std::vector<std::string> texts) {
+Answer valueOf(std::vector<std::string> texts) {
   std::vector<QNSecret> secrets;
   secrets.reserve(texts.size());
   for (std::string& text : texts) secrets.push_back(moved(std::move(text)));
   return secrets;
 }
 
-QNKeyPathValue title(QNItem& item) {
-  const std::lock_guard lock(item.monitor());
+Answer title(QNItem& item) {
   if (const auto text = item.overviewTextForKey(kOverviewTitle)) return *text;
   return valueOf(std::optional(item.title()));
 }
 
-QNKeyPathValue tags(QNItem& item) {
-  const std::lock_guard lock(item.monitor());
+Answer tags(QNItem& item) {
   const Json* const stored = item.overviewObjectForKey(kTags);
   const JsonArray* const list = stored == nullptr ? nullptr : stored->if_array();
   if (list == nullptr) return std::vector<QNSecret>();
   return list;
 }
 
-QNKeyPathValue categoryUUID(QNItem& item) {
-  if (!item.categoryUUID()) return std::monostate();
+Answer categoryUUID(QNItem& item) {
+  if (!item.categoryUUID()) return QNKeyPathValue();
   return std::string_view(*item.categoryUUID());
 }
 
@@ -74,24 +74,22 @@ constexpr std::array kKeyPaths = {
                   [](QNItem& item) { return valueOf(item.username()); }},
     QNItemKeyPath{"tagsForSearch", QNKeyPathHome::overview, tags},
     QNItemKeyPath{"allValuesForSearch", QNKeyPathHome::details,
-                  [](QNItem& item) { return QNKeyPathValue(item.allValuesForSearch()); }},
+                  [](QNItem& item) { return Answer(item.allValuesForSearch()); }},
     QNItemKeyPath{"URLStringsForSearch", QNKeyPathHome::details,
                   [](QNItem& item) { return valueOf(item.URLStringsForSearch()); }},
     QNItemKeyPath{"password", QNKeyPathHome::details,
                   [](QNItem& item) { return valueOf(item.password()); }},
     QNItemKeyPath{"createdAtAsDate", QNKeyPathHome::overview,
-                  [](QNItem& item) { return QNKeyPathValue(item.createdAtAsDate()); }},
+                  [](QNItem& item) { return Answer(item.createdAtAsDate()); }},
     QNItemKeyPath{"updatedAtAsDate", QNKeyPathHome::overview,
-                  [](QNItem& item) { return QNKeyPathValue(item.updatedAtAsDate()); }},
+                  [](QNItem& item) { return Answer(item.updatedAtAsDate()); }},
     QNItemKeyPath{"notesPlain", QNKeyPathHome::details,
                   [](QNItem& item) { return valueOf(item.notesPlain()); }},
     QNItemKeyPath{"categoryUUID", QNKeyPathHome::overview, categoryUUID},
-    QNItemKeyPath{
-        "passwordStrength", QNKeyPathHome::overview,
-        [](QNItem& item) { return QNKeyPathValue(std::int64_t{item.passwordStrength()}); }},
-    QNItemKeyPath{
-        "numberOfAttachments", QNKeyPathHome::detailsInAccounts,
-        [](QNItem& item) { return QNKeyPathValue(std::int64_t{item.numberOfAttachments()}); }},
+    QNItemKeyPath{"passwordStrength", QNKeyPathHome::overview,
+                  [](QNItem& item) { return Answer(std::int64_t{item.passwordStrength()}); }},
+    QNItemKeyPath{"numberOfAttachments", QNKeyPathHome::detailsInAccounts,
+                  [](QNItem& item) { return Answer(std::int64_t{item.numberOfAttachments()}); }},
     QNItemKeyPath{"folderUUID", QNKeyPathHome::overview,
                   [](QNItem& item) { return valueOf(item.folderUUID()); }},
 };
@@ -109,9 +107,11 @@ const QNItemKeyPath* itemKeyPathNamed(std::string_view name) {
   return found == kKeyPaths.end() ? nullptr : found;
 }
 
+QNItemKeyPathSource::QNItemKeyPathSource(QNItem& item) : _item(item), _lock(item.monitor()) {}
+
 std::optional<QNKeyPathValue> QNItemKeyPathSource::valueForKeyPath(const QNKeyPath& keyPath) {
   if (keyPath.ofItem() == nullptr) return std::nullopt;
-  return std::optional<QNKeyPathValue>(keyPath.ofItem()->value(_item));
+  return keyPath.ofItem()->value(_item);
 }
 
 bool QNItemKeyPathSource::needsDetails(const QNKeyPath& keyPath) const {

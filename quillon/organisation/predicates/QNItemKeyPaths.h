@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mutex>
 #include <span>
 
 #include "quillon/organisation/predicates/QNKeyPathSource.h"
@@ -16,7 +17,8 @@ enum class QNKeyPathHome { overview, detailsInAccounts, details };
 struct QNItemKeyPath {
   std::string_view name;
   QNKeyPathHome home = QNKeyPathHome::overview;
-  QNKeyPathValue (*value)(QNItem& item) = nullptr;
+  /// As a source gives it: made where it stays. Never nothing.
+  std::optional<QNKeyPathValue> (*value)(QNItem& item) = nullptr;
 };
 
 /// All of them.
@@ -24,15 +26,16 @@ std::span<const QNItemKeyPath> itemKeyPaths();
 /// Null for another name.
 const QNItemKeyPath* itemKeyPathNamed(std::string_view name);
 
-/// An item as predicates ask it. `item` must outlive it.
+/// An item as predicates ask it. `item` must outlive it; its monitor is held as long as this lives.
 class QNItemKeyPathSource final : public QNKeyPathSource {
  public:
-  explicit QNItemKeyPathSource(QNItem& item) : _item(item) {}
+  explicit QNItemKeyPathSource(QNItem& item);
   [[nodiscard]] std::optional<QNKeyPathValue> valueForKeyPath(const QNKeyPath& keyPath) override;
   [[nodiscard]] bool needsDetails(const QNKeyPath& keyPath) const override;
 
  private:
   QNItem& _item;
+  std::lock_guard<std::recursive_mutex> _lock;
 };
 
 }  // namespace quillon

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/logins/QNLogin.h"
 #include "quillon/organisation/predicates/internal/QNPredicateTesting.h"
@@ -114,6 +116,23 @@ TEST(QNItemKeyPaths, OpenDetailsWhereTheyAreAskedFor) {
 
   EXPECT_EQ(answerOf(*item, "password == \"hidden\""), "yes");
   EXPECT_EQ(vault->numberOfItemKeysUnwrapped(), 1u);
+}
+
+TEST(QNItemKeyPaths, AreAskedWhileNobodyElseChangesTheItem) {
+  const auto item = filledLogin();
+  const auto isFreeForOthers = [&item] {
+    bool isFree = false;
+    std::thread([&] {
+      isFree = item->monitor().try_lock();
+      if (isFree) item->monitor().unlock();
+    }).join();
+    return isFree;
+  };
+  {
+    const QNItemKeyPathSource source(*item);
+    EXPECT_FALSE(isFreeForOthers());
+  }
+  EXPECT_TRUE(isFreeForOthers());
 }
 
 TEST(QNItemKeyPaths, CountFilesInTheDetailsOfAnAccountsItem) {

@@ -1,20 +1,10 @@
 #include "quillon/organisation/predicates/internal/QNTextTest.h"
 
-#include <algorithm>
-#include <array>
-#include <cstring>
-
 #include "quillon/organisation/predicates/internal/QNWildcards.h"
-#include "quillon/platform/text/QNASCII.h"
+#include "quillon/platform/text/QNFoldedText.h"
 
 namespace quillon {
 namespace {
-
-bool contains(std::string_view text, std::string_view part) {
-  // Linear whatever both hold, which find() isn't. An empty text may have no address.
-  if (part.empty() || text.empty()) return part.empty();
-  return ::memmem(text.data(), text.size(), part.data(), part.size()) != nullptr;
-}
 
 bool compareFolded(QNOperatorType operatorType, std::string_view left, std::string_view right,
                    QNPredicateRun& run) {
@@ -36,7 +26,7 @@ bool compareFolded(QNOperatorType operatorType, std::string_view left, std::stri
     case QNOperatorType::endsWith:
       return left.ends_with(right);
     case QNOperatorType::contains:
-      return contains(left, right);
+      return containsText(left, right);
     case QNOperatorType::like:
       if (const auto matched = matchesWildcards(left, right, run.budget())) return *matched;
       return run.failTooCostly();
@@ -45,36 +35,20 @@ bool compareFolded(QNOperatorType operatorType, std::string_view left, std::stri
   }
 }
 
-/// A text folded for one comparison. Short ASCII, which nearly every title is, needs no memory of
-/// its own.
-class Folded {
- public:
-  Folded(const QNComparedText& given, QNFolding folding, QNPredicateRun& run) {
-    const bool isASCIIText = isASCII(given.text);
-    const bool keepsCase = folding == QNFolding::none || folding == QNFolding::marks;
-    if (given.isFolded || folding == QNFolding::none || (isASCIIText && keepsCase)) {
-      _text = given.text;
-    } else if (isASCIIText && given.text.size() <= _small.size()) {
-      std::transform(given.text.begin(), given.text.end(), _small.begin(), lowercaseASCII);
-      _text = std::string_view(_small.data(), given.text.size());
-      _smallSize = given.text.size();
-    } else if (run.spend(given.text.size() * kStepsToFold)) {
-      _large = foldedText(given.text, folding);
-      _text = _large.reveal();  // for the comparison alone
-    }
+/// How a text is compared.
+struct Given {
+  Given(const QNComparedText& it, QNFolding forAll)
+      : text(it.text),
+        folding(it.isFolded ? QNFolding::none : forAll),
+        way(QNFoldedText::wayFor(text, folding)) {}
+  [[nodiscard]] bool keepsSize() const { return way != QNFoldedText::Way::large; }
+  [[nodiscard]] std::uint64_t steps() const {
+    return text.size() * (keepsSize() ? 1 : kStepsToFold);
   }
-  ~Folded() {
-    if (_smallSize > 0) wipe(_small.data(), _smallSize);
-  }
-  Folded(const Folded&) = delete;
-  Folded& operator=(const Folded&) = delete;
-  std::string_view text() const { return _text; }
-
- private:
-  std::string_view _text;
-  std::size_t _smallSize = 0;
-  QNSecret _large;
-  std::array<char, 256> _small;  // NOLINT: not filled before it is needed
+  [[nodiscard]] bool isFolded() const { return way == QNFoldedText::Way::none; }
+  std::string_view text;
+  QNFolding folding;
+  QNFoldedText::Way way;
 };
 
 }  // namespace
@@ -89,11 +63,17 @@ QNFolding foldingForOptions(std::uint32_t options) {
 
 bool compareTexts(QNOperatorType operatorType, QNFolding folding, const QNComparedText& left,
                   const QNComparedText& right, QNPredicateRun& run) {
-  if (!run.spend(left.text.size() + right.text.size())) return false;
-  const Folded foldedLeft(left, folding, run);
-  const Folded foldedRight(right, folding, run);
-  if (run.fault()) return false;
-  return compareFolded(operatorType, foldedLeft.text(), foldedRight.text(), run);
+  const Given a(left, folding);
+  const Given b(right, folding);
+  if (!run.spend(a.steps() + b.steps())) return false;
+  const bool asksForEquality =
+      operatorType == QNOperatorType::equalTo || operatorType == QNOperatorType::notEqualTo;
+  if (asksForEquality && a.keepsSize() && b.keepsSize() && a.text.size() != b.text.size()) {
+    return operatorType == QNOperatorType::notEqualTo;  // spares most texts the folding
+  }
+  if (a.isFolded() && b.isFolded()) return compareFolded(operatorType, a.text, b.text, run);
+  return compareFolded(operatorType, QNFoldedText(a.text, a.folding, a.way).text(),
+                       QNFoldedText(b.text, b.folding, b.way).text(), run);
 }
 
 }  // namespace quillon

@@ -27,8 +27,9 @@ class QNComparisonTest final {
  private:
   using Expression = std::shared_ptr<const QNRegularExpression>;
   QNResult<Expression> compiledExpression(std::string_view text) const;
-  [[nodiscard]] bool modified(const QNOperand& left, const QNOperand& right,
-                              QNPredicateRun& run) const;
+  /// ALL and ANY.
+  [[nodiscard]] bool holdsForElements(const QNOperand& left, const QNOperand& right,
+                                      QNPredicateRun& run) const;
   [[nodiscard]] bool compare(QNOperatorType operatorType, const QNOperand& left,
                              const QNOperand& right, QNPredicateRun& run) const;
   [[nodiscard]] bool compareScalars(QNOperatorType operatorType, const QNOperand& left,

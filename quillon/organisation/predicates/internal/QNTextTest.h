@@ -13,6 +13,7 @@ inline constexpr std::uint64_t kStepsToFold = 16;
 
 /// A text, and whether what a comparison leaves aside is gone from it already.
 struct QNComparedText {
+  QNComparedText(std::string_view given, bool folded) : text(given), isFolded(folded) {}
   std::string_view text;
   bool isFolded = false;
 };
