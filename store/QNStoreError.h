@@ -23,7 +23,7 @@ enum class QNStoreErrorCode : std::int64_t {
   unreadableItem = 11,   // an item or vault that couldn't be opened again isn't saved
   inputOutput = 12,      // the system failed to read or write
   sameFile = 13,         // a store was to be merged with itself
-  misplacedFolder = 14,  // a folder would lie in itself, or in one that isn't there
+  misplacedFolder = 14,  // a folder would lie in itself, too deep, or in one that isn't there
 };
 
 QNError storeError(QNStoreErrorCode code, std::string_view message);
