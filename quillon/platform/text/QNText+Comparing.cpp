@@ -63,7 +63,7 @@ std::string keyBy(const Collator& collator, std::string_view text) {
     write(key.data(), key.size());
   }
   key.pop_back();  // ICU's end mark
-  wipe(place.data(), key.size());
+  wipe(place.data(), place.size());
   const auto units = static_cast<std::size_t>(wide.length());
   wipe(wide.getBuffer(-1), units * sizeof(char16_t));
   wide.releaseBuffer(0);
