@@ -24,6 +24,13 @@ bool isQuarantined(QNFolder& folder) {
   return isFatal;
 }
 
+/// The folder calls itself an ordinary one. Did its row's predicate make it so, and was it given
+/// another one, of the present format?
+bool leavesQuarantine(QNFolder& folder, const std::shared_ptr<QNFolder>& stored) {
+  return stored != nullptr && isQuarantined(*stored) &&
+         folder.smartFolderVersion() > stored->smartFolderVersion();
+}
+
 /// The icon may be missing, but not for want of a key.
 QNResult<std::optional<Bytes>> sealedIcon(const QNFolder& folder, QNProfile& vault) {
   if (!folder.iconData()) return std::optional<Bytes>();
@@ -143,6 +150,11 @@ QNResult<QNDone> QNStore::Database::saveFolder(const std::shared_ptr<QNFolder>& 
   const auto placed =
       moves ? requirePlace(*folder, before.value(), *vault.value()) : QNResult<QNDone>(QNDone{});
   if (!placed.ok()) return placed.error();
+  if (before.value().isSmart && !folder->smartFolder() &&
+      leavesQuarantine(*folder, folderWithOid(before.value().oid, vault.value()))) {
+    undo.emplace_back([folder] { folder->setSmartFolder(false); });
+    folder->setSmartFolder(true);
+  }
   const bool isSmart = folder->smartFolder() || (before.value().isSmart && isQuarantined(*folder));
   return writeFolder(folder, vault.value(), before.value(), Times::now, isSmart);
 }

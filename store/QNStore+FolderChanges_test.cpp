@@ -560,6 +560,32 @@ TEST_F(QNStoreMisplacedFolders, InQuarantineStaySmartThroughARepair) {
   EXPECT_THAT(foldersIn(session).quarantined, ElementsAre(*smart->uuid()));
 }
 
+TEST_F(QNStoreFolderChanges, MakeASmartFolderOfOneThatLeavesQuarantineWithANewPredicate) {
+  const auto smart = makeFolder(session.vault, "fatal");
+  smart->setSmartFolder(true);
+  smart->setSmartFolderPredicate(QNPredicate::predicateWithFormat("NOT trashed == TRUE").value());
+  smart->setSmartFolderVersion(3);
+  ASSERT_EQ(errorOfSaving(smart), "");
+  const auto read = reread(*smart);
+  ASSERT_FALSE(read->smartFolder());
+  read->setSmartFolderPredicate(QNPredicate::predicateWithFormat(R"(title == "a")").value());
+
+  const auto undone = session.store->inTransaction([&]() -> QNResult<QNDone> {
+    EXPECT_EQ(errorOfSaving(read), "");
+    return QNError{"test", 1, "no"};
+  });
+  ASSERT_FALSE(undone.ok());
+  EXPECT_FALSE(read->smartFolder());
+
+  for (int saves = 0; saves < 2; ++saves) {
+    ASSERT_EQ(errorOfSaving(read), "");
+    EXPECT_TRUE(read->smartFolder());
+    const auto again = reread(*smart);
+    ASSERT_TRUE(again->smartFolder());
+    EXPECT_EQ(again->smartFolderPredicate()->predicateFormat(), R"(title == "a")");
+  }
+}
+
 // Any history
 
 /// What a vault with folders should be.

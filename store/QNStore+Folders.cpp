@@ -2,7 +2,6 @@
 #include <map>
 
 #include "quillon/organisation/QNFolder.h"
-#include "quillon/platform/text/QNText.h"
 #include "store/QNStore.h"
 #include "store/internal/QNFolderTree.h"
 #include "store/internal/QNStoreState.h"
@@ -10,17 +9,6 @@
 namespace quillon {
 
 namespace {
-
-/// Without a copy, which nobody would wipe.
-std::string_view titleOf(const std::shared_ptr<QNFolder>& folder) {
-  return folder->overviewTextForKey("title").value_or("");
-}
-
-void sortByTitle(std::vector<std::shared_ptr<QNFolder>>& folders) {
-  std::stable_sort(folders.begin(), folders.end(), [](const auto& a, const auto& b) {
-    return localizedCaseInsensitiveCompare(titleOf(a), titleOf(b)) < 0;
-  });
-}
 
 /// Links the folders of a report, and fills in what follows from that.
 void linkFolders(QNFolderReport& report) {
@@ -40,7 +28,7 @@ void linkFolders(QNFolderReport& report) {
     parent->addSubfolder(folder);
     parent->setNumberOfChildren(parent->subfolders().size());
   }
-  sortByTitle(report.top);
+  report.top = QNFolder::sortedByTitle(report.top);
 }
 
 }  // namespace

@@ -55,7 +55,7 @@ struct QNFolderReport {
   std::vector<std::string> misplaced;
   /// uuid of each smart folder whose predicate, written by an older version, can't be brought
   /// forward: smartFolderPredicate() would end the process. It is handed out as an ordinary folder,
-  /// and stays smart in the file until it is given another predicate.
+  /// and stays smart in the file. A save with another predicate makes it a smart folder again.
   std::vector<std::string> quarantined;
   /// uuid of each row whose seal doesn't fit or whose overview doesn't open; not among the folders.
   std::vector<std::string> damaged;

@@ -102,7 +102,8 @@ QNCommandResult runCommand(Global global, const QNFolderListArguments& arguments
 QNCommandResult runCommand(Global global, const QNFolderAddArguments& arguments) {
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
-  const auto folder = addFolder(session.value(), arguments.path, [](QNFolder&) {});
+  const auto folder =
+      addFolder(session.value(), arguments.path, [](QNFolder&) { return QNDone{}; });
   if (!folder) return folder.error();
   return printUUID(global.json, *folder.value()->uuid());
 }

@@ -67,7 +67,7 @@ class NewFolders {
 }  // namespace
 
 QNResult<QNFolderRef> addFolder(const QNVaultSession& session, std::string_view path,
-                                const std::function<void(QNFolder&)>& prepare) {
+                                const std::function<QNResult<QNDone>(QNFolder&)>& prepare) {
   const auto tree = QNVaultFolders::read(session);
   if (!tree) return tree.error();
   NewFolders folders(session, tree.value());
@@ -78,7 +78,8 @@ QNResult<QNFolderRef> addFolder(const QNVaultSession& session, std::string_view 
   }
   auto added = folders.add(path);
   if (!added) return added;
-  prepare(*added.value());
+  const auto prepared = prepare(*added.value());
+  if (!prepared) return prepared.error();
   const auto saved = folders.save();
   if (!saved) return saved.error();
   return added;

@@ -8,9 +8,9 @@
 namespace quillon {
 
 /// Makes a folder at the end of a path, and those before it that aren't there; all of them or none.
-/// `prepare` gets it before it is saved. Errors: exit code 1 if it is there already, or would lie
-/// in a smart folder.
+/// `prepare` gets it before it is saved. Errors: those of `prepare`; exit code 1 if it is there
+/// already, or would lie in a smart folder.
 QNResult<QNFolderRef> addFolder(const QNVaultSession& session, std::string_view path,
-                                const std::function<void(QNFolder&)>& prepare);
+                                const std::function<QNResult<QNDone>(QNFolder&)>& prepare);
 
 }  // namespace quillon

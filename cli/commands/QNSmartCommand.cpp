@@ -65,10 +65,12 @@ QNCommandResult runCommand(Global global, const QNSmartAddArguments& arguments) 
   if (!predicate) return predicate.error();
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
-  const auto folder = addFolder(session.value(), arguments.path, [&](QNFolder& made) {
-    made.setSmartFolder(true);
-    made.setSmartFolderPredicate(predicate.value());
-  });
+  const auto folder =
+      addFolder(session.value(), arguments.path, [&](QNFolder& made) -> QNResult<QNDone> {
+        made.setSmartFolder(true);
+        if (made.setSmartFolderPredicate(predicate.value())) return QNDone{};
+        return toolError(QNExit::failed, "the predicate can't be stored");
+      });
   if (!folder) return folder.error();
   return printUUID(global.json, *folder.value()->uuid());
 }

@@ -22,13 +22,14 @@ void setOrder(const Row& row, std::uint64_t order) {
   if (auto* const it = orderable(row)) it->setDisplayOrder(order);
 }
 
-std::optional<std::string> uuidOf(const Row& row) {
+// Null for none.
+QNSharedString uuidOf(const Row& row) {
   if (const auto* const category = dynamic_cast<const QNGenericCategory*>(row.get())) {
-    return category->uuid();
+    auto uuid = category->uuid();
+    return uuid ? sharedString(*std::move(uuid)) : nullptr;
   }
   const auto* const object = dynamic_cast<const QNDatabaseObjectWithOverview*>(row.get());
-  const QNSharedString uuid = object == nullptr ? nullptr : object->uuid();
-  return uuid == nullptr ? std::nullopt : std::optional(*uuid);
+  return object == nullptr ? nullptr : object->uuid();
 }
 
 // Whatever the rows are: logs have always told them as categories.
@@ -74,7 +75,10 @@ std::int64_t QNDisplayOrderableList::indexOfObjectWithId(std::uint64_t oid) cons
 }
 
 std::int64_t QNDisplayOrderableList::indexOfItemWithUUID(std::string_view uuid) const {
-  return indexOfFirst([uuid](const Row& row) { return uuidOf(row) == uuid; });
+  return indexOfFirst([uuid](const Row& row) {
+    const QNSharedString own = uuidOf(row);
+    return own != nullptr && *own == uuid;
+  });
 }
 
 std::set<std::uint64_t> QNDisplayOrderableList::allIds() const {
@@ -86,7 +90,7 @@ std::set<std::uint64_t> QNDisplayOrderableList::allIds() const {
 std::set<std::string> QNDisplayOrderableList::allUUIDs() const {
   std::set<std::string> uuids;
   for (const Row& row : _items) {
-    if (auto uuid = uuidOf(row)) uuids.insert(*std::move(uuid));
+    if (const QNSharedString uuid = uuidOf(row)) uuids.insert(*uuid);
   }
   return uuids;
 }

@@ -43,7 +43,7 @@ class QNDisplayOrderableList final {
   void removeItemAtIndex(std::size_t index);
 
   // The first row of that identity, or kNotFound. Only categories and rows with an overview have a
-  // uuid.
+  // uuid, and that of every address is "no_uuid": find them by id.
   [[nodiscard]] std::int64_t indexOfObjectWithId(std::uint64_t oid) const;
   [[nodiscard]] std::int64_t indexOfItemWithUUID(std::string_view uuid) const;
   [[nodiscard]] std::set<std::uint64_t> allIds() const;

@@ -5,6 +5,7 @@
 
 #include <array>
 
+#include "quillon/logins/QNItemURL.h"
 #include "quillon/objects/QNDatabaseObjectWithOverview.h"
 #include "quillon/platform/data/QNNotFound.h"
 #include "quillon/platform/log/MRLogger.h"
@@ -175,6 +176,14 @@ TEST(QNDisplayOrderableList, FindsTheFirstRowOfAnIdentity) {
   EXPECT_EQ(list.indexOfItemWithUUID("UUID-2"), kNotFound);
 }
 
+TEST(QNDisplayOrderableList, CannotTellAddressesByTheirUUID) {
+  const QNDisplayOrderableList list(
+      {std::make_shared<QNItemURL>(QNExisting{7}), std::make_shared<QNItemURL>(QNExisting{8})});
+
+  EXPECT_EQ(list.indexOfItemWithUUID("no_uuid"), 0);
+  EXPECT_EQ(list.indexOfObjectWithId(8), 1);
+}
+
 TEST(QNDisplayOrderableList, GivesAllIdentitiesOnce) {
   Rows rows = rowsOf({10, 20});
   rows.push_back(std::make_shared<MovableRow>(2, 30));
@@ -328,7 +337,13 @@ INSTANTIATE_TEST_SUITE_P(
         // Neighbours that leave no number between them.
         MoveCase{{5, 10, 11, 20}, 0, 1, {2, 1, 3, 4}, {1000000, 1100000, 1200000, 1300000}},
         MoveCase{{0, 1, 2}, 2, 1, {1, 3, 2}, {1000000, 1100000, 1200000}},
-        MoveCase{{0, 0, 5, 9}, 3, 1, {1, 4, 2, 3}, {1000000, 1100000, 1200000, 1300000}}));
+        MoveCase{{0, 0, 5, 9}, 3, 1, {1, 4, 2, 3}, {1000000, 1100000, 1200000, 1300000}},
+        // Neighbours whose sum is beyond 64 bits.
+        MoveCase{{1, kEndOf64Bits - 1, kEndOf64Bits, 5},
+                 0,
+                 1,
+                 {2, 1, 3, 4},
+                 {1000000, 1100000, 1200000, 1300000}}));
 
 TEST(QNDisplayOrderableList, ChangesTheMovedRowAlone) {
   const Rows rows = rowsOf({1000000, 1100000, 1200000});

@@ -107,8 +107,9 @@ QNItemList::Items QNItemList::allItems() const {
   Items items;
   items.reserve(numberOfItems());
   for (const auto& section : _mutableSections) {
-    const Items more = section->items();
-    items.insert(items.end(), more.begin(), more.end());
+    for (std::size_t row = 0; row < section->numberOfItems(); ++row) {
+      items.push_back(section->itemAtIndex(row));
+    }
   }
   return items;
 }
@@ -147,6 +148,7 @@ void QNItemList::enumerateItemsUsingCancelableBlock(
   if (!block) return;
   bool stop = false;
   for (const auto& section : sections()) {
+    if (stop) return;
     for (const auto& item : section->items()) {
       if (stop) return;
       block(item, stop);

@@ -72,9 +72,7 @@ class QNItemList final {
   // Sections
   [[nodiscard]] Sections sections() const { return _mutableSections; }
   /// Their names, in order.
-  [[nodiscard]] const std::vector<std::string>& sectionIndexTitles() const {
-    return _sectionIndexTitles;
-  }
+  [[nodiscard]] std::vector<std::string> sectionIndexTitles() const { return _sectionIndexTitles; }
   /// Of several with one name the last; kNotFound if there is none.
   [[nodiscard]] std::int64_t indexOfSectionWithName(std::string_view name) const;
   /// The index that it is given: each section has a title of its own.

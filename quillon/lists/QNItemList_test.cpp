@@ -86,6 +86,16 @@ TEST_F(QNItemListTest, PutsSortedItemsIntoTheSectionsOfTheSorter) {
   EXPECT_THAT(titlesIn(list->sections()[2]), ElementsAre("9 lives"));
 }
 
+TEST_F(QNItemListTest, PutsAnItemIntoItsSectionAgainAfterAnother) {
+  const auto list = QNItemList::initWithItems(
+      {listedItem("1", "echo"), listedItem("2", "élan"), listedItem("3", "ember")}, TitleSorter());
+
+  EXPECT_THAT(list->sectionIndexTitles(), ElementsAre("E", "É"));
+  ASSERT_EQ(list->sections().size(), 2u);
+  EXPECT_THAT(titlesIn(list->sections()[0]), ElementsAre("echo", "ember"));
+  EXPECT_THAT(titlesIn(list->sections()[1]), ElementsAre("élan"));
+}
+
 TEST_F(QNItemListTest, OrdersSectionsByTheirFirstItem) {
   TitleSorter sorter;
   sorter.setIsAscending(false);
@@ -334,6 +344,15 @@ TEST_F(QNItemListTest, FindsTheLastSectionOfAName) {
   EXPECT_THAT(list->sectionIndexTitles(), ElementsAre("A", "B", "A"));
 }
 
+TEST_F(QNItemListTest, HandsOutSectionTitlesThatNoChangeTouches) {
+  const auto list = QNItemList::initWithSections({section("A"), section("B")});
+
+  const auto& titles = list->sectionIndexTitles();
+  list->removeSectionAtIndex(0);
+
+  EXPECT_THAT(titles, ElementsAre("A", "B"));
+}
+
 TEST_F(QNItemListTest, GivesTheIndexOfATitleBack) {
   const auto list = QNItemList::initWithSections({section("A")});
 
@@ -390,6 +409,15 @@ TEST_F(QNItemListTest, AddsASearchSectionBeforeOneThatIsThere) {
   EXPECT_THAT(list->sectionIndexTitles(), ElementsAre("{search}", "{search}"));
   EXPECT_EQ(list->sections()[0]->numberOfItems(), 0u);
   EXPECT_EQ(list->sections()[1]->numberOfItems(), 1u);
+}
+
+TEST_F(QNItemListTest, KeepsSearchResultsWhenToldNotToShowWhatItDoesNotShow) {
+  const auto list = QNItemList::initWithSearchResults({listedItem("1")});
+
+  list->setShowsSearchSection(false);
+
+  EXPECT_THAT(list->sectionIndexTitles(), ElementsAre("{search}"));
+  EXPECT_EQ(list->numberOfItems(), 1u);
 }
 
 TEST_F(QNItemListTest, TakesTheSearchSectionAway) {

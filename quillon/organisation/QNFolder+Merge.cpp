@@ -16,8 +16,9 @@ std::shared_ptr<QNFolder> QNFolder::folderToMerge(
 }
 
 void QNFolder::copyOidFrom(const std::shared_ptr<QNDatabaseObject>& other) {
-  if (other == nullptr || oid() == other->oid()) return;
-  _setOid(other->oid());
+  const auto folder = folderToMerge(other);
+  if (folder == nullptr || oid() == folder->oid()) return;
+  _setOid(folder->oid());
   markRowDirty();
 }
 
@@ -41,16 +42,26 @@ std::shared_ptr<QNDatabaseObject> QNFolder::objectByReplacingWith(
                                    folder->description());
     return shared_from_this();
   }
-  setCreatedAt(folder->createdAt());
-  setUpdatedAt(folder->updatedAt());
-  setParentId(folder->parentId());
-  setParentUUID(folder->parentUUID());
-  setSmartFolder(folder->smartFolder());
-  setDisplayOrder(folder->displayOrder());
-  setIconData(folder->iconData());
-  setTrashed(folder->trashed());
+  copyColumnsOf(*folder);
   copyOverview(*overview);
   return shared_from_this();
+}
+
+// Most of these setters dirty nothing by themselves.
+void QNFolder::copyColumnsOf(const QNFolder& other) {
+  if (_createdAt != other._createdAt || _updatedAt != other._updatedAt ||
+      _parentId != other._parentId || _smartFolder != other._smartFolder ||
+      _displayOrder != other._displayOrder || _iconData != other._iconData) {
+    markRowDirty();
+  }
+  setCreatedAt(other._createdAt);
+  setUpdatedAt(other._updatedAt);
+  setParentId(other._parentId);
+  setParentUUID(other._parentUUID);
+  setSmartFolder(other._smartFolder);
+  setDisplayOrder(other._displayOrder);
+  setIconData(other._iconData);
+  setTrashed(other.trashed());
 }
 
 }  // namespace quillon

@@ -25,20 +25,22 @@ void QNFolder::setSmartFolderVersion(std::uint64_t version) {
   setOverviewObject(Json(version), kVersion);
 }
 
-void QNFolder::setSmartFolderPredicate(const QNPredicateRef& predicate) {
+bool QNFolder::setSmartFolderPredicate(const QNPredicateRef& predicate) {
   const auto archive =
       predicate != nullptr ? predicate->archivedData() : QNError::unreadable("no predicate");
   if (!archive.ok()) {
     MRLogger::sharedLogger().error(DEBUG_DATABASE, descriptionForLogging(),
                                    "Failed to archive smart folder predicate: {}",
                                    archive.error().domainCodeString());
-    return;
+    return false;
   }
   const std::lock_guard lock(monitor());  // nobody sees the question without its version
+  if (mutableOverview() == nullptr) return false;
   std::string text = mr_base64encode(archive.value());
   setOverviewText(text, kPredicate);
   wipe(text.data(), text.size());
   setSmartFolderVersion(kPresentVersion);
+  return true;
 }
 
 // Null if the key isn't there, or its archive holds none.

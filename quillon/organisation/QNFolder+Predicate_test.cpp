@@ -33,7 +33,7 @@ TEST(QNFolderPredicate, IsStoredInThePresentFormat) {
   folder->setOverviewText("old", "predicate_b64");
   folder->didSave();
 
-  folder->setSmartFolderPredicate(predicate("title == \"x\""));
+  EXPECT_TRUE(folder->setSmartFolderPredicate(predicate("title == \"x\"")));
 
   EXPECT_TRUE(folder->dirtyRow());
   EXPECT_EQ(folder->overviewTextForKey("predicate_b64_v4"), archived("title == \"x\""));
@@ -47,7 +47,7 @@ TEST(QNFolderPredicate, OfTheSameWordsDirtiesNothing) {
   folder->setSmartFolderPredicate(predicate("title == \"x\""));
   folder->didSave();
 
-  folder->setSmartFolderPredicate(predicate("title == \"x\""));
+  EXPECT_TRUE(folder->setSmartFolderPredicate(predicate("title == \"x\"")));
 
   EXPECT_FALSE(folder->dirtyRow());
 }
@@ -56,12 +56,21 @@ TEST(QNFolderPredicate, ThatIsAbsentIsNotStored) {
   const MRCapturingSink sink;
   const auto folder = cleanFolder();
 
-  folder->setSmartFolderPredicate(nullptr);
+  EXPECT_FALSE(folder->setSmartFolderPredicate(nullptr));
 
   EXPECT_FALSE(folder->dirtyRow());
   EXPECT_EQ(folder->overviewObjectForKey("predicate_b64_v4"), nullptr);
   EXPECT_THAT(errors(sink),
               ElementsAre("Failed to archive smart folder predicate: MRErrorDomain 114"));
+}
+
+TEST(QNFolderPredicate, OfAFolderThatDoesNotOpenIsNotStored) {
+  const MRCapturingSink sink;
+  const auto folder = std::make_shared<QNFolder>(QNExisting{1});
+
+  EXPECT_FALSE(folder->setSmartFolderPredicate(predicate("title == \"x\"")));
+
+  EXPECT_FALSE(folder->dirtyRow());
 }
 
 TEST(QNFolderPredicate, SurvivesASave) {

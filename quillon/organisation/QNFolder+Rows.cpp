@@ -46,15 +46,18 @@ std::uint64_t numberOfRow(const JsonObject& attributes, std::string_view key) {
   return static_cast<std::uint64_t>(integerOfJson(*stored).value_or(0));
 }
 
-// Does a text say yes, in whichever way it was written?
+// Does a text say yes, in whichever way it was written? Blanks before it count as little as they do
+// before a number.
 bool saysYes(std::string_view text) {
-  return !text.empty() && std::string_view("YyTt").find(text.front()) != std::string_view::npos;
+  const std::size_t start = text.find_first_not_of(" \t\n\v\f\r");
+  return start != std::string_view::npos && std::string_view("YyTt").find(text[start]) != text.npos;
 }
 
 bool truthOfRow(const JsonObject& attributes, std::string_view key) {
   const Json* const stored = attributes.if_contains(key);
   if (stored == nullptr) return false;
   if (const auto* const truth = stored->if_bool()) return *truth;
+  if (const auto* const number = stored->if_double()) return *number != 0;
   if (const auto* const text = stored->if_string(); text != nullptr && saysYes(*text)) return true;
   return numberOfRow(attributes, key) != 0;
 }

@@ -99,12 +99,21 @@ TEST(QNFolderRows, AreTakenOverWithTextsForNumbers) {
 }
 
 TEST(QNFolderRows, AreSmartByWhateverSaysYes) {
-  for (const char* const yes : {"true", "1", "\"YES\"", "\"true\"", "\"1\"", "2.5"}) {
+  for (const char* const yes : {"true", "1", "2.5", "0.5", "-0.5", "1e99", "\"YES\"", "\"true\"",
+                                "\"1\"", "\" 1\"", "\" YES\""}) {
     EXPECT_TRUE(restored("{\"isSmartFolder\":" + std::string(yes) + "}")->smartFolder()) << yes;
   }
-  for (const char* const no : {"false", "0", "\"NO\"", "\"\"", "\"0\"", "[1]", "null"}) {
+  for (const char* const no :
+       {"false", "0", "\"NO\"", "\"\"", "\"0\"", "\" \"", "\" no YES\"", "0.0", "[1]", "null"}) {
     EXPECT_FALSE(restored("{\"isSmartFolder\":" + std::string(no) + "}")->smartFolder()) << no;
   }
+}
+
+TEST(QNFolderRows, DirtyTheRowByAnotherParentAlone) {
+  const auto folder = restored(R"({"parentUUID":"P"})");
+
+  EXPECT_EQ(folder->parentUUID(), "P");
+  EXPECT_TRUE(folder->dirtyRow());
 }
 
 TEST(QNFolderRows, KeepAllBitsOfATime) {
@@ -142,6 +151,7 @@ TEST(QNFolderRows, DoNotBringAnIconBack) {
 
 TEST(QNFolderArchive, HoldsItsKeysInOrder) {
   const auto folder = filledFolder();
+  folder->setDisplayOrder(7);
 
   const JsonObject root = rootOf(folderArchive(*folder));
 

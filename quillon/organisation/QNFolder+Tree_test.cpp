@@ -3,6 +3,7 @@
 
 #include "quillon/organisation/internal/QNFolderTesting.h"
 #include "quillon/platform/environment/QNEnvironment.h"
+#include "quillon/platform/internal/QNMemoryWatch.h"
 #include "quillon/platform/text/QNLocalization.h"
 
 namespace quillon {
@@ -96,6 +97,28 @@ TEST(QNFolderTree, EndsOnARing) {
   EXPECT_EQ(b->indentationLevel(), 1u);
   EXPECT_THAT(titlesOf(a->flattenedAndSorted()), ElementsAre("a", "b"));
   EXPECT_FALSE(a->isParentOfFolder(*folderTitled("other")));
+}
+
+TEST(QNFolderTree, CountsEachFolderOfARingAboveOnce) {
+  const auto a = folderTitled("a");
+  const auto c = childOf(childOf(a, "b"), "c");
+  const auto below = childOf(c, "below");
+  c->addSubfolder(Folder(Folder(), a.get()));
+
+  EXPECT_EQ(below->indentationLevel(), 3u);
+  EXPECT_EQ(childOf(below, "more")->indentationLevel(), 4u);
+  EXPECT_EQ(a->indentationLevel(), 2u);
+}
+
+TEST(QNFolderTree, IsSortedWithoutCopiesOfTitlesThatStayBehind) {
+  constexpr std::string_view kTitle = "a title that is too long for a place inside an object";
+  const auto top = folderTitled("top");
+  for (int i = 0; i < 3; ++i) childOf(top, kTitle);
+  const QNFreedBlockWatch watch(kTitle);
+
+  EXPECT_EQ(top->flattenedAndSorted().size(), 4u);
+
+  EXPECT_EQ(watch.found(), 0u);
 }
 
 TEST(QNFolderTree, HoldsATreeThatIsDeeperThanAStack) {

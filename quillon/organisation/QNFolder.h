@@ -95,18 +95,21 @@ class QNFolder final : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool isParentOfFolder(const QNFolder& folder) const;
   /// This folder and all below it, depth first, by title; each once for every way down to it.
   [[nodiscard]] std::vector<std::shared_ptr<QNFolder>> flattenedAndSorted();
+  /// By title, in the user's language and case apart; those of one title in the order given.
+  [[nodiscard]] static std::vector<std::shared_ptr<QNFolder>> sortedByTitle(
+      std::span<const std::shared_ptr<QNFolder>> folders);
   /// "empty", "1 item" or "%@ items" in the user's language; subfolders count as items.
   [[nodiscard]] std::string localizedSubtitle() const;
 
   // Smart folder: QNFolder+Predicate.cpp
-  /// Null for an ordinary folder. Of a smart folder whose question is missing or can't be read,
-  /// with an error log for the latter, one that is never true. One of an older format is rewritten
-  /// at each call, and stays stored as it is. DANGER: stops the process where the rewriting does;
-  /// ask smartFolderFault() first of a folder that came from elsewhere.
+  /// Null for an ordinary folder. Of a smart folder whose question is missing or can't be read, one
+  /// that is never true, with an error log, but for a missing one of the present format. One of an
+  /// older format is rewritten at each call, and stays stored as it is. DANGER: stops the process
+  /// where the rewriting does; ask smartFolderFault() first of a folder that came from elsewhere.
   [[nodiscard]] QNPredicateRef smartFolderPredicate();
-  /// Stored in the present format, 4. A null one, or one that the archiver refuses, changes
-  /// nothing, with an error log.
-  void setSmartFolderPredicate(const QNPredicateRef& predicate);
+  /// Stored in the present format, 4. False, and nothing changed, for a null one and one that the
+  /// archiver refuses, each with an error log, and if the overview doesn't open.
+  bool setSmartFolderPredicate(const QNPredicateRef& predicate);
   /// Why smartFolderPredicate() would stop the process, which this doesn't; nothing if it wouldn't.
   /// Logs nothing.
   [[nodiscard]] std::optional<QNError> smartFolderFault();
@@ -128,9 +131,10 @@ class QNFolder final : public QNDatabaseObjectWithOverview,
   /// Keeps this folder, and takes the row's id of `other` if it has none itself.
   std::shared_ptr<QNDatabaseObject> mergeWithConflict(
       const std::shared_ptr<QNDatabaseObject>& other) override;
-  /// Takes all of `other` but uuid, transaction time and counts.
+  /// Takes all of `other` but uuid, transaction time and counts. What that changes dirties the row.
   std::shared_ptr<QNDatabaseObject> objectByReplacingWith(
       const std::shared_ptr<QNDatabaseObject>& other) override;
+  /// Another row's id dirties the row.
   void copyOidFrom(const std::shared_ptr<QNDatabaseObject>& other) override;
 
   // Stored forms: QNFolder+Rows.cpp
@@ -153,6 +157,7 @@ class QNFolder final : public QNDatabaseObjectWithOverview,
 
  private:
   std::shared_ptr<QNFolder> folderToMerge(const std::shared_ptr<QNDatabaseObject>& other) const;
+  void copyColumnsOf(const QNFolder& other);
   /// Its parent, that one's parent and so on, each once.
   [[nodiscard]] std::vector<std::shared_ptr<QNFolder>> foldersAbove() const;
   QNResult<QNPredicateRef> storedPredicate();

@@ -126,9 +126,11 @@ TEST(QNFolder, InTheTrashIsAHusk) {
   folder->setSmartFolder(true);
   folder->setOverviewText("old", "predicate_b64");
   folder->setSmartFolderPredicate(predicate("title == \"x\""));
+  folder->didSave();
 
   folder->setTrashed(true);
 
+  EXPECT_TRUE(folder->dirtyRow());
   EXPECT_TRUE(folder->trashed());
   EXPECT_EQ(folder->title(), "");
   EXPECT_FALSE(folder->smartFolder());
@@ -193,6 +195,14 @@ TEST(QNFolder, AnAbsentPictureTakesTheIconAway) {
 
   EXPECT_TRUE(folder->dirtyRow());
   EXPECT_EQ(folder->iconData(), std::nullopt);
+}
+
+TEST(QNFolder, WithAnIconThatIsNoPictureShowsThatOfEveryFolder) {
+  const auto folder = cleanFolder();
+  folder->setIconData(Bytes{1, 2, 3});
+
+  ASSERT_NE(folder->icon(), nullptr);
+  EXPECT_EQ(folder->icon(), mr_imageNamed("type-folder-list"));
 }
 
 TEST(QNFolder, APictureThatCannotBeDrawnChangesNothing) {
@@ -279,6 +289,57 @@ TEST(QNFolder, TakesAllOfItsReplacement) {
   EXPECT_TRUE(folder->dirtyRow());
 }
 
+struct ReplacedValue {
+  const char* name;
+  void (*set)(QNFolder& folder);
+};
+std::ostream& operator<<(std::ostream& out, const ReplacedValue& it) {
+  return out << it.name;
+}
+class QNFolderReplacedValue : public testing::TestWithParam<ReplacedValue> {};
+
+TEST_P(QNFolderReplacedValue, DirtiesTheRow) {
+  const auto folder = cleanFolder("Work");
+  const auto other = cleanFolder("Work");
+  GetParam().set(*other);
+
+  folder->objectByReplacingWith(other);
+
+  EXPECT_TRUE(folder->dirtyRow());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, QNFolderReplacedValue,
+    testing::Values(ReplacedValue{"createdAt", [](QNFolder& it) { it.setCreatedAt(1); }},
+                    ReplacedValue{"updatedAt", [](QNFolder& it) { it.setUpdatedAt(1); }},
+                    ReplacedValue{"parentId", [](QNFolder& it) { it.setParentId(1); }},
+                    ReplacedValue{"parentUUID", [](QNFolder& it) { it.setParentUUID("P"); }},
+                    ReplacedValue{"smartFolder", [](QNFolder& it) { it.setSmartFolder(true); }},
+                    ReplacedValue{"displayOrder", [](QNFolder& it) { it.setDisplayOrder(1); }},
+                    ReplacedValue{"iconData", [](QNFolder& it) { it.setIconData(Bytes{1}); }},
+                    ReplacedValue{"trashed", [](QNFolder& it) { it.setTrashed(true); }},
+                    ReplacedValue{"title", [](QNFolder& it) { it.setTitle("Other"); }}));
+
+TEST(QNFolder, ReplacedByAnEqualVersionStaysClean) {
+  const auto versions = {cleanFolder("Work"), cleanFolder("Work")};
+  for (const auto& version : versions) {
+    version->setCreatedAt(11);
+    version->setUpdatedAt(12);
+    version->setParentId(14);
+    version->setParentUUID("P");
+    version->setSmartFolder(true);
+    version->setDisplayOrder(15);
+    version->setIcon(picture());
+    version->didSave();
+  }
+  const auto& folder = *versions.begin();
+
+  folder->objectByReplacingWith(*(versions.end() - 1));
+
+  EXPECT_FALSE(folder->dirtyRow());
+  EXPECT_FALSE(folder->dirtyDisplayOrder());
+}
+
 TEST(QNFolder, ReplacedByATrashedOneIsTrashedWithTheOthersOverview) {
   const auto folder = cleanFolder("Mine");
   const auto other = cleanFolder("Theirs");
@@ -324,14 +385,26 @@ TEST(QNFolder, CopiesARowsIdOnce) {
   const auto other = cleanFolder();
   other->_setOid(4);
 
-  folder->copyOidFrom(nullptr);
-  EXPECT_FALSE(folder->dirtyRow());
   folder->copyOidFrom(other);
   EXPECT_TRUE(folder->dirtyRow());
   EXPECT_EQ(folder->oid(), 4u);
   folder->didSave();
   folder->copyOidFrom(other);
   EXPECT_FALSE(folder->dirtyRow());
+}
+
+TEST(QNFolder, TakesARowsIdFromAFolderAlone) {
+  const MRCapturingSink sink;
+  const auto folder = cleanFolder();
+  const auto item = newItem(localVault());
+  item->_setOid(9);
+
+  folder->copyOidFrom(item);
+  folder->copyOidFrom(nullptr);
+
+  EXPECT_EQ(folder->oid(), 0u);
+  EXPECT_FALSE(folder->dirtyRow());
+  EXPECT_EQ(errors(sink).size(), 2u);
 }
 
 }  // namespace

@@ -209,10 +209,13 @@ QNPredicateRef QNPredicateUpgrade::upgradedCategory(const QNPredicateRef& predic
   return QNPredicate::predicateWithFormat("categoryUUID = %@", arguments).value();
 }
 
+// Equal predicates are those of one text form, of which no copy is left behind this way.
 QNPredicateRef QNPredicateUpgrade::upgradedOther(const QNPredicateRef& predicate) const {
-  const std::string text = predicate->predicateFormat();
-  if (text == kNoFolderText) return QNPredicate::predicateWithFormat("folderUUID==NIL").value();
-  if (text == kExistingText) return nullptr;
+  const auto isWritten = [&predicate](std::string_view text) {
+    return predicate->isEqual(*QNPredicate::predicateWithFormat(text).value());
+  };
+  if (isWritten(kNoFolderText)) return QNPredicate::predicateWithFormat("folderUUID==NIL").value();
+  if (isWritten(kExistingText)) return nullptr;
   return unconverted(predicate);
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "quillon/organisation/internal/QNFolderTesting.h"
+#include "quillon/platform/internal/QNMemoryWatch.h"
 #include "quillon/templates/QNCategoryUUID.h"
 
 namespace quillon {
@@ -260,6 +261,18 @@ TEST(QNPredicateUpgrade, TellsTheFaultAndStopsNothing) {
   EXPECT_TRUE(quiet.upgraded(predicate("NOT tags == \"x\"")).ok());
   EXPECT_TRUE(quiet.upgraded(predicate("odd == 1")).ok());
   EXPECT_THAT(sink.records(), IsEmpty());
+}
+
+TEST(QNPredicateUpgrade, LooksAtAQuestionWithoutCopiesOfItsTextsThatStayBehind) {
+  constexpr std::string_view kText = "a text that is too long for a place inside an object";
+  const MRCapturingSink sink;
+  const auto folder = folderTitled("f");
+  const auto unknown = predicate("unknown == \"" + std::string(kText) + "\"");
+  const QNFreedBlockWatch watch(kText);
+
+  EXPECT_EQ(folder->upgradeSmartFolderPredicateFormat(unknown), nullptr);
+
+  EXPECT_EQ(watch.found(), 0u);
 }
 
 }  // namespace

@@ -18,6 +18,12 @@ constexpr std::array<std::string_view, 13> kOperatorTexts = {
 constexpr std::array<std::string_view, 3> kModifierTexts = {"", "ALL ", "ANY "};
 constexpr std::array<std::string_view, 4> kOptionTexts = {"", "[c]", "[d]", "[cd]"};
 
+// Has `table` a place for it? A negative one is beyond every table.
+template <class Table, class Enumeration>
+bool isIn(const Table& table, Enumeration value) {
+  return static_cast<std::size_t>(value) < table.size();
+}
+
 bool needsDetailsFor(const QNExpression& side) {
   const QNItemKeyPath* const known =
       side.asKeyPath() == nullptr ? nullptr : side.asKeyPath()->ofItem();
@@ -36,7 +42,10 @@ QNComparisonPredicate::QNComparisonPredicate(Parts parts) : _parts(std::move(par
 QNComparisonPredicate::~QNComparisonPredicate() = default;
 
 QNPredicateRef QNComparisonPredicate::comparison(Parts parts) {
-  if ((parts.options & ~kAllOptions) != 0) return nullptr;
+  if (!isIn(kModifierTexts, parts.modifier) || !isIn(kOperatorTexts, parts.operatorType) ||
+      (parts.options & ~kAllOptions) != 0) {
+    return nullptr;
+  }
   const std::shared_ptr<QNComparisonPredicate> made(new QNComparisonPredicate(std::move(parts)));
   if (withinLimits(made) == nullptr) return nullptr;
   made->_test = std::make_unique<const QNComparisonTest>(made->_parts);  // costs more than a look

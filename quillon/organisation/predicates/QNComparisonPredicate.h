@@ -44,8 +44,7 @@ class QNComparisonPredicate final : public QNPredicate {
     std::uint32_t options = 0;
     friend bool operator==(const Parts& a, const Parts& b);
   };
-  /// Null for unknown option bits, for a BETWEEN whose right side is neither a key path nor a list
-  /// of two, or beyond a limit of QNPredicate.
+  /// Null for an unknown modifier, operator or option bit, or beyond a limit of QNPredicate.
   static QNPredicateRef comparison(Parts parts);
   ~QNComparisonPredicate() override;
 

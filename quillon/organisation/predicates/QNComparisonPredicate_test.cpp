@@ -233,6 +233,21 @@ TEST(QNComparisonPredicate, DoesNotWalkAListThatIsNoneOfTheRightLength) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
+TEST(QNComparisonPredicate, RefusesAModifierOrAnOperatorThatThereIsNot) {
+  const auto isMade = [](int modifier, int operatorType) {
+    return QNComparisonPredicate::comparison({QNExpression::integer(1), QNExpression::integer(1),
+                                              static_cast<QNComparisonModifier>(modifier),
+                                              static_cast<QNOperatorType>(operatorType), 0}) !=
+           nullptr;
+  };
+
+  EXPECT_TRUE(isMade(2, 12));
+  EXPECT_FALSE(isMade(3, 0));
+  EXPECT_FALSE(isMade(-1, 0));
+  EXPECT_FALSE(isMade(0, 13));
+  EXPECT_FALSE(isMade(0, -1));
+}
+
 TEST(QNComparisonPredicate, PaysForEachElementOfListsOfOneLength) {
   QNSampleObject object;
   object.withTexts("many", std::vector<std::string>(10'000, "x"));

@@ -22,6 +22,7 @@ QNCompoundPredicate::QNCompoundPredicate(QNCompoundType type,
 
 QNPredicateRef QNCompoundPredicate::compound(QNCompoundType type,
                                              std::vector<QNPredicateRef> subpredicates) {
+  if (type < QNCompoundType::notType || type > QNCompoundType::orType) return nullptr;
   if (type == QNCompoundType::notType && subpredicates.size() != 1) return nullptr;
   if (std::find(subpredicates.begin(), subpredicates.end(), nullptr) != subpredicates.end()) {
     return nullptr;

@@ -14,8 +14,8 @@ enum class QNCompoundType : std::int32_t { notType = 0, andType = 1, orType = 2 
 /// is false.
 class QNCompoundPredicate final : public QNPredicate {
  public:
-  /// Null if a part is null, if a NOT has another number of parts than one, or beyond a limit of
-  /// QNPredicate.
+  /// Null for an unknown type, if a part is null, if a NOT has another number of parts than one, or
+  /// beyond a limit of QNPredicate.
   static QNPredicateRef compound(QNCompoundType type, std::vector<QNPredicateRef> subpredicates);
 
   [[nodiscard]] QNCompoundType compoundPredicateType() const noexcept { return _type; }

@@ -62,13 +62,13 @@ QNExpressionType QNExpression::expressionType() const noexcept {
 }
 
 std::string QNExpression::description() const {
-  QNPredicateText text(false);
+  QNPredicateText text(QNPredicateTextUse::whole);
   text.add(*this);
   return text.take();
 }
 
 std::string QNExpression::descriptionForLogging() const {
-  QNPredicateText text(true);
+  QNPredicateText text(QNPredicateTextUse::forLogging);
   text.add(*this);
   return text.take();
 }

@@ -288,6 +288,7 @@ QNResult<Bytes> QNPredicate::archivedData() const {
 }
 
 QNResult<QNPredicateRef> QNPredicate::predicateWithArchivedData(ByteView archive) {
+  if (archive.size() > kMaxArchiveBytes) return predicateFault("the archive is too large");
   auto root = QNKeyedUnarchiver::unarchivedObjectOfClasses(kClasses, archive);
   if (!root.ok()) return root.error();
   const auto known = std::dynamic_pointer_cast<CodedArchive>(root.value());

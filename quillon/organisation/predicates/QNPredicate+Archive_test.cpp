@@ -81,6 +81,32 @@ TEST(QNPredicateArchive, HoldsTheDeepestAndTheLargestPredicate) {
   EXPECT_EQ(read(archiveOf(*predicate(many))), many);
 }
 
+TEST(QNPredicateArchive, HasRoomForEveryPredicateWithinTheLimits) {
+  const auto grown = [](std::string text, const std::string& more, const std::string& end) {
+    while (text.size() + more.size() + end.size() <= QNPredicate::kMaxTextBytes) text += more;
+    return text + end;
+  };
+  for (const std::string each :
+       {"1 < 1", "-1 < -1", "{} < {}", "a < a", "\"\" < \"\"", "0.5 < 0.5", "NIL < NIL",
+        "ALL 1 < 1", "1 IN 1", "1 <[c] 1", "(NOT 1 < 1)", "(OR {})", "TRUEPREDICATE"}) {
+    const std::string text = grown(each, " OR " + each, "");
+    EXPECT_EQ(read(archiveOf(*predicate(text))), text) << each;
+  }
+  for (const std::string each : {"1", "-1", "0.5", "NO", "NIL", "\"\"", "\"\\u0001\"", "\"ä\""}) {
+    const std::string text = grown("a IN {" + each, ", " + each, "}");
+    EXPECT_EQ(read(archiveOf(*predicate(text))), text) << each;
+  }
+}
+
+TEST(QNPredicateArchive, BeyondItsLimitIsUnreadableAlthoughItIsOne) {
+  std::string archive = archiveOf(*predicate("a == 1"));
+  archive.insert(1, QNPredicate::kMaxArchiveBytes - archive.size(), ' ');
+
+  EXPECT_EQ(read(archive), "a == 1");
+  archive.insert(1, 1, ' ');
+  EXPECT_EQ(read(archive), "unreadable");
+}
+
 TEST(QNPredicateArchive, CutAnywhereIsUnreadable) {
   const std::string archive = archiveOf(*predicate(kEveryPart));
 

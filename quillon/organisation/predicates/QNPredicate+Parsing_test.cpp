@@ -3,6 +3,7 @@
 
 #include "quillon/organisation/predicates/QNExpression.h"
 #include "quillon/organisation/predicates/internal/QNPredicateTesting.h"
+#include "quillon/organisation/predicates/internal/QNPredicateText.h"
 #include "quillon/organisation/predicates/internal/QNRandomPredicates.h"
 
 namespace quillon {
@@ -192,6 +193,19 @@ TEST(QNPredicateText, ReadsBackAsTheSameQuestion) {
     RC_ASSERT(again.ok());
     RC_ASSERT(again.value()->isEqual(*made));
     RC_ASSERT(again.value()->predicateFormat() == text);
+  }));
+}
+
+TEST(QNPredicateText, HasItsBytesCountedWithoutBeingWritten) {
+  EXPECT_TRUE(rc::check([] {
+    const QNPredicateRef made =
+        QNRandomPredicates(*rc::gen::arbitrary<std::uint32_t>()).predicate(4);
+    QNPredicateText text(QNPredicateTextUse::counted);
+
+    made->describe(text);
+
+    RC_ASSERT(text.size() == made->predicateFormat().size());
+    RC_ASSERT(text.take().empty());
   }));
 }
 

@@ -85,17 +85,19 @@ QNPredicateRef QNPredicate::predicateWithValue(bool value) {
 
 QNPredicateRef QNPredicate::withinLimits(QNPredicateRef predicate) {
   if (predicate->depth() > kMaxDepth) return nullptr;
-  return predicate->predicateFormat().size() <= kMaxTextBytes ? predicate : nullptr;
+  QNPredicateText text(QNPredicateTextUse::counted);
+  predicate->describe(text);
+  return text.size() <= kMaxTextBytes ? predicate : nullptr;
 }
 
 std::string QNPredicate::predicateFormat() const {
-  QNPredicateText text(false);
+  QNPredicateText text(QNPredicateTextUse::whole);
   describe(text);
   return text.take();
 }
 
 std::string QNPredicate::predicateFormatForLogging() const {
-  QNPredicateText text(true);
+  QNPredicateText text(QNPredicateTextUse::forLogging);
   describe(text);
   return text.take();
 }

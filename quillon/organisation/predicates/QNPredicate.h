@@ -32,12 +32,15 @@ class QNPredicate {
   /// the text form in bytes. What is larger isn't made.
   static constexpr std::size_t kMaxDepth = 12;
   static constexpr std::size_t kMaxTextBytes = std::size_t{64} << 10;
+  /// A larger archive is refused before it is read. No predicate within the other limits has one: a
+  /// byte of text form takes 25 at most, in "1 < 1 OR 1 < 1 ...".
+  static constexpr std::size_t kMaxArchiveBytes = 32 * kMaxTextBytes;
 
   virtual ~QNPredicate() = default;
   QNPredicate(const QNPredicate&) = delete;
   QNPredicate& operator=(const QNPredicate&) = delete;
 
-  // Text: QNPredicate+Parsing.cpp, QNPredicate+Text.cpp
+  // Text: QNPredicate+Parsing.cpp, QNPredicateText.cpp
   /// Reads the text form. Each "%@" in it stands for the next of `arguments`. Error 114 of
   /// QNErrorDomain tells what is wrong and at which byte; never what was read.
   static QNResult<QNPredicateRef> predicateWithFormat(std::string_view format,
@@ -53,7 +56,8 @@ class QNPredicate {
   /// Error 114 of QNErrorDomain where the archiver refuses it. In clear: seal it.
   [[nodiscard]] QNResult<Bytes> archivedData() const;
   /// Null for an archive that holds no predicate. Error 114 of QNErrorDomain: not an archive of
-  /// ours, or a predicate in it that can't be made, down to its last part.
+  /// ours, larger than kMaxArchiveBytes, or a predicate in it that can't be made, down to its last
+  /// part.
   static QNResult<QNPredicateRef> predicateWithArchivedData(ByteView archive);
 
   // Asking: QNPredicate.cpp. Nobody may change the object meanwhile.

@@ -109,14 +109,15 @@ void QNPredicateText::add(const QNExpression& expression) {
 }
 
 void QNPredicateText::addText(std::string_view text) {
-  if (_hidesTexts) return add("\"…\"");
+  if (_use == QNPredicateTextUse::forLogging) return add("\"…\"");
   add("\"");
-  for (const char c : text) {
-    if (needsEscape(c)) {
-      add(escaped(c));
-    } else {
-      _text.push_back(c);
-    }
+  while (!text.empty()) {
+    const auto plain = std::find_if(text.begin(), text.end(), needsEscape) - text.begin();
+    add(text.substr(0, static_cast<std::size_t>(plain)));
+    text.remove_prefix(static_cast<std::size_t>(plain));
+    if (text.empty()) break;
+    add(escaped(text.front()));
+    text.remove_prefix(1);
   }
   add("\"");
 }

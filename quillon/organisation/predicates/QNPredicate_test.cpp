@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "quillon/organisation/predicates/internal/QNPredicateTesting.h"
+#include "quillon/platform/internal/QNMemoryWatch.h"
 
 namespace quillon {
 namespace {
@@ -113,12 +114,31 @@ TEST(QNPredicate, EqualsTheSameWordsAlone) {
   EXPECT_FALSE(predicate("TRUEPREDICATE")->isEqual(*predicate("FALSEPREDICATE")));
 }
 
+TEST(QNPredicate, IsMadeWithoutCopiesOfItsTextsThatStayBehind) {
+  constexpr std::string_view kText = "a text that is too long for a place inside an object";
+  QNComparisonPredicate::Parts parts{*QNExpression::keyPath("a"), *QNExpression::text(kText)};
+  const QNFreedBlockWatch watch(kText);
+
+  const auto comparison = QNComparisonPredicate::comparison(std::move(parts));
+  const auto compound = QNCompoundPredicate::compound(QNCompoundType::andType, {comparison});
+
+  ASSERT_NE(compound, nullptr);
+  EXPECT_EQ(watch.found(), 0u);
+}
+
 TEST(QNCompoundPredicate, RefusesANotOfAnyNumberButOne) {
   const auto part = QNPredicate::predicateWithValue(true);
 
   EXPECT_EQ(QNCompoundPredicate::compound(QNCompoundType::notType, {}), nullptr);
   EXPECT_EQ(QNCompoundPredicate::compound(QNCompoundType::notType, {part, part}), nullptr);
   EXPECT_EQ(QNCompoundPredicate::compound(QNCompoundType::andType, {part, nullptr}), nullptr);
+}
+
+TEST(QNCompoundPredicate, RefusesATypeThatThereIsNot) {
+  for (const int type : {-1, 3, std::numeric_limits<int>::min()}) {
+    EXPECT_EQ(QNCompoundPredicate::compound(static_cast<QNCompoundType>(type), {}), nullptr)
+        << type;
+  }
 }
 
 TEST(QNCompoundPredicate, RefusesToNestBeyondItsLimit) {

@@ -48,7 +48,7 @@ int compared(const Collator& collator, std::string_view a, std::string_view b) {
 
 std::string keyBy(const Collator& collator, std::string_view text) {
   if (collator == nullptr) return std::string(text);
-  const auto wide = icu::UnicodeString::fromUTF8(
+  auto wide = icu::UnicodeString::fromUTF8(
       icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
   std::array<char, 128> place;  // enough for nearly every title
   const auto write = [&](char* out, std::size_t size) {
@@ -63,6 +63,10 @@ std::string keyBy(const Collator& collator, std::string_view text) {
     write(key.data(), key.size());
   }
   key.pop_back();  // ICU's end mark
+  wipe(place.data(), place.size());
+  const auto units = static_cast<std::size_t>(wide.length());
+  wipe(wide.getBuffer(-1), units * sizeof(char16_t));
+  wide.releaseBuffer(0);
   return key;
 }
 

@@ -7,20 +7,28 @@
 
 namespace quillon {
 
+/// What becomes of a text form: it is kept, with the texts that are searched for as they are or as
+/// "…", or its bytes are counted alone, and no copy is made of what may be a secret.
+enum class QNPredicateTextUse { whole, forLogging, counted };
+
 /// Builds the text form of a predicate.
 class QNPredicateText final {
  public:
-  /// Texts that are searched for are shown as "…", or as they are.
-  explicit QNPredicateText(bool hidesTexts) : _hidesTexts(hidesTexts) {}
-  void add(std::string_view words) { _text += words; }
+  explicit QNPredicateText(QNPredicateTextUse use) : _use(use) {}
+  void add(std::string_view words) {
+    _size += words.size();
+    if (_use != QNPredicateTextUse::counted) _text += words;
+  }
   void add(const QNExpression& expression);
+  [[nodiscard]] std::size_t size() const { return _size; }
   [[nodiscard]] std::string take() { return std::move(_text); }
 
  private:
   void addText(std::string_view text);
   void addList(const QNExpression::List& elements);
 
-  bool _hidesTexts;
+  QNPredicateTextUse _use;
+  std::size_t _size = 0;
   std::string _text;
 };
 
