@@ -275,6 +275,13 @@ struct QNStore::Database {
                                                         Times times);
   QNResult<QNDone> repairFolders(const std::shared_ptr<QNProfile>& vault, QNFolderRepair& repair);
 
+  // New folders: QNStore+FolderImport.cpp
+  QNResult<QNDone> addFolders(const std::shared_ptr<QNProfile>& vault,
+                              std::span<const std::shared_ptr<QNFolder>> folders,
+                              std::vector<std::string>& movedToTop);
+  QNResult<QNDone> addFolder(const std::shared_ptr<QNFolder>& folder,
+                             const std::shared_ptr<QNProfile>& vault);
+
   // Synchronisation: QNStore+Sync.cpp
   /// A source without its states, which stand beside it: they may be many, and few of them change.
   struct Partner {
