@@ -41,9 +41,9 @@ class ExportTest(ToolTest):
     def rows(self):
         """Of each item the text of its line."""
         lines = self.export().out.splitlines()
-        self.assertEqual(lines[0], '{"format":"quillon","version":1,"items":[')
+        self.assertEqual(lines[0], '{"format":"quillon","version":1,"folders":[')
         self.assertEqual(lines[-1], "]}")
-        return [line.rstrip(",") for line in lines[1:-1]]
+        return [line.rstrip(",") for line in lines[lines.index('],"items":[') + 1:-1]]
 
 
 class Export(ExportTest):
@@ -96,7 +96,7 @@ class Export(ExportTest):
     def test_json_tells_of_the_file(self):
         self.fill()
         file = self.path("e.json")
-        self.assertEqual(self.export(file, "--json").json, {"export": file, "items": 5})
+        self.assertEqual(self.export(file, "--json").json, {"export": file, "items": 5, "folders": 0})
 
     def test_a_terminal_gets_it_only_by_force(self):
         self.add("Bank", "--password=-", stdin="pa55-1")
@@ -110,7 +110,8 @@ class Export(ExportTest):
         self.assertIn(b"pa55-1", terminal.output)
 
     def test_an_empty_vault_gives_an_empty_list(self):
-        self.assertEqual(self.export().json["items"], [])
+        self.assertEqual(self.export().json,
+                         {"format": "quillon", "version": 1, "folders": [], "items": []})
 
     def test_a_vault_is_exported_alone(self):
         self.run_tool("vault", "add", "work")
@@ -186,7 +187,8 @@ class ImportOfAnExport(ExportTest):
         file = self.write("e.json", self.export().bytes)
         self.assertEqual(self.run_tool("import", file, "--json").json,
                          {"format": "quillon", "dryRun": False, "added": 0, "alreadyThere": 5,
-                          "differing": 0, "damaged": []})
+                          "differing": 0, "damaged": [], "foldersAdded": 0,
+                          "foldersAlreadyThere": 0, "foldersMovedToTop": []})
         self.another_store()
         self.run_tool("import", file)
         before = self.export().bytes
@@ -264,6 +266,8 @@ class ImportOfAnExport(ExportTest):
                 ('{"format":"quillon","version":2,"items":[]}', "another version"),
                 ('{"format":"quillon","version":1}', "no list of items"),
                 ('{"format":"quillon","version":1,"items":[7]}', "item 1: it has no row"),
+                ('{"format":"quillon","version":1,"items":[],"folders":{}}',
+                 "its folders are no list"),
                 (json.dumps(second), "item 2: it has no uuid"),
                 (self.with_row(good, overview=7), "item 1: it has no overview"),
                 (self.with_row(good, details=[]), "item 1: it has no details"),
@@ -300,10 +304,187 @@ class ImportOfAnExport(ExportTest):
         self.assertEqual(self.show(uuid)["title"], "Bank")
         self.assertTrue(self.run_tool("check", "--json").json["clean"])
 
+    def test_the_mark_of_a_new_item_comes_back(self):
+        self.add("Bank")
+        exported = self.export().json
+        self.assertIs(exported["items"][0]["inbox"], False)
+        exported["items"][0]["inbox"] = True
+        self.another_store()
+        self.run_tool("import", self.write("e.json", json.dumps(exported)))
+        self.assertIs(self.export().json["items"][0]["inbox"], True)
+        with sqlite3.connect(self.store) as database:
+            self.assertEqual(database.execute("SELECT inbox FROM items").fetchall(), [(1,)])
+        database.close()
+
     def test_csv_is_still_known_by_its_content(self):
         self.write("odd.json", self.read(os.path.join(DATA, "safari.csv")))
         self.assertEqual(self.run_tool("import", self.path("odd.json"), "--json").json["format"],
                          "safari")
+
+
+class FoldersOfAnExport(ExportTest):
+    def setUp(self):
+        super().setUp()
+        self.work = self.make_folder("Work \x1b[31m")
+        self.bills = self.make_folder("Work \x1b[31m/Bills")
+        self.smart = self.run_tool("smart", "add", "Work \x1b[31m/Weak",
+                                   'passwordStrength < 50').out.strip()
+        self.bank = self.add("Bank")
+        self.run_tool("move", "Bank", self.bills)
+
+    def make_folder(self, path):
+        return self.run_tool("folder", "add", path).out.strip()
+
+    def folders(self):
+        """Of each folder its title and that of its parent."""
+        folders = {one["uuid"]: one for one in self.run_tool("folder", "list", "--json").json}
+        return {uuid: (one["title"], one["parent"] and folders[one["parent"]]["title"])
+                for uuid, one in folders.items()}
+
+    def import_json(self, exported, *options, code=0):
+        return self.run_tool("import", self.write("e.json", json.dumps(exported)), *options,
+                             code=code)
+
+    def row(self, uuid, **members):
+        return {"row": {"uuid": uuid, "overview": {"title": "t-" + uuid}, **members}}
+
+    def check_is_clean(self):
+        checked = self.run_tool("check", "--json").json
+        self.assertEqual((checked["clean"], checked["remarks"]), (True, []))
+
+    def test_their_titles_places_questions_and_times_stand_in_it(self):
+        exported = self.export().json["folders"]
+        self.assertEqual([one["row"]["uuid"] for one in exported],
+                         [self.work, self.bills, self.smart])
+        self.assertEqual([one["displayOrder"] for one in exported], [0, 0, 0])
+        work, bills, smart = (one["row"] for one in exported)
+        self.assertEqual(work["overview"], {"title": "Work \x1b[31m"})
+        self.assertNotIn("parentUUID", work)
+        self.assertEqual(bills["parentUUID"], self.work)
+        self.assertEqual((smart["isSmartFolder"], smart["overview"]["sfVersion"]), (True, 4))
+        self.assertIn("predicate_b64_v4", smart["overview"])
+        self.assertGreater(bills["updatedAt"], 1_700_000_000)
+        file = self.path("f.json")
+        self.assertEqual(self.export(file, "--json").json,
+                         {"export": file, "items": 1, "folders": 3})
+
+    def test_export_wipe_and_import_give_the_same_bytes(self):
+        before = self.export().bytes
+        tree = self.folders()
+        file = self.write("e.json", before)
+        time.sleep(1.1)  # what took its time of now would differ
+        self.another_store()
+        self.assertEqual(self.run_tool("import", file, "--dry-run").out,
+                         "would add: 1\nwould add folders: 3\n")
+        self.assertEqual(self.folders(), {})
+        self.assertEqual(self.run_tool("import", file).out, "added: 1\nfolders added: 3\n")
+        self.assertEqual(self.export().bytes, before)
+        self.assertEqual(self.folders(), tree)
+        self.assertEqual(self.run_tool("smart", "list", "--json").json[0]["predicate"],
+                         "passwordStrength < 50")
+        self.assertEqual(self.show("Bank")["folder"], self.bills)
+        self.check_is_clean()
+
+    def test_an_icon_comes_back(self):
+        exported = self.export().json
+        exported["folders"][0]["row"]["iconData"] = "iVBORw0KGgo="
+        exported["folders"][0]["displayOrder"] = 7
+        self.another_store()
+        self.import_json(exported)
+        again = self.export().json["folders"][0]
+        self.assertEqual((again["row"]["iconData"], again["displayOrder"]), ("iVBORw0KGgo=", 7))
+        self.check_is_clean()
+
+    def test_what_is_there_stays_and_the_rest_comes(self):
+        file = self.write("e.json", self.export().bytes)
+        self.run_tool("folder", "rename", self.work, "Job")
+        self.run_tool("folder", "delete", self.smart)
+        self.assertEqual(self.run_tool("import", file).out,
+                         "added: 0\nalready there: 1\nfolders added: 1\n"
+                         "folders already there: 2\n")
+        self.assertEqual(self.folders(), {self.work: ("Job", None), self.bills: ("Bills", "Job"),
+                                          self.smart: ("Weak", "Job")})
+        self.assertEqual(self.run_tool("import", file, "--json").json,
+                         {"format": "quillon", "dryRun": False, "added": 0, "alreadyThere": 1,
+                          "differing": 0, "damaged": [], "foldersAdded": 0,
+                          "foldersAlreadyThere": 3, "foldersMovedToTop": []})
+        self.check_is_clean()
+
+    def test_an_export_from_before_there_were_folders_is_read(self):
+        exported = self.export().json
+        del exported["folders"]
+        self.another_store()
+        self.assertEqual(self.import_json(exported).out, "added: 1\n")
+        self.assertEqual(self.folders(), {})
+
+    def test_a_damaged_folder_is_left_out_and_told_and_what_it_held_comes_to_the_top(self):
+        with sqlite3.connect(self.store) as database:
+            database.execute("UPDATE folders SET overview = x'00' WHERE uuid = ?", (self.work,))
+        database.close()
+        result = self.export(code=6)
+        self.assertIn("damaged folders left out: 1", result.err)
+        self.assertEqual([one["row"]["uuid"] for one in result.json["folders"]],
+                         [self.bills, self.smart])
+        self.another_store()
+        imported = self.run_tool("import", self.write("e.json", result.bytes))
+        self.assertEqual(imported.out,
+                         "added: 1\nfolders added: 2\n" + "".join(
+                             f"at the top, since its own place isn't there: folder {uuid}\n"
+                             for uuid in (self.bills, self.smart)))
+        self.assertEqual(self.folders(),
+                         {self.bills: ("Bills", None), self.smart: ("Weak", None)})
+        self.check_is_clean()
+
+    def test_a_damaged_folder_of_the_vault_is_told_and_left_alone(self):
+        file = self.write("e.json", self.export().bytes)
+        with sqlite3.connect(self.store) as database:
+            database.execute("UPDATE folders SET overview = x'00' WHERE uuid = ?", (self.work,))
+        database.close()
+        result = self.run_tool("import", file, "--json", code=6)
+        self.assertEqual((result.json["damaged"], result.json["foldersAlreadyThere"]),
+                         ([self.work], 2))
+        self.assertIn(self.work + ": there, but damaged, and left alone", result.err)
+
+    def test_places_that_cannot_be_true_are_at_the_top(self):
+        rows = [self.row(f"deep{i}", parentUUID=f"deep{i - 1}") for i in range(1, 1001)]
+        rows.append(self.row("deep0"))
+        rows += [self.row("a", parentUUID="b"), self.row("b", parentUUID="a"),
+                 self.row("self", parentUUID="self"), self.row("orphan", parentUUID="nobody"),
+                 self.row("\x1b[31m", parentUUID=""), self.row("in", parentUUID=self.work)]
+        result = self.import_json({"format": "quillon", "version": 1, "items": [],
+                                   "folders": rows})
+        self.assertNotIn("\x1b", result.out)
+        self.assertEqual(result.out.splitlines()[:2], ["added: 0", f"folders added: {len(rows)}"])
+        moved = [line.split()[-1] for line in result.out.splitlines()[2:]]
+        self.assertEqual(moved, ["deep1000", "a", "b", "self", "orphan", "\\x1b[31m"])
+        self.assertEqual(self.folders()["in"], ("t-in", "Work \x1b[31m"))
+        self.check_is_clean()
+
+    def test_a_file_that_is_wrong_adds_nothing_and_says_why(self):
+        before = self.export().bytes
+        deep = json.loads("[" * 62 + "]" * 62)
+        for folders, reason in (
+                ([7], "folder 1: it has no row"), ([{"row": []}], "folder 1: it has no row"),
+                ([{"row": {"overview": {}}}], "folder 1: it has no uuid"),
+                ([self.row("x"), {"row": {"uuid": "", "overview": {}}}],
+                 "folder 2: it has no uuid"),
+                ([{"row": {"uuid": "x"}}], "folder 1: it has no overview"),
+                ([self.row("x", iconData="no base64")], "folder 1: its icon is no base64"),
+                ([self.row("x", iconData=7)], "folder 1: its icon is no base64"),
+                ([self.row("x"), self.row("x")], "folder 2: an earlier one has its uuid"),
+                ([{"row": {"uuid": "x", "overview": {"title": deep}}}], "e.json: "),
+                (7, "its folders are no list")):
+            result = self.import_json({"format": "quillon", "version": 1, "items": [],
+                                       "folders": folders}, code=1)
+            self.assertIn("e.json: ", result.err)
+            self.assertIn(reason, result.err)
+            self.assertEqual(self.export().bytes, before)
+
+    def test_an_item_that_is_wrong_takes_the_folders_back(self):
+        self.another_store()
+        self.import_json({"format": "quillon", "version": 1, "folders": [self.row("x")],
+                          "items": [7]}, code=1)
+        self.assertEqual(self.folders(), {})
 
 
 if __name__ == "__main__":

@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
 """Finding and arranging items, as the built tool does it: organise_test.py TOOL [TEST...]"""
+import base64
+import json
 import os
 import re
 import sqlite3
@@ -630,17 +632,19 @@ class Damage(OrganiseTest):
         self.make_folder("A/B")
         checked = self.run_tool("check", "--repair", "--json").json
         self.assertEqual((checked["foldersChecked"], checked["clean"]), (2, True))
-        self.assertEqual(checked["repaired"], {"foldersMovedToTop": [], "itemsMovedToTop": []})
+        self.assertEqual(checked["repaired"],
+                         {"foldersSealedAnew": [], "foldersRemoved": [], "foldersMissing": 0,
+                          "ledgerSetRight": False, "foldersMovedToTop": [], "itemsMovedToTop": []})
 
     def test_an_item_whose_folder_is_not_there_is_told_of_and_taken_out(self):
         uuid = self.add("Bank")
         self.make_folder("Work")
         self.run_tool("move", "Bank", "Work")
-        export = self.path("all.json")
-        self.run_tool("export", "--plaintext", export)
+        exported = self.run_tool("export", "--plaintext").json
+        del exported["folders"]
         self.environment["QUILLON_STORE"] = self.path("other.qn")
         self.make_store()
-        self.run_tool("import", export)
+        self.run_tool("import", self.write("all.json", json.dumps(exported)))
         checked = self.run_tool("check", "--json").json
         self.assertEqual((checked["clean"], len(checked["remarks"])), (True, 1))
         self.assertIn(uuid, checked["remarks"][0])
@@ -680,6 +684,141 @@ class Damage(OrganiseTest):
             database.execute("DELETE FROM folders WHERE oid = 1")
         database.close()
         self.assertIn("folders were removed", self.run_tool("folder", "list", code=6).err)
+
+    def alter(self, sql, *values):
+        with sqlite3.connect(self.store) as database:
+            database.execute(sql, values)
+        database.close()
+
+    def repair(self):
+        """What a repair tells; afterwards all is well, and a second one has nothing to do."""
+        repaired = self.run_tool("check", "--repair").out.splitlines()
+        self.assertEqual(self.run_tool("check", "--repair").out.splitlines(), repaired[-1:])
+        self.assertIn("problems: 0", repaired[-1])
+        self.run_tool("folder", "list")
+        return repaired[:-1]
+
+    def test_a_folder_with_an_altered_column_is_kept_by_a_repair(self):
+        outer, inner = self.make_folder("A"), self.make_folder("A/B")
+        self.add("Bank")
+        self.run_tool("move", "Bank", "A")
+        self.alter("UPDATE folders SET display_order = 7, created_at = 1 WHERE uuid = ?", outer)
+        before = self.run_tool("check", "--json", code=6).json
+        self.assertIn(f"folder {outer}: it was altered or doesn't open", before["problems"])
+        self.assertEqual(self.run_tool("check", "--json", code=6).json, before)  # on its own: no
+        self.assertEqual(self.repair(), [f"kept as it stands, though it was altered: folder {outer}"])
+        self.assertEqual([(f["uuid"], f["title"], f["parent"], f["items"])
+                          for f in self.folders().values()],
+                         [(outer, "A", None, 1), (inner, "B", outer, 0)])
+
+    def test_a_folder_that_does_not_open_is_removed_by_a_repair_and_frees_what_it_held(self):
+        outer, inner = self.make_folder("A"), self.make_folder("A/B")
+        bank = self.add("Bank")
+        self.run_tool("move", "Bank", "A")
+        self.alter("UPDATE folders SET overview = x'00' WHERE uuid = ?", outer)
+        repaired = self.run_tool("check", "--repair", "--json").json
+        self.assertEqual(repaired["repaired"],
+                         {"foldersSealedAnew": [], "foldersRemoved": [outer], "foldersMissing": 0,
+                          "ledgerSetRight": False, "foldersMovedToTop": [inner],
+                          "itemsMovedToTop": [bank]})
+        self.assertTrue(repaired["clean"])
+        self.assertEqual(self.repair(), [])
+        self.assertIsNone(self.show(bank)["folder"])
+        self.alter("UPDATE folders SET overview = x'00' WHERE uuid = ?", inner)
+        self.assertEqual(self.repair(), [f"removed, since its title doesn't open: folder {inner}"])
+        self.assertEqual(self.folders(), {})
+
+    def test_the_ledger_is_set_right_by_a_repair_where_rows_were_taken_away(self):
+        self.make_folder("A")
+        uuid = self.make_folder("A/B")
+        self.alter("DELETE FROM folders WHERE parent_uuid IS NULL")
+        self.assertEqual(self.repair(), ["folders missing: 1", f"moved to the top: folder {uuid}"])
+        self.assertEqual([f["title"] for f in self.folders().values()], ["B"])
+
+    def test_the_ledger_is_set_right_by_a_repair_where_a_row_is_an_older_one(self):
+        uuid = self.make_folder("A")
+        self.run_tool("backup", self.path("older.qn"))
+        self.run_tool("folder", "rename", "A", "B")
+        with sqlite3.connect(self.store) as database:
+            database.execute("ATTACH ? AS older", (self.path("older.qn"),))
+            database.execute("DELETE FROM main.folders")
+            database.execute("INSERT INTO main.folders SELECT * FROM older.folders")
+        database.close()
+        self.run_tool("folder", "list", code=6)
+        self.assertEqual(self.repair(), ["folders were added, or put back to an older state: they "
+                                         "stay as they are"])
+        self.assertEqual(self.folders()[uuid]["title"], "A")
+
+    def test_a_repaired_store_merges_again_and_gets_its_folder_back(self):
+        uuid = self.make_folder("A")
+        theirs = self.path("theirs.qn")
+        self.run_tool("backup", theirs)
+        merge = ["merge", theirs, "--other-password-stdin"]
+        self.run_tool(*merge, stdin=PASSWORD + "\n")
+        self.alter("UPDATE folders SET overview = x'00'")
+        self.run_tool(*merge, stdin=PASSWORD + "\n", code=6)
+        self.assertEqual(self.repair(), [f"removed, since its title doesn't open: folder {uuid}"])
+        self.run_tool(*merge, stdin=PASSWORD + "\n")
+        self.assertEqual([f["title"] for f in self.folders().values()], ["A"])
+        self.assertTrue(self.run_tool("check", "--json").json["clean"])
+
+
+class Quarantine(OrganiseTest):
+    """A smart folder whose question an older version wrote, and no present one has."""
+
+    def setUp(self):
+        super().setUp()
+        self.uuid = self.run_tool("smart", "add", "Old", 'NOT username == "x"').out.strip()
+        self.exported = self.run_tool("export", "--plaintext").json
+        overview = self.exported["folders"][0]["row"]["overview"]
+        archive = base64.b64decode(overview["predicate_b64_v4"])
+        self.assertIn(b'"username"', archive)
+        overview["predicate_b64_v4"] = base64.b64encode(
+            archive.replace(b'"username"', b'"trashed"')).decode()
+        overview["sfVersion"] = 3
+        self.environment["QUILLON_STORE"] = self.store = self.path("old.qn")
+        self.make_store()
+        self.run_tool("import", self.write("old.json", json.dumps(self.exported)))
+
+    def test_a_check_remarks_it_and_a_repair_leaves_it(self):
+        remark = (f"folder {self.uuid}: its predicate is an older version's and can't be brought "
+                  "forward")
+        for options in ([], ["--repair"]):
+            checked = self.run_tool("check", "--json", *options).json
+            self.assertEqual((checked["clean"], checked["remarks"]), (True, [remark]))
+            self.assertIn(remark, self.run_tool("check", *options).out)
+
+    def test_it_is_listed_as_a_smart_folder_without_a_predicate(self):
+        for command in (["folder", "list"], ["smart", "list"]):
+            result = self.run_tool(*command, "--json")
+            self.assertEqual([folder["uuid"] for folder in result.json], [self.uuid])
+            self.assertIn("smart folders whose predicate this version can't use: 1", result.err)
+        self.assertTrue(self.folders()[self.uuid]["smart"])
+        self.assertIsNone(self.run_tool("smart", "list", "--json").json[0]["predicate"])
+        self.run_tool("smart", "show", "Old", code=1)
+        self.run_tool("move", self.add("Bank"), "Old", code=1)
+
+    def test_a_merge_carries_it_over_and_tells_of_it(self):
+        theirs = self.path("theirs.qn")
+        self.run_tool("init", "--store", theirs)
+        for dry in (["--dry-run"], []):
+            report = self.run_tool("merge", theirs, "--other-password-stdin", "--json", *dry,
+                                   stdin=PASSWORD + "\n").json
+            self.assertEqual(report["quarantinedFolders"], [self.uuid])
+        result = self.run_tool("merge", theirs, "--other-password-stdin", stdin=PASSWORD + "\n")
+        self.assertRegex(result.out, r"(?m)^can't be used +folder Old")
+        remarks = self.run_tool("check", "--json", "--store", theirs).json["remarks"]
+        self.assertIn(self.uuid, remarks[0])
+
+    def test_an_export_holds_it_as_it_is(self):
+        result = self.run_tool("export", "--plaintext")
+        self.assertIn("smart folders whose predicate this version can't use: 1", result.err)
+        self.assertEqual(result.json, self.exported)
+
+    def test_it_goes_like_any_other(self):
+        self.run_tool("smart", "delete", "Old")
+        self.assertEqual(self.folders(), {})
+        self.assertEqual(self.run_tool("check", "--json").json["remarks"], [])
 
 
 if __name__ == "__main__":

@@ -290,6 +290,20 @@ QNResult<QNDone> QNStore::Database::deleteFolder(const std::shared_ptr<QNFolder>
 QNResult<QNDone> QNStore::Database::buryFolder(const FolderBefore& before,
                                                const std::shared_ptr<QNProfile>& vault,
                                                std::uint64_t deletedAt, Times times) {
+  const auto written = writeFolderTombstone(before, vault, deletedAt);
+  if (!written.ok()) return written.error();
+  const auto moved = moveSubfolders(before, vault, times);
+  if (!moved.ok()) return moved.error();
+  const auto freed = takeOutOfFolder(
+      oidsOf(file->query("SELECT oid FROM items WHERE vault_id = ?1 AND folder_uuid = ?2",
+                         vault->oid(), before.uuid)),
+      vault, times);
+  return freed.ok() ? QNResult<QNDone>(QNDone{}) : freed.error();
+}
+
+QNResult<QNDone> QNStore::Database::writeFolderTombstone(const FolderBefore& before,
+                                                         const std::shared_ptr<QNProfile>& vault,
+                                                         std::uint64_t deletedAt) {
   const auto ledger = openLedger(vault);
   if (!ledger.ok()) return ledger.error();
   QNFolderRow row;
@@ -299,15 +313,7 @@ QNResult<QNDone> QNStore::Database::buryFolder(const FolderBefore& before,
   row.updatedAt = deletedAt;
   row.txTimestamp = ledgers.at(vault->oid()).ledger.nextTx(secondsNow());
   row.uuid = before.uuid;
-  const auto written = writeFolderRow(row, vault, before);
-  if (!written.ok()) return written.error();
-  const auto moved = moveSubfolders(before, vault, times);
-  if (!moved.ok()) return moved.error();
-  const auto freed = takeOutOfFolder(
-      oidsOf(file->query("SELECT oid FROM items WHERE vault_id = ?1 AND folder_uuid = ?2",
-                         vault->oid(), before.uuid)),
-      vault, times);
-  return freed.ok() ? QNResult<QNDone>(QNDone{}) : freed.error();
+  return writeFolderRow(row, vault, before);
 }
 
 /// Up to where the folder was. Rows that aren't sound stay as they are.
@@ -388,14 +394,11 @@ QNResult<std::vector<std::string>> QNStore::Database::moveMisplacedToTop(
     const std::shared_ptr<QNProfile>& vault, Times times) {
   const auto folders = readFolders(vault);
   if (!folders.ok()) return folders.error();
-  const auto holds = [](const std::vector<std::string>& uuids, const std::string& uuid) {
-    return std::find(uuids.begin(), uuids.end(), uuid) != uuids.end();
-  };
+  const std::set<std::string> misplaced(folders.value().misplaced.begin(),
+                                        folders.value().misplaced.end());
   std::vector<std::string> moved;
   for (const auto& folder : folders.value().folders) {
-    if (!holds(folders.value().misplaced, *folder->uuid())) continue;
-    // A damaged parent may come back from a backup, and finds its folders then.
-    if (holds(folders.value().damaged, folder->parentUUID().value_or(""))) continue;
+    if (!misplaced.contains(*folder->uuid())) continue;
     folder->setParentUUID(std::nullopt);
     const auto saved = saveFolderInPlace(folder, vault, times);
     if (!saved.ok()) return saved.error();
@@ -408,6 +411,8 @@ QNResult<QNDone> QNStore::Database::repairFolders(const std::shared_ptr<QNProfil
                                                   QNFolderRepair& repair) {
   const auto ledger = openLedger(vault);
   if (!ledger.ok()) return ledger.error();
+  const auto mended = mendFolderRows(vault, repair);
+  if (!mended.ok()) return mended.error();
   auto moved = moveMisplacedToTop(vault, Times::now);
   if (!moved.ok()) return moved.error();
   auto freed =

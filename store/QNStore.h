@@ -72,6 +72,15 @@ struct QNTagReport {
 
 /// What a repair of folders did. Identifiers only.
 struct QNFolderRepair {
+  /// Their rows weren't what was saved, but their titles and questions open: kept as they stand.
+  std::vector<std::string> foldersSealedAnew;
+  /// Their titles and questions don't open. Those that were deleted before are among them.
+  std::vector<std::string> foldersRemoved;
+  /// Rows were missing, were added, or were older than the vault's ledger said: it says now what is
+  /// there.
+  bool ledgerSetRight = false;
+  /// By how many rows there were less than it said, those of deleted folders counted.
+  std::uint64_t foldersMissing = 0;
   std::vector<std::string> foldersMovedToTop;
   std::vector<std::string> itemsMovedToTop;
 };
@@ -231,10 +240,20 @@ class QNStore final {
   /// folder, trashed ones too, and its subfolders move up to its parent: these rows are saved, so
   /// objects of them that are held must be read anew. The folder has no row id any more.
   QNResult<QNDone> deleteFolder(const std::shared_ptr<QNFolder>& folder);
-  /// Takes the parent from folders that are misplaced, and the folder from items that are in none
-  /// that is there. Damaged rows stay as they are, and what hangs under them keeps them for its
-  /// parent. Errors: as for saving.
+  /// Keeps of damaged folders what opens, removes the others, and counts the ledger of folders
+  /// anew: whatever stands in the file counts as saved from now on. Then it takes the parent from
+  /// folders that are misplaced, and the folder from items that are in none that is there. A merge
+  /// brings a removed folder back from a store that has it. Errors: as for saving.
   QNResult<QNFolderRepair> repairFolders(const std::shared_ptr<QNProfile>& vault);
+
+  // New folders: QNStore+FolderImport.cpp
+  /// Saves new folders of a vault that come out of a file, in that order, smart or not as they are
+  /// and with the times that they have; one that was deleted counts as changed no earlier than
+  /// that. The uuid of each that was put at the top, since its parent is neither there nor new,
+  /// since it would lie in itself, or too deep. Errors: exists; unreadableItem, if one has no uuid
+  /// or another vault; locked, damaged, ...
+  QNResult<std::vector<std::string>> addFolders(const std::shared_ptr<QNProfile>& vault,
+                                                std::span<const std::shared_ptr<QNFolder>> folders);
 
   // Synchronisation: QNStore+Sync.cpp
   /// What was saved, trashed or deleted after `txTimestamp`, by an index: its time grows with the

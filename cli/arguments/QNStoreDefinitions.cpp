@@ -48,7 +48,7 @@ void defineCare(CLI::App& app, QNArguments& out) {
   define<QNInfoArguments>(app, out, "info", "Tell what the store holds; needs no password");
   auto check = define<QNCheckArguments>(app, out, "check", "Test every row of the store");
   check.command->add_flag("--repair", check.given->repair,
-                          "Bring folders and items that lie nowhere to the top");
+                          "Mend damaged folders, and bring what lies nowhere to the top");
   auto backup = define<QNBackupArguments>(app, out, "backup", "Copy the store; needs no password");
   backup.command->add_option("FILE", backup.given->file, "A file that isn't there yet")->required();
 }

@@ -23,7 +23,11 @@ JsonObject jsonOf(const QNCheckReport& report) {
 }
 
 JsonObject jsonOf(const QNFolderRepair& repair) {
-  return {{"foldersMovedToTop", texts(repair.foldersMovedToTop)},
+  return {{"foldersSealedAnew", texts(repair.foldersSealedAnew)},
+          {"foldersRemoved", texts(repair.foldersRemoved)},
+          {"foldersMissing", repair.foldersMissing},
+          {"ledgerSetRight", repair.ledgerSetRight},
+          {"foldersMovedToTop", texts(repair.foldersMovedToTop)},
           {"itemsMovedToTop", texts(repair.itemsMovedToTop)}};
 }
 
@@ -34,7 +38,22 @@ QNResult<std::optional<QNFolderRepair>> repairIfAsked(const QNVaultSession& sess
   return std::optional(std::move(repair).value());
 }
 
+void printDamage(QNOutput& out, const QNFolderRepair& repair) {
+  for (const std::string& uuid : repair.foldersSealedAnew) {
+    out.line(fmt::format("kept as it stands, though it was altered: folder {}", shownText(uuid)));
+  }
+  for (const std::string& uuid : repair.foldersRemoved) {
+    out.line(fmt::format("removed, since its title doesn't open: folder {}", shownText(uuid)));
+  }
+  if (repair.foldersMissing > 0) {
+    out.line(fmt::format("folders missing: {}", repair.foldersMissing));
+  } else if (repair.ledgerSetRight) {
+    out.line("folders were added, or put back to an older state: they stay as they are");
+  }
+}
+
 void print(QNOutput& out, const QNFolderRepair& repair) {
+  printDamage(out, repair);
   for (const std::string& uuid : repair.foldersMovedToTop) {
     out.line(fmt::format("moved to the top: folder {}", shownText(uuid)));
   }

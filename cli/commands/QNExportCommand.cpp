@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "cli/commands/QNCommands.h"
+#include "cli/commands/QNVaultFolders.h"
 #include "cli/commands/QNVaultSession.h"
+#include "cli/import/QNFolderRow.h"
 #include "cli/import/QNItemRow.h"
 #include "cli/import/QNRowImporter.h"
 #include "cli/output/QNNewFile.h"
@@ -17,6 +19,7 @@ namespace {
 
 struct Exported {
   Bytes content;
+  std::size_t folders = 0;
   std::size_t items = 0;
   QNExit exit = QNExit::done;
 };
@@ -34,35 +37,48 @@ bool opens(QNItem& item) {
                      [](const auto& url) { return url->mutableOverview() != nullptr; });
 }
 
-// An item a line, so that nothing but one of them is held twice. One that doesn't open is reported
-// and left out, as the list does with its row; so is one that no import would read.
+// A folder or an item a line, so that nothing but one of them is held twice. One that doesn't open
+// is reported and left out, as the list does with its row; so is one that no import would read.
 class Exporting {
  public:
   explicit Exporting(QNStore& store) : _store(store) {
-    append(_exported.content, fmt::format("{{\"format\":\"{}\",\"version\":{},\"items\":[",
+    append(_exported.content, fmt::format("{{\"format\":\"{}\",\"version\":{},\"folders\":[",
                                           kExportFormat, kExportVersion));
+  }
+
+  // Those in quarantine call themselves ordinary ones.
+  void addAll(const QNVaultFolders& folders) {
+    for (const QNFolderRef& folder : folders.inRowOrder()) {
+      folder->setSmartFolder(folders.isSmart(*folder));
+      addLine(*folder->uuid(), exportedJson(*folder), _exported.folders);
+    }
+    append(_exported.content, "\n],\"items\":[");
+    _exported.exit = std::max(_exported.exit, folders.warn());
   }
 
   void add(const std::shared_ptr<QNItem>& item) {
     if (!_store.loadDetails(item) || !opens(*item)) return _unread.push_back(*item->uuid());
-    const auto text = exportedText(*item);
-    if (!text) return leaveOut(*item, text.error());
-    append(_exported.content, _exported.items++ == 0 ? "\n" : ",\n");
-    append(_exported.content, textOf(text.value()));
+    addLine(*item->uuid(), exportedJson(*item), _exported.items);
   }
 
   Exported finish(QNListReport report) {
     append(_exported.content, "\n]}\n");
     report.damaged.insert(report.damaged.end(), _unread.begin(), _unread.end());
-    const QNExit exit = warnOfDamage(report);
-    if (exit != QNExit::done) _exported.exit = exit;
+    _exported.exit = std::max(_exported.exit, warnOfDamage(report));
     return std::move(_exported);
   }
 
  private:
-  void leaveOut(const QNItem& item, const QNError& reason) {
-    say(fmt::format("{}: left out: {}", shownText(*item.uuid()), reason.message));
-    _exported.exit = QNExit::failed;
+  void addLine(const std::string& uuid, JsonObject exported, std::size_t& count) {
+    const auto text = exportedText(std::move(exported));
+    if (!text) return leaveOut(uuid, text.error());
+    append(_exported.content, count++ == 0 ? "\n" : ",\n");
+    append(_exported.content, textOf(text.value()));
+  }
+
+  void leaveOut(const std::string& uuid, const QNError& reason) {
+    say(fmt::format("{}: left out: {}", shownText(uuid), reason.message));
+    _exported.exit = std::max(_exported.exit, QNExit::failed);
   }
 
   QNStore& _store;
@@ -71,7 +87,10 @@ class Exporting {
 };
 
 QNResult<Exported> exportAll(const QNVaultSession& session) {
+  const auto folders = QNVaultFolders::read(session);
+  if (!folders) return folders.error();
   Exporting exporting(session.store());
+  exporting.addAll(folders.value());
   const auto report =
       session.store().list(session.vault(), QNStore::Which::all,
                            [&](const std::shared_ptr<QNItem>& item) { exporting.add(item); });
@@ -84,7 +103,9 @@ QNCommandResult writeFile(Global global, const Exported& exported,
   const auto written = writeNewFile(file, exported.content);
   if (!written) return written.error();
   if (global.json) {
-    return printJson({{"export", file.string()}, {"items", exported.items}}, exported.exit);
+    return printJson(
+        {{"export", file.string()}, {"items", exported.items}, {"folders", exported.folders}},
+        exported.exit);
   }
   say(fmt::format("items in clear in {}: {}", shownText(file.string()), exported.items));
   return exported.exit;

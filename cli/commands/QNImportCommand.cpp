@@ -56,12 +56,36 @@ QNCommandResult importCSVFile(Global global, const QNVaultSession& session,
   return out.finish(exit);
 }
 
+JsonArray texts(const std::vector<std::string>& texts) {
+  JsonArray array;
+  for (const std::string& text : texts) array.emplace_back(text);
+  return array;
+}
+
 JsonObject jsonOf(const QNRowImportReport& report, bool dryRun) {
-  JsonArray damaged;
-  for (const std::string& uuid : report.damaged) damaged.emplace_back(uuid);
-  return {{"format", kExportFormat},       {"dryRun", dryRun},
-          {"added", report.added},         {"alreadyThere", report.alreadyThere},
-          {"differing", report.differing}, {"damaged", std::move(damaged)}};
+  return {{"format", kExportFormat},
+          {"dryRun", dryRun},
+          {"added", report.added},
+          {"alreadyThere", report.alreadyThere},
+          {"differing", report.differing},
+          {"damaged", texts(report.damaged)},
+          {"foldersAdded", report.foldersAdded},
+          {"foldersAlreadyThere", report.foldersAlreadyThere},
+          {"foldersMovedToTop", texts(report.foldersMovedToTop)}};
+}
+
+void printFolders(QNOutput& out, const QNRowImportReport& report, bool dryRun) {
+  if (report.foldersAdded > 0) {
+    out.line(
+        fmt::format("{}: {}", dryRun ? "would add folders" : "folders added", report.foldersAdded));
+  }
+  if (report.foldersAlreadyThere > 0) {
+    out.line(fmt::format("folders already there: {}", report.foldersAlreadyThere));
+  }
+  for (const std::string& uuid : report.foldersMovedToTop) {
+    out.line(
+        fmt::format("at the top, since its own place isn't there: folder {}", shownText(uuid)));
+  }
 }
 
 void print(QNOutput& out, const QNRowImportReport& report, bool dryRun) {
@@ -70,6 +94,7 @@ void print(QNOutput& out, const QNRowImportReport& report, bool dryRun) {
   if (report.differing > 0) {
     out.line(fmt::format("there with other content, and left alone: {}", report.differing));
   }
+  printFolders(out, report, dryRun);
 }
 
 QNResult<QNRowImportReport> importExport(const QNVaultSession& session,
@@ -77,7 +102,7 @@ QNResult<QNRowImportReport> importExport(const QNVaultSession& session,
   const auto file = QNExportFile::read(content);
   if (!file) return file.error();
   QNProgressBar bar(arguments.dryRun ? "Reading" : "Importing", file.value().items().size());
-  return importRows(session.store(), session.vault(), file.value().items(),
+  return importRows(session.store(), session.vault(), file.value(),
                     arguments.dryRun ? QNImportMode::onlyTell : QNImportMode::add,
                     [&bar](std::size_t done) { bar.advanceTo(done); });
 }

@@ -40,6 +40,7 @@ class QNVaultFolders final {
   [[nodiscard]] bool isSmart(const QNFolder& folder) const;
   /// Depth first, by title.
   [[nodiscard]] std::vector<QNFolderRef> all() const;
+  [[nodiscard]] const std::vector<QNFolderRef>& inRowOrder() const { return _report.folders; }
 
   /// Tells the user of what isn't where or what it was. `done`, or `damaged` if rows are left out.
   [[nodiscard]] QNExit warn() const;

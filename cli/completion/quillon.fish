@@ -105,7 +105,7 @@ complete -c quillon -n '__fish_seen_subcommand_from smart; and not __fish_seen_s
 complete -c quillon -n '__fish_seen_subcommand_from smart; and not __fish_seen_subcommand_from list add show delete' -a add -d 'Make a smart folder'
 complete -c quillon -n '__fish_seen_subcommand_from smart; and not __fish_seen_subcommand_from list add show delete' -a show -d 'List the items of one'
 complete -c quillon -n '__fish_seen_subcommand_from smart; and not __fish_seen_subcommand_from list add show delete' -a delete -d 'Delete a smart folder'
-complete -c quillon -n '__fish_seen_subcommand_from check' -l repair -d 'Bring what lies nowhere to the top'
+complete -c quillon -n '__fish_seen_subcommand_from check' -l repair -d 'Mend damaged folders, bring what lies nowhere to the top'
 complete -c quillon -n '__fish_seen_subcommand_from delete' -l force -d 'Even if it is not in the trash'
 complete -c quillon -n '__fish_seen_subcommand_from copy' -l to -x -d 'The vault that gets it'
 complete -c quillon -n '__fish_seen_subcommand_from copy' -l to-store -r -F -d 'The store of that vault'

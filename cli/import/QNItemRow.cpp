@@ -16,6 +16,7 @@
 //   "faveIndex"   whole number, 0 for none
 //   "lastUsed"    whole number, seconds since 1970, 0 for never
 //   "timesUsed"   whole number
+//   "inbox"       true or false
 //   "folderUUID"  text, left out when absent
 
 namespace quillon {
@@ -29,6 +30,7 @@ constexpr std::string_view kTrashed = "trashed";
 constexpr std::string_view kFaveIndex = "faveIndex";
 constexpr std::string_view kLastUsed = "lastUsed";
 constexpr std::string_view kTimesUsed = "timesUsed";
+constexpr std::string_view kInbox = "inbox";
 constexpr std::string_view kFolderUUID = "folderUUID";
 
 constexpr std::uint64_t kMostTimesUsed = 0x7fffffff;
@@ -52,9 +54,14 @@ std::uint64_t numberOf(const JsonObject& object, std::string_view key) {
   return mr_unsignedValueForKey(object, key).value_or(0);
 }
 
+bool truthOf(const JsonObject& object, std::string_view key) {
+  const Json* const truth = mr_objectForKey(object, key, JsonKind::bool_);
+  return truth != nullptr && truth->get_bool();
+}
+
 void restoreColumns(QNItem& item, const JsonObject& exported) {
-  const Json* const trashed = mr_objectForKey(exported, kTrashed, JsonKind::bool_);
-  if (trashed != nullptr) item.setTrashed(trashed->get_bool());
+  item.setTrashed(truthOf(exported, kTrashed));
+  item.setInboxItem(truthOf(exported, kInbox));
   item.setFaveIndex(std::min(numberOf(exported, kFaveIndex), QNItem::newItemFaveIndex()));
   item.setLastUsedTimestamp(numberOf(exported, kLastUsed));
   item.setNumberOfTimesUsed(
@@ -139,17 +146,18 @@ JsonObject exportedJson(QNItem& item) {
   object[kFaveIndex] = item.faveIndex();
   object[kLastUsed] = item.lastUsedTimestamp();
   object[kTimesUsed] = item.numberOfTimesUsed();
+  object[kInbox] = item.inboxItem();
   if (const auto folder = item.folderUUID()) setJsonText(object, kFolderUUID, *folder);
   return object;
 }
 
-QNResult<Bytes> exportedText(QNItem& item) {
-  const Json exported(exportedJson(item));
-  if (!isNestedWithin(exported, kMostLevels)) {
+QNResult<Bytes> exportedText(JsonObject exported) {
+  const Json json(std::move(exported));
+  if (!isNestedWithin(json, kMostLevels)) {
     return QNError::unreadable("it nests too deeply to be imported again");
   }
   QNError error;
-  auto text = mr_JSONDataWithError(exported, &error);
+  auto text = mr_JSONDataWithError(json, &error);
   if (!text) return error;
   return std::move(*text);
 }

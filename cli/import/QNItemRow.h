@@ -12,9 +12,9 @@ namespace quillon {
 /// item must not be saved afterwards.
 JsonObject exportedJson(QNItem& item);
 
-/// That as JSON text. Error, MRErrorDomain: an import wouldn't read it back, since its containers
-/// stand too deeply inside one another.
-QNResult<Bytes> exportedText(QNItem& item);
+/// That, of an item or a folder, as JSON text. Error, MRErrorDomain: an import wouldn't read it
+/// back, since its containers stand too deeply inside one another.
+QNResult<Bytes> exportedText(JsonObject exported);
 
 /// The item that such an object tells of, for that vault and not saved yet. MRErrorDomain: the
 /// object is none, or the vault takes no such item.

@@ -24,7 +24,7 @@ std::shared_ptr<QNLogin> loginOfDepth(std::size_t depth, char open, char close) 
 
 TEST(QNItemRow, OfTheDeepestItemIsReadAgain) {
   for (const auto& [open, close] : {std::pair('[', ']'), std::pair('{', '}')}) {
-    const auto text = exportedText(*loginOfDepth(kDeepest, open, close));
+    const auto text = exportedText(exportedJson(*loginOfDepth(kDeepest, open, close)));
     ASSERT_TRUE(text.ok()) << open;
 
     const auto file =
@@ -38,7 +38,7 @@ TEST(QNItemRow, OfTheDeepestItemIsReadAgain) {
 
 TEST(QNItemRow, OfADeeperItemIsRefused) {
   for (const auto& [open, close] : {std::pair('[', ']'), std::pair('{', '}')}) {
-    const auto text = exportedText(*loginOfDepth(kDeepest + 1, open, close));
+    const auto text = exportedText(exportedJson(*loginOfDepth(kDeepest + 1, open, close)));
 
     ASSERT_FALSE(text.ok()) << open;
     EXPECT_EQ(text.error().message, "it nests too deeply to be imported again");

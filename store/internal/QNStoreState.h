@@ -257,6 +257,10 @@ struct QNStore::Database {
   /// held.
   QNResult<QNDone> buryFolder(const FolderBefore& before, const std::shared_ptr<QNProfile>& vault,
                               std::uint64_t deletedAt, Times times);
+  /// The row alone; what the folder held isn't looked at.
+  QNResult<QNDone> writeFolderTombstone(const FolderBefore& before,
+                                        const std::shared_ptr<QNProfile>& vault,
+                                        std::uint64_t deletedAt);
   QNResult<QNDone> moveSubfolders(const FolderBefore& deleted,
                                   const std::shared_ptr<QNProfile>& vault, Times times);
   /// Null if the row isn't sound.
@@ -270,10 +274,28 @@ struct QNStore::Database {
   QNResult<std::vector<std::string>> takeOutOfFolder(const std::vector<std::uint64_t>& oids,
                                                      const std::shared_ptr<QNProfile>& vault,
                                                      Times times);
-  /// The uuid of each folder that was moved. What hangs under a damaged row stays there.
+  /// The uuid of each folder that was moved.
   QNResult<std::vector<std::string>> moveMisplacedToTop(const std::shared_ptr<QNProfile>& vault,
                                                         Times times);
   QNResult<QNDone> repairFolders(const std::shared_ptr<QNProfile>& vault, QNFolderRepair& repair);
+
+  // Damaged folders: QNStore+FolderRepair.cpp. The vault's ledger is open.
+  /// What can be kept of a row that isn't sound; null if its overview doesn't open.
+  static std::shared_ptr<QNFolder> keptFolder(QNFolderRow row,
+                                              const std::shared_ptr<QNProfile>& vault);
+  /// Leaves the ledger's sum wrong.
+  QNResult<QNDone> mendFolderRow(const std::string& uuid, const std::shared_ptr<QNProfile>& vault,
+                                 QNFolderRepair& repair);
+  QNResult<QNDone> mendFolderRows(const std::shared_ptr<QNProfile>& vault, QNFolderRepair& repair);
+  /// Of the rows that are there, sound ones all of them.
+  QNRowSum sumOfFolders(const QNProfile& vault);
+
+  // New folders: QNStore+FolderImport.cpp
+  QNResult<QNDone> addFolders(const std::shared_ptr<QNProfile>& vault,
+                              std::span<const std::shared_ptr<QNFolder>> folders,
+                              std::vector<std::string>& movedToTop);
+  QNResult<QNDone> addFolder(const std::shared_ptr<QNFolder>& folder,
+                             const std::shared_ptr<QNProfile>& vault);
 
   // Synchronisation: QNStore+Sync.cpp
   /// A source without its states, which stand beside it: they may be many, and few of them change.
