@@ -65,12 +65,14 @@ QNCommandResult runCommand(Global global, const QNSmartAddArguments& arguments) 
   if (!predicate) return predicate.error();
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
-  const auto folder = addFolder(session.value(), arguments.path, [&](QNFolder& made) {
+  const auto tree = QNVaultFolders::read(session.value());
+  if (!tree) return tree.error();
+  const auto folder = addFolder(session.value(), tree.value(), arguments.path, [&](QNFolder& made) {
     made.setSmartFolder(true);
     made.setSmartFolderPredicate(predicate.value());
   });
   if (!folder) return folder.error();
-  return printUUID(global.json, *folder.value()->uuid());
+  return printUUID(global.json, *folder.value()->uuid(), tree.value().warn());
 }
 
 QNCommandResult runCommand(Global global, const QNSmartShowArguments& arguments) {
