@@ -235,6 +235,28 @@ class Copy(CopyTest):
         for store in (self.store, backup):
             self.assertTrue(self.run_tool("check", "--json", "--store", store).json["clean"])
 
+    def test_a_folder_that_the_other_vault_has_not_is_left_behind(self):
+        uuid = self.bank()
+        folder = self.run_tool("folder", "add", "Home").out.strip()
+        self.run_tool("move", "Bank", "Home")
+        copy = self.run_tool("copy", uuid, "--to", "work").out.strip()
+        checked = self.run_tool("check", "--vault", "work", "--json").json
+        self.assertEqual((checked["clean"], checked["remarks"]), (True, []))
+        self.assertIsNone(self.run_tool("show", copy, "--vault", "work", "--json").json["folder"])
+        self.assertEqual(self.show(uuid)["folder"], folder)
+
+    def test_a_folder_that_a_backup_has_keeps_the_item(self):
+        folder = self.run_tool("folder", "add", "Home").out.strip()
+        backup = self.path("backup.qn")
+        self.run_tool("backup", backup)
+        uuid = self.bank()
+        self.run_tool("move", "Bank", "Home")
+        self.run_tool("copy", uuid, "--to", "default", "--to-store", backup, "--to-password-stdin",
+                      stdin=PASSWORD + "\n")
+        self.assertEqual(self.titles("--store", backup, "--folder", "Home"), ["Bank"])
+        self.assertEqual(self.run_tool("show", uuid, "--store", backup, "--json").json["folder"],
+                         folder)
+
     def test_another_stores_errors_name_it_and_change_nothing(self):
         other = self.other_store()
         self.bank()

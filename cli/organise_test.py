@@ -9,12 +9,10 @@ import sys
 import unittest
 
 import tool_test
-from tool_test import PASSWORD, UUID, Terminal, ToolTest
+from tool_test import CONTROL, PASSWORD, UUID, Terminal, ToolTest
 
-# What a terminal would obey, or show as something else than it is.
-CONTROL = re.compile("[\x00-\x09\x0b-\x1f\x7f\x80-\x9f\u200e\u200f\u202a-\u202e\u2066-\u2069]")
 ODD_TEXTS = ["\x1b[31mred\x07", "\u202egnol\u202c", "two\nlines", "日本語", "العربية", "👩‍👩‍👧‍👦",
-             "e\u0301", "x" * 100_000, "'\"; --", "%s{0}"]
+             "e\u0301", "x" * 100_000, "'\"; --", "%s{0}", "\x7f\x9b2J\u200f"]
 
 
 class OrganiseTest(ToolTest):
@@ -38,6 +36,19 @@ class OrganiseTest(ToolTest):
     def folders(self):
         return {folder["uuid"]: folder for folder in
                 self.run_tool("folder", "list", "--json").json}
+
+    def alter(self, statement, *values):
+        """Changes the store behind the tool's back; gives the rows that a question has."""
+        with sqlite3.connect(self.store) as database:
+            rows = database.execute(statement, values).fetchall()
+        database.close()
+        return rows
+
+    def break_value(self, table, column, row):
+        """Turns a bit of what is stored sealed."""
+        ((value,),) = self.alter(f"SELECT {column} FROM {table} WHERE {row}")
+        self.alter(f"UPDATE {table} SET {column} = ? WHERE {row}",
+                   value[:-1] + bytes([value[-1] ^ 1]))
 
     def note(self, title, *options, stdin=""):
         return self.run_tool("add", "secure-note", "--title", title, *options,
@@ -65,7 +76,9 @@ class Find(OrganiseTest):
         uuid = self.add("Bank")
         self.assertEqual(self.names("find", uuid.upper()), ["Bank"])
         self.assertEqual(self.names("find", uuid[:-1]), [])
-        self.assertEqual(self.names("find", "--title", uuid), [])
+        self.assertEqual(self.names("find", "--contents", uuid), ["Bank"])
+        for level in ("--title", "--words"):
+            self.assertEqual(self.names("find", level, uuid), [])
 
     def test_the_title_level_looks_at_titles_alone(self):
         self.add("Bank", "--username", "jo")
@@ -127,11 +140,7 @@ class Find(OrganiseTest):
     def test_a_damaged_item_is_left_out_of_the_contents_and_told_of(self):
         self.add("Bank", "--notes", "secret phrase")
         self.add("Forum", "--notes", "secret phrase")
-        with sqlite3.connect(self.store) as database:
-            (details,) = database.execute("SELECT details FROM details WHERE item_id = 1").fetchone()
-            database.execute("UPDATE details SET details = ? WHERE item_id = 1",
-                             (details[:-1] + bytes([details[-1] ^ 1]),))
-        database.close()
+        self.break_value("details", "details", "item_id = 1")
         result = self.run_tool("find", "--contents", "phrase", "--json", code=6)
         self.assertEqual([item["title"] for item in result.json], ["Forum"])
         self.assertIn("damaged items left out: 1", result.err)
@@ -169,6 +178,12 @@ class FindWhere(OrganiseTest):
         self.assertEqual(self.where("TRUEPREDICATE", "--tag", "work"), ["Bank"])
         self.assertEqual(self.where("TRUEPREDICATE", "--category", "login"), ["Bank", "Forum"])
 
+    def test_no_item_that_a_filter_keeps_out_is_opened(self):
+        self.break_value("details", "details", "item_id = 2")  # of the forum
+        question = 'notesPlain == NIL OR notesPlain != "x"'
+        self.run_tool("find", "--where", question, code=6)
+        self.assertEqual(self.where(question, "--tag", "work"), ["Bank"])
+
     def test_what_is_no_predicate_is_wrong_usage_before_the_password(self):
         for predicate in ("", "title ==", "nonsense", 'colour == "red"', 'title MATCHES "("',
                           "title == %@", "(" * 10_000 + "TRUEPREDICATE" + ")" * 10_000,
@@ -199,6 +214,15 @@ class For(OrganiseTest):
         self.add("B", "--url", "https://shop.example")
         self.assertEqual(self.names("for", "shop.example", "--tag", "work"), ["A"])
         self.assertEqual(self.names("find", "--url", "shop.example", "--tag", "work"), ["A"])
+
+    def test_a_damaged_item_that_fits_is_told_of_and_the_others_are_listed(self):
+        for title in ("A", "B", "C"):
+            self.add(title, "--url", "https://shop.example")
+        self.break_value("details", "details", "item_id = 2")
+        self.alter("UPDATE items SET fave_index = 9 WHERE oid = 3")
+        result = self.run_tool("for", "https://shop.example", "--json", code=6)
+        self.assertEqual([item["title"] for item in result.json], ["A"])
+        self.assertIn("damaged items left out: 2", result.err)
 
     def test_a_page_that_nothing_fits_is_an_empty_list(self):
         self.add("A", "--url", "https://shop.example")
@@ -409,8 +433,9 @@ class Tags(OrganiseTest):
         self.assertEqual(sorted(self.tags("A")), sorted(kept))
         self.assertEqual(sorted(tag for tag, _ in self.tag_list()), sorted(kept))
         for command in (["tag", "list"], ["show", "A"], ["tag", "remove", "\x1b[2J", "--all"]):
-            result = self.run_tool(*command, code=4 if "remove" in command else 0)
-            self.assertIsNone(CONTROL.search(result.out + result.err), command)
+            for form in ([], ["--json"]):
+                result = self.run_tool(*command, *form, code=4 if "remove" in command else 0)
+                self.assertIsNone(CONTROL.search(result.out + result.err), command)
         for text in kept:
             self.assertEqual(self.names("list", "--tag", text), ["A"])
 
@@ -541,7 +566,8 @@ class Folders(OrganiseTest):
                          sorted(ODD_TEXTS + ["Top"]))
         self.run_tool("smart", "add", "\x1b[5m", 'title == "\x1b[2J"')
         for command in (["folder", "list"], ["smart", "list"]):
-            self.assertIsNone(CONTROL.search(self.run_tool(*command).out), command)
+            for form in ([], ["--json"]):
+                self.assertIsNone(CONTROL.search(self.run_tool(*command, *form).out), command)
         self.assertIn("\\x1b[31mred\\x07", self.run_tool("folder", "list").out)
 
     def test_a_terminal_never_gets_control_characters(self):
@@ -659,11 +685,7 @@ class Damage(OrganiseTest):
     def test_a_folder_row_that_was_altered_is_told_of_and_left_out(self):
         self.make_folder("A")
         self.make_folder("B")
-        with sqlite3.connect(self.store) as database:
-            (overview,) = database.execute("SELECT overview FROM folders WHERE oid = 1").fetchone()
-            database.execute("UPDATE folders SET overview = ? WHERE oid = 1",
-                             (overview[:-1] + bytes([overview[-1] ^ 1]),))
-        database.close()
+        self.break_value("folders", "overview", "oid = 1")
         result = self.run_tool("folder", "list", "--json", code=6)
         self.assertEqual([folder["title"] for folder in result.json], ["B"])
         self.assertIn("damaged folders left out: 1", result.err)
@@ -680,15 +702,8 @@ class Damage(OrganiseTest):
     def test_a_folder_row_that_was_taken_away_is_noticed(self):
         self.make_folder("A")
         self.make_folder("B")
-        with sqlite3.connect(self.store) as database:
-            database.execute("DELETE FROM folders WHERE oid = 1")
-        database.close()
+        self.alter("DELETE FROM folders WHERE oid = 1")
         self.assertIn("folders were removed", self.run_tool("folder", "list", code=6).err)
-
-    def alter(self, sql, *values):
-        with sqlite3.connect(self.store) as database:
-            database.execute(sql, values)
-        database.close()
 
     def repair(self):
         """What a repair tells; afterwards all is well, and a second one has nothing to do."""
@@ -761,6 +776,39 @@ class Damage(OrganiseTest):
         self.run_tool(*merge, stdin=PASSWORD + "\n")
         self.assertEqual([f["title"] for f in self.folders().values()], ["A"])
         self.assertTrue(self.run_tool("check", "--json").json["clean"])
+
+    def test_a_folder_whose_parent_was_taken_away_is_at_the_top_and_repaired_there(self):
+        uuid = self.make_folder("A/B")
+        self.alter("DELETE FROM folders WHERE oid = 1")
+        result = self.run_tool("folder", "list", "--json", code=6)
+        self.assertEqual([(folder["uuid"], folder["parent"]) for folder in result.json],
+                         [(uuid, None)])
+        self.assertIn("folders at the top, since their own place isn't there: 1", result.err)
+        checked = self.run_tool("check", "--json", code=6).json
+        self.assertTrue(any(uuid in text for text in checked["problems"] + checked["remarks"]),
+                        checked)
+        self.assertIn(f"moved to the top: folder {uuid}\n",
+                      self.run_tool("check", "--repair", code=6).out)
+        repaired = self.run_tool("check", "--repair", "--json", code=6).json["repaired"]
+        self.assertEqual(repaired["foldersMovedToTop"], [])
+        self.assertNotIn("folders at the top", self.run_tool("folder", "list", code=6).err)
+
+    def test_a_change_beside_a_damaged_folder_is_made_and_ends_with_6(self):
+        self.make_folder("Damaged")
+        self.make_folder("B")
+        self.add("Bank")
+        self.break_value("folders", "overview", "oid = 1")
+        for command in (["move", "Bank", "B"], ["folder", "add", "C"], ["folder", "add", "B/D"],
+                        ["folder", "rename", "C", "E"], ["folder", "move", "E", "B"],
+                        ["folder", "move", "B/E", "--to-top"], ["folder", "delete", "E"],
+                        ["smart", "add", "S", "TRUEPREDICATE"], ["smart", "delete", "S"]):
+            for form in ([], ["--json"]) if command[0] == "move" else ([],):
+                result = self.run_tool(*command, *form, code=6)
+                self.assertIn("damaged folders left out: 1", result.err, command)
+        result = self.run_tool("folder", "list", "--json", code=6)
+        self.assertEqual([(folder["title"], folder["items"]) for folder in result.json],
+                         [("B", 1), ("D", 0)])
+        self.run_tool("move", "Bank", "--to-top")  # needs no folder
 
 
 class Quarantine(OrganiseTest):

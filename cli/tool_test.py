@@ -33,6 +33,8 @@ PASSWORD = "try quillon"
 OTHER = "a sentence of mine, with ümläuts"
 UUID = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}$")
 DOTS = "••••••••••"
+# What a terminal would obey, or show as something else than it is.
+CONTROL = re.compile("[\x00-\x09\x0b-\x1f\x7f\x80-\x9f\u200e\u200f\u2028-\u202e\u2066-\u2069]")
 COMMANDS = ["init", "import", "export", "list", "find", "for", "show", "add", "edit", "trash",
             "restore", "delete", "favorite", "move", "tag", "folder", "smart", "history",
             "duplicate", "copy", "fingerprint", "categories", "template", "passwd", "info", "check",
@@ -439,14 +441,36 @@ class Output(ToolTest):
         for command in (["list"], ["list", "--long"], ["find", "alert"],
                         ["show", "Red \x1b[31malert\x07"], ["info"]):
             result = self.run_tool(*command)
-            self.assertFalse(re.search("[\x00-\x09\x0b-\x1f\x7f\x80-\x9f\u202e]", result.out),
-                             command)
+            self.assertIsNone(CONTROL.search(result.out), command)
+            self.assertIsNone(CONTROL.search(self.run_tool(*command, "--json").out), command)
         self.assertIn("Red \\x1b[31malert\\x07", self.run_tool("list").out)
         self.assertIn("moc.elpmaxe\\u{202e}//:sptth", self.run_tool("list").out)
         # Scripts get what is stored.
         self.assertIn("Red \x1b[31malert\x07", self.titles())
         self.assertEqual(self.run_tool("show", "Red \x1b[31malert\x07", "--field", "username").out,
                          "jo\x1b]0;owned\x07\n")
+
+    def test_json_escapes_what_json_itself_allows(self):
+        self.make_store()
+        title = "a\x7f\x9b2J\u202e\u2028z"
+        uuid = self.add(title, "--notes", title)
+        for command in (["list"], ["list", "--sections"], ["show", uuid], ["export", "--plaintext"]):
+            result = self.run_tool(*command, "--json")
+            self.assertIsNone(CONTROL.search(result.out), command)
+            self.assertIn("a\\u007f\\u009b2J\\u202e\\u2028z", result.out)
+        self.assertEqual(self.titles(), [title])
+        self.assertEqual(self.show(uuid)["notes"], title)
+
+    def test_messages_show_arguments_escaped(self):
+        self.make_store()
+        odd = "\x1b[2J\u202e"
+        for arguments, code in ((["list", "--" + odd], 2), (["list", "--sort", odd], 2),
+                                (["completion", odd], 2), (["list", "--store", odd], 7),
+                                (["edit", "x", "--set-file", "notes=" + odd], 4),
+                                (["find", "--where", f"title == '{odd}' {odd}"], 2)):
+            result = self.run_tool(*arguments, code=code)
+            self.assertIsNone(CONTROL.search(result.err), arguments)
+        self.assertIn("\\x1b[2J\\u{202e}", self.run_tool("list", "--" + odd, code=2).err)
 
     def test_titles_sort_as_the_users_language_does(self):
         self.make_store()
@@ -1609,8 +1633,10 @@ class Documentation(ToolTest):
     def test_the_man_page_has_every_command_and_option(self):
         with open(os.path.join(SOURCE, "quillon.1")) as page:
             text = page.read()
+        synopsis, description = text.split(".Sh SYNOPSIS")[1].split(".Sh DESCRIPTION")
         for command in COMMANDS:
-            self.assertRegex(text, rf"(?m)^\.(It )?Cm .*\b{command}\b")
+            self.assertRegex(synopsis, rf"(?m)^\.Cm .*\b{command}\b")
+            self.assertRegex(description, rf"(?m)^\.It Cm .*\b{command}\b")
         for option in self.every_option():
             self.assertIn("Fl -" + option[2:].replace("-", "-"), text)
 

@@ -5,6 +5,7 @@
 
 #include <array>
 
+#include "quillon/organisation/predicates/QNPredicate.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/sync/QNSyncState.h"
 #include "store/internal/QNFolderTesting.h"
@@ -319,6 +320,31 @@ TEST_F(QNStoreFaults, EachChangeIsMadeWholeOrNotAtAllWhateverCallFails) {
       } while (!HasFailure());
       EXPECT_GT(calls, 3u) << change.name;
     }
+  }
+}
+
+TEST_F(QNStoreFaults, AListByAQuestionWorksAgainAfterAnyCallHasFailed) {
+  const auto predicate = QNPredicate::predicateWithFormat(R"(title == "one")").value();
+  for (std::uint64_t calls = 0; !HasFailure(); ++calls) {
+    SCOPED_TRACE(calls);
+    Session session = openSession(file);
+    {
+      Session other = openSession(file);
+      savedLogin(other, "new");
+    }  // so that pages are read anew
+    const auto list = [&] {
+      return errorOf(session.store->listMatching(session.vault, QNStore::Which::all, *predicate,
+                                                 [](const auto&) {}));
+    };
+    fileSystem.failAfter(calls, false);
+    const std::string listed = list();
+    if (!fileSystem.stop()) {
+      EXPECT_EQ(listed, "");
+      EXPECT_GT(calls, 3u);
+      break;
+    }
+    EXPECT_EQ(listed, codeText(QNStoreErrorCode::inputOutput));
+    EXPECT_EQ(list(), "");
   }
 }
 

@@ -30,7 +30,7 @@ class ListingMark final {
 };
 
 /// What became of an item that was shown.
-enum class Shown { listed, passedOver, damaged };
+enum class Shown { listed, passedOver, damaged, last };  // no item behind it is shown
 
 }  // namespace
 
@@ -48,6 +48,7 @@ QNListReport QNStore::Database::listRows(QNQuery query, const std::shared_ptr<QN
     const auto item = genuine ? shellOf(row, vault) : nullptr;
     const bool opens = item != nullptr && item->mutableOverview() != nullptr;
     const Shown shown = opens ? show(item, row) : Shown::damaged;
+    if (shown == Shown::last) break;
     if (shown == Shown::damaged) report.damaged.emplace_back(row.uuid);
     if (shown == Shown::listed) ++report.listed;
   }
@@ -103,9 +104,8 @@ class QNStore::Database::Matcher final {
   Matcher(Database& database, const QNPredicate& predicate, std::uint64_t items)
       : _database(database), _predicate(predicate), _budget(items) {}
 
-  /// What became of the item. After a failure all are passed over.
+  /// What became of the item. One at which the question fails is the last.
   Shown match(const std::shared_ptr<QNItem>& item, const QNItemRow& row) {
-    if (failure) return Shown::passedOver;
     QNItemKeyPathSource source(*item);
     const auto truth = _predicate.evaluateWithoutDetails(source, _budget);
     if (!truth.ok()) return fail(truth.error());
@@ -123,7 +123,7 @@ class QNStore::Database::Matcher final {
   static Shown shown(bool holds) { return holds ? Shown::listed : Shown::passedOver; }
   Shown fail(const QNError& error) {
     failure = error;
-    return Shown::passedOver;
+    return Shown::last;
   }
 
   Database& _database;
@@ -132,12 +132,14 @@ class QNStore::Database::Matcher final {
 };
 
 QNResult<QNListReport> QNStore::listMatching(const std::shared_ptr<QNProfile>& vault, Which which,
-                                             const QNPredicate& predicate, const Visitor& visit) {
+                                             const QNPredicate& predicate, const Visitor& visit,
+                                             const Filter& filter) {
   if (const auto fault = predicate.faultForItems()) return *fault;
-  const auto ledger = _database->ledgerNow(*vault);
+  const auto ledger = _database->read([&] { return _database->ledgerNow(*vault); });
   if (!ledger.ok()) return ledger.error();
   Database::Matcher matcher(*_database, predicate, ledger.value().items.rows);
   auto report = _database->listVault(vault, which, [&](const auto& item, const QNItemRow& row) {
+    if (filter != nullptr && !filter(*item)) return Shown::passedOver;
     const Shown shown = matcher.match(item, row);
     if (shown == Shown::listed) visit(item);
     return shown;

@@ -193,6 +193,23 @@ TEST_F(QNStoreLists, ByAQuestionOpenDetailsOnlyWhereTheRestDoesNotDecide) {
   EXPECT_EQ(readBy(R"(notesPlain == "fruit")", {"apple", "pear", "plum"}), 4u);
 }
 
+TEST_F(QNStoreLists, ByAQuestionOpenNoDetailsOfWhatAFilterKeepsOut) {
+  savedNote("apple", "fruit");
+  savedNote("pear", "fruit");
+  savedNote("apple pie", "cake");
+  const auto predicate = QNPredicate::predicateWithFormat(R"(notesPlain == "fruit")").value();
+
+  const auto listed = session.store->listMatching(
+      session.vault, Which::normal, *predicate,
+      [this](const auto& item) { found.push_back(item->title()); },
+      [](QNItem& item) { return item.title().starts_with("apple"); });
+
+  ASSERT_TRUE(listed.ok());
+  EXPECT_THAT(found, ElementsAre("apple"));
+  EXPECT_EQ(listed.value().listed, 1u);
+  EXPECT_EQ(session.store->detailsRead(), 2u);
+}
+
 TEST_F(QNStoreLists, ByAQuestionAboutDetailsGiveItemsWithTheirDetails) {
   savedNote("apple", "fruit");
   const auto predicate = QNPredicate::predicateWithFormat(R"(notesPlain == "fruit")").value();
@@ -274,6 +291,23 @@ TEST_F(QNStoreLists, ByAQuestionThatWouldTakeForEverSaySo) {
   ASSERT_FALSE(listed.ok());
   EXPECT_EQ(listed.error().code, 114);
   EXPECT_EQ(titlesIn(session).size(), 2u);
+}
+
+TEST_F(QNStoreLists, ByAQuestionEndAtTheItemAtWhichItFails) {
+  savedLogin(session, std::string(5000, 'a'));
+  savedLogin(session, "a");
+  const auto predicate =
+      QNPredicate::predicateWithFormat(R"(title MATCHES "(a|aa)*(a|aa)*(a|aa)*b")").value();
+
+  const auto listed = session.store->listMatching(
+      session.vault, Which::normal, *predicate, [](const auto&) {},
+      [this](QNItem& item) {
+        found.push_back(item.title());
+        return true;
+      });
+
+  EXPECT_FALSE(listed.ok());
+  EXPECT_EQ(found.size(), 1u);
 }
 
 TEST_F(QNStoreLists, ByAQuestionAreWhatEachItemAnswersWithEverythingLoaded) {

@@ -187,6 +187,7 @@ class QNStore final {
   // Lists: QNStore+Lists.cpp
   enum class Which { normal, trashed, all };
   using Visitor = std::function<void(const std::shared_ptr<QNItem>&)>;
+  using Filter = std::function<bool(QNItem&)>;
   /// Hands out a shell for each row, in row order, its overview checked and open, neither key nor
   /// details read. The shell may be kept or dropped. The visitor may read items from this store,
   /// but neither list nor write (error: busy). Error: locked, or the file can't be read.
@@ -198,10 +199,12 @@ class QNStore final {
                                     std::string_view folderUUID, Which which, const Visitor& visit);
   /// The items that a predicate holds for, as list() gives them. Where it asks for more than
   /// overviews hold, details are read for those rows alone that the rest of it doesn't decide, and
-  /// such an item comes with its details. Errors: as for list(), and what the predicate's
-  /// evaluation ends with.
+  /// such an item comes with its details. The predicate is asked only of items that `filter` lets
+  /// through, which may read their overviews; without one, of all. Errors: as for list(), and what
+  /// the predicate's evaluation ends with.
   QNResult<QNListReport> listMatching(const std::shared_ptr<QNProfile>& vault, Which which,
-                                      const QNPredicate& predicate, const Visitor& visit);
+                                      const QNPredicate& predicate, const Visitor& visit,
+                                      const Filter& filter = nullptr);
   /// One pass over the overviews: tags stand nowhere else.
   QNResult<QNTagReport> tags(const std::shared_ptr<QNProfile>& vault);
 

@@ -23,7 +23,8 @@ constexpr Level kLevels[] = {
     {"--title", QNFindLevel::title, "Look in titles alone"},
     {"--words", QNFindLevel::words, "Look at the beginnings of words, in titles and addresses"},
     {"--contents", QNFindLevel::contents,
-     "Look everywhere, in passwords and former ones, too: opens every item"},
+     "Look everywhere, in passwords and former ones, too; for a secret do it in quillon shell, "
+     "since every user of the machine can read an argument"},
 };
 
 // At most one of them.
@@ -45,7 +46,8 @@ void defineFind(CLI::App& app, QNArguments& out) {
   auto* const words =
       command
           ->add_option("WORDS", given->words,
-                       "All of them must occur in the title, the subtitle or the first website")
+                       "All of them must occur in the title, the subtitle or the first website, "
+                       "or be the item's whole uuid")
           ->check(isText());
   auto* const where = command
                           ->add_option("--where", given->predicate,

@@ -2,11 +2,22 @@
 
 #include "cli/commands/QNCommands.h"
 #include "cli/commands/QNItemChoice.h"
+#include "cli/commands/QNVaultFolders.h"
 #include "cli/output/QNOutput.h"
 #include "cli/output/QNShownText.h"
 
 namespace quillon {
 namespace {
+
+// A folder is one of its vault; only another store of the same vault, such as a backup, has it too.
+QNResult<QNDone> leaveUnknownFolder(QNItem& copy, QNStore& store,
+                                    const std::shared_ptr<QNProfile>& vault) {
+  if (!copy.folderUUID()) return QNDone{};
+  const auto folders = QNVaultFolders::read(store, vault);
+  if (!folders) return folders.error();
+  if (!folders.value().pathTo(*copy.folderUUID())) copy.clearFolder();
+  return QNDone{};
+}
 
 QNResult<std::string> saveCopy(QNItem& item, QNStore& store,
                                const std::shared_ptr<QNProfile>& vault) {
@@ -24,6 +35,8 @@ QNResult<std::string> saveCopy(QNItem& item, QNStore& store,
   const auto copy = item.makeCopyWithoutAttachments();
   if (copy == nullptr) return toolError(QNExit::damaged, "the item can't be copied");
   copy->setProfile(vault);  // gives it a uuid of its own
+  const auto left = leaveUnknownFolder(*copy, store, vault);
+  if (!left) return left.error();
   const auto saved = store.save(copy);
   if (!saved) return saved.error();
   return *copy->uuid();

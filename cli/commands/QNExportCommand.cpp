@@ -125,7 +125,7 @@ QNCommandResult runCommand(Global global, const QNExportArguments& arguments) {
   if (!exported) return exported.error();
   if (!isPrinted) return writeFile(global, exported.value(), arguments.file);
   QNOutput out;
-  out.text(textOf(exported.value().content));
+  out.jsonText(textOf(exported.value().content));
   return out.finish(exported.value().exit);
 }
 

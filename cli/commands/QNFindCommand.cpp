@@ -45,10 +45,10 @@ QNCommandResult findByPredicate(Global global, const QNFindArguments& arguments,
                                 const QNPredicate& predicate, const QNItemFilter& filter,
                                 const QNVaultSession& session, QNExit exit) {
   QNListing listing(listForm(global.json, arguments.withUUIDs));
-  const auto report = session.store().listMatching(session.vault(), QNStore::Which::normal,
-                                                   predicate, [&](const auto& item) {
-                                                     if (filter.admits(*item)) listing.add(item);
-                                                   });
+  const auto report = session.store().listMatching(
+      session.vault(), QNStore::Which::normal, predicate,
+      [&](const auto& item) { listing.add(item); },
+      [&](QNItem& item) { return filter.admits(item); });
   if (!report) return report.error();
   return print(listing, report.value(), exit);
 }

@@ -51,22 +51,24 @@ void printTree(QNOutput& out, const QNVaultFolders& tree, bool withUUIDs) {
   }
 }
 
-// What a command has done to a folder, for scripts alone.
-QNCommandResult done(Global global, const QNFolder& folder, std::string_view key, Json value) {
-  if (!global.json) return QNExit::done;
-  return printJson({{"uuid", *folder.uuid()}, {key, std::move(value)}});
+// What a command has done to a folder, for scripts alone; damage of the others for everybody.
+QNCommandResult done(Global global, const QNVaultFolders& tree, const QNFolder& folder,
+                     std::string_view key, Json value) {
+  const QNExit exit = tree.warn();
+  if (!global.json) return exit;
+  return printJson({{"uuid", *folder.uuid()}, {key, std::move(value)}}, exit);
 }
 
 Json textOrNull(const std::optional<std::string>& text) {
   return text ? Json(*text) : Json();
 }
 
-QNCommandResult saveMoved(Global global, const QNVaultSession& session, QNFolderRef folder,
-                          const QNFolderRef& parent) {
+QNCommandResult saveMoved(Global global, const QNVaultSession& session, const QNVaultFolders& tree,
+                          QNFolderRef folder, const QNFolderRef& parent) {
   folder->setParentUUID(parent == nullptr ? std::nullopt : std::optional(*parent->uuid()));
   const auto saved = session.store().saveFolder(folder);
   if (!saved) return saved.error();
-  return done(global, *folder, "parent", textOrNull(folder->parentUUID()));
+  return done(global, tree, *folder, "parent", textOrNull(folder->parentUUID()));
 }
 
 using Choose = QNResult<QNFolderRef> (QNVaultFolders::*)(std::string_view) const;
@@ -80,7 +82,7 @@ QNCommandResult deleteFolder(Global global, std::string_view name, Choose choose
   if (!folder) return folder.error();
   const auto deleted = session.value().store().deleteFolder(folder.value());
   if (!deleted) return deleted.error();
-  return done(global, *folder.value(), "deleted", true);
+  return done(global, tree.value(), *folder.value(), "deleted", true);
 }
 
 }  // namespace
@@ -102,10 +104,12 @@ QNCommandResult runCommand(Global global, const QNFolderListArguments& arguments
 QNCommandResult runCommand(Global global, const QNFolderAddArguments& arguments) {
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
+  const auto tree = QNVaultFolders::read(session.value());
+  if (!tree) return tree.error();
   const auto folder =
-      addFolder(session.value(), arguments.path, [](QNFolder&) { return QNDone{}; });
+      addFolder(session.value(), tree.value(), arguments.path, [](QNFolder&) { return QNDone{}; });
   if (!folder) return folder.error();
-  return printUUID(global.json, *folder.value()->uuid());
+  return printUUID(global.json, *folder.value()->uuid(), tree.value().warn());
 }
 
 QNCommandResult runCommand(Global global, const QNFolderMoveArguments& arguments) {
@@ -115,10 +119,12 @@ QNCommandResult runCommand(Global global, const QNFolderMoveArguments& arguments
   if (!tree) return tree.error();
   const auto folder = tree.value().choose(arguments.folder);
   if (!folder) return folder.error();
-  if (!arguments.parent) return saveMoved(global, session.value(), folder.value(), nullptr);
+  if (!arguments.parent) {
+    return saveMoved(global, session.value(), tree.value(), folder.value(), nullptr);
+  }
   const auto parent = tree.value().chooseOrdinary(*arguments.parent);
   if (!parent) return parent.error();
-  return saveMoved(global, session.value(), folder.value(), parent.value());
+  return saveMoved(global, session.value(), tree.value(), folder.value(), parent.value());
 }
 
 QNCommandResult runCommand(Global global, const QNFolderRenameArguments& arguments) {
@@ -131,7 +137,7 @@ QNCommandResult runCommand(Global global, const QNFolderRenameArguments& argumen
   folder.value()->setTitle(arguments.title);
   const auto saved = session.value().store().saveFolder(folder.value());
   if (!saved) return saved.error();
-  return done(global, *folder.value(), "title", Json(arguments.title));
+  return done(global, tree.value(), *folder.value(), "title", Json(arguments.title));
 }
 
 QNCommandResult runCommand(Global global, const QNFolderDeleteArguments& arguments) {

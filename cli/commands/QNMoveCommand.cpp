@@ -6,15 +6,18 @@
 namespace quillon {
 namespace {
 
-// The uuid of the folder that was named, if one was.
-QNResult<std::optional<std::string>> targetOf(const QNVaultSession& session,
-                                              const QNMoveArguments& arguments) {
-  if (!arguments.folder) return std::optional<std::string>();
+struct Target {
+  std::optional<std::string> uuid;  // nothing for the top
+  QNExit exit = QNExit::done;       // what the folders end with
+};
+
+QNResult<Target> targetOf(const QNVaultSession& session, const QNMoveArguments& arguments) {
+  if (!arguments.folder) return Target{};
   const auto tree = QNVaultFolders::read(session);
   if (!tree) return tree.error();
   const auto folder = tree.value().chooseOrdinary(*arguments.folder);
   if (!folder) return folder.error();
-  return std::optional(*folder.value()->uuid());
+  return Target{*folder.value()->uuid(), tree.value().warn()};
 }
 
 }  // namespace
@@ -24,14 +27,15 @@ QNCommandResult runCommand(Global global, const QNMoveArguments& arguments) {
   if (!session) return session.error();
   const auto item = chooseItem(session.value(), arguments.item);
   if (!item) return item.error();
-  const auto folder = targetOf(session.value(), arguments);
-  if (!folder) return folder.error();
-  item.value()->setFolderUUID(folder.value());
+  const auto target = targetOf(session.value(), arguments);
+  if (!target) return target.error();
+  const auto& [uuid, exit] = target.value();
+  item.value()->setFolderUUID(uuid);
   const auto saved = session.value().store().save(item.value());
   if (!saved) return saved.error();
-  if (!global.json) return QNExit::done;
-  const Json target = folder.value() ? Json(*folder.value()) : Json();
-  return printJson({{"uuid", *item.value()->uuid()}, {"folder", target}});
+  if (!global.json) return exit;
+  return printJson({{"uuid", *item.value()->uuid()}, {"folder", uuid ? Json(*uuid) : Json()}},
+                   exit);
 }
 
 }  // namespace quillon

@@ -66,11 +66,10 @@ class NewFolders {
 
 }  // namespace
 
-QNResult<QNFolderRef> addFolder(const QNVaultSession& session, std::string_view path,
+QNResult<QNFolderRef> addFolder(const QNVaultSession& session, const QNVaultFolders& tree,
+                                std::string_view path,
                                 const std::function<QNResult<QNDone>(QNFolder&)>& prepare) {
-  const auto tree = QNVaultFolders::read(session);
-  if (!tree) return tree.error();
-  NewFolders folders(session, tree.value());
+  NewFolders folders(session, tree);
   std::size_t end = path.find('/');
   for (; end != std::string_view::npos; end = path.find('/')) {
     if (const auto entered = folders.enter(path.substr(0, end)); !entered) return entered.error();

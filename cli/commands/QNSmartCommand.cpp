@@ -65,14 +65,16 @@ QNCommandResult runCommand(Global global, const QNSmartAddArguments& arguments) 
   if (!predicate) return predicate.error();
   const auto session = QNVaultSession::open(global, QNStore::Access::readWrite);
   if (!session) return session.error();
-  const auto folder =
-      addFolder(session.value(), arguments.path, [&](QNFolder& made) -> QNResult<QNDone> {
-        made.setSmartFolder(true);
-        if (made.setSmartFolderPredicate(predicate.value())) return QNDone{};
-        return toolError(QNExit::failed, "the predicate can't be stored");
-      });
+  const auto tree = QNVaultFolders::read(session.value());
+  if (!tree) return tree.error();
+  const auto prepare = [&](QNFolder& made) -> QNResult<QNDone> {
+    made.setSmartFolder(true);
+    if (made.setSmartFolderPredicate(predicate.value())) return QNDone{};
+    return toolError(QNExit::failed, "the predicate can't be stored");
+  };
+  const auto folder = addFolder(session.value(), tree.value(), arguments.path, prepare);
   if (!folder) return folder.error();
-  return printUUID(global.json, *folder.value()->uuid());
+  return printUUID(global.json, *folder.value()->uuid(), tree.value().warn());
 }
 
 QNCommandResult runCommand(Global global, const QNSmartShowArguments& arguments) {

@@ -66,8 +66,7 @@ void QNListing::printLines(QNOutput& out) {
   if (json) out.text("[");
   for (std::size_t i = 0; i < _lines.size(); ++i) {
     if (json && i > 0) out.text(",\n");
-    out.text(_lines[i].text());
-    if (!json) out.text("\n");
+    json ? out.jsonText(_lines[i].text()) : out.line(_lines[i].text());
   }
   if (json) out.line("]");
 }

@@ -34,12 +34,16 @@ void QNOutput::line(std::string_view line) {
   text("\n");
 }
 
+void QNOutput::jsonText(std::string_view json) {
+  writeShownJson(json, [this](std::string_view piece) { text(piece); });
+}
+
 void QNOutput::json(const Json& value) {
-  if (const auto bytes = mr_JSONDataWithError(value)) text(textOf(*bytes));
+  if (const auto bytes = mr_JSONDataWithError(value)) jsonText(textOf(*bytes));
 }
 
 void QNOutput::json(const JsonObject& object) {
-  if (const auto bytes = mr_JSONDataWithError(object)) text(textOf(*bytes));
+  if (const auto bytes = mr_JSONDataWithError(object)) jsonText(textOf(*bytes));
 }
 
 void QNOutput::write() {
@@ -66,11 +70,11 @@ QNCommandResult printJson(const JsonObject& value, QNExit exit) {
   return out.finish(exit);
 }
 
-QNCommandResult printUUID(bool json, std::string_view uuid) {
-  if (json) return printJson({{"uuid", uuid}});
+QNCommandResult printUUID(bool json, std::string_view uuid, QNExit exit) {
+  if (json) return printJson({{"uuid", uuid}}, exit);
   QNOutput out;
   out.line(uuid);
-  return out.finish();
+  return out.finish(exit);
 }
 
 QNCommandResult printValue(std::string_view text) {

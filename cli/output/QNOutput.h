@@ -19,6 +19,8 @@ class QNOutput final {
 
   void text(std::string_view text);
   void line(std::string_view text);
+  /// A JSON text, with escapes for what a terminal would obey.
+  void jsonText(std::string_view json);
   /// Compact, without a newline.
   void json(const Json& value);
   void json(const JsonObject& object);
@@ -39,7 +41,7 @@ class QNOutput final {
 /// Prints the one value of a command with --json, with a newline behind it.
 QNCommandResult printJson(const JsonObject& value, QNExit exit = QNExit::done);
 /// Prints what a command made, by its uuid: that alone, or as JSON.
-QNCommandResult printUUID(bool json, std::string_view uuid);
+QNCommandResult printUUID(bool json, std::string_view uuid, QNExit exit = QNExit::done);
 
 /// Prints one value: itself to a pipe or file; a terminal never gets what it would obey.
 QNCommandResult printValue(std::string_view text);

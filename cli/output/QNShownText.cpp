@@ -84,6 +84,23 @@ std::string shownOwnLines(std::string_view text) {
   return escaped(text, "\n\t", Marks::kept);
 }
 
+// JSON has escaped what lies below a blank; such a character is a new line between values.
+void writeShownJson(std::string_view json, const std::function<void(std::string_view)>& write) {
+  std::size_t written = 0;
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(json.data());
+  for (std::size_t next = 0; next < json.size();) {
+    const std::size_t start = next;
+    UChar32 c = 0;
+    U8_NEXT(bytes, next, json.size(), c);
+    const bool stays = c >= 0 && (c < 0x7f || !misleads(c));
+    if (stays) continue;
+    write(json.substr(written, start - written));
+    write(fmt::format("\\u{:04x}", c < 0 ? 0xFFFD : c));
+    written = next;
+  }
+  write(json.substr(written));
+}
+
 std::string_view withoutIsolation(std::string_view text) {
   constexpr std::string_view kIsolate = "\u2066";
   constexpr std::string_view kEnd = "\u2069";

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,10 @@ std::string shownLines(std::string_view text);
 /// The same for a text that Quillon's tables or the language itself wrote: its plain marks of
 /// direction (U+200E, U+200F, U+061C), which stand in Arabic dates, stay, too.
 std::string shownOwnLines(std::string_view text);
+/// Hands on a JSON text, piece by piece, with what shownText() escapes written as JSON does it
+/// (\u202e): the value stays the same. Bytes that aren't UTF-8, which JSON has no form for, become
+/// \ufffd.
+void writeShownJson(std::string_view json, const std::function<void(std::string_view)>& write);
 /// Without the pair of marks around the whole text (U+2066, U+2069) that keeps it from left to
 /// right in a language from right to left. A terminal's line needs none, and would show them
 /// escaped.

@@ -49,6 +49,21 @@ TEST(QNShownText, OwnTextsKeepTheirMarksOfDirectionAndNothingElse) {
   EXPECT_EQ(shownLines("4\u200f"), "4\\u{200f}");
 }
 
+std::string shownJson(std::string_view json) {
+  std::string shown;
+  writeShownJson(json, [&shown](std::string_view piece) { shown += piece; });
+  return shown;
+}
+
+TEST(QNShownText, JSONHasItsOwnEscapesForTheSame) {
+  EXPECT_EQ(shownJson("\"a\x7f\u009b\u202e\u200f\u2028z\ufeff\""),
+            R"("a\u007f\u009b\u202e\u200f\u2028z\ufeff")");
+  EXPECT_EQ(shownJson("[\"a\xff\"]"), R"(["a\ufffd"])");
+  for (const std::string json : {"", "[1,\n2]", R"("\u001b\n\\")", "\"日本語 👩‍💻\""}) {
+    EXPECT_EQ(shownJson(json), json);
+  }
+}
+
 TEST(QNShownText, OnePairOfMarksAroundTheWholeIsLeftOut) {
   EXPECT_EQ(withoutIsolation("\u20664111 **** 1111\u2069"), "4111 **** 1111");
   EXPECT_EQ(withoutIsolation("\u2066\u2069"), "");

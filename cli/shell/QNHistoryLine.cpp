@@ -15,11 +15,12 @@ using Role = QNLineGrammar::Role;
 
 // The options and words whose values are names of something or choices of how to do it. What isn't
 // here is hidden, so that a new one keeps nothing that nobody thought of.
-constexpr std::array<std::string_view, 28> kKept = {
-    "--store",       "--vault",    "--lang",  "--category", "--tag",       "--untag", "--folder",
-    "--field",       "--unset",    "--sort",  "--title",    "--to",        "--keep",  "--to-store",
-    "--set-file",    "--length",   "--words", "--pin",      "--separator", "--count", "--at",
-    "--other-vault", "--url-file", "--save",  "--print",    "--copy",      "--clear", "--idle"};
+constexpr std::array<std::string_view, 29> kKept = {
+    "--store",     "--vault",    "--lang",     "--category",    "--tag",      "--untag",
+    "--folder",    "--field",    "--unset",    "--sort",        "--title",    "--to",
+    "--keep",      "--to-store", "--set-file", "--length",      "--words",    "--pin",
+    "--separator", "--count",    "--at",       "--other-vault", "--url-file", "--save",
+    "--print",     "--copy",     "--clear",    "--idle",        "--clipboard"};
 // Of these the field's name stays.
 constexpr std::array<std::string_view, 2> kFieldValues = {"--set", "--add-field"};
 constexpr std::array<std::string_view, 14> kKeptWords = {

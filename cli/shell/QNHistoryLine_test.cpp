@@ -34,6 +34,7 @@ TEST(HistoryLine, KeepsWhatNamesSomething) {
                                       "lock",
                                       "exit",
                                       "pick --copy",
+                                      "pick --copy=pin --clipboard wl-copy --clear 20",
                                       "smart show Weak",
                                       "folder move Travel --to-top",
                                       "folder move Travel Home",
@@ -137,7 +138,8 @@ TEST(HistoryLine, KeepsNothingOfWhatIsNoCommand) {
 }
 
 TEST(HistoryLine, HidesAValueThatItDoesNotKnowToBeAName) {
-  EXPECT_EQ(kept("pick --clipboard s3cret --clear 5"), "pick --clipboard ‹hidden› --clear 5");
+  EXPECT_EQ(kept("vault add x --own-password --hint s3cret"),
+            "vault add x --own-password --hint ‹hidden›");
 }
 
 TEST(LineGrammar, ReadsDefinitionsOfTheTool) {

@@ -3,10 +3,12 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include "cli/output/QNShownText.h"
+
 namespace quillon {
 
 void say(std::string_view message) {
-  printRaw(fmt::format("quillon: {}\n", message));
+  printRaw(fmt::format("quillon: {}\n", shownOwnLines(message)));
 }
 
 void printRaw(std::string_view text) {
