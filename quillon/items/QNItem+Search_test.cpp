@@ -22,12 +22,6 @@ QNSampleItemRef itemTitled(std::string_view title) {
   return item;
 }
 
-std::vector<std::string> revealed(const std::vector<QNSecret>& secrets) {
-  std::vector<std::string> texts;
-  for (const QNSecret& secret : secrets) texts.emplace_back(secret.reveal());
-  return texts;
-}
-
 /// Something in every place that the contents level looks at.
 QNSampleItemRef filledItem(const std::shared_ptr<QNGenericProfile>& vault = localVault()) {
   auto item = newItem(vault);

@@ -765,12 +765,6 @@ TEST_F(QNLoginTest, SectionsReadAsFormFieldsByTitle) {
             R"("":{"value":"07/2024","type":"T","name":""}})");
 }
 
-std::vector<std::string> revealed(const std::vector<QNSecret>& secrets) {
-  std::vector<std::string> texts;
-  for (const QNSecret& secret : secrets) texts.emplace_back(secret.reveal());
-  return texts;
-}
-
 TEST_F(QNLoginTest, ASearchGetsEntriesOfTheFormFirst) {
   const auto login = loginWithDetails(
       R"({"fields":[{"name":"user","value":"ann","designation":"username"},)"

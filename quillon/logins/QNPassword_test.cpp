@@ -99,6 +99,30 @@ TEST_F(QNPasswordTest, ComesBackFromItsRow) {
   EXPECT_TRUE(reloaded->password()->equals("pw"));
 }
 
+// Search
+
+TEST_F(QNPasswordTest, ASearchGetsThePasswordFirst) {
+  const auto item = passwordIn(_vault);
+  item->setTitle("T");
+  item->setNotesPlain("note");
+  EXPECT_THAT(revealed(item->allValuesForSearch()), testing::ElementsAre("T", "note"));
+
+  item->setPassword("");
+  EXPECT_THAT(revealed(item->allValuesForSearch()), testing::ElementsAre("T", "note"));
+  item->setPassword("pw");
+
+  EXPECT_THAT(revealed(item->allValuesForSearch()), testing::ElementsAre("pw", "T", "note"));
+}
+
+TEST_F(QNPasswordTest, ASearchOfContentsFindsThePassword) {
+  const auto item = passwordIn(_vault);
+
+  item->setPassword("Grün");
+
+  EXPECT_TRUE(item->contentsMatchesLowercaseString("grun"));
+  EXPECT_FALSE(item->overviewMatchesLowercaseString("grun"));
+}
+
 // Quick access
 
 TEST_F(QNPasswordTest, OffersPasswordAndOneTimePasswordToQuickAccess) {
