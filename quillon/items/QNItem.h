@@ -197,8 +197,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::vector<std::string> nakedHashesForSearch();
   [[nodiscard]] virtual std::vector<QNSecret> allValuesForSearch();
   [[nodiscard]] virtual std::vector<QNSecret> allPasswordsForSearch();
-  [[nodiscard]] virtual std::vector<std::string> allFieldTitlesForSearch();
-  [[nodiscard]] std::vector<std::string> allSectionTitlesForSearch();
+  [[nodiscard]] virtual std::vector<QNSecret> allFieldTitlesForSearch();
+  [[nodiscard]] std::vector<QNSecret> allSectionTitlesForSearch();
 
   // Search by words of title and hosts: QNItem+SearchWords.cpp. Kept until setTitle(), addURL(),
   // removeURL() or removeURLAtIndex(). Load the details first: hosts that aren't there stay none.

@@ -777,7 +777,7 @@ TEST_F(QNLoginTest, ASearchGetsEntriesOfTheFormFirst) {
               testing::ElementsAre("ann", "horse", "77", "T", "note", "99"));
   EXPECT_THAT(revealed(login->allPasswordsForSearch()),
               testing::ElementsAre("horse", "77", "horse", "99"));
-  EXPECT_THAT(login->allFieldTitlesForSearch(),
+  EXPECT_THAT(revealed(login->allFieldTitlesForSearch()),
               testing::ElementsAre("user", "word", "pin", "code"));
 }
 
