@@ -758,6 +758,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   std::uint64_t _folderId = 0;
   std::uint64_t _categoryId = 0;
   std::uint64_t _faveIndex = 0;
+  std::shared_ptr<const QNItemSpecifier> _itemSpecifier;  // made at the first need
   mutable std::unique_ptr<OpenState> _open;  // made at the first need, under the monitor
   std::unique_ptr<RareColumns> _rare;
 };
