@@ -577,7 +577,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void setCategoryId(std::uint64_t id) { _categoryId = id; }
   /// Once it was set or asked for, it stays until a save derives it anew.
   [[nodiscard]] std::string sectionName() override;
-  void setSectionName(std::optional<std::string> name) { _sectionName = std::move(name); }
+  void setSectionName(std::optional<std::string> name);
   [[nodiscard]] std::uint64_t createdAt() const { return _createdAt; }
   void setCreatedAt(std::uint64_t seconds) { _createdAt = seconds; }
   [[nodiscard]] std::uint64_t updatedAt() const override { return _updatedAt; }
