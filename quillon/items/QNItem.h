@@ -210,8 +210,10 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool matchesHelperSearchStrings(const SearchStrings& strings, bool prefixMatch);
 
   // Quick access: QNItem+QuickAccess.cpp. What a user reaches for often, each with the key that
-  // copies it. Fields without a value are left out, concealed ones also without the right to
-  // reveal; a one-time password is offered in any case.
+  // copies it. For reading and copying: what becomes of a change is told in
+  // QNQuickAccessShortcut.h. Fields without a value are left out (an empty text is a value, and so
+  // is a fresh address), concealed ones also without the right to reveal; a one-time password is
+  // offered in any case.
   [[nodiscard]] virtual std::vector<QNQuickAccessShortcut> quickAccessFields();
   [[nodiscard]] std::vector<QNQuickAccessShortcut> createQuickAccessFields();
   [[nodiscard]] std::vector<QNQuickAccessShortcut> createQuickAccessFieldsFromFirstSection();
@@ -224,9 +226,11 @@ class QNItem : public QNDatabaseObjectWithOverview,
   /// In clear, for an index of the system. The keys and their order: QNMetadataConstants.h. Without
   /// loaded details there is an assertion log, and no address.
   [[nodiscard]] JsonObject spotlightMetadata();
-  /// Of cards, passports, licenses of two kinds and memberships; a card's is the last day of its
-  /// month, at its first moment in the user's time zone.
+  /// Of cards, passports, licenses of two kinds and memberships; nothing of others. Of a month and
+  /// year, a card's is the last day, the others' the first, at its first moment in the user's time
+  /// zone; of a date, that moment.
   [[nodiscard]] std::optional<std::chrono::sys_seconds> expirationDate();
+  /// The user name; without one, the mail alias.
   [[nodiscard]] std::optional<std::string> fillableUsername();
 
   // Sorting: QNItem+Sorting.cpp. By title, for a person. Without the user's setting

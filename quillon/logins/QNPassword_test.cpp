@@ -142,10 +142,13 @@ TEST_F(QNPasswordTest, OffersPasswordAndOneTimePasswordToQuickAccess) {
 TEST_F(QNPasswordTest, OffersItsPasswordToThoseWhoMayRevealIt) {
   const auto item = passwordIn(_vault);
   item->setPassword("pw");
+  item->setDetailsObject(
+      jsonValue(R"([{"fields":[{"k":"concealed","n":"TOTP_1","v":"otpauth://a"}]}])"),
+      kDetailsSections);
 
   item->setProfile(vaultWithoutRevealing());
 
-  EXPECT_TRUE(item->quickAccessFields().empty());
+  EXPECT_THAT(shown(item->quickAccessFields()), testing::ElementsAre("TOTP 3"));
 }
 
 // Subtitle
