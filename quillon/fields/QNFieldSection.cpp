@@ -181,8 +181,8 @@ std::vector<QNSecret> QNFieldSection::allPasswordsForSearch() const {
   return values;
 }
 
-std::vector<std::string> QNFieldSection::allFieldTitlesForSearch() const {
-  std::vector<std::string> titles;
+std::vector<QNSecret> QNFieldSection::allFieldTitlesForSearch() const {
+  std::vector<QNSecret> titles;
   for (const QNItemFieldRef& field : _fields) {
     if (!field->title().empty()) titles.emplace_back(field->title());
   }

@@ -71,7 +71,7 @@ class QNFieldSection final {
   /// For searching: what isn't empty, in order.
   [[nodiscard]] std::vector<QNSecret> allValuesForSearch() const;
   [[nodiscard]] std::vector<QNSecret> allPasswordsForSearch() const;
-  [[nodiscard]] std::vector<std::string> allFieldTitlesForSearch() const;
+  [[nodiscard]] std::vector<QNSecret> allFieldTitlesForSearch() const;
 
   // Merging
   /// Has an earlier merge kept this value?

@@ -65,6 +65,11 @@ std::string QNItem::sectionName() {
   return letter;
 }
 
+void QNItem::setSectionName(std::optional<std::string> name) {
+  const std::lock_guard lock(monitor());
+  _sectionName = std::move(name);
+}
+
 std::string QNItem::firstLetterOfString(std::string_view text) {
   std::string letter = uppercaseText(firstComposedCharacter(text));
   return isLettersOnly(letter) ? letter : "#";

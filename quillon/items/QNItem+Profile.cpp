@@ -37,8 +37,8 @@ void QNItem::setProfile(const std::shared_ptr<QNGenericProfile>& profile) {
   std::vector<std::shared_ptr<QNItemURL>> urls;
   {
     const std::lock_guard lock(monitor());
+    _itemSpecifier.reset();
     if (_open == nullptr) return;
-    _open->cachedItemSpecifier.reset();
     if (_open->URLs) urls = *_open->URLs;
     urls.insert(urls.end(), _open->deletedURLs.begin(), _open->deletedURLs.end());
   }

@@ -1,6 +1,7 @@
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/templates/internal/QNTestCategories.h"
+#include "quillon/touchpoints/QNItemSpecifier.h"
 
 namespace quillon {
 namespace {
@@ -233,10 +234,13 @@ TEST(QNItemProfile, AMoveTakesTheURLsAlong) {
 TEST(QNItemProfile, AMoveMakesANewSpecifier) {
   const auto item = newItem(localVault(1));
   const auto before = item->itemSpecifier();
+  const auto target = localVault(2);
 
-  item->setProfile(localVault(2));
+  item->setProfile(target);
 
   EXPECT_NE(item->itemSpecifier(), before);
+  EXPECT_EQ(item->itemSpecifier()->uuid(), *item->uuid());
+  EXPECT_EQ(item->itemSpecifier()->profileUUID(), *target->uuid());
 }
 
 TEST(QNItemProfile, AMoveWhoseDetailsDontOpenKeepsThem) {
@@ -316,6 +320,8 @@ TEST(QNItemProfile, AMoveToAVaultWithTheSameUuidMakesANewSpecifierToo) {
   item->setProfile(to);
 
   EXPECT_NE(item->itemSpecifier(), before);
+  EXPECT_EQ(item->itemSpecifier()->uuid(), *item->uuid());
+  EXPECT_EQ(item->itemSpecifier()->profileUUID(), *to->uuid());
 }
 
 TEST(QNItemProfile, TwoVaultsWithoutAUuidAreTwoVaults) {

@@ -98,6 +98,20 @@ TEST(QNItemQuickAccess, LeavesOutFieldsWithoutAValueAndFieldsThatAreNotThere) {
   EXPECT_THAT(shown(item->quickAccessFields()), ElementsAre("url 3"));
 }
 
+TEST(QNItemQuickAccess, OffersAFieldWhoseTextIsEmpty) {
+  constexpr std::string_view kEmpty = R"([{"fields":[{"k":"string","n":"url","v":""}]}])";
+
+  EXPECT_THAT(shown(itemWith("110", kEmpty)->quickAccessFields()), ElementsAre("url 3"));
+  EXPECT_THAT(shown(itemWith("112", kEmpty)->quickAccessFields()), ElementsAre("url 2"));
+}
+
+TEST(QNItemQuickAccess, OfAnIdentityOffersAnAddressWithItsCountryAlone) {
+  const auto item =
+      itemWith("004", R"([{"fields":[{"k":"address","n":"address","v":{"country":"de"}}]}])");
+
+  EXPECT_THAT(shown(item->quickAccessFields()), ElementsAre("address 3"));
+}
+
 TEST(QNItemQuickAccess, WithoutTheRightToRevealHasNoConcealedFields) {
   constexpr std::string_view kServer = R"([{"fields":[{"k":"string","n":"username","v":"a"},)"
                                        R"({"k":"concealed","n":"password","v":"b"},)"

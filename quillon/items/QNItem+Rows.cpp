@@ -73,7 +73,10 @@ void QNItem::saveAllAttributes(JsonObject& attributes) {
   attributes[kRowUpdatedAt] = _updatedAt;
   attributes[kRowCreatedAt] = _createdAt;
   putText(attributes, kRowScope, scope());
-  putText(attributes, kRowSectionName, _sectionName);
+  {
+    const std::lock_guard lock(monitor());
+    putText(attributes, kRowSectionName, _sectionName);
+  }
   if (!detailsLoaded()) {
     MRLogger::sharedLogger().assertion(DEBUG_DATABASE, descriptionForLogging(),
                                        "Item details must be loaded");

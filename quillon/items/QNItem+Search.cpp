@@ -17,6 +17,7 @@
 #include "quillon/items/internal/QNItemSearchTexts.h"
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/platform/text/QNCharacterSet.h"
+#include "quillon/platform/text/QNLocalization.h"
 #include "quillon/platform/text/QNText.h"
 
 namespace quillon {
@@ -33,20 +34,20 @@ void appendUnlessEmpty(std::vector<QNSecret>& values, const std::optional<QNSecr
   if (text && !text->empty()) values.push_back(text->clone());
 }
 
-template <class Element>
-void append(std::vector<Element>& all, std::vector<Element> more) {
+void append(std::vector<QNSecret>& all, std::vector<QNSecret> more) {
   std::move(more.begin(), more.end(), std::back_inserter(all));
-}
-
-bool anyMatches(const std::vector<std::string>& texts, const QNSearchPredicate& test) {
-  return std::any_of(texts.begin(), texts.end(),
-                     [&test](const std::string& text) { return test.matches(text); });
 }
 
 bool anyMatches(const std::vector<QNSecret>& texts, const QNSearchPredicate& test) {
   return std::any_of(texts.begin(), texts.end(), [&test](const QNSecret& text) {
     return test.matches(text.reveal());  // compared only
   });
+}
+
+// What title() gives, never in memory that isn't wiped. The monitor is held.
+QNSecret titleOf(QNItem& item) {
+  const auto title = item.overviewTextForKey(kOverviewTitle);
+  return QNSecret(title ? *title : QNLocalizedString("Unnamed"));
 }
 
 bool hasNoElements(const Json& value) {
@@ -206,7 +207,7 @@ Json QNItem::tagsForSearch() {
 std::vector<std::string> QNItem::URLStringsForSearch() {
   std::vector<std::string> hosts;
   for (const auto& url : URLs()) {
-    auto host = QNItemURL::extractSearchStringFromURLString(url->URLString().value_or(""));
+    auto host = url->searchString();
     if (!host.empty()) hosts.push_back(std::move(host));
   }
   return hosts;
@@ -224,7 +225,7 @@ std::vector<std::string> QNItem::nakedHashesForSearch() {
 std::vector<QNSecret> QNItem::allValuesForSearch() {
   const std::lock_guard lock(monitor());
   std::vector<QNSecret> values;
-  appendUnlessEmpty(values, QNSecret(title()));
+  appendUnlessEmpty(values, titleOf(*this));
   for (const std::string& host : URLStringsForSearch()) values.emplace_back(host);
   appendUnlessEmpty(values, notesSecret());
   for (const auto& section : fieldSections()) append(values, section->allValuesForSearch());
@@ -241,16 +242,16 @@ std::vector<QNSecret> QNItem::allPasswordsForSearch() {
   return values;
 }
 
-std::vector<std::string> QNItem::allFieldTitlesForSearch() {
+std::vector<QNSecret> QNItem::allFieldTitlesForSearch() {
   const std::lock_guard lock(monitor());
-  std::vector<std::string> titles;
+  std::vector<QNSecret> titles;
   for (const auto& section : fieldSections()) append(titles, section->allFieldTitlesForSearch());
   return titles;
 }
 
-std::vector<std::string> QNItem::allSectionTitlesForSearch() {
+std::vector<QNSecret> QNItem::allSectionTitlesForSearch() {
   const std::lock_guard lock(monitor());
-  std::vector<std::string> titles;
+  std::vector<QNSecret> titles;
   for (const auto& section : fieldSections()) {
     const std::string_view title = section->title().value_or("");
     if (!title.empty()) titles.emplace_back(title);

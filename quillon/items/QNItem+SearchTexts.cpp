@@ -29,6 +29,16 @@ QNSecret lowercaseTitleOf(QNItem& item) {
   return secretLowercaseIdentifier(title ? *title : QNLocalizedString("Unnamed"));
 }
 
+// The host of what URLString() gives, which is copied nowhere. The monitor is held.
+std::string hostOf(QNItem& item) {
+  if (item.detailsLoaded()) {
+    const auto first = item.URLAtIndex(0);
+    return first == nullptr ? std::string() : first->searchString();
+  }
+  const auto address = item.overviewTextForKey(kOverviewURLString);
+  return QNItemURL::extractSearchStringFromURLString(address.value_or(""));
+}
+
 std::atomic<std::size_t> numberOfDropped{0};
 
 }  // namespace
@@ -164,7 +174,7 @@ QNItem::SearchTexts& QNItem::searchTextsWithOverview(bool withBlanksOfEmptyParts
   const bool keptTitle = kept != nullptr && kept->holdsTitle;
   if (keptTitle && kept->holdsOverview) return *kept;
   const QNSecret title = keptTitle ? QNSecret(kept->lowercaseTitle()) : lowercaseTitleOf(*this);
-  const std::string host = QNItemURL::extractSearchStringFromURLString(URLString().value_or(""));
+  const std::string host = hostOf(*this);
   QNSecret rest;
   if (withBlanksOfEmptyParts || !title.empty()) rest.append(" ");
   rest.append(host);

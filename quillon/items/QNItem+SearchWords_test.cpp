@@ -56,6 +56,7 @@ TEST(QNItemSearchWords, AreMadeAnewForAnotherListOfAddresses) {
   item->addURLString("https://a.example/");
   EXPECT_THAT(item->helperSearchWords(), ElementsAre("a", "bank", "example", "my"));
   item->addURLString("https://b.example/");
+  EXPECT_THAT(item->helperSearchWords(), ElementsAre("a", "b", "bank", "example", "my"));
   item->removeURL(item->URLAtIndex(0));
   EXPECT_THAT(item->helperSearchWords(), ElementsAre("b", "bank", "example", "my"));
   item->removeURLAtIndex(0);
@@ -66,12 +67,15 @@ TEST(QNItemSearchWords, AreMadeAnewForAnotherListOfAddresses) {
 TEST(QNItemSearchWords, StayWhateverElseChanges) {
   const auto item = itemTitled("My Bank");
   item->addURLString("https://a.example/");
+  item->addURLString("https://d.example/");
   const auto words = item->helperSearchWords();
 
   item->URLAtIndex(0)->setURLString("https://b.example/");
   item->setURLString("https://c.example/");
   item->setAdditionalInformation("Ann");
+  item->moveURL(item->URLAtIndex(1), 0);
   item->copyOverview(jsonObject(R"({"title":"Other"})"));
+  item->setOverviewData(std::nullopt);
   EXPECT_TRUE(item->overviewMatchesLowercaseString("ban"));
 
   EXPECT_EQ(item->helperSearchWords(), words);
@@ -96,6 +100,34 @@ TEST(QNItemSearchWords, WithoutLoadedAddressesAreThoseOfTheTitleAndStaySo) {
   EXPECT_THAT(item->helperSearchWords(), ElementsAre("bank", "my"));
   EXPECT_THAT(assertions(sink), IsEmpty());
 }
+
+class QNItemSearchAddresses : public testing::TestWithParam<bool> {};
+
+TEST_P(QNItemSearchAddresses, AreReadWhileDetailsAreLoadingAndAreNoneBefore) {
+  const bool loading = GetParam();
+  const auto vault = localVault();
+  const auto row = itemTitled("My Bank");
+  row->setProfile(vault);
+  row->addURLString("https://a.example/");
+  save(*row);
+  const auto item = listed(*row, vault);
+  if (loading) {
+    item->markLoadingDetails();
+    item->addURLString("https://a.example/");
+    item->URLAtIndex(0)->setNakedHash("H");
+  }
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(item->URLStringsForSearch().size(), loading ? 1u : 0u);
+  EXPECT_EQ(item->nakedHashesForSearch().size(), loading ? 1u : 0u);
+  EXPECT_EQ(item->matchesHelperSearchStrings({"a.example"}, false), loading);
+
+  const std::vector<std::string> reports(loading ? 0 : 3, "Item URLs must be loaded");
+  EXPECT_EQ(assertions(sink), reports);
+}
+
+INSTANTIATE_TEST_SUITE_P(, QNItemSearchAddresses, testing::Bool(),
+                         [](const auto& tested) { return tested.param ? "Loading" : "NotLoaded"; });
 
 TEST(QNItemSearchWords, AStringOfOneWordMatchesInsideOfAWordOrAtItsBeginning) {
   const auto item = itemTitled("My Bank");

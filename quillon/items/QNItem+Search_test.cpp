@@ -22,12 +22,6 @@ QNSampleItemRef itemTitled(std::string_view title) {
   return item;
 }
 
-std::vector<std::string> revealed(const std::vector<QNSecret>& secrets) {
-  std::vector<std::string> texts;
-  for (const QNSecret& secret : secrets) texts.emplace_back(secret.reveal());
-  return texts;
-}
-
 /// Something in every place that the contents level looks at.
 QNSampleItemRef filledItem(const std::shared_ptr<QNGenericProfile>& vault = localVault()) {
   auto item = newItem(vault);
@@ -483,6 +477,10 @@ TEST(QNItemSearch, ValuesComeInAnOrder) {
                           "9876", "old secret"));
 }
 
+TEST(QNItemSearch, AmongTheValuesAnUnnamedItemIsUnnamed) {
+  EXPECT_THAT(revealed(newItem(localVault())->allValuesForSearch()), ElementsAre("Unnamed"));
+}
+
 TEST(QNItemSearch, EmptyValuesAreLeftOut) {
   EXPECT_THAT(itemTitled("")->allValuesForSearch(), IsEmpty());
   EXPECT_THAT(itemTitled("")->allPasswordsForSearch(), IsEmpty());
@@ -502,8 +500,8 @@ TEST(QNItemSearch, TitlesOfFieldsAndSectionsComeInOrder) {
   const auto item = filledItem();
   item->fieldSectionWithName("nameless", "");
 
-  EXPECT_THAT(item->allFieldTitlesForSearch(), ElementsAre("number", "code"));
-  EXPECT_THAT(item->allSectionTitlesForSearch(), ElementsAre("Card"));
+  EXPECT_THAT(revealed(item->allFieldTitlesForSearch()), ElementsAre("number", "code"));
+  EXPECT_THAT(revealed(item->allSectionTitlesForSearch()), ElementsAre("Card"));
   EXPECT_THAT(newItem(localVault())->allFieldTitlesForSearch(), IsEmpty());
   EXPECT_THAT(newItem(localVault())->allSectionTitlesForSearch(), IsEmpty());
 }
@@ -584,22 +582,37 @@ TEST(QNItemSearch, WhatASearchOverManyKeepsIsWipedAndReleased) {
   const auto row = newItem(vault);
   row->setTitle("A Title Of Plain Letters");
   row->setAdditionalInformation("A Subtitle Of Plain Letters");
+  row->setURLString("https://a.example/sign-in?token=Of-Some-Length");
+  addField(*row, "A Section Of Plain Letters", "n1", "v")->setTitle("A Field Of Plain Letters");
   save(*row);
+  row->URLAtIndex(0)->willSave();
   const QNFreedBlockWatch title("Title Of Plain");
   const QNFreedBlockWatch lowercaseTitle("title of plain");
   const QNFreedBlockWatch lowercaseSubtitle("subtitle of plain");
+  const QNFreedBlockWatch address("token=Of-Some-Length");
+  const QNFreedBlockWatch fieldTitle("Field Of Plain");
+  const QNFreedBlockWatch sectionTitle("Section Of Plain");
   {
-    const std::vector<std::shared_ptr<QNItem>> items = {listed(*row, vault), listed(*row, vault)};
+    const std::vector<std::shared_ptr<QNItem>> items = {listed(*row, vault), opened(*row, vault)};
+    const auto url = std::make_shared<QNItemURL>(QNExisting{3});
+    url->setProfile(vault);
+    url->setOverviewData(row->URLAtIndex(0)->overviewData());
+    items[1]->addURL(url);
     for (const auto level : {QNSearchLevel::title, QNSearchLevel::overview}) {
       EXPECT_EQ(QNItem::itemsMatchingLowercaseStrings(items, {"plain"}, level).size(), 2u);
     }
     items[0]->setUuid(sharedString("NEW-UUID"));
-    EXPECT_TRUE(items[1]->contentsMatchesLowercaseString("subtitle"));
+    EXPECT_TRUE(items[1]->overviewMatchesLowercaseString("a.example"));
+    EXPECT_TRUE(items[1]->contentsMatchesLowercaseString("section of plain"));
+    EXPECT_FALSE(items[1]->contentsMatchesLowercaseString("no such text"));
   }
 
   EXPECT_EQ(title.found(), 0u);
   EXPECT_EQ(lowercaseTitle.found(), 0u);
   EXPECT_EQ(lowercaseSubtitle.found(), 0u);
+  EXPECT_EQ(address.found(), 0u);
+  EXPECT_EQ(fieldTitle.found(), 0u);
+  EXPECT_EQ(sectionTitle.found(), 0u);
   EXPECT_EQ(numberOfDroppedSearchTexts(), 0u);
 }
 

@@ -70,6 +70,26 @@ TEST_F(QNItemSorting, PutsThemWhereTheyBelongIfTheUserWantsIt) {
   EXPECT_THAT(sorted(titles), ElementsAre("", "#1", "9 lives", "apple", "zebra"));
 }
 
+/// Whoever asks for its title finds the user's setting changed.
+class ItemThatChangesTheSetting final : public QNItem {
+ public:
+  using QNItem::QNItem;
+  std::string title() override {
+    QNUserSettings::sharedSettings().setBool(true, QNPrefAdvancedHashSectionIsSortedFirst);
+    return QNItem::title();
+  }
+};
+
+TEST_F(QNItemSorting, ReadsTheUsersSettingOnceACall) {
+  const QNScopedUserSetting setting(false, QNPrefAdvancedHashSectionIsSortedFirst);
+  const auto first = std::make_shared<ItemThatChangesTheSetting>(initNew);
+  first->setTitle("apple");
+  const Items items{first, itemWithTitle("1")};
+
+  EXPECT_THAT(titlesOf(QNItem::sortAlphabetically(items)), ElementsAre("apple", "1"));
+  EXPECT_THAT(titlesOf(QNItem::sortAlphabetically(items)), ElementsAre("1", "apple"));
+}
+
 TEST_F(QNItemSorting, TakesASymbolOfTwoCodeUnitsForNone) {
   EXPECT_THAT(sorted({"apple", "😀 smile", "1"}), ElementsAre("😀 smile", "apple", "1"));
 }

@@ -47,7 +47,11 @@ std::set<std::string> QNItem::tags() {
   return tags;
 }
 
+// Whatever changes tags reads them and writes them under one lock: what another thread has added
+// in between would be lost.
+
 void QNItem::setTags(const std::set<std::string>& tags) {
+  const std::lock_guard lock(monitor());
   if (tags == this->tags()) return;
   JsonArray list(jsonStorage());
   for (const std::string& tag : tags) list.emplace_back(tag);
@@ -84,6 +88,7 @@ void QNItem::setTagsFromUI(const std::vector<std::string>& tags) {
 }
 
 void QNItem::addTag(std::optional<std::string_view> tag) {
+  const std::lock_guard lock(monitor());
   if (!tag) return;
   auto added = processTagForAdding(tag);
   if (!added) return;
@@ -93,12 +98,14 @@ void QNItem::addTag(std::optional<std::string_view> tag) {
 }
 
 void QNItem::removeTag(std::string_view tag) {
+  const std::lock_guard lock(monitor());
   auto tags = this->tags();
   tags.erase(std::string(tag));
   setTags(tags);
 }
 
 void QNItem::removeTagsWithPrefix(std::string_view prefix) {
+  const std::lock_guard lock(monitor());
   if (!prefix.ends_with(QNTagSeparatorString)) return;
   auto tags = this->tags();
   std::erase_if(tags, [prefix](const std::string& tag) { return tag.starts_with(prefix); });
@@ -126,6 +133,7 @@ bool QNItem::isTaggedForHttp() {
 }
 
 void QNItem::toggleTagForAppleWatch() {
+  const std::lock_guard lock(monitor());
   if (isTaggedForAppleWatch()) {
     removeTag(QNAppleWatchTag);
   } else {
@@ -143,6 +151,7 @@ void QNItem::toggleTagForHttp() {
 }
 
 void QNItem::toggleTagWhateverItsCase(std::string_view tag) {
+  const std::lock_guard lock(monitor());
   const auto present = tagsMatchingTag(tag);
   if (present.empty()) addTag(tag);
   for (const std::string& each : present) removeTag(each);

@@ -145,6 +145,7 @@ TEST(QNItemTags, FromAUserReplaceTheOldOnes) {
 
   EXPECT_THAT(item->tags(), ElementsAre("a/b", "new"));
   EXPECT_TRUE(item->dirtyRow());
+  EXPECT_THAT(errors(sink), ElementsAre("Trying to add a nil or empty tag: not nil"));
 }
 
 TEST(QNItemTags, NoneFromAUserClearsThem) {

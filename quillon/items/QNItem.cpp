@@ -85,7 +85,7 @@ void QNItem::setUuid(QNSharedString uuid) {
                                        "Can't set uuid without first setting profile(Type)");
   }
   _uuid = std::move(uuid);
-  if (_open != nullptr) _open->cachedItemSpecifier.reset();
+  _itemSpecifier.reset();
   // A block that others may read isn't written to: the next one gets the new size.
   const SearchTexts* const texts = _search.load(std::memory_order_relaxed);
   if (texts != nullptr) keepSearchTexts(texts->copy());
@@ -162,9 +162,8 @@ std::string QNItem::descriptionWithSizeInformation() {
 
 std::shared_ptr<const QNItemSpecifier> QNItem::itemSpecifier() {
   const std::lock_guard lock(monitor());
-  auto& cached = openState().cachedItemSpecifier;
-  if (cached == nullptr) cached = QNItemSpecifier::specifierWithItem(*this);
-  return cached;
+  if (_itemSpecifier == nullptr) _itemSpecifier = QNItemSpecifier::specifierWithItem(*this);
+  return _itemSpecifier;
 }
 
 std::string QNItem::identifier() {

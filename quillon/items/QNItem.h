@@ -197,8 +197,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::vector<std::string> nakedHashesForSearch();
   [[nodiscard]] virtual std::vector<QNSecret> allValuesForSearch();
   [[nodiscard]] virtual std::vector<QNSecret> allPasswordsForSearch();
-  [[nodiscard]] virtual std::vector<std::string> allFieldTitlesForSearch();
-  [[nodiscard]] std::vector<std::string> allSectionTitlesForSearch();
+  [[nodiscard]] virtual std::vector<QNSecret> allFieldTitlesForSearch();
+  [[nodiscard]] std::vector<QNSecret> allSectionTitlesForSearch();
 
   // Search by words of title and hosts: QNItem+SearchWords.cpp. Kept until setTitle(), addURL(),
   // removeURL() or removeURLAtIndex(). Load the details first: hosts that aren't there stay none.
@@ -210,8 +210,10 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] bool matchesHelperSearchStrings(const SearchStrings& strings, bool prefixMatch);
 
   // Quick access: QNItem+QuickAccess.cpp. What a user reaches for often, each with the key that
-  // copies it. Fields without a value are left out, concealed ones also without the right to
-  // reveal; a one-time password is offered in any case.
+  // copies it. For reading and copying: what becomes of a change is told in
+  // QNQuickAccessShortcut.h. Fields without a value are left out (an empty text is a value, and so
+  // is a fresh address), concealed ones also without the right to reveal; a one-time password is
+  // offered in any case.
   [[nodiscard]] virtual std::vector<QNQuickAccessShortcut> quickAccessFields();
   [[nodiscard]] std::vector<QNQuickAccessShortcut> createQuickAccessFields();
   [[nodiscard]] std::vector<QNQuickAccessShortcut> createQuickAccessFieldsFromFirstSection();
@@ -224,9 +226,11 @@ class QNItem : public QNDatabaseObjectWithOverview,
   /// In clear, for an index of the system. The keys and their order: QNMetadataConstants.h. Without
   /// loaded details there is an assertion log, and no address.
   [[nodiscard]] JsonObject spotlightMetadata();
-  /// Of cards, passports, licenses of two kinds and memberships; a card's is the last day of its
-  /// month, at its first moment in the user's time zone.
+  /// Of cards, passports, licenses of two kinds and memberships; nothing of others. Of a month and
+  /// year, a card's is the last day, the others' the first, at its first moment in the user's time
+  /// zone; of a date, that moment.
   [[nodiscard]] std::optional<std::chrono::sys_seconds> expirationDate();
+  /// The user name; without one, the mail alias.
   [[nodiscard]] std::optional<std::string> fillableUsername();
 
   // Sorting: QNItem+Sorting.cpp. By title, for a person. Without the user's setting
@@ -577,7 +581,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   void setCategoryId(std::uint64_t id) { _categoryId = id; }
   /// Once it was set or asked for, it stays until a save derives it anew.
   [[nodiscard]] std::string sectionName() override;
-  void setSectionName(std::optional<std::string> name) { _sectionName = std::move(name); }
+  void setSectionName(std::optional<std::string> name);
   [[nodiscard]] std::uint64_t createdAt() const { return _createdAt; }
   void setCreatedAt(std::uint64_t seconds) { _createdAt = seconds; }
   [[nodiscard]] std::uint64_t updatedAt() const override { return _updatedAt; }
@@ -758,6 +762,7 @@ class QNItem : public QNDatabaseObjectWithOverview,
   std::uint64_t _folderId = 0;
   std::uint64_t _categoryId = 0;
   std::uint64_t _faveIndex = 0;
+  std::shared_ptr<const QNItemSpecifier> _itemSpecifier;  // made at the first need
   mutable std::unique_ptr<OpenState> _open;  // made at the first need, under the monitor
   std::unique_ptr<RareColumns> _rare;
 };

@@ -33,6 +33,7 @@ void readBesideSaves(const std::shared_ptr<QNGenericProfile>& vault) {
       wrong += item->additionalInformation().value_or("") != "";
       wrong += item->numberOfPreviouslyUsedPasswords() != 0;
       wrong += item->itemSpecifier() == nullptr;
+      wrong += item->sectionName() != "A";
       wrong += item->nakedDomain() != "a.example";
       wrong += item->passwordStrength() < 0;
       wrong += item->lastPasswordChange() == 0;
@@ -77,6 +78,74 @@ TEST(QNItemThreads, TwoThreadsMayNeedTheKeyAtOnce) {
   ASSERT_NE(first, nullptr);
   ASSERT_NE(second, nullptr);
   EXPECT_EQ(first->rawKeyData(), second->rawKeyData());
+}
+
+template <class One, class Two>
+void runTogether(const One& first, const Two& second) {
+  std::atomic<int> started{0};
+  const auto waitForBoth = [&started] {
+    ++started;
+    while (started < 2) std::this_thread::yield();
+  };
+  std::thread one([&] {
+    waitForBoth();
+    first();
+  });
+  std::thread two([&] {
+    waitForBoth();
+    second();
+  });
+  one.join();
+  two.join();
+}
+
+TEST(QNItemThreads, TwoThreadsThatAskFirstGetOneSpecifier) {
+  const auto item = newItem(localVault());
+  std::shared_ptr<const QNItemSpecifier> first;
+  std::shared_ptr<const QNItemSpecifier> second;
+
+  runTogether([&] { first = item->itemSpecifier(); }, [&] { second = item->itemSpecifier(); });
+
+  EXPECT_NE(first, nullptr);
+  EXPECT_EQ(first, second);
+}
+
+constexpr int kTags = 100;
+
+TEST(QNItemThreads, TwoThreadsThatAddTagsLoseNone) {
+  const auto item = newItem(localVault());
+  const auto add = [&item](const std::string& first) {
+    for (int i = 0; i < kTags; ++i) item->addTag(first + std::to_string(i));
+  };
+
+  runTogether([&] { add("a"); }, [&] { add("b"); });
+
+  EXPECT_EQ(item->numberOfTags(), 2u * kTags);
+}
+
+TEST(QNItemThreads, TwoThreadsThatRemoveAndToggleTagsUndoNothing) {
+  const auto item = newItem(localVault());
+  std::set<std::string> tags;
+  for (int i = 0; i < kTags; ++i) {
+    tags.insert("a" + std::to_string(i));
+    tags.insert("b" + std::to_string(i) + "/x");
+  }
+  item->setTags(tags);
+  const auto remove = [&item] {
+    for (int i = 0; i < kTags; ++i) item->removeTag("a" + std::to_string(i));
+  };
+  const auto removeAndToggle = [&item] {
+    for (int i = 0; i < kTags; ++i) {
+      item->removeTagsWithPrefix("b" + std::to_string(i) + "/");
+      item->toggleTagForAppleWatch();
+      item->toggleTagFor2FA();
+    }
+    item->toggleTagForHttp();
+  };
+
+  runTogether(remove, removeAndToggle);
+
+  EXPECT_THAT(item->tags(), testing::ElementsAre(QNHttpTag));
 }
 
 TEST(QNItemThreads, TwoThreadsMayNeedTheSectionsAtOnceBesideASave) {

@@ -83,5 +83,26 @@ TEST(QNItemWeight, ASearchedItemGrowsByItsOverviewAndLittleMore) {
   EXPECT_LE(grown, overview.size() + kHeaderLimit);
 }
 
+// One small object, which shares the texts of both identifiers.
+TEST(QNItemWeight, AnItemThatWasAskedForItsSpecifierGrowsByLittle) {
+  if (runsUnderSanitizer()) GTEST_SKIP() << "these figures are of another heap";
+  constexpr std::size_t kItems = 1000;
+  constexpr std::size_t kSpecifierLimit = 96;
+  const auto vault = localVault();
+  std::vector<std::shared_ptr<QNLogin>> items(kItems);
+  for (auto& item : items) {
+    item = std::make_shared<QNLogin>(QNExisting{1});
+    item->setProfile(vault);
+    item->setUuid(QNItem::uuidForProfileType(kProfileTypeLocalVault));
+  }
+  const std::size_t before = mallinfo2().uordblks;
+
+  for (const auto& item : items) EXPECT_NE(item->itemSpecifier(), nullptr);
+
+  const std::size_t grown = (mallinfo2().uordblks - before) / kItems;
+  std::printf("an item with its specifier: %zu bytes more\n", grown);
+  EXPECT_LE(grown, kSpecifierLimit);
+}
+
 }  // namespace
 }  // namespace quillon

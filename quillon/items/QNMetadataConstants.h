@@ -1,6 +1,7 @@
 #pragma once
 // Keys of what QNItem::spotlightMetadata() tells an index of the system, in this order. "number" is
-// whole seconds since 1970; a text that isn't there is "".
+// whole seconds since 1970; a text that isn't there is "", but for the title (localized "Unnamed")
+// and the description, which always has its words.
 
 #include <string_view>
 

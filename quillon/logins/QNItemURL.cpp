@@ -66,6 +66,11 @@ std::optional<std::string> QNItemURL::URLString() {
   return ownText(overviewTextForKey(kOverviewURLString));
 }
 
+std::string QNItemURL::searchString() {
+  const std::lock_guard lock(monitor());
+  return extractSearchStringFromURLString(overviewTextForKey(kOverviewURLString).value_or(""));
+}
+
 void QNItemURL::setURLString(std::optional<std::string_view> url) {
   if (!setOverviewText(url, kOverviewURLString)) return;
   _nakedHash.reset();

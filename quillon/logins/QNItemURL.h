@@ -29,6 +29,8 @@ class QNItemURL final : public QNDatabaseObjectWithOverview, public QNDisplayOrd
 
   /// The address as the user entered it.
   [[nodiscard]] std::optional<std::string> URLString();
+  /// What extractSearchStringFromURLString() makes of it, without a copy of the rest.
+  [[nodiscard]] std::string searchString();
   /// A new value drops both hashes. Dirties this row alone, and the item keeps the domains that it
   /// knows: to change an item's main address use QNItem::setURLString().
   void setURLString(std::optional<std::string_view> url);

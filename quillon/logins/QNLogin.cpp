@@ -23,8 +23,8 @@ bool hasHtmlId(const QNLoginFieldList::Field& field) {
   return field != nullptr && field->htmlId() != nullptr;
 }
 
-template <class Text>
-std::vector<Text> joined(std::optional<std::vector<Text>> first, std::vector<Text> second) {
+std::vector<QNSecret> joined(std::optional<std::vector<QNSecret>> first,
+                             std::vector<QNSecret> second) {
   if (!first) return second;
   std::move(second.begin(), second.end(), std::back_inserter(*first));
   return std::move(*first);
@@ -250,7 +250,7 @@ std::vector<QNSecret> QNLogin::allPasswordsForSearch() {
                 QNItem::allPasswordsForSearch());
 }
 
-std::vector<std::string> QNLogin::allFieldTitlesForSearch() {
+std::vector<QNSecret> QNLogin::allFieldTitlesForSearch() {
   return joined(withLoginFields([](const QNLoginFieldList& fields) {
                   return fields.allFieldTitlesForSearch();
                 }),

@@ -88,7 +88,7 @@ class QNLogin : public QNItem {
   // Search: entries of the form come first
   [[nodiscard]] std::vector<QNSecret> allValuesForSearch() override;
   [[nodiscard]] std::vector<QNSecret> allPasswordsForSearch() override;
-  [[nodiscard]] std::vector<std::string> allFieldTitlesForSearch() override;
+  [[nodiscard]] std::vector<QNSecret> allFieldTitlesForSearch() override;
 
   // Kept for compatibility: not persisted, and nothing reads them
   [[nodiscard]] bool defaultAutosubmit() const { return false; }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "quillon/platform/json/QNJsonEquality.h"
+#include "quillon/platform/json/QNJsonReading.h"
 
 namespace quillon {
 namespace {
@@ -25,13 +26,18 @@ Fields allThat(const Fields& fields, const Test& test) {
   return found;
 }
 
-std::optional<std::vector<QNSecret>> nonEmptyValues(const Fields& fields) {
-  std::vector<QNSecret> values;
+template <class Read>
+std::optional<std::vector<QNSecret>> nonEmptyTexts(const Fields& fields, const Read& read) {
+  std::vector<QNSecret> texts;
   for (const Field& field : fields) {
-    auto value = field->value();
-    if (value && !value->empty()) values.push_back(*std::move(value));
+    std::optional<QNSecret> text = read(*field);
+    if (text && !text->empty()) texts.push_back(*std::move(text));
   }
-  return values.empty() ? std::nullopt : std::optional(std::move(values));
+  return texts.empty() ? std::nullopt : std::optional(std::move(texts));
+}
+
+std::optional<std::vector<QNSecret>> nonEmptyValues(const Fields& fields) {
+  return nonEmptyTexts(fields, [](const QNLoginField& field) { return field.value(); });
 }
 
 Field fieldWith(std::string_view name, std::optional<std::string_view> value, std::string_view type,
@@ -190,13 +196,12 @@ std::optional<std::vector<QNSecret>> QNLoginFieldList::allPasswordsForSearch() c
   }));
 }
 
-std::optional<std::vector<std::string>> QNLoginFieldList::allFieldTitlesForSearch() const {
-  std::vector<std::string> titles;
-  for (const Field& field : _internalFields) {
-    auto name = field->name();
-    if (name && !name->empty()) titles.push_back(*std::move(name));
-  }
-  return titles.empty() ? std::nullopt : std::optional(std::move(titles));
+// What name() gives, in memory that is wiped.
+std::optional<std::vector<QNSecret>> QNLoginFieldList::allFieldTitlesForSearch() const {
+  return nonEmptyTexts(_internalFields, [](const QNLoginField& field) {
+    const Json* const name = field.objectForKey(QNLoginFieldKeyName);
+    return name == nullptr ? std::nullopt : descriptionOfJson(*name);
+  });
 }
 
 JsonArray QNLoginFieldList::jsonArray() const {

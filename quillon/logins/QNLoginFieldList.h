@@ -79,7 +79,7 @@ class QNLoginFieldList final {
   /// Values of the entries that are concealed or designated password.
   [[nodiscard]] std::optional<std::vector<QNSecret>> allPasswordsForSearch() const;
   /// Names of the entries.
-  [[nodiscard]] std::optional<std::vector<std::string>> allFieldTitlesForSearch() const;
+  [[nodiscard]] std::optional<std::vector<QNSecret>> allFieldTitlesForSearch() const;
 
   /// The form stored in details "fields".
   [[nodiscard]] JsonArray jsonArray() const;

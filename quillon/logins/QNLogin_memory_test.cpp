@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "quillon/fields/QNItemField.h"
+#include "quillon/items/QNQuickAccessShortcut.h"
 #include "quillon/logins/QNLogin.h"
 #include "quillon/logins/QNPassword.h"
 #include "quillon/platform/internal/QNMemoryWatch.h"
@@ -98,6 +100,31 @@ TEST_P(QNLoginMemory, APasswordItemLeavesNoPasswordBehind) {
 
   EXPECT_EQ(found, 0u);
   EXPECT_EQ(watch.found(), 0u);
+}
+
+template <class Item>
+void expectNothingLeftByQuickAccess(const std::shared_ptr<QNProfile>& vault,
+                                    std::string_view password) {
+  const auto item = std::make_shared<Item>(initNew);
+  item->setProfile(vault);
+  item->setPassword(password);
+  const QNFreedBlockWatch watch(password);
+
+  const std::size_t found = remainsOnStack(password, [&item] {
+    ASSERT_EQ(item->quickAccessFields().size(), 1u);
+    ASSERT_NE(item->itemFieldForPassword(), nullptr);
+  });
+
+  EXPECT_EQ(found, 0u);
+  EXPECT_EQ(watch.found(), 0u);
+}
+
+TEST_P(QNLoginMemory, QuickAccessToALoginLeavesNoPasswordBehind) {
+  expectNothingLeftByQuickAccess<QNLogin>(_vault, GetParam());
+}
+
+TEST_P(QNLoginMemory, QuickAccessToAPasswordItemLeavesNoPasswordBehind) {
+  expectNothingLeftByQuickAccess<QNPassword>(_vault, GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(Lengths, QNLoginMemory, testing::Values(kShort, kLong),

@@ -765,12 +765,6 @@ TEST_F(QNLoginTest, SectionsReadAsFormFieldsByTitle) {
             R"("":{"value":"07/2024","type":"T","name":""}})");
 }
 
-std::vector<std::string> revealed(const std::vector<QNSecret>& secrets) {
-  std::vector<std::string> texts;
-  for (const QNSecret& secret : secrets) texts.emplace_back(secret.reveal());
-  return texts;
-}
-
 TEST_F(QNLoginTest, ASearchGetsEntriesOfTheFormFirst) {
   const auto login = loginWithDetails(
       R"({"fields":[{"name":"user","value":"ann","designation":"username"},)"
@@ -783,7 +777,7 @@ TEST_F(QNLoginTest, ASearchGetsEntriesOfTheFormFirst) {
               testing::ElementsAre("ann", "horse", "77", "T", "note", "99"));
   EXPECT_THAT(revealed(login->allPasswordsForSearch()),
               testing::ElementsAre("horse", "77", "horse", "99"));
-  EXPECT_THAT(login->allFieldTitlesForSearch(),
+  EXPECT_THAT(revealed(login->allFieldTitlesForSearch()),
               testing::ElementsAre("user", "word", "pin", "code"));
 }
 

@@ -33,6 +33,14 @@ void QNPassword::setPassword(std::optional<std::string_view> password) {
   setDetailsText(password, kDetailsPassword);
 }
 
+std::vector<QNSecret> QNPassword::allValuesForSearch() {
+  const std::lock_guard guard(monitor());
+  auto values = QNItem::allValuesForSearch();
+  auto own = password();
+  if (own && !own->empty()) values.insert(values.begin(), *std::move(own));
+  return values;
+}
+
 std::vector<QNQuickAccessShortcut> QNPassword::quickAccessFields() {
   const std::lock_guard guard(monitor());
   std::vector<QNQuickAccessShortcut> shortcuts;

@@ -18,6 +18,8 @@ class QNPassword final : public QNItem {
   [[nodiscard]] std::optional<QNSecret> password() override;
   void setPassword(std::optional<std::string_view> password) override;
   [[nodiscard]] std::optional<QNSecret> clipboardValue() override { return password(); }
+  /// The password first, if it isn't empty.
+  [[nodiscard]] std::vector<QNSecret> allValuesForSearch() override;
   /// Password (with the right to reveal) and one-time password.
   [[nodiscard]] std::vector<QNQuickAccessShortcut> quickAccessFields() override;
   /// What a watch gets of it, in clear: touchpoints/QNWatchRecord.h.

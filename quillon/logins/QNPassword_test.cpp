@@ -99,6 +99,30 @@ TEST_F(QNPasswordTest, ComesBackFromItsRow) {
   EXPECT_TRUE(reloaded->password()->equals("pw"));
 }
 
+// Search
+
+TEST_F(QNPasswordTest, ASearchGetsThePasswordFirst) {
+  const auto item = passwordIn(_vault);
+  item->setTitle("T");
+  item->setNotesPlain("note");
+  EXPECT_THAT(revealed(item->allValuesForSearch()), testing::ElementsAre("T", "note"));
+
+  item->setPassword("");
+  EXPECT_THAT(revealed(item->allValuesForSearch()), testing::ElementsAre("T", "note"));
+  item->setPassword("pw");
+
+  EXPECT_THAT(revealed(item->allValuesForSearch()), testing::ElementsAre("pw", "T", "note"));
+}
+
+TEST_F(QNPasswordTest, ASearchOfContentsFindsThePassword) {
+  const auto item = passwordIn(_vault);
+
+  item->setPassword("Grün");
+
+  EXPECT_TRUE(item->contentsMatchesLowercaseString("grun"));
+  EXPECT_FALSE(item->overviewMatchesLowercaseString("grun"));
+}
+
 // Quick access
 
 TEST_F(QNPasswordTest, OffersPasswordAndOneTimePasswordToQuickAccess) {
@@ -118,10 +142,13 @@ TEST_F(QNPasswordTest, OffersPasswordAndOneTimePasswordToQuickAccess) {
 TEST_F(QNPasswordTest, OffersItsPasswordToThoseWhoMayRevealIt) {
   const auto item = passwordIn(_vault);
   item->setPassword("pw");
+  item->setDetailsObject(
+      jsonValue(R"([{"fields":[{"k":"concealed","n":"TOTP_1","v":"otpauth://a"}]}])"),
+      kDetailsSections);
 
   item->setProfile(vaultWithoutRevealing());
 
-  EXPECT_TRUE(item->quickAccessFields().empty());
+  EXPECT_THAT(shown(item->quickAccessFields()), testing::ElementsAre("TOTP 3"));
 }
 
 // Subtitle

@@ -21,8 +21,8 @@ namespace {
 constexpr std::string_view kUUID = "uuid";
 constexpr std::string_view kProfileUUID = "profileUUID";
 
-std::optional<std::string_view> contentOf(const QNSharedString& text) {
-  return text == nullptr ? std::nullopt : std::optional<std::string_view>(*text);
+QNSharedString sharedTextOf(std::optional<std::string_view> text) {
+  return text ? sharedString(std::string(*text)) : nullptr;
 }
 
 QNSharedString profileUUIDOf(const QNItem& item) {
@@ -43,27 +43,30 @@ using ItemsBySpecifier =
 
 }  // namespace
 
-QNItemSpecifier::QNItemSpecifier(std::string uuid, std::string profileUUID)
+QNItemSpecifier::QNItemSpecifier(QNSharedString uuid, QNSharedString profileUUID)
     : _uuid(std::move(uuid)), _profileUUID(std::move(profileUUID)) {}
 
 // Making
 
-std::shared_ptr<QNItemSpecifier> QNItemSpecifier::initWithUUID(
-    std::optional<std::string_view> uuid, std::optional<std::string_view> profileUUID) {
-  if (!uuid) {
+std::shared_ptr<QNItemSpecifier> QNItemSpecifier::initWithTexts(QNSharedString uuid,
+                                                                QNSharedString profileUUID) {
+  if (uuid == nullptr) {
     MRLogger::sharedLogger().assertion(
         DEBUG_XPC, {}, MRLogText("UUID ({}) is required", "Mac/QNItemSpecifier"), "(null)");
     return nullptr;
   }
-  std::string profile = profileUUID ? std::string(*profileUUID) : "unknown" + mr_uuid();
+  if (profileUUID == nullptr) profileUUID = sharedString("unknown" + mr_uuid());
   return std::shared_ptr<QNItemSpecifier>(
-      new QNItemSpecifier(std::string(*uuid), std::move(profile)));
+      new QNItemSpecifier(std::move(uuid), std::move(profileUUID)));
+}
+
+std::shared_ptr<QNItemSpecifier> QNItemSpecifier::initWithUUID(
+    std::optional<std::string_view> uuid, std::optional<std::string_view> profileUUID) {
+  return initWithTexts(sharedTextOf(uuid), sharedTextOf(profileUUID));
 }
 
 QNItemSpecifier::Ref QNItemSpecifier::initWithItem(const QNItem& item) {
-  const QNSharedString uuid = item.uuid();
-  const QNSharedString profileUUID = profileUUIDOf(item);
-  return initWithUUID(contentOf(uuid), contentOf(profileUUID));
+  return initWithTexts(item.uuid(), profileUUIDOf(item));
 }
 
 std::vector<QNItemSpecifier::Ref> QNItemSpecifier::specifiersWithItems(Items items) {
@@ -76,27 +79,25 @@ std::vector<QNItemSpecifier::Ref> QNItemSpecifier::specifiersWithItems(Items ite
 }
 
 std::size_t QNItemSpecifier::hash() const {
-  return std::hash<std::string>{}(_uuid) + std::hash<std::string>{}(_profileUUID);
+  return std::hash<std::string>{}(*_uuid) + std::hash<std::string>{}(*_profileUUID);
 }
 
 bool QNItemSpecifier::matchesItem(const QNItem& item) const {
-  const QNSharedString uuid = item.uuid();
-  const QNSharedString profileUUID = profileUUIDOf(item);
-  return contentOf(uuid) == _uuid && contentOf(profileUUID) == _profileUUID;
+  return equalContent(item.uuid(), _uuid) && equalContent(profileUUIDOf(item), _profileUUID);
 }
 
 std::string QNItemSpecifier::debugDescription() const {
-  return "itemUUID: " + _uuid + ", profileUUID: " + _profileUUID;
+  return "itemUUID: " + *_uuid + ", profileUUID: " + *_profileUUID;
 }
 
 // Texts
 
 std::string QNItemSpecifier::stringRepresentation() const {
-  return _profileUUID + "_" + _uuid;
+  return *_profileUUID + "_" + *_uuid;
 }
 
 std::string QNItemSpecifier::coreStringRepresentation() const {
-  return ":" + _profileUUID + ":" + _uuid;
+  return ":" + *_profileUUID + ":" + *_uuid;
 }
 
 std::vector<std::string> QNItemSpecifier::stringRepresentationsForItems(Items items) {
@@ -124,7 +125,7 @@ void QNItemSpecifier::iterateOverProfilesInSpecifiers(
     const std::function<void()>& completion) {
   std::map<std::string, std::vector<std::string>> itemsByProfile;
   for (const Ref& specifier : specifiers) {
-    if (specifier != nullptr) itemsByProfile[specifier->_profileUUID].push_back(specifier->_uuid);
+    if (specifier != nullptr) itemsByProfile[specifier->profileUUID()].push_back(specifier->uuid());
   }
   for (const auto& [profile, items] : itemsByProfile) {
     if (withBlock) withBlock(profile, items);
@@ -154,14 +155,14 @@ std::shared_ptr<QNCoding> QNItemSpecifier::initWithCoder(QNDecoder& coder) {
 }
 
 void QNItemSpecifier::encodeWithCoder(QNEncoder& coder) {
-  coder.encodeString(_uuid, kUUID);
-  coder.encodeString(_profileUUID, kProfileUUID);
+  coder.encodeString(*_uuid, kUUID);
+  coder.encodeString(*_profileUUID, kProfileUUID);
 }
 
 JsonObject QNItemSpecifier::json() const {
   JsonObject object(jsonStorage());
-  setJsonText(object, kUUID, _uuid);
-  setJsonText(object, kProfileUUID, _profileUUID);
+  setJsonText(object, kUUID, *_uuid);
+  setJsonText(object, kProfileUUID, *_profileUUID);
   return object;
 }
 

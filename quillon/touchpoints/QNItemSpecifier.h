@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "quillon/objects/QNTags.h"
 #include "quillon/platform/archive/QNCoding.h"
 
 namespace quillon {
@@ -19,6 +20,7 @@ class QNItem;
 /// value; it holds no reference to the item, and a copy of it has what it has.
 class QNItemSpecifier final : public QNCoding {
  public:
+  /// Two of these are compared by `*a == *b`: without the stars it is whether they are one object.
   using Ref = std::shared_ptr<const QNItemSpecifier>;
   using Refs = std::span<const Ref>;
   using Items = std::span<const std::shared_ptr<QNItem>>;
@@ -36,10 +38,13 @@ class QNItemSpecifier final : public QNCoding {
   /// One for each, in their order. Nulls, and items that there is none of, are left out.
   static std::vector<Ref> specifiersWithItems(Items items);
 
-  [[nodiscard]] const std::string& uuid() const { return _uuid; }
-  [[nodiscard]] const std::string& profileUUID() const { return _profileUUID; }
+  QNItemSpecifier(const QNItemSpecifier&) = default;  // no move: it would leave one without texts
+  QNItemSpecifier& operator=(const QNItemSpecifier&) = default;
+
+  [[nodiscard]] const std::string& uuid() const { return *_uuid; }
+  [[nodiscard]] const std::string& profileUUID() const { return *_profileUUID; }
   friend bool operator==(const QNItemSpecifier& a, const QNItemSpecifier& b) {
-    return a._uuid == b._uuid && a._profileUUID == b._profileUUID;
+    return a.uuid() == b.uuid() && a.profileUUID() == b.profileUUID();
   }
   [[nodiscard]] std::size_t hash() const;
   /// False for an item without a profile.
@@ -83,9 +88,12 @@ class QNItemSpecifier final : public QNCoding {
   static QNResult<Ref> specifierWithJson(const Json& json);
 
  private:
-  QNItemSpecifier(std::string uuid, std::string profileUUID);
-  std::string _uuid;
-  std::string _profileUUID;
+  QNItemSpecifier(QNSharedString uuid, QNSharedString profileUUID);
+  static std::shared_ptr<QNItemSpecifier> initWithTexts(QNSharedString uuid,
+                                                        QNSharedString profileUUID);
+  // Never null. Made of an item, it shares the item's text and its vault's.
+  QNSharedString _uuid;
+  QNSharedString _profileUUID;
 };
 
 }  // namespace quillon

@@ -128,6 +128,21 @@ TEST(QNItemSpecifier, OfAnItemWithoutAProfileHasAnUnknownOne) {
   EXPECT_FALSE(made->matchesItem(item));
 }
 
+TEST(QNItemSpecifier, OfAnItemWithoutAProfileFindsItIfTheItemKeepsIt) {
+  const auto item = std::make_shared<QNItem>(QNExisting{1});
+  item->setProfileType(kProfileTypeLocalVault);
+  item->setUuid(sharedString("item"));
+  const Items items{item};
+
+  EXPECT_THAT(QNItemSpecifier::itemsMatchingSpecifiers(items, Refs{item->itemSpecifier()}),
+              ElementsAre(item));
+  EXPECT_THAT(QNItemSpecifier::itemsMatchingSpecifiers(
+                  items, Refs{QNItemSpecifier::specifierWithItem(*item)}),
+              IsEmpty());
+  EXPECT_EQ(QNItemSpecifier::stringRepresentationsForItems(items),
+            QNItemSpecifier::stringRepresentationsForItems(items));
+}
+
 TEST(QNItemSpecifier, MatchesNoItemWithoutAUuid) {
   EXPECT_FALSE(specifier("", "")->matchesItem(QNItem(QNExisting{1})));
 }

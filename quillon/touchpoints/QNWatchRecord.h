@@ -12,13 +12,14 @@ class QNItem;
 /// lie in the wiping resource; wipe what you make of them. The keys: QNWatchConstants.h.
 ///
 ///   QNOTPKeychainItemUUIDKey          text
-///   QNOTPKeychainItemNameKey          text: the title
+///   QNOTPKeychainItemNameKey          text: the title, or localized "Unnamed"
 ///   QNOTPKeychainItemURLKey           text: the host of the main address
 ///   QNWatchKeychainItemValueDataKey   object: QNWatchTypeKey, then what the kind adds
 ///
-/// What isn't there is "".
-/// DANGER: what doesn't open is "" too: the record of an item in a locked vault looks like one of
-/// an item without values. Look whether details() gives something before you put it in place of
+/// What else isn't there is "".
+/// DANGER: what isn't loaded, or doesn't open, reads as if it weren't there: the record of an item
+/// in a locked vault looks like one of an item without values. Look whether details(), the item's
+/// mutableOverview() and that of its first address give something before you put it in place of
 /// another.
 class QNWatchRecord final {
  public:

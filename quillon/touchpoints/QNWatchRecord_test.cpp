@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "quillon/fields/QNItemField.h"
+#include "quillon/items/QNQuickAccessShortcut.h"
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/kinds/QNCreditCard.h"
 #include "quillon/kinds/QNSecureNote.h"
@@ -79,14 +80,60 @@ TEST(QNWatchRecord, HasTheHostOfTheAddressAsItIs) {
             Json("b.example"));
 }
 
+TEST(QNWatchRecord, OfAnItemWithoutATitleIsUnnamedInTheUsersLanguage) {
+  const QNScopedLanguage language("de");
+  const auto login = std::make_shared<QNLogin>(initNew);
+
+  EXPECT_EQ(login->appleWatchDictionaryRepresentation().at("QNOTPKeychainItemNameKey"),
+            Json("Unbenannt"));
+}
+
+TEST(QNWatchRecord, OfAnAddressThatDoesNotOpenHasAnEmptyOne) {
+  const auto login = newIn<QNLogin>();
+  const auto damaged = std::make_shared<QNItemURL>(QNExisting{3});
+  damaged->setProfile(login->profile());
+  damaged->setOverviewData(Bytes(64, 1));
+  login->addURL(damaged);
+  login->addURLString("https://other.example/");
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(login->appleWatchDictionaryRepresentation().at("QNOTPKeychainItemURLKey"), Json(""));
+}
+
+TEST(QNWatchRecord, OfAnItemWhoseDetailsAreNotLoadedHasTheHostAndSaysThatItHasNoMore) {
+  const auto vault = localVault();
+  const auto row = std::make_shared<QNLogin>(initNew);
+  row->setProfile(vault);
+  row->setTitle("Library");
+  row->setURLString("https://www.example.com/sign-in");
+  row->setPassword("pw");
+  row->willSave();
+  const auto login = std::make_shared<QNLogin>(QNExisting{1});
+  login->setProfile(vault);
+  login->setUuid(sharedString("ITEM"));
+  login->setOverviewData(row->overviewData());
+  const MRCapturingSink sink;
+
+  EXPECT_EQ(textOf(login->appleWatchDictionaryRepresentation()),
+            R"({"QNOTPKeychainItemUUIDKey":"ITEM","QNOTPKeychainItemNameKey":"Library",)"
+            R"("QNOTPKeychainItemURLKey":"www.example.com","QNWatchKeychainItemValueDataKey":)"
+            R"({"QNWatchTypeKey":"QNWatchTypeLogin","QNWatchLoginItemUsernameKey":"",)"
+            R"("QNWatchLoginItemPasswordKey":""}})");
+  EXPECT_THAT(assertions(sink), testing::Contains(testing::EndsWith("is not loaded")));
+}
+
 TEST(QNWatchRecord, OfAnItemThatDoesNotOpenHasEmptyTexts) {
+  const QNScopedLanguage language("en");
   const auto vault = localVault();
   const auto row = std::make_shared<QNSecureNote>(initNew);
   row->setProfile(vault);
+  row->setTitle("Library");
   row->setNotesPlain("a note");
   row->willSave();
   const auto note = std::make_shared<QNSecureNote>(QNExisting{1});
   note->setProfile(vault);
+  note->setUuid(sharedString("ITEM"));
+  note->setOverviewData(row->overviewData());
   note->markLoadingDetails();
   note->setEncryptedKey(row->encryptedKey());
   note->setDetailsData(row->detailsData());
@@ -94,9 +141,12 @@ TEST(QNWatchRecord, OfAnItemThatDoesNotOpenHasEmptyTexts) {
   vault->lock();
   const MRCapturingSink sink;
 
-  EXPECT_EQ(valuesOf(note->appleWatchDictionaryRepresentation()),
-            R"({"QNWatchTypeKey":"QNWatchTypeSecureNote","QNWatchSecureNoteItemNoteKey":""})");
+  EXPECT_EQ(textOf(note->appleWatchDictionaryRepresentation()),
+            R"({"QNOTPKeychainItemUUIDKey":"ITEM","QNOTPKeychainItemNameKey":"Unnamed",)"
+            R"("QNOTPKeychainItemURLKey":"","QNWatchKeychainItemValueDataKey":)"
+            R"({"QNWatchTypeKey":"QNWatchTypeSecureNote","QNWatchSecureNoteItemNoteKey":""}})");
   EXPECT_EQ(note->details(), nullptr);
+  EXPECT_EQ(note->mutableOverview(), nullptr);
 }
 
 TEST(QNWatchRecord, OfAnItemWithoutAUuidHasAnEmptyOne) {
@@ -223,6 +273,44 @@ TEST_P(QNWatchRecordSecrets, LeavesNoStackWithAPassword) {
   const auto work = [&login] { ASSERT_EQ(login->appleWatchDictionaryRepresentation().size(), 4u); };
 
   EXPECT_EQ(remainsOnStack(GetParam(), work), 0u);
+}
+
+TEST_P(QNWatchRecordSecrets, LeavesNoStackWithAPasswordThatStandsAlone) {
+  const auto item = newIn<QNPassword>();
+  item->setPassword(GetParam());
+  const auto work = [&item] { ASSERT_EQ(item->appleWatchDictionaryRepresentation().size(), 4u); };
+
+  EXPECT_EQ(remainsOnStack(GetParam(), work), 0u);
+}
+
+TEST_P(QNWatchRecordSecrets, LeavesNoStackWithANote) {
+  const auto note = newIn<QNSecureNote>();
+  note->setNotesPlain(GetParam());
+  const auto work = [&note] { ASSERT_EQ(note->appleWatchDictionaryRepresentation().size(), 4u); };
+
+  EXPECT_EQ(remainsOnStack(GetParam(), work), 0u);
+}
+
+TEST_P(QNWatchRecordSecrets, LeavesNoStackWithWhatACardHides) {
+  for (const char* const identifier : {"cvv", "pin"}) {
+    const auto card = cardWithNumber("378282246310005");
+    card->setStringFieldValue(GetParam(), identifier);
+    const auto work = [&card] { ASSERT_EQ(card->appleWatchDictionaryRepresentation().size(), 4u); };
+
+    EXPECT_EQ(remainsOnStack(GetParam(), work), 0u) << identifier;
+  }
+}
+
+TEST_P(QNWatchRecordSecrets, QuickAccessLeavesNothingOfWhatACardHides) {
+  const auto card = cardWithNumber("378282246310005");
+  card->setStringFieldValue(GetParam(), "cvv");
+  const QNFreedBlockWatch watch(GetParam());
+
+  const std::size_t found =
+      remainsOnStack(GetParam(), [&card] { ASSERT_EQ(card->quickAccessFields().size(), 2u); });
+
+  EXPECT_EQ(found, 0u);
+  EXPECT_EQ(watch.found(), 0u);
 }
 
 INSTANTIATE_TEST_SUITE_P(

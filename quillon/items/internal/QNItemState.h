@@ -33,7 +33,6 @@ struct QNItem::OpenState {
   QNForeignElements foreignSections;
   std::optional<std::string> cachedNakedDomain;
   std::optional<std::string> cachedDerivedDomain;
-  std::shared_ptr<const QNItemSpecifier> cachedItemSpecifier;
 };
 
 struct QNItem::RareColumns {

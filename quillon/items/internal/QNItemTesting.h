@@ -126,6 +126,12 @@ inline Bytes archiveWithRoot(const JsonObject& root) {
   return *mr_JSONDataWithError(JsonObject{{"quillon-archive", 1}, {"root", root}});
 }
 
+inline std::vector<std::string> revealed(const std::vector<QNSecret>& secrets) {
+  std::vector<std::string> texts;
+  for (const QNSecret& secret : secrets) texts.emplace_back(secret.reveal());
+  return texts;
+}
+
 inline std::vector<std::string> assertions(const MRCapturingSink& sink) {
   return sink.texts(MRLogKind::assertion);
 }

@@ -7,6 +7,7 @@
 
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/logins/QNLogin.h"
+#include "quillon/logins/QNPassword.h"
 #include "quillon/organisation/predicates/internal/QNPredicateTesting.h"
 
 namespace quillon {
@@ -60,6 +61,15 @@ TEST(QNItemKeyPaths, AreAnsweredByAnItem) {
     EXPECT_EQ(answerOf(*login, question), "yes") << question;
     EXPECT_EQ(answerOf(*login, "NOT (" + std::string(question) + ")"), "no") << question;
   }
+}
+
+TEST(QNItemKeyPaths, OfAGeneratedPasswordHaveItAmongAllValues) {
+  const auto item = std::make_shared<QNPassword>(initNew);
+  item->setProfile(localVault());
+  item->setPassword("correct horse");
+
+  EXPECT_EQ(answerOf(*item, "ANY allValuesForSearch == \"correct horse\""), "yes");
+  EXPECT_EQ(answerOf(*item, "ANY allValuesForSearch == \"horse\""), "no");
 }
 
 TEST(QNItemKeyPaths, OfAnEmptyItemAreAbsentOrEmpty) {

@@ -9,7 +9,6 @@ namespace quillon {
 namespace {
 
 constexpr uint32_t kAlphanumerics = U_GC_L_MASK | U_GC_M_MASK | U_GC_N_MASK;
-constexpr uint32_t kDigitsPunctuationAndSymbols = U_GC_ND_MASK | U_GC_P_MASK | U_GC_S_MASK;
 
 bool isOfCategory(char32_t c, uint32_t mask) noexcept {
   return (U_GET_GC_MASK(static_cast<UChar32>(c)) & mask) != 0;
@@ -25,10 +24,6 @@ bool isWhitespaceButBlank(char32_t c) noexcept {
 
 bool isNonAlphanumeric(char32_t c) noexcept {
   return !isOfCategory(c, kAlphanumerics);
-}
-
-bool isDigitPunctuationOrSymbol(char32_t c) noexcept {
-  return isOfCategory(c, kDigitsPunctuationAndSymbols);
 }
 
 // Reads the character at `offset` and moves behind it.
@@ -56,23 +51,11 @@ const QNCharacterSet& QNCharacterSet::nonAlphanumerics() {
   return set;
 }
 
-const QNCharacterSet& QNCharacterSet::digitsPunctuationAndSymbols() {
-  static constexpr QNCharacterSet set(isDigitPunctuationOrSymbol);
-  return set;
-}
-
 bool QNCharacterSet::containsAnyOf(std::string_view text) const noexcept {
   for (std::size_t next = 0; next < text.size();) {
     if (contains(nextCharacter(text, next))) return true;
   }
   return false;
-}
-
-bool QNCharacterSet::containsFirstUnitOf(std::string_view text) const noexcept {
-  if (text.empty()) return false;
-  std::size_t next = 0;
-  const char32_t first = nextCharacter(text, next);
-  return first <= 0xFFFF && contains(first);
 }
 
 std::vector<std::string_view> QNCharacterSet::piecesOf(std::string_view text) const {

@@ -15,13 +15,9 @@ class QNCharacterSet final {
   static const QNCharacterSet& whitespaceButBlank();
   /// What is neither a letter, nor a mark, nor a number.
   static const QNCharacterSet& nonAlphanumerics();
-  /// Decimal digits, punctuation marks and symbols.
-  static const QNCharacterSet& digitsPunctuationAndSymbols();
 
   [[nodiscard]] bool contains(char32_t character) const noexcept { return _test(character); }
   [[nodiscard]] bool containsAnyOf(std::string_view text) const noexcept;
-  /// Does `text` begin with a UTF-16 code unit of the set? None of two units does.
-  [[nodiscard]] bool containsFirstUnitOf(std::string_view text) const noexcept;
   /// `text` cut at each of the characters. Pieces are empty where two of them meet, or one stands
   /// at an end; a text without any is one piece. Valid as long as the text.
   [[nodiscard]] std::vector<std::string_view> piecesOf(std::string_view text) const;

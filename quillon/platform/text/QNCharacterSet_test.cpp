@@ -39,26 +39,6 @@ TEST(QNCharacterSet, LettersMarksAndNumbersSeparateNothing) {
   }
 }
 
-TEST(QNCharacterSet, KnowsDigitsPunctuationAndSymbols) {
-  const auto& set = QNCharacterSet::digitsPunctuationAndSymbols();
-  for (const char32_t c : {U'0', U'٣', U'#', U'(', U'«', U'+', U'€', U'😀'}) {
-    EXPECT_TRUE(set.contains(c)) << std::uint32_t(c);
-  }
-  for (const char32_t c : {U'a', U' ', U'½', U'Ⅷ', U'\n'}) {
-    EXPECT_FALSE(set.contains(c)) << std::uint32_t(c);
-  }
-}
-
-TEST(QNCharacterSet, TheFirstUnitOfAPairIsOfNoKind) {
-  const auto& set = QNCharacterSet::digitsPunctuationAndSymbols();
-
-  EXPECT_TRUE(set.containsFirstUnitOf("7a"));
-  EXPECT_TRUE(set.containsFirstUnitOf("€ a"));
-  EXPECT_FALSE(set.containsFirstUnitOf("😀 a"));
-  EXPECT_FALSE(set.containsFirstUnitOf("a7"));
-  EXPECT_FALSE(set.containsFirstUnitOf(""));
-}
-
 TEST(QNCharacterSet, FindsAnyOfItsCharacters) {
   const auto& set = QNCharacterSet::nonAlphanumerics();
 

@@ -252,7 +252,10 @@ std::optional<QNMonthDays> qn_daysOfMonth(std::int32_t month, std::int32_t ofYea
   calendar.clear();
   calendar.set(ofYear, month - 1, 1);
   const double first = calendar.getTime(status);
-  calendar.add(UCAL_DATE, calendar.getActualMaximum(UCAL_DATE, status) - 1, status);
+  // Set, not counted from the first: that one may begin at another hour.
+  const std::int32_t lastDay = calendar.getActualMaximum(UCAL_DATE, status);
+  calendar.clear();
+  calendar.set(ofYear, month - 1, lastDay);
   const double last = calendar.getTime(status);
   if (U_FAILURE(status)) return std::nullopt;
   return QNMonthDays{static_cast<std::int64_t>(std::floor(first / 1000)),

@@ -213,6 +213,7 @@ TEST(QNTextDates, ADayWithoutMidnightBeginsWithItsFirstHour) {
 
   // 1 October 2017: clocks went from 0:00 to 1:00, which is 4:00 UTC.
   EXPECT_EQ(qn_daysOfMonth(10, 2017)->first, 1506830400);
+  EXPECT_EQ(qn_daysOfMonth(10, 2017)->last, 1509418800);
 }
 
 std::string kept(std::string_view text, std::string_view set) {
