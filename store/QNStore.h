@@ -228,8 +228,9 @@ class QNStore final {
   /// locked, exists, damaged, ...
   QNResult<QNDone> saveFolder(const std::shared_ptr<QNFolder>& folder);
   /// Makes the row a tombstone: uuid, time of creation and time of now stay. Its items lose their
-  /// folder, trashed ones too, and its subfolders move up to its parent: these rows are saved, so
-  /// objects of them that are held must be read anew. The folder has no row id any more.
+  /// folder, trashed ones too, and its subfolders move up to its parent: these rows are saved with
+  /// the times that they have, so objects of them that are held must be read anew. The folder has
+  /// no row id any more.
   QNResult<QNDone> deleteFolder(const std::shared_ptr<QNFolder>& folder);
   /// Takes the parent from folders that are misplaced, and the folder from items that are in none
   /// that is there. Damaged rows stay as they are, and what hangs under them keeps them for its
