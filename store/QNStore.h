@@ -247,7 +247,7 @@ class QNStore final {
   QNResult<std::vector<std::shared_ptr<QNSyncSource>>> syncSources(
       const std::shared_ptr<QNProfile>& vault);
   /// Stores a source and all of its states, whether it is dirty or not: its profile is the vault.
-  /// Errors: lostRace, locked, notFound, ...
+  /// Errors: exists, if two item states have one uuid; lostRace, locked, notFound, ...
   QNResult<QNDone> saveSyncSource(const std::shared_ptr<QNSyncSource>& source);
   /// Forgets a source and its states. The source has no row id any more.
   QNResult<QNDone> deleteSyncSource(const std::shared_ptr<QNSyncSource>& source);
