@@ -16,8 +16,8 @@
 #include "store/internal/QNStoreState.h"
 #include "store/internal/QNUUIDTable.h"
 
-// What becomes of a uuid. "Changed" is a row whose tx_timestamp isn't the one of the last pair that
-// both sides had reached; without such a pair both have changed.
+// What becomes of a uuid. "Changed" is a row whose tx_timestamp, as the merge finds it, isn't the one
+// of the last pair that both sides had reached; without such a pair both have changed.
 //
 //   mine       theirs     then
 //   unchanged  unchanged  nothing, and nothing is opened
@@ -54,6 +54,7 @@ using ContentHash = std::array<std::uint8_t, 32>;
 struct Head {
   std::uint64_t oid = 0;
   std::uint64_t txTimestamp = 0;
+  std::uint64_t txBefore = 0;  // as the merge found the row: the one of folders may save it anew
   std::uint64_t createdAt = 0;
   std::uint64_t updatedAt = 0;
   bool isTombstone = false;
@@ -73,7 +74,8 @@ ContentHash sealedContentOf(const QNItemRow& row) {
 }
 
 Head headOf(const QNItemRow& row) {
-  return {row.oid, row.txTimestamp, row.createdAt, row.updatedAt, isTombstone(row)};
+  return {row.oid,       row.txTimestamp, row.txTimestamp,
+          row.createdAt, row.updatedAt,   isTombstone(row)};
 }
 
 bool areCopies(const Head& a, const Head& b) {
@@ -120,6 +122,8 @@ class QNStore::Merge final {
 
   static QNResult<QNDone> readMemory(Side& side, const Side& partner);
   static QNResult<QNDone> readHeads(Side& side);
+  QNResult<QNDone> mergeFolders();
+  static void readSavedSince(std::uint64_t txTimestamp, Side& side);
   void findWhatIsOutOfStep();
   [[nodiscard]] bool isInStep(const std::string& uuid, const Head& mine, const Head& theirs);
   QNResult<QNDone> mergeOne(const std::string& uuid);
@@ -160,13 +164,11 @@ class QNStore::Merge final {
 // The sides as they are
 
 QNResult<QNDone> QNStore::Merge::run() {
-  // First: what is deleted leaves its items changed.
-  const auto folders = FolderMerge(_mine.given, _theirs.given, report).run();
-  if (!folders.ok()) return folders.error();
   auto read = readMemory(_mine, _theirs);
   if (read.ok()) read = readMemory(_theirs, _mine);
   if (read.ok()) read = readHeads(_mine);
   if (read.ok()) read = readHeads(_theirs);
+  if (read.ok()) read = mergeFolders();
   if (!read.ok()) return read.error();
   findWhatIsOutOfStep();
   for (const std::string& uuid : _outOfStep) {
@@ -215,6 +217,28 @@ QNResult<QNDone> QNStore::Merge::readHeads(Side& side) {
   return QNDone{};
 }
 
+/// Before the items, which are written with the folder that they have then. Those of a deleted
+/// folder are saved by it: nobody has changed them, but both sides must remember them anew.
+QNResult<QNDone> QNStore::Merge::mergeFolders() {
+  const std::uint64_t mine = lastTxOf(_mine), theirs = lastTxOf(_theirs);
+  const auto merged = FolderMerge(_mine.given, _theirs.given, report).run();
+  if (!merged.ok()) return merged.error();
+  readSavedSince(mine, _mine);
+  readSavedSince(theirs, _theirs);
+  return QNDone{};
+}
+
+void QNStore::Merge::readSavedSince(std::uint64_t txTimestamp, Side& side) {
+  QNQuery query = side.database().file->query(kSelectChanges, side.vault()->oid(), txTimestamp);
+  while (query.next()) {
+    const QNItemRow row = itemRow(query);
+    Head& head = *side.heads.find(row.uuid);
+    const std::uint64_t before = head.txBefore;
+    head = headOf(row);
+    head.txBefore = before;
+  }
+}
+
 void QNStore::Merge::findWhatIsOutOfStep() {
   report.compared = _mine.heads.size();
   for (const auto& [uuid, mine] : _mine.heads) {
@@ -255,19 +279,19 @@ std::optional<Reached> QNStore::Merge::lastReached(const std::string& uuid) {
 bool QNStore::Merge::hasChanged(Side& side, const std::string& uuid) {
   const auto reached = lastReached(uuid);
   if (!reached) return true;
-  return side.heads.find(uuid)->txTimestamp != (&side == &_mine ? reached->mine : reached->theirs);
+  return side.heads.find(uuid)->txBefore != (&side == &_mine ? reached->mine : reached->theirs);
 }
 
 /// Does nothing that this side remembers speak against it having met that version of the other's?
 bool QNStore::Merge::hasSeen(Side& side, const std::string& uuid, const Head& other) {
   const auto* const state = side.remembered(uuid);
-  return state == nullptr || state->sourceTimestamp == other.txTimestamp;
+  return state == nullptr || state->sourceTimestamp == other.txBefore;
 }
 
 /// Has its row changed since the merge that this side alone remembers?
 bool QNStore::Merge::hasMovedOn(Side& side, const std::string& uuid, const Head& own) {
   const auto* const state = side.remembered(uuid);
-  return state != nullptr && state->localTimestamp != own.txTimestamp;
+  return state != nullptr && state->localTimestamp != own.txBefore;
 }
 
 // One uuid
@@ -280,7 +304,9 @@ QNResult<QNDone> QNStore::Merge::mergeOne(const std::string& uuid) {
   if (mine->isTombstone && theirs->isTombstone) return mergeTombstones(uuid);
   if (mine->isTombstone) return mergeDeletion(uuid, _mine, _theirs);
   if (theirs->isTombstone) return mergeDeletion(uuid, _theirs, _mine);
-  if (!hasChanged(_mine, uuid) && !hasChanged(_theirs, uuid)) return QNDone{};
+  const bool areSavedAnew =
+      mine->txTimestamp != mine->txBefore || theirs->txTimestamp != theirs->txBefore;
+  if (!hasChanged(_mine, uuid) && !hasChanged(_theirs, uuid) && !areSavedAnew) return QNDone{};
   if (areCopies(*mine, *theirs)) return QNDone{};
   return mergeItems(uuid);
 }
@@ -417,7 +443,7 @@ QNResult<QNDone> QNStore::Merge::remove(const std::string& uuid, Side& side,
                                         std::uint64_t deletedAt) {
   note(uuid, &side == &_mine ? Kind::deletedMine : Kind::deletedTheirs);
   Head& head = *side.heads.find(uuid);
-  head.removedTx = head.txTimestamp;
+  head.removedTx = head.txBefore;
   return bury(uuid, side, deletedAt);
 }
 
