@@ -2,9 +2,14 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillon {
+
+/// The name of an item's title as a part. With "_conflict_" and a number behind it, the identifier
+/// of a title that lost, in the section of conflicts.
+inline constexpr std::string_view kTitlePart = "overview.title";
 
 /// What became of one part of an item that both sides had changed, or that took the place of
 /// another. Names parts by their keys, never by what stands in them: "notesPlain", "password",

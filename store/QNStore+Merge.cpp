@@ -13,6 +13,7 @@
 #include "store/QNStore.h"
 #include "store/internal/QNFolderMerge.h"
 #include "store/internal/QNItemParts.h"
+#include "store/internal/QNMergeRest.h"
 #include "store/internal/QNStoreState.h"
 #include "store/internal/QNUUIDTable.h"
 
@@ -387,16 +388,18 @@ QNResult<QNDone> QNStore::Merge::join(const std::string& uuid, const std::shared
   Side& into = isTheirsLater ? _theirs : _mine;
   Side& from = isTheirsLater ? _mine : _theirs;
   const auto& later = isTheirsLater ? theirs : mine;
+  const auto& earlier = isTheirsLater ? mine : theirs;
+  const QNMergeRest rest(*earlier);
   std::set<std::string> tags = mine->tags();
   tags.merge(theirs->tags());
-  const auto joined =
-      std::dynamic_pointer_cast<QNItem>(later->mergeWithConflict(isTheirsLater ? mine : theirs));
+  const auto joined = std::dynamic_pointer_cast<QNItem>(later->mergeWithConflict(earlier));
   if (joined == nullptr) {
     note(uuid, Kind::notJoined);
     _apart.insert(uuid);
     return QNDone{};
   }
   if (joined->tags() != tags) joined->setTags(tags);
+  rest.addTo(*joined);
   const auto saved = saveIn(into, uuid, joined, Database::Times::now);
   if (!saved.ok()) return saved.error();
   const auto content = contentOf(*joined);

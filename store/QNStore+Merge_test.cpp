@@ -130,6 +130,16 @@ class QNStoreMerge : public ::testing::Test {
     }
     return history;
   }
+  /// "IDENTIFIER VALUE" of each copy in the section of conflicts.
+  static std::vector<std::string> conflictsIn(Session& session, std::string_view uuid) {
+    std::vector<std::string> conflicts;
+    const auto section = itemIn(session, uuid)->sectionForConflictsCreatedIfNeeded();
+    for (const auto& field : section->fields()) {
+      conflicts.push_back(std::string(field->identifier().value_or("")) + " " +
+                          std::string(field->displayStringValue().reveal()));
+    }
+    return conflicts;
+  }
   static std::shared_ptr<QNItem> itemIn(Session& session, std::string_view uuid) {
     auto item = session.store->item(session.vault, uuid);
     EXPECT_TRUE(item.ok()) << item.error().message;
@@ -387,8 +397,79 @@ TEST_F(QNStoreMerge, WhatBothChangedInOneSecondIsJoinedIntoMine) {
 
   const QNMergeReport report = merged();
 
-  EXPECT_EQ(fieldsOf(report.items.at(0)).at("overview.title"), Outcome::kept);
+  EXPECT_EQ(fieldsOf(report.items.at(0)).at("overview.title"), Outcome::conflictCopy);
   EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"mine"});
+}
+
+TEST_F(QNStoreMerge, ATitleThatLosesIsKeptAmongTheConflicts) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("earlier"); });
+  edit(theirs, uuid, [](QNItem& item) { item.setTitle("later"); });
+  merged();
+
+  EXPECT_THAT(conflictsIn(mine, uuid), ElementsAre("overview.title_conflict_1 earlier"));
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("mine"); });
+  edit(theirs, uuid, [](QNItem& item) { item.setTitle("theirs"); });
+  merged();
+
+  EXPECT_THAT(conflictsIn(theirs, uuid),
+              ElementsAre("overview.title_conflict_1 earlier", "overview.title_conflict_2 mine"));
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("earlier"); });
+  edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("notes"); });
+  merged();
+
+  EXPECT_EQ(conflictsIn(theirs, uuid).size(), 2u);
+}
+
+TEST_F(QNStoreMerge, MembersThatOnlyTheEarlierOneHasStay) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) {
+    item.setDetailsObject(Json("details"), "ofANewerVersion");
+    item.setDetailsObject(Json("mine"), "ofBoth");
+    item.setOverviewObject(Json("overview"), "ofANewerVersion");
+    item.setOverviewObject(Json("icon"), kCustomIcon);
+  });
+  edit(theirs, uuid, [](QNItem& item) { item.setDetailsObject(Json("theirs"), "ofBoth"); });
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::joined);
+
+  const auto item = itemIn(theirs, uuid);
+  EXPECT_EQ(item->overviewTextForKey("ofANewerVersion"), "overview");
+  EXPECT_EQ(item->overviewTextForKey(kCustomIcon), "icon");
+  EXPECT_EQ(*item->detailsObjectForKey("ofANewerVersion"), Json("details"));
+  EXPECT_EQ(*item->detailsObjectForKey("ofBoth"), Json("theirs"));
+}
+
+TEST_F(QNStoreMerge, EachSideKeepsThePlaceAmongItsFavourites) {
+  savedLogin(mine, "second");
+  copyFile();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setFaveIndex(3); });
+  edit(theirs, uuid, [](QNItem& item) { item.setFaveIndex(7); });
+  edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("notes"); });
+  merged();
+  EXPECT_EQ(itemIn(mine, uuid)->faveIndex(), 3u);
+  EXPECT_EQ(itemIn(theirs, uuid)->faveIndex(), 7u);
+  edit(mine, uuid, [](QNItem& item) { item.setFaveIndex(0); });
+  merged();
+
+  EXPECT_EQ(itemIn(theirs, uuid)->faveIndex(), 0u);
+}
+
+// What isn't compared is lost at the next replacement.
+TEST_F(QNStoreMerge, AnIconIsAChange) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setOverviewObject(Json("icon"), kCustomIcon); });
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::replacedTheirs);
+
+  EXPECT_EQ(itemIn(theirs, uuid)->overviewTextForKey(kCustomIcon), "icon");
 }
 
 // Without a memory, as after a restored or copied file, one of both must win.
