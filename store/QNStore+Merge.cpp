@@ -49,6 +49,9 @@ using Kind = QNMergedItem::Kind;
 
 constexpr std::string_view kStoreKeychainType = "store";
 
+// Times never shrink: rows and a ledger of an older copy were put back beside a newer memory.
+constexpr std::string_view kOlderThanItsMemory = "rows are older than a merge remembers them";
+
 using ContentHash = std::array<std::uint8_t, 32>;
 
 /// What is known of a row without opening it.
@@ -187,6 +190,11 @@ QNResult<QNDone> QNStore::Merge::readMemory(Side& side, const Side& partner) {
       side.database().partnerAt(partner.given.place, *partner.vault()->uuid(), side.vault());
   if (!known.ok()) return known.error();
   side.memory = std::move(known).value();
+  const std::uint64_t lastTx = lastTxOf(side);
+  for (const QNSyncStateRow& state : side.memory.states.rows()) {
+    const bool isItem = state.kind == QNSyncStates::kKindOfItems;
+    if (isItem && state.localTimestamp > lastTx) return vaultDamaged(kOlderThanItsMemory);
+  }
   if (side.memory.source != nullptr) return QNDone{};
   const auto source = std::make_shared<QNSyncSource>(initNew);
   source->setProfile(side.vault());
@@ -210,6 +218,9 @@ QNResult<QNDone> QNStore::Merge::readHeads(Side& side) {
     if (!count.add(sealer.seal(row), row.seal)) return vaultDamaged("a row was altered");
     Head& head = side.heads.add(row.uuid, headOf(row)).value;
     const auto* const known = side.remembered(row.uuid);
+    if (known != nullptr && known->localTimestamp > row.txTimestamp) {
+      return vaultDamaged(kOlderThanItsMemory);
+    }
     if (known == nullptr || known->localTimestamp != row.txTimestamp) {
       head.sealedContent = sealedContentOf(row);
     }

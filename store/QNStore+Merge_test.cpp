@@ -781,7 +781,55 @@ class QNStoreMergeRestored : public QNStoreMerge {
     std::filesystem::remove(file);
     return bytes;
   }
+  /// Into mine; but not what it remembers of theirs.
+  void putRowsBack(const std::string& bytes) {
+    const auto backup = folder / "rows";
+    writeFile(backup, bytes);
+    auto database = std::move(QNDatabase::open(myFile, QNDatabase::Mode::readWrite)).value();
+    database->run("PRAGMA foreign_keys = OFF; ATTACH '" + backup.string() + "' AS old");
+    for (const std::string table : {"items", "details", "urls", "folders", "ledgers"}) {
+      database->run("DELETE FROM main." + table + "; INSERT INTO main." + table +
+                    " SELECT * FROM old." + table);
+    }
+    ASSERT_FALSE(database->failed());
+  }
 };
+
+TEST_F(QNStoreMergeRestored, ChangesNeitherSideIfRowsAreOlderThanItsMemory) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  const std::string backup = backupOf(mine);
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("newest"); });
+  savedLogin(mine, "second");
+  merged();
+  putRowsBack(backup);
+  const auto expectDamaged = [&] {
+    EXPECT_EQ(problemsIn(mine), std::vector<std::string>());
+    EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::damaged));
+    EXPECT_THAT(titlesIn(theirs), ElementsAre("newest", "second"));
+  };
+
+  expectDamaged();
+  // So the ledger is newer than all that is remembered.
+  clock.setSeconds(secondsNow() + 100);
+  savedLogin(mine, "third");
+
+  expectDamaged();
+}
+
+TEST_F(QNStoreMergeRestored, ChangesNeitherSideIfARowIsMissingThatItRemembers) {
+  copyFile();
+  merged();
+  const std::string backup = backupOf(mine);
+  savedLogin(mine, "second");
+  merged();
+  putRowsBack(backup);
+
+  EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::damaged));
+
+  EXPECT_THAT(titlesIn(theirs), ElementsAre("first", "second"));
+}
 
 TEST_F(QNStoreMergeRestored, TakesWhatTheOtherHasHadSinceThen) {
   savedLogin(mine, "second");
