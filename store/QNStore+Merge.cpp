@@ -372,8 +372,10 @@ QNResult<QNDone> QNStore::Merge::replace(const std::string& uuid, Side& side, QN
   Side& partner = &side == &_mine ? _theirs : _mine;
   const auto cleaned = saveWithoutDuplicateURLs(uuid, partner, winner);
   if (!cleaned.ok()) return cleaned.error();
+  const std::uint64_t favePlace = loser.faveIndex();
   const auto result = std::dynamic_pointer_cast<QNItem>(loser.objectByReplacingWith(winner));
   if (result == nullptr) return vaultDamaged("an item can't take another's place");
+  if (favePlace != 0 && result->isFavorite()) result->setFaveIndex(favePlace);
   result->setUpdatedAt(winner->updatedAt());
   // What the loser had isn't retired now: the winner's history is the one that counts.
   result->noteOriginalPassword();

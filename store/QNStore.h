@@ -256,7 +256,8 @@ class QNStore final {
   enum class MergeMode { write, dryRun };
   /// Brings two vaults of two stores into step: afterwards both hold the same folders, and the
   /// same items but for those of different categories (notJoined), and a second run changes
-  /// nothing. Attachments, counters of use and the place among the favourites aren't brought over.
+  /// nothing. Attachments and counters of use aren't brought over, nor the place among the
+  /// favourites of an item that both have there.
   /// One transaction on each side, and none may be open. A dry run does the same and takes it back,
   /// so it needs the right to write too. Errors: sameFile, notFound for a side without store or
   /// vault, locked, damaged if either vault isn't sound, busy, notWritable, unreadableItem, ...
