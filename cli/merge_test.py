@@ -285,6 +285,19 @@ class Merge(MergeTest):
         self.merge("--vault", "work")
         self.assertIn("Wiki", self.at("list", "--vault", "work").out)
 
+    def test_a_first_merge_from_a_place_is_told(self):
+        self.add("Bank")
+        self.copy_store()
+        first = "no earlier merge of these two is remembered"
+        self.assertIs(self.merge("--dry-run", "--json").json["first"], True)
+        self.assertIn(first, self.merge().err)
+        self.assertNotIn(first, self.merge().err)
+        self.assertIs(self.merge("--json").json["first"], False)
+        moved = self.path("moved.qn")
+        os.rename(self.theirs, moved)
+        self.theirs = moved
+        self.assertIn(first, self.merge().err)
+
     def test_a_file_under_another_name_is_remembered(self):
         self.add("Bank")
         self.copy_store()

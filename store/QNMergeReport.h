@@ -61,6 +61,8 @@ struct QNMergeReport {
   std::vector<std::string> foldersMovedToTop;
   /// uuid of each smart folder that is in quarantine now, as QNStore::folders() tells.
   std::vector<std::string> quarantinedFolders;
+  bool isFirst = false;        // a side remembered nothing of the other's place: without a memory,
+                               // what differs counts as changed on both
   std::uint64_t compared = 0;  // uuids of both sides together
   std::uint64_t opened = 0;    // readings of details; an item that is joined is read 3 times
 };

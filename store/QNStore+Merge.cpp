@@ -124,7 +124,7 @@ class QNStore::Merge final {
   };
   using Loaded = QNResult<std::shared_ptr<QNItem>>;
 
-  static QNResult<QNDone> readMemory(Side& side, const Side& partner);
+  QNResult<QNDone> readMemory(Side& side, const Side& partner);
   static QNResult<QNDone> readHeads(Side& side);
   QNResult<QNDone> mergeFolders();
   static void readSavedSince(std::uint64_t txTimestamp, Side& side);
@@ -196,6 +196,7 @@ QNResult<QNDone> QNStore::Merge::readMemory(Side& side, const Side& partner) {
     if (isItem && state.localTimestamp > lastTx) return vaultDamaged(kOlderThanItsMemory);
   }
   if (side.memory.source != nullptr) return QNDone{};
+  report.isFirst = true;
   const auto source = std::make_shared<QNSyncSource>(initNew);
   source->setProfile(side.vault());
   source->restoreKeychainIdentifier(partner.given.place, false);
