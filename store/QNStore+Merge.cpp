@@ -2,23 +2,18 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <map>
-#include <optional>
-#include <set>
 
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/platform/data/MRData.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/json/QNJsonEquality.h"
-#include "store/QNStore.h"
 #include "store/internal/QNFolderMerge.h"
 #include "store/internal/QNItemParts.h"
 #include "store/internal/QNMergeRest.h"
-#include "store/internal/QNStoreState.h"
-#include "store/internal/QNUUIDTable.h"
+#include "store/internal/QNStoreMerge.h"
 
-// What becomes of a uuid. "Changed" is a row whose tx_timestamp, as the merge finds it, isn't the one
-// of the last pair that both sides had reached; without such a pair both have changed.
+// What becomes of a uuid. "Changed" is a row whose tx_timestamp, as the merge finds it, isn't the
+// one of the last pair that both sides had reached; without such a pair both have changed.
 //
 //   mine       theirs     then
 //   unchanged  unchanged  nothing, and nothing is opened
@@ -33,11 +28,6 @@
 //                         version
 //   deleted    deleted    the later time for both
 //
-// Theirs is committed first, and both remember the pair of times that was reached. If mine then
-// fails, theirs remembers a pair that mine never had: the older one of two that differ counts. Of
-// an item that a deletion removes, the deleting side remembers the version that it removed. So if
-// the removal is lost, the side has met what is there.
-//
 // Every row's seal and both ledgers are checked; what both sides remember as it is costs no more
 // than that.
 
@@ -45,29 +35,8 @@ namespace quillon {
 
 namespace {
 
-using Kind = QNMergedItem::Kind;
-
-constexpr std::string_view kStoreKeychainType = "store";
-
-// Times never shrink: rows and a ledger of an older copy were put back beside a newer memory.
-constexpr std::string_view kOlderThanItsMemory = "rows are older than a merge remembers them";
-
-using ContentHash = std::array<std::uint8_t, 32>;
-
-/// What is known of a row without opening it.
-struct Head {
-  std::uint64_t oid = 0;
-  std::uint64_t txTimestamp = 0;
-  std::uint64_t txBefore = 0;  // as the merge found the row: the one of folders may save it anew
-  std::uint64_t createdAt = 0;
-  std::uint64_t updatedAt = 0;
-  bool isTombstone = false;
-  std::uint64_t removedTx = 0;                    // of the item that this merge has deleted
-  std::optional<ContentHash> sealedContent = {};  // of a row that its side doesn't remember so
-};
-
 /// Equal in a copied file only.
-ContentHash sealedContentOf(const QNItemRow& row) {
+std::array<std::uint8_t, 32> sealedContentOf(const QNItemRow& row) {
   Bytes content = toBytes(row.bodyHash);
   content.insert(content.end(), row.overview.begin(), row.overview.end());
   const std::string columns =
@@ -77,93 +46,16 @@ ContentHash sealedContentOf(const QNItemRow& row) {
   return sha256(content);
 }
 
-Head headOf(const QNItemRow& row) {
+QNMergeHead headOf(const QNItemRow& row) {
   return {row.oid,       row.txTimestamp, row.txTimestamp,
           row.createdAt, row.updatedAt,   isTombstone(row)};
 }
 
-bool areCopies(const Head& a, const Head& b) {
+bool areCopies(const QNMergeHead& a, const QNMergeHead& b) {
   return a.sealedContent && a.sealedContent == b.sealedContent;
 }
 
-QNError vaultDamaged(std::string_view what) {
-  return storeError(QNStoreErrorCode::damaged, what);
-}
-
-/// How far the two rows of a uuid were when they held the same.
-struct Reached {
-  std::uint64_t mine = 0;
-  std::uint64_t theirs = 0;
-};
-
-bool isNotAfter(const Reached& a, const Reached& b) {
-  return a.mine <= b.mine && a.theirs <= b.theirs;
-}
-
 }  // namespace
-
-class QNStore::Merge final {
- public:
-  Merge(const QNMergeSide& mine, const QNMergeSide& theirs) : _mine{mine}, _theirs{theirs} {}
-  QNResult<QNDone> run();
-  QNMergeReport report;
-  bool finished = false;
-
- private:
-  struct Side {
-    const QNMergeSide& given;
-    Database::Partner memory = {};  // of the other side
-    QNUUIDTable<Head> heads = {};
-    [[nodiscard]] Database& database() const { return *given.store->_database; }
-    [[nodiscard]] const std::shared_ptr<QNProfile>& vault() const { return given.vault; }
-    /// How far the row was here, `localTimestamp`, and there, `sourceTimestamp`. Null if this side
-    /// remembers nothing of it.
-    [[nodiscard]] const QNSyncStateRow* remembered(std::string_view uuid) {
-      return memory.states.itemState(uuid);
-    }
-  };
-  using Loaded = QNResult<std::shared_ptr<QNItem>>;
-
-  QNResult<QNDone> readMemory(Side& side, const Side& partner);
-  static QNResult<QNDone> readHeads(Side& side);
-  QNResult<QNDone> mergeFolders();
-  static void readSavedSince(std::uint64_t txTimestamp, Side& side);
-  void findWhatIsOutOfStep();
-  [[nodiscard]] bool isInStep(const std::string& uuid, const Head& mine, const Head& theirs);
-  QNResult<QNDone> mergeOne(const std::string& uuid);
-  QNResult<QNDone> mergeDeletion(const std::string& uuid, Side& deleted, Side& living);
-  QNResult<QNDone> mergeTombstones(const std::string& uuid);
-  QNResult<QNDone> mergeItems(const std::string& uuid);
-  QNResult<QNDone> replace(const std::string& uuid, Side& side, QNItem& loser,
-                           const std::shared_ptr<QNItem>& winner);
-  QNResult<QNDone> saveWithoutDuplicateURLs(const std::string& uuid, Side& side,
-                                            const std::shared_ptr<QNItem>& item);
-  QNResult<QNDone> join(const std::string& uuid, const std::shared_ptr<QNItem>& mine,
-                        const std::shared_ptr<QNItem>& theirs);
-  QNResult<QNDone> copy(const std::string& uuid, Side& from, Side& to);
-  QNResult<QNDone> copyTombstone(const std::string& uuid, Side& from, Side& to);
-  QNResult<QNDone> remove(const std::string& uuid, Side& side, std::uint64_t deletedAt);
-  QNResult<QNDone> bury(const std::string& uuid, Side& side, std::uint64_t deletedAt);
-  QNSyncStateRow stateOf(const std::string& uuid, Side& side, Side& partner) const;
-  std::map<std::uint64_t, std::string> outOfStepByRow(Side& side) const;
-  QNResult<QNDone> writeMemory(Side& side, Side& partner);
-
-  Loaded load(const std::string& uuid, Side& side);
-  QNResult<QNDone> saveIn(Side& side, const std::string& uuid, const std::shared_ptr<QNItem>& item,
-                          Database::Times times);
-  void noteWritten(Side& side, const std::string& uuid, std::uint64_t oid, const Head& content);
-  std::optional<Reached> lastReached(const std::string& uuid);
-  static bool hasSeen(Side& side, const std::string& uuid, const Head& other);
-  static bool hasMovedOn(Side& side, const std::string& uuid, const Head& own);
-  bool hasChanged(Side& side, const std::string& uuid);
-  /// The last time that was given in that side's vault.
-  static std::uint64_t lastTxOf(const Side& side);
-  void note(const std::string& uuid, Kind kind, std::vector<QNMergedField> fields = {});
-
-  Side _mine, _theirs;
-  std::set<std::string> _outOfStep;  // uuids that must be looked at, in the report's order
-  std::set<std::string> _apart;      // those that couldn't be brought into step
-};
 
 // The sides as they are
 
@@ -185,28 +77,6 @@ QNResult<QNDone> QNStore::Merge::run() {
   return written;
 }
 
-QNResult<QNDone> QNStore::Merge::readMemory(Side& side, const Side& partner) {
-  auto known =
-      side.database().partnerAt(partner.given.place, *partner.vault()->uuid(), side.vault());
-  if (!known.ok()) return known.error();
-  side.memory = std::move(known).value();
-  const std::uint64_t lastTx = lastTxOf(side);
-  for (const QNSyncStateRow& state : side.memory.states.rows()) {
-    const bool isItem = state.kind == QNSyncStates::kKindOfItems;
-    if (isItem && state.localTimestamp > lastTx) return vaultDamaged(kOlderThanItsMemory);
-  }
-  if (side.memory.source != nullptr) return QNDone{};
-  report.isFirst = true;
-  const auto source = std::make_shared<QNSyncSource>(initNew);
-  source->setProfile(side.vault());
-  source->restoreKeychainIdentifier(partner.given.place, false);
-  source->setKeychainType(std::string(kStoreKeychainType));
-  source->setRemoteProfileUUID(*partner.vault()->uuid());
-  source->setLocalProfileUUID(*side.vault()->uuid());
-  side.memory.source = source;
-  return QNDone{};
-}
-
 /// A row that isn't genuine would be carried over under a good seal: nothing is merged then.
 QNResult<QNDone> QNStore::Merge::readHeads(Side& side) {
   const auto ledger = side.database().ledgerNow(*side.vault());
@@ -220,7 +90,7 @@ QNResult<QNDone> QNStore::Merge::readHeads(Side& side) {
     Head& head = side.heads.add(row.uuid, headOf(row)).value;
     const auto* const known = side.remembered(row.uuid);
     if (known != nullptr && known->localTimestamp > row.txTimestamp) {
-      return vaultDamaged(kOlderThanItsMemory);
+      return rowsOlderThanMemory();
     }
     if (known == nullptr || known->localTimestamp != row.txTimestamp) {
       head.sealedContent = sealedContentOf(row);
@@ -263,48 +133,6 @@ void QNStore::Merge::findWhatIsOutOfStep() {
     ++report.compared;
     _outOfStep.insert(uuid);
   }
-}
-
-/// Do both sides remember these two, and nothing older? Of a deletion on both sides, one may
-/// remember what it has removed from the other.
-bool QNStore::Merge::isInStep(const std::string& uuid, const Head& mine, const Head& theirs) {
-  const auto* const own = _mine.remembered(uuid);
-  const auto* const other = _theirs.remembered(uuid);
-  if (own == nullptr || other == nullptr || own->localTimestamp != mine.txTimestamp ||
-      other->localTimestamp != theirs.txTimestamp) {
-    return false;
-  }
-  if (mine.isTombstone && theirs.isTombstone) return mine.updatedAt == theirs.updatedAt;
-  return own->sourceTimestamp == theirs.txTimestamp && other->sourceTimestamp == mine.txTimestamp;
-}
-
-/// Nothing if one side remembers nothing, or the two can't be told apart by age.
-std::optional<Reached> QNStore::Merge::lastReached(const std::string& uuid) {
-  const auto* const mine = _mine.remembered(uuid);
-  const auto* const theirs = _theirs.remembered(uuid);
-  if (mine == nullptr || theirs == nullptr) return std::nullopt;
-  const Reached own = {mine->localTimestamp, mine->sourceTimestamp};
-  const Reached other = {theirs->sourceTimestamp, theirs->localTimestamp};
-  if (isNotAfter(own, other)) return own;
-  return isNotAfter(other, own) ? std::optional(other) : std::nullopt;
-}
-
-bool QNStore::Merge::hasChanged(Side& side, const std::string& uuid) {
-  const auto reached = lastReached(uuid);
-  if (!reached) return true;
-  return side.heads.find(uuid)->txBefore != (&side == &_mine ? reached->mine : reached->theirs);
-}
-
-/// Does nothing that this side remembers speak against it having met that version of the other's?
-bool QNStore::Merge::hasSeen(Side& side, const std::string& uuid, const Head& other) {
-  const auto* const state = side.remembered(uuid);
-  return state == nullptr || state->sourceTimestamp == other.txBefore;
-}
-
-/// Has its row changed since the merge that this side alone remembers?
-bool QNStore::Merge::hasMovedOn(Side& side, const std::string& uuid, const Head& own) {
-  const auto* const state = side.remembered(uuid);
-  return state != nullptr && state->localTimestamp != own.txBefore;
 }
 
 // One uuid
@@ -429,7 +257,7 @@ QNResult<QNDone> QNStore::Merge::copy(const std::string& uuid, Side& from, Side&
   const Loaded item = load(uuid, from);
   if (!item.ok()) return item.error();
   if (to.heads.find(uuid) == nullptr) {
-    note(uuid, &to == &_mine ? Kind::copiedToMine : Kind::copiedToTheirs);
+    note(uuid, kindFor(to, Kind::copiedToMine, Kind::copiedToTheirs));
   }
   return saveIn(to, uuid, item.value(), Database::Times::kept);
 }
@@ -451,14 +279,14 @@ QNResult<QNDone> QNStore::Merge::copyTombstone(const std::string& uuid, Side& fr
       {oid, uuid, head.createdAt, head.updatedAt, ledger.value()->nextTx(secondsNow()), wrapped},
       to.vault(), {});
   if (!written.ok()) return written.error();
-  note(uuid, &to == &_mine ? Kind::deletedMine : Kind::deletedTheirs);
+  note(uuid, kindFor(to, Kind::deletedMine, Kind::deletedTheirs));
   noteWritten(to, uuid, oid, head);
   return QNDone{};
 }
 
 QNResult<QNDone> QNStore::Merge::remove(const std::string& uuid, Side& side,
                                         std::uint64_t deletedAt) {
-  note(uuid, &side == &_mine ? Kind::deletedMine : Kind::deletedTheirs);
+  note(uuid, kindFor(side, Kind::deletedMine, Kind::deletedTheirs));
   Head& head = *side.heads.find(uuid);
   head.removedTx = head.txBefore;
   return bury(uuid, side, deletedAt);
@@ -523,44 +351,6 @@ std::uint64_t QNStore::Merge::lastTxOf(const Side& side) {
 
 void QNStore::Merge::note(const std::string& uuid, Kind kind, std::vector<QNMergedField> fields) {
   report.items.push_back({uuid, kind, std::move(fields)});
-}
-
-// What is remembered for the next time
-
-QNSyncStateRow QNStore::Merge::stateOf(const std::string& uuid, Side& side, Side& partner) const {
-  const Head& here = *side.heads.find(uuid);
-  const Head& there = *partner.heads.find(uuid);
-  QNSyncStateRow state;
-  state.objectType = static_cast<std::uint32_t>(QNObjectType::item);
-  state.objectID = here.oid;
-  state.syncedAt = secondsNow();
-  // Of two that stay apart neither side has met the other's: no row ever has the time 0.
-  if (_apart.contains(uuid)) return state;
-  state.localTimestamp = here.txTimestamp;
-  state.sourceTimestamp = there.removedTx != 0 ? there.removedTx : there.txTimestamp;
-  return state;
-}
-
-/// So they can be read one beside the other the next time.
-std::map<std::uint64_t, std::string> QNStore::Merge::outOfStepByRow(Side& side) const {
-  std::map<std::uint64_t, std::string> byOid;
-  for (const std::string& uuid : _outOfStep) byOid.emplace(side.heads.find(uuid)->oid, uuid);
-  return byOid;
-}
-
-QNResult<QNDone> QNStore::Merge::writeMemory(Side& side, Side& partner) {
-  for (const auto& [oid, uuid] : outOfStepByRow(side)) {
-    const QNSyncStateRow state = stateOf(uuid, side, partner);
-    const auto* const before = side.remembered(uuid);
-    const bool isKnown = before != nullptr && before->localTimestamp == state.localTimestamp &&
-                         before->sourceTimestamp == state.sourceTimestamp;
-    if (!isKnown) side.memory.states.setItemState(uuid, state);
-  }
-  QNSyncSource& source = *side.memory.source;
-  if (source.hasOid() && !side.memory.states.hasChanges()) return QNDone{};
-  source.setLocalProfileTimestamp(lastTxOf(side));
-  source.setRemoteProfileTimestamp(lastTxOf(partner));
-  return side.database().savePartner(side.memory);
 }
 
 // The whole
