@@ -227,6 +227,7 @@ TEST_F(QNStoreMergeFolders, DeletesTheItemsOfAFolderAlsoAfterHalfAFirstMerge) {
   mine = Session();
   std::filesystem::rename(copy, file);
   mine = openSession(file);
+  later();
 
   const QNMergeReport report = mergeWithThird();
 

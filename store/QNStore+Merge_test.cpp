@@ -279,6 +279,7 @@ TEST_F(QNStoreMerge, MembersThatOnlyTheEarlierOneHasStay) {
   const auto item = itemIn(theirs, uuid);
   EXPECT_EQ(item->overviewTextForKey("ofANewerVersion"), "overview");
   EXPECT_EQ(item->overviewTextForKey(kCustomIcon), "icon");
+  ASSERT_NE(item->detailsObjectForKey("ofANewerVersion"), nullptr);
   EXPECT_EQ(*item->detailsObjectForKey("ofANewerVersion"), Json("details"));
   EXPECT_EQ(*item->detailsObjectForKey("ofBoth"), Json("theirs"));
 }
