@@ -179,7 +179,7 @@ class Merge(MergeTest):
         what, fields = self.merged()["Mine"]
         self.assertEqual(what, "joined")
         self.assertEqual(fields["notesPlain"], "joined")
-        self.assertEqual(fields["overview.title"], "kept")
+        self.assertEqual(fields["overview.title"], "conflictCopy")
         self.assertEqual(fields["password"], "conflictCopy")
         self.assertEqual(fields["username"], "conflictCopy")
         shown = self.show(uuid)
@@ -284,6 +284,19 @@ class Merge(MergeTest):
         self.add("Wiki", "--vault", "work")
         self.merge("--vault", "work")
         self.assertIn("Wiki", self.at("list", "--vault", "work").out)
+
+    def test_a_first_merge_from_a_place_is_told(self):
+        self.add("Bank")
+        self.copy_store()
+        first = "no earlier merge of these two is remembered"
+        self.assertIs(self.merge("--dry-run", "--json").json["first"], True)
+        self.assertIn(first, self.merge().err)
+        self.assertNotIn(first, self.merge().err)
+        self.assertIs(self.merge("--json").json["first"], False)
+        moved = self.path("moved.qn")
+        os.rename(self.theirs, moved)
+        self.theirs = moved
+        self.assertIn(first, self.merge().err)
 
     def test_a_file_under_another_name_is_remembered(self):
         self.add("Bank")
@@ -487,6 +500,26 @@ class Resolve(MergeTest):
         self.run_tool("resolve", uuid, "--field", "username=theirs")
         self.assertEqual(self.show(uuid)["username"], "theirs")
         self.assertEqual(self.run_tool("conflicts").out, "")
+
+    def test_a_title_is_settled(self):
+        for category in ("login", "server"):
+            with self.subTest(category):
+                uuid = self.run_tool("add", category, "--title", "Box").out.strip()
+                if os.path.exists(self.theirs):
+                    os.remove(self.theirs)
+                self.copy_store()
+                self.at("edit", uuid, "--set", "title=Theirs\x1b[31m")
+                self.run_tool("edit", uuid, "--set", "title=Mine")
+                self.merge()
+                self.assertIn("  title  Title\n    mine:    Mine\n    theirs:  Theirs\\x1b[31m\n",
+                              self.run_tool("conflicts").out)
+                (item,) = self.run_tool("conflicts", "--json").json
+                self.assertEqual(item["conflicts"], [
+                    {"field": "title", "title": "Title", "secret": False, "mine": "Mine",
+                     "theirs": "Theirs\x1b[31m"}])
+                self.run_tool("resolve", uuid, "--field", "title=theirs")
+                self.assertEqual(self.show(uuid)["title"], "Theirs\x1b[31m")
+                self.assertEqual(self.run_tool("conflicts").out, "")
 
     def test_an_input_of_a_logins_form_is_settled(self):
         uuid = self.merge_forms([{"name": "pin", "type": "P", "value": "2222"}],

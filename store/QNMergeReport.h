@@ -2,9 +2,14 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillon {
+
+/// The name of an item's title as a part. With "_conflict_" and a number behind it, the identifier
+/// of a title that lost, in the section of conflicts.
+inline constexpr std::string_view kTitlePart = "overview.title";
 
 /// What became of one part of an item that both sides had changed, or that took the place of
 /// another. Names parts by their keys, never by what stands in them: "notesPlain", "password",
@@ -56,6 +61,8 @@ struct QNMergeReport {
   std::vector<std::string> foldersMovedToTop;
   /// uuid of each smart folder that is in quarantine now, as QNStore::folders() tells.
   std::vector<std::string> quarantinedFolders;
+  bool isFirst = false;        // a side remembered nothing of the other's place: without a memory,
+                               // what differs counts as changed on both
   std::uint64_t compared = 0;  // uuids of both sides together
   std::uint64_t opened = 0;    // readings of details; an item that is joined is read 3 times
 };

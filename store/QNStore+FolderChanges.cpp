@@ -11,6 +11,9 @@
 //   stays    row id, uuid, created_at
 //   becomes  status 2, updated_at the time of the deletion, a new tx_timestamp
 //   is gone  everything else: other numbers are 0, texts and icon NULL, the overview empty
+//
+// What it held is saved with the time that it has: it was moved, not edited, and in a merge an edit
+// on the other side must count as the later change.
 
 namespace quillon {
 
@@ -277,7 +280,7 @@ QNResult<QNDone> QNStore::Database::deleteFolder(const std::shared_ptr<QNFolder>
   }
   const auto before = folderBefore(*folder, vault.value());
   if (!before.ok()) return before.error();
-  const auto buried = buryFolder(before.value(), vault.value(), secondsNow(), Times::now);
+  const auto buried = buryFolder(before.value(), vault.value(), secondsNow(), Times::kept);
   if (!buried.ok()) return buried.error();
   afterCommit.emplace_back([folder] {
     folder->_setOid(0);
@@ -416,7 +419,7 @@ QNResult<QNDone> QNStore::Database::repairFolders(const std::shared_ptr<QNProfil
   auto moved = moveMisplacedToTop(vault, Times::now);
   if (!moved.ok()) return moved.error();
   auto freed =
-      takeOutOfFolder(oidsOf(file->query(kSelectStrayItems, vault->oid())), vault, Times::now);
+      takeOutOfFolder(oidsOf(file->query(kSelectStrayItems, vault->oid())), vault, Times::kept);
   if (!freed.ok()) return freed.error();
   repair.foldersMovedToTop = std::move(moved).value();
   repair.itemsMovedToTop = std::move(freed).value();

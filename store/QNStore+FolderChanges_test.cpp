@@ -295,7 +295,7 @@ TEST_F(QNStoreFolderChanges, LeaveTheItemsOfADeletedFolderInNone) {
   EXPECT_TRUE(box->deleted());
   EXPECT_EQ(treeIn(session), "");
   EXPECT_EQ(reread(*item)->folderUUID(), std::nullopt);
-  EXPECT_EQ(reread(*item)->updatedAt(), 1'700'000'100u);
+  EXPECT_EQ(reread(*item)->updatedAt(), 1'700'000'000u);
   EXPECT_TRUE(reread(*item)->password()->equals("correct horse"));
   EXPECT_EQ(reread(*trashed)->folderUUID(), std::nullopt);
   EXPECT_TRUE(reread(*trashed)->trashed());
@@ -475,6 +475,7 @@ TEST_F(QNStoreMisplacedFolders, AreMovedToTheTopByARepairWithItemsThatAreInNone)
   const auto inside = savedLoginIn(session, *a, "inside");
   writeParent(*a, *b->uuid());
   writeParent(*orphan, "nobody");
+  clock.setSeconds(1'700'000'100);
 
   const QNFolderRepair repaired = repair();
 
@@ -483,6 +484,7 @@ TEST_F(QNStoreMisplacedFolders, AreMovedToTheTopByARepairWithItemsThatAreInNone)
   EXPECT_EQ(treeIn(session), "a 1 b 0 [c 0] orphan 0");
   EXPECT_EQ(reread(*inside)->folderUUID(), *a->uuid());
   EXPECT_EQ(reread(*stray)->folderUUID(), std::nullopt);
+  EXPECT_EQ(reread(*stray)->updatedAt(), 1'700'000'000u);  // it was moved, not edited
   const auto checked = session.store->check(session.vault).value();
   EXPECT_THAT(checked.problems, IsEmpty());
   EXPECT_THAT(checked.remarks, IsEmpty());

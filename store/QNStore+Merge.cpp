@@ -2,22 +2,18 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <map>
-#include <optional>
-#include <set>
 
 #include "quillon/logins/QNItemURL.h"
 #include "quillon/platform/data/MRData.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/json/QNJsonEquality.h"
-#include "store/QNStore.h"
 #include "store/internal/QNFolderMerge.h"
 #include "store/internal/QNItemParts.h"
-#include "store/internal/QNStoreState.h"
-#include "store/internal/QNUUIDTable.h"
+#include "store/internal/QNMergeRest.h"
+#include "store/internal/QNStoreMerge.h"
 
-// What becomes of a uuid. "Changed" is a row whose tx_timestamp isn't the one of the last pair that
-// both sides had reached; without such a pair both have changed.
+// What becomes of a uuid. "Changed" is a row whose tx_timestamp, as the merge finds it, isn't the
+// one of the last pair that both sides had reached; without such a pair both have changed.
 //
 //   mine       theirs     then
 //   unchanged  unchanged  nothing, and nothing is opened
@@ -32,11 +28,6 @@
 //                         version
 //   deleted    deleted    the later time for both
 //
-// Theirs is committed first, and both remember the pair of times that was reached. If mine then
-// fails, theirs remembers a pair that mine never had: the older one of two that differ counts. Of
-// an item that a deletion removes, the deleting side remembers the version that it removed. So if
-// the removal is lost, the side has met what is there.
-//
 // Every row's seal and both ledgers are checked; what both sides remember as it is costs no more
 // than that.
 
@@ -44,25 +35,8 @@ namespace quillon {
 
 namespace {
 
-using Kind = QNMergedItem::Kind;
-
-constexpr std::string_view kStoreKeychainType = "store";
-
-using ContentHash = std::array<std::uint8_t, 32>;
-
-/// What is known of a row without opening it.
-struct Head {
-  std::uint64_t oid = 0;
-  std::uint64_t txTimestamp = 0;
-  std::uint64_t createdAt = 0;
-  std::uint64_t updatedAt = 0;
-  bool isTombstone = false;
-  std::uint64_t removedTx = 0;                    // of the item that this merge has deleted
-  std::optional<ContentHash> sealedContent = {};  // of a row that its side doesn't remember so
-};
-
 /// Equal in a copied file only.
-ContentHash sealedContentOf(const QNItemRow& row) {
+std::array<std::uint8_t, 32> sealedContentOf(const QNItemRow& row) {
   Bytes content = toBytes(row.bodyHash);
   content.insert(content.end(), row.overview.begin(), row.overview.end());
   const std::string columns =
@@ -72,101 +46,25 @@ ContentHash sealedContentOf(const QNItemRow& row) {
   return sha256(content);
 }
 
-Head headOf(const QNItemRow& row) {
-  return {row.oid, row.txTimestamp, row.createdAt, row.updatedAt, isTombstone(row)};
+QNMergeHead headOf(const QNItemRow& row) {
+  return {row.oid,       row.txTimestamp, row.txTimestamp,
+          row.createdAt, row.updatedAt,   isTombstone(row)};
 }
 
-bool areCopies(const Head& a, const Head& b) {
+bool areCopies(const QNMergeHead& a, const QNMergeHead& b) {
   return a.sealedContent && a.sealedContent == b.sealedContent;
-}
-
-QNError vaultDamaged(std::string_view what) {
-  return storeError(QNStoreErrorCode::damaged, what);
-}
-
-/// How far the two rows of a uuid were when they held the same.
-struct Reached {
-  std::uint64_t mine = 0;
-  std::uint64_t theirs = 0;
-};
-
-bool isNotAfter(const Reached& a, const Reached& b) {
-  return a.mine <= b.mine && a.theirs <= b.theirs;
 }
 
 }  // namespace
 
-class QNStore::Merge final {
- public:
-  Merge(const QNMergeSide& mine, const QNMergeSide& theirs) : _mine{mine}, _theirs{theirs} {}
-  QNResult<QNDone> run();
-  QNMergeReport report;
-  bool finished = false;
-
- private:
-  struct Side {
-    const QNMergeSide& given;
-    Database::Partner memory = {};  // of the other side
-    QNUUIDTable<Head> heads = {};
-    [[nodiscard]] Database& database() const { return *given.store->_database; }
-    [[nodiscard]] const std::shared_ptr<QNProfile>& vault() const { return given.vault; }
-    /// How far the row was here, `localTimestamp`, and there, `sourceTimestamp`. Null if this side
-    /// remembers nothing of it.
-    [[nodiscard]] const QNSyncStateRow* remembered(std::string_view uuid) {
-      return memory.states.itemState(uuid);
-    }
-  };
-  using Loaded = QNResult<std::shared_ptr<QNItem>>;
-
-  static QNResult<QNDone> readMemory(Side& side, const Side& partner);
-  static QNResult<QNDone> readHeads(Side& side);
-  void findWhatIsOutOfStep();
-  [[nodiscard]] bool isInStep(const std::string& uuid, const Head& mine, const Head& theirs);
-  QNResult<QNDone> mergeOne(const std::string& uuid);
-  QNResult<QNDone> mergeDeletion(const std::string& uuid, Side& deleted, Side& living);
-  QNResult<QNDone> mergeTombstones(const std::string& uuid);
-  QNResult<QNDone> mergeItems(const std::string& uuid);
-  QNResult<QNDone> replace(const std::string& uuid, Side& side, QNItem& loser,
-                           const std::shared_ptr<QNItem>& winner);
-  QNResult<QNDone> saveWithoutDuplicateURLs(const std::string& uuid, Side& side,
-                                            const std::shared_ptr<QNItem>& item);
-  QNResult<QNDone> join(const std::string& uuid, const std::shared_ptr<QNItem>& mine,
-                        const std::shared_ptr<QNItem>& theirs);
-  QNResult<QNDone> copy(const std::string& uuid, Side& from, Side& to);
-  QNResult<QNDone> copyTombstone(const std::string& uuid, Side& from, Side& to);
-  QNResult<QNDone> remove(const std::string& uuid, Side& side, std::uint64_t deletedAt);
-  QNResult<QNDone> bury(const std::string& uuid, Side& side, std::uint64_t deletedAt);
-  QNSyncStateRow stateOf(const std::string& uuid, Side& side, Side& partner) const;
-  std::map<std::uint64_t, std::string> outOfStepByRow(Side& side) const;
-  QNResult<QNDone> writeMemory(Side& side, Side& partner);
-
-  Loaded load(const std::string& uuid, Side& side);
-  QNResult<QNDone> saveIn(Side& side, const std::string& uuid, const std::shared_ptr<QNItem>& item,
-                          Database::Times times);
-  void noteWritten(Side& side, const std::string& uuid, std::uint64_t oid, const Head& content);
-  std::optional<Reached> lastReached(const std::string& uuid);
-  static bool hasSeen(Side& side, const std::string& uuid, const Head& other);
-  static bool hasMovedOn(Side& side, const std::string& uuid, const Head& own);
-  bool hasChanged(Side& side, const std::string& uuid);
-  /// The last time that was given in that side's vault.
-  static std::uint64_t lastTxOf(const Side& side);
-  void note(const std::string& uuid, Kind kind, std::vector<QNMergedField> fields = {});
-
-  Side _mine, _theirs;
-  std::set<std::string> _outOfStep;  // uuids that must be looked at, in the report's order
-  std::set<std::string> _apart;      // those that couldn't be brought into step
-};
-
 // The sides as they are
 
 QNResult<QNDone> QNStore::Merge::run() {
-  // First: what is deleted leaves its items changed.
-  const auto folders = FolderMerge(_mine.given, _theirs.given, report).run();
-  if (!folders.ok()) return folders.error();
   auto read = readMemory(_mine, _theirs);
   if (read.ok()) read = readMemory(_theirs, _mine);
   if (read.ok()) read = readHeads(_mine);
   if (read.ok()) read = readHeads(_theirs);
+  if (read.ok()) read = mergeFolders();
   if (!read.ok()) return read.error();
   findWhatIsOutOfStep();
   for (const std::string& uuid : _outOfStep) {
@@ -177,22 +75,6 @@ QNResult<QNDone> QNStore::Merge::run() {
   if (written.ok()) written = writeMemory(_mine, _theirs);
   finished = written.ok();
   return written;
-}
-
-QNResult<QNDone> QNStore::Merge::readMemory(Side& side, const Side& partner) {
-  auto known =
-      side.database().partnerAt(partner.given.place, *partner.vault()->uuid(), side.vault());
-  if (!known.ok()) return known.error();
-  side.memory = std::move(known).value();
-  if (side.memory.source != nullptr) return QNDone{};
-  const auto source = std::make_shared<QNSyncSource>(initNew);
-  source->setProfile(side.vault());
-  source->restoreKeychainIdentifier(partner.given.place, false);
-  source->setKeychainType(std::string(kStoreKeychainType));
-  source->setRemoteProfileUUID(*partner.vault()->uuid());
-  source->setLocalProfileUUID(*side.vault()->uuid());
-  side.memory.source = source;
-  return QNDone{};
 }
 
 /// A row that isn't genuine would be carried over under a good seal: nothing is merged then.
@@ -207,12 +89,37 @@ QNResult<QNDone> QNStore::Merge::readHeads(Side& side) {
     if (!count.add(sealer.seal(row), row.seal)) return vaultDamaged("a row was altered");
     Head& head = side.heads.add(row.uuid, headOf(row)).value;
     const auto* const known = side.remembered(row.uuid);
+    if (known != nullptr && known->localTimestamp > row.txTimestamp) {
+      return rowsOlderThanMemory();
+    }
     if (known == nullptr || known->localTimestamp != row.txTimestamp) {
       head.sealedContent = sealedContentOf(row);
     }
   }
   if (!count.agreesWith(ledger.value().items)) return vaultDamaged("rows are missing or older");
   return QNDone{};
+}
+
+/// Before the items, which are written with the folder that they have then. Those of a deleted
+/// folder are saved by it: nobody has changed them, but both sides must remember them anew.
+QNResult<QNDone> QNStore::Merge::mergeFolders() {
+  const std::uint64_t mine = lastTxOf(_mine), theirs = lastTxOf(_theirs);
+  const auto merged = FolderMerge(_mine.given, _theirs.given, report).run();
+  if (!merged.ok()) return merged.error();
+  readSavedSince(mine, _mine);
+  readSavedSince(theirs, _theirs);
+  return QNDone{};
+}
+
+void QNStore::Merge::readSavedSince(std::uint64_t txTimestamp, Side& side) {
+  QNQuery query = side.database().file->query(kSelectChanges, side.vault()->oid(), txTimestamp);
+  while (query.next()) {
+    const QNItemRow row = itemRow(query);
+    Head& head = *side.heads.find(row.uuid);
+    const std::uint64_t before = head.txBefore;
+    head = headOf(row);
+    head.txBefore = before;
+  }
 }
 
 void QNStore::Merge::findWhatIsOutOfStep() {
@@ -228,48 +135,6 @@ void QNStore::Merge::findWhatIsOutOfStep() {
   }
 }
 
-/// Do both sides remember these two, and nothing older? Of a deletion on both sides, one may
-/// remember what it has removed from the other.
-bool QNStore::Merge::isInStep(const std::string& uuid, const Head& mine, const Head& theirs) {
-  const auto* const own = _mine.remembered(uuid);
-  const auto* const other = _theirs.remembered(uuid);
-  if (own == nullptr || other == nullptr || own->localTimestamp != mine.txTimestamp ||
-      other->localTimestamp != theirs.txTimestamp) {
-    return false;
-  }
-  if (mine.isTombstone && theirs.isTombstone) return mine.updatedAt == theirs.updatedAt;
-  return own->sourceTimestamp == theirs.txTimestamp && other->sourceTimestamp == mine.txTimestamp;
-}
-
-/// Nothing if one side remembers nothing, or the two can't be told apart by age.
-std::optional<Reached> QNStore::Merge::lastReached(const std::string& uuid) {
-  const auto* const mine = _mine.remembered(uuid);
-  const auto* const theirs = _theirs.remembered(uuid);
-  if (mine == nullptr || theirs == nullptr) return std::nullopt;
-  const Reached own = {mine->localTimestamp, mine->sourceTimestamp};
-  const Reached other = {theirs->sourceTimestamp, theirs->localTimestamp};
-  if (isNotAfter(own, other)) return own;
-  return isNotAfter(other, own) ? std::optional(other) : std::nullopt;
-}
-
-bool QNStore::Merge::hasChanged(Side& side, const std::string& uuid) {
-  const auto reached = lastReached(uuid);
-  if (!reached) return true;
-  return side.heads.find(uuid)->txTimestamp != (&side == &_mine ? reached->mine : reached->theirs);
-}
-
-/// Does nothing that this side remembers speak against it having met that version of the other's?
-bool QNStore::Merge::hasSeen(Side& side, const std::string& uuid, const Head& other) {
-  const auto* const state = side.remembered(uuid);
-  return state == nullptr || state->sourceTimestamp == other.txTimestamp;
-}
-
-/// Has its row changed since the merge that this side alone remembers?
-bool QNStore::Merge::hasMovedOn(Side& side, const std::string& uuid, const Head& own) {
-  const auto* const state = side.remembered(uuid);
-  return state != nullptr && state->localTimestamp != own.txTimestamp;
-}
-
 // One uuid
 
 QNResult<QNDone> QNStore::Merge::mergeOne(const std::string& uuid) {
@@ -280,7 +145,9 @@ QNResult<QNDone> QNStore::Merge::mergeOne(const std::string& uuid) {
   if (mine->isTombstone && theirs->isTombstone) return mergeTombstones(uuid);
   if (mine->isTombstone) return mergeDeletion(uuid, _mine, _theirs);
   if (theirs->isTombstone) return mergeDeletion(uuid, _theirs, _mine);
-  if (!hasChanged(_mine, uuid) && !hasChanged(_theirs, uuid)) return QNDone{};
+  const bool areSavedAnew =
+      mine->txTimestamp != mine->txBefore || theirs->txTimestamp != theirs->txBefore;
+  if (!hasChanged(_mine, uuid) && !hasChanged(_theirs, uuid) && !areSavedAnew) return QNDone{};
   if (areCopies(*mine, *theirs)) return QNDone{};
   return mergeItems(uuid);
 }
@@ -334,8 +201,10 @@ QNResult<QNDone> QNStore::Merge::replace(const std::string& uuid, Side& side, QN
   Side& partner = &side == &_mine ? _theirs : _mine;
   const auto cleaned = saveWithoutDuplicateURLs(uuid, partner, winner);
   if (!cleaned.ok()) return cleaned.error();
+  const std::uint64_t favePlace = loser.faveIndex();
   const auto result = std::dynamic_pointer_cast<QNItem>(loser.objectByReplacingWith(winner));
   if (result == nullptr) return vaultDamaged("an item can't take another's place");
+  if (favePlace != 0 && result->isFavorite()) result->setFaveIndex(favePlace);
   result->setUpdatedAt(winner->updatedAt());
   // What the loser had isn't retired now: the winner's history is the one that counts.
   result->noteOriginalPassword();
@@ -361,16 +230,18 @@ QNResult<QNDone> QNStore::Merge::join(const std::string& uuid, const std::shared
   Side& into = isTheirsLater ? _theirs : _mine;
   Side& from = isTheirsLater ? _mine : _theirs;
   const auto& later = isTheirsLater ? theirs : mine;
+  const auto& earlier = isTheirsLater ? mine : theirs;
+  const QNMergeRest rest(*earlier);
   std::set<std::string> tags = mine->tags();
   tags.merge(theirs->tags());
-  const auto joined =
-      std::dynamic_pointer_cast<QNItem>(later->mergeWithConflict(isTheirsLater ? mine : theirs));
+  const auto joined = std::dynamic_pointer_cast<QNItem>(later->mergeWithConflict(earlier));
   if (joined == nullptr) {
     note(uuid, Kind::notJoined);
     _apart.insert(uuid);
     return QNDone{};
   }
   if (joined->tags() != tags) joined->setTags(tags);
+  rest.addTo(*joined);
   const auto saved = saveIn(into, uuid, joined, Database::Times::now);
   if (!saved.ok()) return saved.error();
   const auto content = contentOf(*joined);
@@ -386,7 +257,7 @@ QNResult<QNDone> QNStore::Merge::copy(const std::string& uuid, Side& from, Side&
   const Loaded item = load(uuid, from);
   if (!item.ok()) return item.error();
   if (to.heads.find(uuid) == nullptr) {
-    note(uuid, &to == &_mine ? Kind::copiedToMine : Kind::copiedToTheirs);
+    note(uuid, kindFor(to, Kind::copiedToMine, Kind::copiedToTheirs));
   }
   return saveIn(to, uuid, item.value(), Database::Times::kept);
 }
@@ -408,16 +279,16 @@ QNResult<QNDone> QNStore::Merge::copyTombstone(const std::string& uuid, Side& fr
       {oid, uuid, head.createdAt, head.updatedAt, ledger.value()->nextTx(secondsNow()), wrapped},
       to.vault(), {});
   if (!written.ok()) return written.error();
-  note(uuid, &to == &_mine ? Kind::deletedMine : Kind::deletedTheirs);
+  note(uuid, kindFor(to, Kind::deletedMine, Kind::deletedTheirs));
   noteWritten(to, uuid, oid, head);
   return QNDone{};
 }
 
 QNResult<QNDone> QNStore::Merge::remove(const std::string& uuid, Side& side,
                                         std::uint64_t deletedAt) {
-  note(uuid, &side == &_mine ? Kind::deletedMine : Kind::deletedTheirs);
+  note(uuid, kindFor(side, Kind::deletedMine, Kind::deletedTheirs));
   Head& head = *side.heads.find(uuid);
-  head.removedTx = head.txTimestamp;
+  head.removedTx = head.txBefore;
   return bury(uuid, side, deletedAt);
 }
 
@@ -480,44 +351,6 @@ std::uint64_t QNStore::Merge::lastTxOf(const Side& side) {
 
 void QNStore::Merge::note(const std::string& uuid, Kind kind, std::vector<QNMergedField> fields) {
   report.items.push_back({uuid, kind, std::move(fields)});
-}
-
-// What is remembered for the next time
-
-QNSyncStateRow QNStore::Merge::stateOf(const std::string& uuid, Side& side, Side& partner) const {
-  const Head& here = *side.heads.find(uuid);
-  const Head& there = *partner.heads.find(uuid);
-  QNSyncStateRow state;
-  state.objectType = static_cast<std::uint32_t>(QNObjectType::item);
-  state.objectID = here.oid;
-  state.syncedAt = secondsNow();
-  // Of two that stay apart neither side has met the other's: no row ever has the time 0.
-  if (_apart.contains(uuid)) return state;
-  state.localTimestamp = here.txTimestamp;
-  state.sourceTimestamp = there.removedTx != 0 ? there.removedTx : there.txTimestamp;
-  return state;
-}
-
-/// So they can be read one beside the other the next time.
-std::map<std::uint64_t, std::string> QNStore::Merge::outOfStepByRow(Side& side) const {
-  std::map<std::uint64_t, std::string> byOid;
-  for (const std::string& uuid : _outOfStep) byOid.emplace(side.heads.find(uuid)->oid, uuid);
-  return byOid;
-}
-
-QNResult<QNDone> QNStore::Merge::writeMemory(Side& side, Side& partner) {
-  for (const auto& [oid, uuid] : outOfStepByRow(side)) {
-    const QNSyncStateRow state = stateOf(uuid, side, partner);
-    const auto* const before = side.remembered(uuid);
-    const bool isKnown = before != nullptr && before->localTimestamp == state.localTimestamp &&
-                         before->sourceTimestamp == state.sourceTimestamp;
-    if (!isKnown) side.memory.states.setItemState(uuid, state);
-  }
-  QNSyncSource& source = *side.memory.source;
-  if (source.hasOid() && !side.memory.states.hasChanges()) return QNDone{};
-  source.setLocalProfileTimestamp(lastTxOf(side));
-  source.setRemoteProfileTimestamp(lastTxOf(partner));
-  return side.database().savePartner(side.memory);
 }
 
 // The whole

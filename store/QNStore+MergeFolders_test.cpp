@@ -191,6 +191,83 @@ TEST_F(QNStoreMergeFolders, MovesUpIntoTheParentOfADeletedOneWhatTheOtherSideHas
   EXPECT_EQ(itemIn(mine, item)->folderUUID(), std::nullopt);
 }
 
+TEST_F(QNStoreMergeFolders, DeletesTheItemsThatWereDeletedWithTheirFolder) {
+  for (Session* const deleting : {&mine, &theirs}) {
+    SCOPED_TRACE(deleting == &mine);
+    const auto box = savedFolder(*deleting, "box");
+    const std::string inside = *savedLoginIn(*deleting, *box, "inside")->uuid();
+    merge();
+    later();
+    remove(*deleting, *box->uuid());
+    ASSERT_EQ(errorOf(deleting->store->deleteItem(itemIn(*deleting, inside))), "");
+
+    const QNMergeReport report = merge();
+
+    ASSERT_EQ(report.items.size(), 1u);
+    EXPECT_EQ(report.items[0].kind, deleting == &mine ? Kind::deletedTheirs : Kind::deletedMine);
+    EXPECT_EQ(titlesIn(mine, QNStore::Which::all), std::vector<std::string>{"item"});
+  }
+}
+
+// Neither remembers anything of the other, and the one that was merged into isn't written.
+TEST_F(QNStoreMergeFolders, DeletesTheItemsOfAFolderAlsoAfterHalfAFirstMerge) {
+  const auto file = folder / "mine", copy = folder / "copy";
+  ASSERT_EQ(errorOf(mine.store->backupTo(folder / "third")), "");
+  Session third = openSession(folder / "third");
+  ASSERT_EQ(errorOf(third.store->deleteItem(itemIn(third, item))), "");
+  remove(third, b);
+  ASSERT_EQ(errorOf(mine.store->backupTo(copy)), "");
+  const auto mergeWithThird = [&] {
+    auto report = QNStore::merge({mine.store.get(), mine.vault, "mine"},
+                                 {third.store.get(), third.vault, "third"});
+    EXPECT_EQ(errorOf(report), "");
+    return std::move(report).value();
+  };
+  mergeWithThird();
+  mine = Session();
+  std::filesystem::rename(copy, file);
+  mine = openSession(file);
+  later();
+
+  const QNMergeReport report = mergeWithThird();
+
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].kind, Kind::deletedMine);
+  EXPECT_THAT(titlesIn(third, QNStore::Which::all), IsEmpty());
+}
+
+TEST_F(QNStoreMergeFolders, AnItemThatWasEditedBesideTheDeletionOfItsFolderReplacesTheOther) {
+  remove(mine, b);
+  const auto edited = itemIn(mine, item);
+  edited->setTitle("edited");
+  ASSERT_EQ(errorOf(mine.store->save(edited)), "");
+
+  const QNMergeReport report = merge();
+
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].kind, Kind::replacedTheirs);
+  EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"edited"});
+}
+
+TEST_F(QNStoreMergeFolders, ADeletedFolderLeavesAnEditOfWhatItHeldTheLaterOne) {
+  const auto edited = itemIn(theirs, item);
+  edited->setTitle("edited");
+  ASSERT_EQ(errorOf(theirs.store->save(edited)), "");
+  later();
+  remove(mine, b);
+  merge();
+  EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"edited"});
+  const std::string inside = *savedFolder(mine, "inside", folderIn(mine, a))->uuid();
+  merge();
+  later();
+  rename(theirs, inside, "typed");
+  remove(mine, a);
+
+  merge();
+
+  EXPECT_EQ(treeIn(mine), "c 0 typed 0");
+}
+
 TEST_F(QNStoreMergeFolders, KeepsWhatWasChangedAfterItsDeletion) {
   remove(mine, b);
   rename(theirs, b, "needed");

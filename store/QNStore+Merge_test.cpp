@@ -1,165 +1,14 @@
-#include <gmock/gmock.h>
-
-#include <map>
 #include <set>
 
-#include "quillon/fields/QNFieldSection.h"
-#include "quillon/fields/QNItemStringField.h"
-#include "quillon/platform/environment/QNEnvironment.h"
-#include "quillon/platform/json/QNJsonEquality.h"
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/sync/QNSyncState.h"
-#include "store/internal/QNDatabase.h"
-#include "store/internal/QNItemParts.h"
-#include "store/internal/QNStoreTesting.h"
+#include "store/internal/QNMergeFixture.h"
 
 namespace quillon {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Kind = QNMergedItem::Kind;
-using Outcome = QNMergedField::Outcome;
-
-/// Two stores. The second is a copy of the first, unless it is made anew.
-class QNStoreMerge : public ::testing::Test {
- protected:
-  QNStoreMerge() { savedLogin(mine, "first", "https://first.example", "pass 1"); }
-
-  /// From here on there are two files of one vault.
-  void copyFile() {
-    ASSERT_EQ(errorOf(mine.store->backupTo(theirFile)), "");
-    theirs = openSession(theirFile);
-  }
-  /// From here on there is a second vault of other keys.
-  void makeAnother() { theirs = makeSession(theirFile); }
-
-  QNResult<QNMergeReport> tryMerge(QNStore::MergeMode mode = QNStore::MergeMode::write) {
-    return QNStore::merge({mine.store.get(), mine.vault, "mine"},
-                          {theirs.store.get(), theirs.vault, "theirs"}, mode);
-  }
-  /// Merges, and expects both sides to be sound, equal, and left alone by a second run.
-  QNMergeReport merged() {
-    auto report = tryMerge();
-    EXPECT_TRUE(report.ok()) << report.error().message;
-    if (!report.ok()) return {};
-    EXPECT_EQ(problemsIn(mine), std::vector<std::string>());
-    EXPECT_EQ(problemsIn(theirs), std::vector<std::string>());
-    expectEqualSides();
-    const std::string before = bytesOfBoth();
-    const auto again = std::move(tryMerge()).value();
-    EXPECT_THAT(again.items, IsEmpty());
-    EXPECT_EQ(again.opened, 0u);
-    EXPECT_TRUE(bytesOfBoth() == before);
-    return report.value();
-  }
-  static void setPasswordOf(QNItem& item, std::string_view password) {
-    if (item.categoryUUID() == QNCategoryUUIDPassword) return item.setPassword(password);
-    if (item.password()) return item.setStringFieldValue(password, "password");
-    const auto field = QNItemConcealedField::fieldWithIdentifier("password");
-    field->setValue(password);
-    item.fieldSectionWithName("s", "Section")->addField(field);
-  }
-  std::string bytesOfBoth() const {
-    std::string bytes;
-    for (const auto& file : {myFile, theirFile}) {
-      bytes += bytesOfFile(file) + bytesOfFile(file.string() + "-wal");
-    }
-    return bytes;
-  }
-  /// What each item is, by uuid, or when it was deleted.
-  static std::map<std::string, JsonObject> itemsOf(Session& session,
-                                                   const std::filesystem::path& file) {
-    std::map<std::string, JsonObject> items;
-    const auto feed = std::move(session.store->changesSince(session.vault, 0)).value();
-    for (const auto& change : feed.changes) {
-      if (change.kind == QNStoredChange::Kind::deleted) {
-        items[change.uuid]["deleted"] = deletionOf(file, change.uuid);
-        continue;
-      }
-      const auto item = std::move(session.store->item(session.vault, change.uuid)).value();
-      JsonObject content = contentOf(*item).value();
-      content["updated"] = item->updatedAt();
-      content["created"] = item->createdAt();
-      items.emplace(change.uuid, std::move(content));
-    }
-    return items;
-  }
-  static std::uint64_t deletionOf(const std::filesystem::path& file, std::string_view uuid) {
-    const auto database = std::move(QNDatabase::open(file, QNDatabase::Mode::readOnly)).value();
-    QNQuery query = database->query(
-        "SELECT updated_at FROM items WHERE uuid = ?1 AND category_uuid = '099'", uuid);
-    return query.next() ? query.number(0) : 0;
-  }
-  void expectEqualSides() {
-    const auto own = itemsOf(mine, myFile);
-    const auto other = itemsOf(theirs, theirFile);
-    EXPECT_EQ(own.size(), other.size());
-    for (const auto& [uuid, content] : own) {
-      ASSERT_TRUE(other.contains(uuid)) << uuid;
-      EXPECT_TRUE(equalJson(content, other.at(uuid))) << uuid;
-    }
-  }
-  /// Theirs is written, and then mine fails: mine is what it was.
-  void mergeOnlyTheirs() {
-    const auto before = folder / "before";
-    ASSERT_EQ(errorOf(mine.store->backupTo(before)), "");
-    ASSERT_TRUE(tryMerge().ok());
-    mine = Session();
-    for (const char* const suffix : {"", "-wal", "-shm"}) {
-      std::filesystem::remove(myFile.string() + suffix);
-    }
-    std::filesystem::rename(before, myFile);
-    mine = openSession(myFile);
-  }
-  /// An item of the first side with two fields in a section.
-  std::string uuidOfSections() {
-    const auto item = itemIn(mine, uuidOfFirst());
-    for (const char* const name : {"pin", "code"}) {
-      const auto field = QNItemStringField::fieldWithIdentifier(name);
-      field->setValue("before");
-      item->fieldSectionWithName("s", "Section")->addField(field);
-    }
-    EXPECT_EQ(errorOf(mine.store->save(item)), "");
-    return *item->uuid();
-  }
-  static std::vector<std::string> historyOf(QNItem& item) {
-    std::vector<std::string> history;
-    for (const auto& entry : item.previouslyUsedPasswords()) {
-      history.emplace_back(entry.value()->reveal());
-    }
-    return history;
-  }
-  static std::shared_ptr<QNItem> itemIn(Session& session, std::string_view uuid) {
-    auto item = session.store->item(session.vault, uuid);
-    EXPECT_TRUE(item.ok()) << item.error().message;
-    return item.ok() ? item.value() : nullptr;
-  }
-  std::string uuidOfFirst() {
-    return std::move(mine.store->changesSince(mine.vault, 0)).value().changes.at(0).uuid;
-  }
-  template <class Edit>
-  void edit(Session& session, std::string_view uuid, const Edit& change) {
-    clock.setSeconds(secondsNow() + 10);
-    const auto item = itemIn(session, uuid);
-    change(*item);
-    ASSERT_EQ(errorOf(session.store->save(item)), "");
-  }
-  void remove(Session& session, std::string_view uuid) {
-    clock.setSeconds(secondsNow() + 10);
-    ASSERT_EQ(errorOf(session.store->deleteItem(itemIn(session, uuid))), "");
-  }
-  static std::map<std::string, Outcome> fieldsOf(const QNMergedItem& item) {
-    std::map<std::string, Outcome> fields;
-    for (const auto& field : item.fields) fields.emplace(field.name, field.outcome);
-    return fields;
-  }
-
-  const TemporaryFolder folder;
-  const std::filesystem::path myFile = folder / "mine", theirFile = folder / "theirs";
-  QNScopedClock clock{1'700'000'000};
-  Session mine = makeSession(myFile), theirs;
-};
 
 // Nothing to do
 
@@ -387,8 +236,80 @@ TEST_F(QNStoreMerge, WhatBothChangedInOneSecondIsJoinedIntoMine) {
 
   const QNMergeReport report = merged();
 
-  EXPECT_EQ(fieldsOf(report.items.at(0)).at("overview.title"), Outcome::kept);
+  EXPECT_EQ(fieldsOf(report.items.at(0)).at("overview.title"), Outcome::conflictCopy);
   EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"mine"});
+}
+
+TEST_F(QNStoreMerge, ATitleThatLosesIsKeptAmongTheConflicts) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("earlier"); });
+  edit(theirs, uuid, [](QNItem& item) { item.setTitle("later"); });
+  merged();
+
+  EXPECT_THAT(conflictsIn(mine, uuid), ElementsAre("overview.title_conflict_1 earlier"));
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("mine"); });
+  edit(theirs, uuid, [](QNItem& item) { item.setTitle("theirs"); });
+  merged();
+
+  EXPECT_THAT(conflictsIn(theirs, uuid),
+              ElementsAre("overview.title_conflict_1 earlier", "overview.title_conflict_2 mine"));
+  edit(mine, uuid, [](QNItem& item) { item.setTitle("earlier"); });
+  edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("notes"); });
+  merged();
+
+  EXPECT_EQ(conflictsIn(theirs, uuid).size(), 2u);
+}
+
+TEST_F(QNStoreMerge, MembersThatOnlyTheEarlierOneHasStay) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) {
+    item.setDetailsObject(Json("details"), "ofANewerVersion");
+    item.setDetailsObject(Json("mine"), "ofBoth");
+    item.setOverviewObject(Json("overview"), "ofANewerVersion");
+    item.setOverviewObject(Json("icon"), kCustomIcon);
+  });
+  edit(theirs, uuid, [](QNItem& item) { item.setDetailsObject(Json("theirs"), "ofBoth"); });
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::joined);
+
+  const auto item = itemIn(theirs, uuid);
+  EXPECT_EQ(item->overviewTextForKey("ofANewerVersion"), "overview");
+  EXPECT_EQ(item->overviewTextForKey(kCustomIcon), "icon");
+  ASSERT_NE(item->detailsObjectForKey("ofANewerVersion"), nullptr);
+  EXPECT_EQ(*item->detailsObjectForKey("ofANewerVersion"), Json("details"));
+  EXPECT_EQ(*item->detailsObjectForKey("ofBoth"), Json("theirs"));
+}
+
+TEST_F(QNStoreMerge, EachSideKeepsThePlaceAmongItsFavourites) {
+  savedLogin(mine, "second");
+  copyFile();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setFaveIndex(3); });
+  edit(theirs, uuid, [](QNItem& item) { item.setFaveIndex(7); });
+  edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("notes"); });
+  merged();
+  EXPECT_EQ(itemIn(mine, uuid)->faveIndex(), 3u);
+  EXPECT_EQ(itemIn(theirs, uuid)->faveIndex(), 7u);
+  edit(mine, uuid, [](QNItem& item) { item.setFaveIndex(0); });
+  merged();
+
+  EXPECT_EQ(itemIn(theirs, uuid)->faveIndex(), 0u);
+}
+
+// What isn't compared is lost at the next replacement.
+TEST_F(QNStoreMerge, AnIconIsAChange) {
+  copyFile();
+  merged();
+  const std::string uuid = uuidOfFirst();
+  edit(mine, uuid, [](QNItem& item) { item.setOverviewObject(Json("icon"), kCustomIcon); });
+
+  EXPECT_EQ(merged().items.at(0).kind, Kind::replacedTheirs);
+
+  EXPECT_EQ(itemIn(theirs, uuid)->overviewTextForKey(kCustomIcon), "icon");
 }
 
 // Without a memory, as after a restored or copied file, one of both must win.
@@ -515,234 +436,6 @@ TEST_F(QNStoreMerge, AnAddressThatStandsTwiceStandsOnceOnBothSides) {
 
   EXPECT_EQ(itemIn(mine, uuid)->numberOfURLs(), 2u);
   EXPECT_EQ(itemIn(theirs, uuid)->numberOfURLs(), 2u);
-}
-
-// One of the two files isn't written
-
-TEST_F(QNStoreMerge, LosesNothingIfOneSideCouldNotBeWritten) {
-  copyFile();
-  merged();
-  const std::string uuid = uuidOfFirst();
-  edit(mine, uuid, [](QNItem& item) { item.setNotesPlain("mine"); });
-  edit(theirs, uuid, [](QNItem& item) { item.setNotesPlain("theirs"); });
-  mergeOnlyTheirs();
-
-  const QNMergeReport report = merged();
-
-  EXPECT_EQ(report.items.at(0).kind, Kind::joined);
-  EXPECT_EQ(itemIn(mine, uuid)->notesPlain(), "theirs\n\n===\n\nmine");
-}
-
-TEST_F(QNStoreMerge, AfterHalfAMergeWhatTheirsAloneHadChangedStillReplacesMine) {
-  copyFile();
-  merged();
-  const std::string uuid = uuidOfFirst();
-  edit(theirs, uuid, [](QNItem& item) {
-    item.setTitle("theirs");
-    item.setPassword("pass 2");
-    item.setTags({"work"});
-  });
-  mergeOnlyTheirs();
-
-  EXPECT_EQ(merged().items.at(0).kind, Kind::replacedMine);
-
-  const auto item = itemIn(mine, uuid);
-  EXPECT_EQ(item->title(), "theirs");
-  EXPECT_TRUE(item->password()->equals("pass 2"));
-  EXPECT_EQ(item->tags(), std::set<std::string>{"work"});
-}
-
-TEST_F(QNStoreMerge, AfterHalfAMergeWhatMineAloneHadChangedIsInStep) {
-  copyFile();
-  merged();
-  const std::string uuid = uuidOfFirst();
-  edit(mine, uuid, [](QNItem& item) {
-    item.setTitle("mine");
-    item.setPassword("pass 2");
-    item.setTags({"work"});
-  });
-  mergeOnlyTheirs();
-
-  EXPECT_THAT(merged().items, IsEmpty());
-
-  EXPECT_EQ(itemIn(theirs, uuid)->title(), "mine");
-}
-
-TEST_F(QNStoreMerge, AfterHalfAMergeALaterChangeIsNotUndone) {
-  copyFile();
-  merged();
-  const std::string uuid = uuidOfFirst();
-  edit(mine, uuid, [](QNItem& item) { item.setTitle("mine"); });
-  mergeOnlyTheirs();
-  edit(theirs, uuid, [](QNItem& item) { item.setTitle("later"); });
-
-  merged();
-
-  EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"later"});
-}
-
-TEST_F(QNStoreMerge, AfterHalfAMergeADeletionOfAnUnseenChangeIsStillRefused) {
-  for (const bool isMineDeleted : {true, false}) {
-    SCOPED_TRACE(isMineDeleted);
-    const std::string uuid = *savedLogin(mine, "one")->uuid();
-    if (theirs.store == nullptr) copyFile();
-    merged();
-    edit(isMineDeleted ? theirs : mine, uuid, [](QNItem& item) { item.setTitle("needed"); });
-    remove(isMineDeleted ? mine : theirs, uuid);
-    mergeOnlyTheirs();
-
-    merged();
-
-    for (Session* const session : {&mine, &theirs}) {
-      const auto item = itemIn(*session, uuid);
-      ASSERT_NE(item, nullptr);
-      EXPECT_EQ(item->title(), "needed");
-    }
-  }
-}
-
-// Mine has no memory at all, so the times would decide.
-TEST_F(QNStoreMerge, ADeletionByASideThatSawAnotherVersionIsRefused) {
-  copyFile();
-  mergeOnlyTheirs();
-  const std::string uuid = uuidOfFirst();
-  edit(mine, uuid, [](QNItem& item) { item.setTitle("needed"); });
-  remove(theirs, uuid);
-
-  EXPECT_EQ(merged().items.at(0).kind, Kind::deletionRefused);
-
-  EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"needed"});
-}
-
-TEST_F(QNStoreMerge, AnEditAfterHalfAFirstMergeOutlivesADeletionThatDidNotSeeIt) {
-  copyFile();
-  merged();
-  const std::string uuid = *savedLogin(mine, "new")->uuid();
-  mergeOnlyTheirs();
-  edit(theirs, uuid, [](QNItem& item) { item.setTitle("edited"); });
-  clock.setSeconds(1'700'009'000);
-  remove(mine, uuid);
-
-  EXPECT_EQ(merged().items.at(0).kind, Kind::deletionRefused);
-
-  EXPECT_EQ(titlesIn(mine), (std::vector<std::string>{"first", "edited"}));
-  EXPECT_EQ(titlesIn(theirs), (std::vector<std::string>{"first", "edited"}));
-}
-
-TEST_F(QNStoreMerge, ADeletionThatHalfAFirstMergeCarriedOverStillGoesOver) {
-  for (const bool isMineDeleted : {true, false}) {
-    SCOPED_TRACE(isMineDeleted);
-    theirs = Session();
-    mine = Session();
-    for (const auto& each : {myFile, theirFile}) std::filesystem::remove(each);
-    mine = makeSession(myFile);
-    const std::string uuid = *savedLogin(mine, "one")->uuid();
-    copyFile();
-    remove(isMineDeleted ? mine : theirs, uuid);
-    mergeOnlyTheirs();
-
-    merged();
-
-    for (Session* const session : {&mine, &theirs}) {
-      EXPECT_THAT(titlesIn(*session, QNStore::Which::all), IsEmpty());
-    }
-  }
-}
-
-// Changed before the deletion by the clocks, but nobody there has seen it.
-TEST_F(QNStoreMerge, ADeletionThatHalfAFirstMergeCarriedOverSparesWhatItDidNotMeet) {
-  copyFile();
-  const std::string uuid = uuidOfFirst();
-  clock.setSeconds(1'700'009'000);
-  remove(theirs, uuid);
-  mergeOnlyTheirs();
-  clock.setSeconds(1'700'000'100);
-  edit(mine, uuid, [](QNItem& item) { item.setTitle("needed"); });
-
-  EXPECT_EQ(merged().items.at(0).kind, Kind::deletionRefused);
-
-  EXPECT_EQ(titlesIn(theirs), std::vector<std::string>{"needed"});
-}
-
-TEST_F(QNStoreMerge, ADeletionDoesNotGoOverTwice) {
-  copyFile();
-  merged();
-  const std::string uuid = uuidOfFirst();
-  const auto kept = itemIn(theirs, uuid);
-  remove(mine, uuid);
-  merged();
-  kept->setProfile(theirs.vault);
-  kept->_setOid(0);
-  for (const auto& url : kept->URLs()) url->_setOid(0);
-  ASSERT_EQ(errorOf(theirs.store->saveAllWithTheirTimes({&kept, 1})), "");
-
-  EXPECT_EQ(merged().items.at(0).kind, Kind::deletionRefused);
-
-  EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"first"});
-}
-
-// An older copy in the place of one side
-
-class QNStoreMergeRestored : public QNStoreMerge {
- protected:
-  void putBack(Session& session, const std::filesystem::path& file, const std::string& bytes) {
-    session = Session();
-    for (const char* const suffix : {"-wal", "-shm"}) {
-      std::filesystem::remove(file.string() + suffix);
-    }
-    writeFile(file, bytes);
-    session = openSession(file);
-  }
-  std::string backupOf(Session& session) {
-    const auto file = folder / "backup";
-    EXPECT_EQ(errorOf(session.store->backupTo(file)), "");
-    const std::string bytes = bytesOfFile(file);
-    std::filesystem::remove(file);
-    return bytes;
-  }
-};
-
-TEST_F(QNStoreMergeRestored, TakesWhatTheOtherHasHadSinceThen) {
-  savedLogin(mine, "second");
-  copyFile();
-  merged();
-  const std::string uuid = uuidOfFirst();
-  for (const bool isMineRestored : {true, false}) {
-    SCOPED_TRACE(isMineRestored);
-    Session& restored = isMineRestored ? mine : theirs;
-    const std::string backup = backupOf(restored);
-    const std::string title = isMineRestored ? "one" : "two";
-    edit(restored, uuid, [&](QNItem& item) { item.setTitle(title); });
-    merged();
-    putBack(restored, isMineRestored ? myFile : theirFile, backup);
-
-    const QNMergeReport report = merged();
-
-    ASSERT_EQ(report.items.size(), 1u);
-    EXPECT_EQ(report.items[0].kind, isMineRestored ? Kind::replacedMine : Kind::replacedTheirs);
-    EXPECT_THAT(titlesIn(mine), ElementsAre(title, "second"));
-  }
-}
-
-// Its changes get numbers that it had given once before.
-TEST_F(QNStoreMergeRestored, LosesNoChangeThatItMakesThen) {
-  copyFile();
-  merged();
-  const std::string uuid = uuidOfFirst(), other = *savedLogin(mine, "second")->uuid();
-  merged();
-  const std::string backup = backupOf(mine);
-  for (int i = 0; i < 5; ++i) {
-    edit(mine, uuid, [&](QNItem& item) { item.setTitle("lost " + std::to_string(i)); });
-    merged();
-  }
-  clock.setSeconds(1'700'000'000);
-  putBack(mine, myFile, backup);
-  edit(mine, other, [](QNItem& item) { item.setNotesPlain("after"); });
-
-  merged();
-
-  EXPECT_EQ(itemIn(theirs, other)->notesPlain(), "after");
-  EXPECT_THAT(titlesIn(mine), ElementsAre("lost 4", "second"));
 }
 
 class QNStoreMergeApart : public QNStoreMerge {

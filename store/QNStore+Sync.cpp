@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <set>
 
 #include "quillon/platform/data/MRData.h"
 #include "quillon/sync/QNSyncSource.h"
@@ -118,6 +119,15 @@ QNStoredChange::Kind kindOf(const QNItemRow& row) {
   return row.status == 1 ? QNStoredChange::Kind::trashed : QNStoredChange::Kind::saved;
 }
 
+/// A merge looks for the one state of an item.
+bool haveAnItemTwice(const std::vector<QNSyncStateRow>& states) {
+  std::set<std::string_view> uuids;
+  return std::any_of(states.begin(), states.end(), [&uuids](const QNSyncStateRow& state) {
+    return state.kind == QNSyncStates::kKindOfItems && state.objectUUID &&
+           !uuids.insert(*state.objectUUID).second;
+  });
+}
+
 QNError alteredSource() {
   return storeError(QNStoreErrorCode::damaged, "a sync source or its states were altered");
 }
@@ -206,6 +216,7 @@ QNResult<QNStore::Database::Partner> QNStore::Database::partnerAt(
     std::string_view place, std::string_view uuid, const std::shared_ptr<QNProfile>& vault) {
   const auto ledger = ledgerNow(*vault);
   if (!ledger.ok()) return ledger.error();
+  std::erase_if(sources, [](const auto& known) { return known.source.expired(); });
   QNQuery query = file->query(kSelectSourcesOfVault, vault->oid());
   while (query.next()) {
     const QNSyncSourceRow row = syncSourceRow(query);
@@ -225,6 +236,9 @@ QNResult<QNStore::Database::Partner> QNStore::Database::partnerAt(
 QNResult<QNDone> QNStore::saveSyncSource(const std::shared_ptr<QNSyncSource>& source) {
   return inTransaction([this, &source]() -> QNResult<QNDone> {
     const auto states = rowsOf(statesOf(*source));
+    if (haveAnItemTwice(states)) {
+      return storeError(QNStoreErrorCode::exists, "a source has two states of one item");
+    }
     const auto saved = _database->writeSyncSource(source, statesHash(states));
     if (!saved.ok()) return saved.error();
     // All of them anew: nobody knows which have changed.

@@ -219,6 +219,17 @@ TEST_F(QNStoreSync, GivesBackASourceOfNothing) {
   EXPECT_THAT(read[0]->itemStates(), IsEmpty());
 }
 
+TEST_F(QNStoreSync, SavesNoSourceWithTwoStatesOfOneItem) {
+  const auto source = savedSource();
+  source->setItemStates({stateOf("a"), stateOf("b"), stateOf("a")});
+
+  EXPECT_EQ(errorOf(session.store->saveSyncSource(source)), codeText(QNStoreErrorCode::exists));
+
+  EXPECT_EQ(sources().at(0)->itemStates().size(), 2u);
+  source->setItemStates({stateOf(std::nullopt), stateOf(std::nullopt)});
+  EXPECT_EQ(errorOf(session.store->saveSyncSource(source)), "");
+}
+
 TEST_F(QNStoreSync, GivesBackEveryStateInItsSetAndOrder) {
   const auto source = newSource();
   const auto item = stateOf("b");

@@ -240,8 +240,9 @@ class QNStore final {
   /// locked, exists, damaged, ...
   QNResult<QNDone> saveFolder(const std::shared_ptr<QNFolder>& folder);
   /// Makes the row a tombstone: uuid, time of creation and time of now stay. Its items lose their
-  /// folder, trashed ones too, and its subfolders move up to its parent: these rows are saved, so
-  /// objects of them that are held must be read anew. The folder has no row id any more.
+  /// folder, trashed ones too, and its subfolders move up to its parent: these rows are saved with
+  /// the times that they have, so objects of them that are held must be read anew. The folder has
+  /// no row id any more.
   QNResult<QNDone> deleteFolder(const std::shared_ptr<QNFolder>& folder);
   /// Keeps of damaged folders what opens, removes the others, and counts the ledger of folders
   /// anew: whatever stands in the file counts as saved from now on. Then it takes the parent from
@@ -268,7 +269,7 @@ class QNStore final {
   QNResult<std::vector<std::shared_ptr<QNSyncSource>>> syncSources(
       const std::shared_ptr<QNProfile>& vault);
   /// Stores a source and all of its states, whether it is dirty or not: its profile is the vault.
-  /// Errors: lostRace, locked, notFound, ...
+  /// Errors: exists, if two item states have one uuid; lostRace, locked, notFound, ...
   QNResult<QNDone> saveSyncSource(const std::shared_ptr<QNSyncSource>& source);
   /// Forgets a source and its states. The source has no row id any more.
   QNResult<QNDone> deleteSyncSource(const std::shared_ptr<QNSyncSource>& source);
@@ -277,7 +278,8 @@ class QNStore final {
   enum class MergeMode { write, dryRun };
   /// Brings two vaults of two stores into step: afterwards both hold the same folders, and the
   /// same items but for those of different categories (notJoined), and a second run changes
-  /// nothing. Attachments, counters of use and the place among the favourites aren't brought over.
+  /// nothing. Attachments and counters of use aren't brought over, nor the place among the
+  /// favourites of an item that both have there.
   /// One transaction on each side, and none may be open. A dry run does the same and takes it back,
   /// so it needs the right to write too. Errors: sameFile, notFound for a side without store or
   /// vault, locked, damaged if either vault isn't sound, busy, notWritable, unreadableItem, ...

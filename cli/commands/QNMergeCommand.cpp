@@ -44,6 +44,9 @@ constexpr std::array<TextOf<Outcome>, 4> kOutcomes = {{
     {Outcome::conflictCopy, "conflictCopy", "kept, and the other one beside it"},
 }};
 
+constexpr std::string_view kFirstMerge =
+    "no earlier merge of these two is remembered: what differs counts as changed on both sides";
+
 constexpr std::size_t kTextWidth = 16;
 constexpr std::size_t kFieldWidth = 34;
 
@@ -120,6 +123,7 @@ JsonObject jsonOf(const QNMergeReport& report, const Titles& titles, bool dryRun
   for (const QNMergedItem& item : report.items) items.emplace_back(jsonOf(item, titles));
   JsonObject object(jsonStorage());
   object["dryRun"] = dryRun;
+  object["first"] = report.isFirst;
   object["compared"] = report.compared;
   object.emplace("items", std::move(items));
   object.emplace("folders", std::move(folders));
@@ -166,6 +170,7 @@ std::size_t changedIn(const QNMergeReport& report) {
 QNCommandResult printReport(Global global, const QNMergeReport& report, const Titles& titles,
                             bool dryRun) {
   if (global.json) return printJson(jsonOf(report, titles, dryRun));
+  if (report.isFirst) say(kFirstMerge);
   QNOutput out;
   for (const QNMergedItem& item : report.items) print(out, item, titles);
   printFolders(out, report, titles);

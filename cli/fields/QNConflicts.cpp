@@ -11,10 +11,11 @@
 #include "quillon/logins/QNLogin.h"
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/text/QNLocalization.h"
+#include "store/QNMergeReport.h"
 
 // How a copy tells the place that it lost:
 //
-//   identifier "BASE_conflict_N"     the field of the identifier BASE
+//   identifier "BASE_conflict_N"     the field of the identifier BASE, or the item's title
 //   title "username", localized      the user name of a login
 //   any other title                  the entry of that name in a login's form
 //
@@ -60,11 +61,14 @@ void findPlaceInLogin(QNLogin& login, QNConflict& conflict) {
 
 QNConflict conflictOf(QNItem& item, const QNItemFieldRef& copy) {
   const std::string identifier(copy->identifier().value_or(""));
-  QNConflict conflict{copy, fieldBefore(item, identifier), nullptr, false, ""};
+  QNConflict conflict{copy, fieldBefore(item, identifier), nullptr, false, false, ""};
   auto* const login = dynamic_cast<QNLogin*>(&item);
   const bool isNumbered = identifier.find(kConflictIdentifierSeparator) != std::string::npos;
   if (conflict.field != nullptr) {
     conflict.name = std::string(conflict.field->identifier().value_or(""));
+  } else if (identifier.starts_with(kTitlePart) && isNumbered) {
+    conflict.isTitle = true;
+    conflict.name = "title";
   } else if (login != nullptr && !isNumbered) {
     findPlaceInLogin(*login, conflict);
   }
@@ -76,7 +80,8 @@ std::string identifierOf(const QNConflict& conflict) {
 }
 
 bool haveOnePlace(const QNConflict& a, const QNConflict& b) {
-  return a.hasPlace() && a.field == b.field && a.entry == b.entry && a.isUsername == b.isUsername;
+  return a.hasPlace() && a.field == b.field && a.entry == b.entry && a.isUsername == b.isUsername &&
+         a.isTitle == b.isTitle;
 }
 
 template <class Test>
@@ -111,6 +116,7 @@ QNResult<QNDone> takeTheirs(QNItem& item, const QNConflict& conflict) {
   }
   // Into the item's details, which wipe themselves.
   if (conflict.isUsername) item.setUsername(value->reveal());
+  if (conflict.isTitle) item.setTitle(value->reveal());
   if (conflict.entry != nullptr) conflict.entry->setValue(value->reveal());
   return QNDone{};
 }
@@ -139,6 +145,7 @@ std::vector<QNConflict> conflictsOf(QNItem& item) {
 QNSecret mineOf(QNItem& item, const QNConflict& conflict, const QNFieldTexts& texts) {
   if (conflict.field != nullptr) return texts.shownValueOf(*conflict.field);
   if (conflict.isUsername) return QNSecret(item.username().value_or(""));
+  if (conflict.isTitle) return QNSecret(item.title());
   auto value = conflict.entry == nullptr ? std::nullopt : conflict.entry->value();
   return value ? std::move(*value) : QNSecret();
 }
@@ -162,7 +169,7 @@ std::vector<QNConflict> conflictsNamed(const std::vector<QNConflict>& conflicts,
                                        std::string_view name) {
   auto found = those(conflicts, [name](const QNConflict& conflict) {
     return name == conflict.name || name == identifierOf(conflict) ||
-           (conflict.isUsername && name == "username") ||
+           (conflict.isUsername && name == "username") || (conflict.isTitle && name == "title") ||
            (conflict.field != nullptr && name == conflict.field->identifier());
   });
   if (!found.empty()) return found;

@@ -19,10 +19,13 @@ struct QNConflict {
   QNItemFieldRef field;
   std::shared_ptr<QNLoginField> entry;  // of a login's form
   bool isUsername = false;
+  bool isTitle = false;  // the item's own
   /// As `resolve` takes it: the place's, or the copy's own if another one lost it, too.
   std::string name;
 
-  [[nodiscard]] bool hasPlace() const { return field != nullptr || entry != nullptr || isUsername; }
+  [[nodiscard]] bool hasPlace() const {
+    return field != nullptr || entry != nullptr || isUsername || isTitle;
+  }
   [[nodiscard]] bool isSecret() const;
 };
 

@@ -39,11 +39,12 @@ void cleanseField(JsonObject& field, const CleansingReport& report) {
   }
 }
 
-// Takes every element that isn't an object out of the list.
-template <class Report>
-void removeForeignElements(JsonArray& list, const Report& report) {
+// In the list's order: `work` with each object, and every other element is taken out.
+template <class Report, class Work>
+void cleanseElements(JsonArray& list, const Report& report, const Work& work) {
   for (auto at = list.begin(); at != list.end();) {
-    if (at->is_object()) {
+    if (JsonObject* const object = at->if_object()) {
+      work(*object);
       ++at;
       continue;
     }
@@ -55,10 +56,12 @@ void removeForeignElements(JsonArray& list, const Report& report) {
 void cleanseSection(JsonObject& section, const CleansingReport& report) {
   Json* const fields = section.if_contains("fields");
   if (fields == nullptr || !fields->is_array()) return;
-  removeForeignElements(fields->get_array(), [&report](std::string_view kind) {
-    report.error("Field is not an NSDictionary but instead a {}; removing from section!", kind);
-  });
-  for (Json& field : fields->get_array()) cleanseField(field.get_object(), report);
+  cleanseElements(
+      fields->get_array(),
+      [&report](std::string_view kind) {
+        report.error("Field is not an NSDictionary but instead a {}; removing from section!", kind);
+      },
+      [&report](JsonObject& field) { cleanseField(field, report); });
 }
 
 }  // namespace
@@ -244,10 +247,13 @@ void QNItem::cleanseDetailsFieldsFromDetails(JsonObject& details) {
   if (sections->is_null()) sections->emplace_array();
   if (!sections->is_array()) return;
   const CleansingReport report{description(), uuidForLogging(_uuid)};
-  removeForeignElements(sections->get_array(), [&report](std::string_view kind) {
-    report.error("Section is not an NSDictionary but instead a {}; removing from details!", kind);
-  });
-  for (Json& section : sections->get_array()) cleanseSection(section.get_object(), report);
+  cleanseElements(
+      sections->get_array(),
+      [&report](std::string_view kind) {
+        report.error("Section is not an NSDictionary but instead a {}; removing from details!",
+                     kind);
+      },
+      [&report](JsonObject& section) { cleanseSection(section, report); });
 }
 
 }  // namespace quillon

@@ -505,6 +505,19 @@ TEST(QNItemDetails, CleansingRemovesNullTraitsAndKeepsOtherNulls) {
   EXPECT_THAT(errors(sink), ElementsAre(start + "a", start + "v", start + "inputTraits"));
 }
 
+TEST(QNItemDetails, CleansingReportsInTheOrderOfTheList) {
+  const auto item = newItem(accountVault());
+  const MRCapturingSink sink;
+
+  cleansed(R"({"sections":[{"fields":[{"v":null},7]},"x"]})", *item);
+
+  EXPECT_THAT(
+      errors(sink),
+      ElementsAre("Field for item " + item->description() + " has NSNull for field key: v",
+                  "Field is not an NSDictionary but instead a int64; removing from section!",
+                  "Section is not an NSDictionary but instead a string; removing from details!"));
+}
+
 TEST(QNItemDetails, AreCleansedWhenAnAccountItemIsOpened) {
   const auto vault = accountVault();
   const auto row = newItem(vault);
