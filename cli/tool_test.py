@@ -206,8 +206,9 @@ class Json(ToolTest):
         self.value("backup", self.path("other.qn"))
         self.assertEqual(self.value("merge", self.path("other.qn"), "--other-password-stdin",
                                     stdin=PASSWORD + "\n"),
-                         {"dryRun": False, "compared": 4, "items": [],  # one is deleted
-                          "folders": [], "foldersMovedToTop": [], "quarantinedFolders": []})
+                         {"dryRun": False, "first": True, "compared": 4,  # one is deleted
+                          "items": [], "folders": [], "foldersMovedToTop": [],
+                          "quarantinedFolders": []})
         copy = self.path("copy.qn")
         self.assertEqual(self.value("backup", copy), {"backup": copy})
         made = self.value("generate", "--count", "2")
