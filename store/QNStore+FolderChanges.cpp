@@ -280,7 +280,7 @@ QNResult<QNDone> QNStore::Database::deleteFolder(const std::shared_ptr<QNFolder>
   }
   const auto before = folderBefore(*folder, vault.value());
   if (!before.ok()) return before.error();
-  const auto buried = buryFolder(before.value(), vault.value(), secondsNow(), Times::kept);
+  const auto buried = buryFolder(before.value(), vault.value(), secondsNow());
   if (!buried.ok()) return buried.error();
   afterCommit.emplace_back([folder] {
     folder->_setOid(0);
@@ -292,15 +292,15 @@ QNResult<QNDone> QNStore::Database::deleteFolder(const std::shared_ptr<QNFolder>
 
 QNResult<QNDone> QNStore::Database::buryFolder(const FolderBefore& before,
                                                const std::shared_ptr<QNProfile>& vault,
-                                               std::uint64_t deletedAt, Times times) {
+                                               std::uint64_t deletedAt) {
   const auto written = writeFolderTombstone(before, vault, deletedAt);
   if (!written.ok()) return written.error();
-  const auto moved = moveSubfolders(before, vault, times);
+  const auto moved = moveSubfolders(before, vault);
   if (!moved.ok()) return moved.error();
   const auto freed = takeOutOfFolder(
       oidsOf(file->query("SELECT oid FROM items WHERE vault_id = ?1 AND folder_uuid = ?2",
                          vault->oid(), before.uuid)),
-      vault, times);
+      vault);
   return freed.ok() ? QNResult<QNDone>(QNDone{}) : freed.error();
 }
 
@@ -321,8 +321,7 @@ QNResult<QNDone> QNStore::Database::writeFolderTombstone(const FolderBefore& bef
 
 /// Up to where the folder was. Rows that aren't sound stay as they are.
 QNResult<QNDone> QNStore::Database::moveSubfolders(const FolderBefore& deleted,
-                                                   const std::shared_ptr<QNProfile>& vault,
-                                                   Times times) {
+                                                   const std::shared_ptr<QNProfile>& vault) {
   const auto oids = oidsOf(
       file->query("SELECT oid FROM folders WHERE vault_id = ?1 AND parent_uuid = ?2 AND status = 0",
                   vault->oid(), deleted.uuid));
@@ -331,7 +330,7 @@ QNResult<QNDone> QNStore::Database::moveSubfolders(const FolderBefore& deleted,
     if (folder == nullptr) continue;
     const bool wouldHoldItself = deleted.parentUUID == *folder->uuid();
     folder->setParentUUID(wouldHoldItself ? std::nullopt : deleted.parentUUID);
-    const auto saved = saveFolderInPlace(folder, vault, times);
+    const auto saved = saveFolderInPlace(folder, vault);
     if (!saved.ok()) return saved.error();
   }
   return QNDone{};
@@ -347,11 +346,10 @@ std::shared_ptr<QNFolder> QNStore::Database::folderWithOid(
 }
 
 QNResult<QNDone> QNStore::Database::saveFolderInPlace(const std::shared_ptr<QNFolder>& folder,
-                                                      const std::shared_ptr<QNProfile>& vault,
-                                                      Times times) {
+                                                      const std::shared_ptr<QNProfile>& vault) {
   const auto before = folderBefore(*folder, vault);
   if (!before.ok()) return before.error();
-  return writeFolder(folder, vault, before.value(), times, folder->smartFolder());
+  return writeFolder(folder, vault, before.value(), Times::kept, folder->smartFolder());
 }
 
 std::vector<std::uint64_t> QNStore::Database::oidsOf(QNQuery query) {
@@ -361,13 +359,13 @@ std::vector<std::uint64_t> QNStore::Database::oidsOf(QNQuery query) {
 }
 
 QNResult<std::vector<std::string>> QNStore::Database::takeOutOfFolder(
-    const std::vector<std::uint64_t>& oids, const std::shared_ptr<QNProfile>& vault, Times times) {
+    const std::vector<std::uint64_t>& oids, const std::shared_ptr<QNProfile>& vault) {
   std::vector<std::string> uuids;
   for (const std::uint64_t oid : oids) {
     const auto item = shellWithOid(oid, vault);
     if (item == nullptr) continue;
     item->clearFolder();
-    const auto saved = saveItems({&item, 1}, times);
+    const auto saved = saveItems({&item, 1}, Times::kept);
     if (!saved.ok()) return saved.error();
     uuids.push_back(*item->uuid());
   }
@@ -394,7 +392,7 @@ QNResult<QNFolderRepair> QNStore::repairFolders(const std::shared_ptr<QNProfile>
 }
 
 QNResult<std::vector<std::string>> QNStore::Database::moveMisplacedToTop(
-    const std::shared_ptr<QNProfile>& vault, Times times) {
+    const std::shared_ptr<QNProfile>& vault) {
   const auto folders = readFolders(vault);
   if (!folders.ok()) return folders.error();
   const std::set<std::string> misplaced(folders.value().misplaced.begin(),
@@ -403,7 +401,7 @@ QNResult<std::vector<std::string>> QNStore::Database::moveMisplacedToTop(
   for (const auto& folder : folders.value().folders) {
     if (!misplaced.contains(*folder->uuid())) continue;
     folder->setParentUUID(std::nullopt);
-    const auto saved = saveFolderInPlace(folder, vault, times);
+    const auto saved = saveFolderInPlace(folder, vault);
     if (!saved.ok()) return saved.error();
     moved.push_back(*folder->uuid());
   }
@@ -416,10 +414,9 @@ QNResult<QNDone> QNStore::Database::repairFolders(const std::shared_ptr<QNProfil
   if (!ledger.ok()) return ledger.error();
   const auto mended = mendFolderRows(vault, repair);
   if (!mended.ok()) return mended.error();
-  auto moved = moveMisplacedToTop(vault, Times::now);
+  auto moved = moveMisplacedToTop(vault);
   if (!moved.ok()) return moved.error();
-  auto freed =
-      takeOutOfFolder(oidsOf(file->query(kSelectStrayItems, vault->oid())), vault, Times::kept);
+  auto freed = takeOutOfFolder(oidsOf(file->query(kSelectStrayItems, vault->oid())), vault);
   if (!freed.ok()) return freed.error();
   repair.foldersMovedToTop = std::move(moved).value();
   repair.itemsMovedToTop = std::move(freed).value();

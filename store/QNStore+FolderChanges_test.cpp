@@ -484,7 +484,10 @@ TEST_F(QNStoreMisplacedFolders, AreMovedToTheTopByARepairWithItemsThatAreInNone)
   EXPECT_EQ(treeIn(session), "a 1 b 0 [c 0] orphan 0");
   EXPECT_EQ(reread(*inside)->folderUUID(), *a->uuid());
   EXPECT_EQ(reread(*stray)->folderUUID(), std::nullopt);
-  EXPECT_EQ(reread(*stray)->updatedAt(), 1'700'000'000u);  // it was moved, not edited
+  // They were moved, not edited.
+  EXPECT_EQ(reread(*stray)->updatedAt(), 1'700'000'000u);
+  EXPECT_EQ(session.store->folder(session.vault, *orphan->uuid()).value()->updatedAt(),
+            1'700'000'000u);
   const auto checked = session.store->check(session.vault).value();
   EXPECT_THAT(checked.problems, IsEmpty());
   EXPECT_THAT(checked.remarks, IsEmpty());

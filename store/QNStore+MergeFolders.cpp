@@ -97,7 +97,7 @@ QNResult<QNDone> QNStore::FolderMerge::bury(const std::string& uuid, const Side&
     before = std::move(row).value();
     _report.folders.push_back({uuid, kindFor(to, Kind::deletedMine, Kind::deletedTheirs)});
   }
-  return to.database().buryFolder(before, to.vault(), deleted->updatedAt, Database::Times::kept);
+  return to.database().buryFolder(before, to.vault(), deleted->updatedAt);
 }
 
 QNResult<QNDone> QNStore::FolderMerge::join(const std::string& uuid) {
@@ -133,13 +133,13 @@ QNResult<QNDone> QNStore::FolderMerge::replace(const std::string& uuid, const Si
   _report.folders.push_back({uuid, kindFor(to, Kind::replacedMine, Kind::replacedTheirs)});
   const auto& folder = to.version(uuid)->folder;
   folder->objectByReplacingWith(from.version(uuid)->folder);
-  return to.database().saveFolderInPlace(folder, to.vault(), Database::Times::kept);
+  return to.database().saveFolderInPlace(folder, to.vault());
 }
 
 /// Both sides have the same folders with the same parents now: so what is misplaced is the same.
 QNResult<QNDone> QNStore::FolderMerge::settle() {
   for (Side* side : {&_mine, &_theirs}) {
-    auto moved = side->database().moveMisplacedToTop(side->vault(), Database::Times::kept);
+    auto moved = side->database().moveMisplacedToTop(side->vault());
     if (!moved.ok()) return moved.error();
     _report.foldersMovedToTop = std::move(moved).value();
   }

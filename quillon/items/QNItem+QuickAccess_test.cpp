@@ -72,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(
         CategoryCase{"Rewards", "107", {"membership_no 2", "pin 1", "member_name 3"}},
         CategoryCase{"Membership", "105", {"membership_no 2", "pin 1", "expiry_date 3"}},
         CategoryCase{"Identity", "004", {"email 2", "address 3"}}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& tested) { return tested.param.name; });
 
 TEST(QNItemQuickAccess, OfARouterBeginsWithTheWirelessPassword) {
   const auto item = itemWith("109", R"([{"fields":[{"k":"concealed","n":"password","v":"a"},)"

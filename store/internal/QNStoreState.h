@@ -247,22 +247,23 @@ struct QNStore::Database {
   QNResult<QNDone> writeFolder(const std::shared_ptr<QNFolder>& folder,
                                const std::shared_ptr<QNProfile>& vault, const FolderBefore& before,
                                Times times, bool isSmart);
+  // What leaves a folder, or is moved to the top, was moved and not edited: its time of change
+  // stays, or a merge would put its older title over a newer one.
   /// Wherever its parent is, and smart or not as it is.
   QNResult<QNDone> saveFolderInPlace(const std::shared_ptr<QNFolder>& folder,
-                                     const std::shared_ptr<QNProfile>& vault, Times times);
+                                     const std::shared_ptr<QNProfile>& vault);
   std::uint64_t freshFolderOid();
   void noteForUndo(const std::shared_ptr<QNFolder>& folder);
   QNResult<QNDone> deleteFolder(const std::shared_ptr<QNFolder>& folder);
-  /// Makes a tombstone of a row, or a new one, and empties the folder. `times` are those of what it
-  /// held.
+  /// Makes a tombstone of a row, or a new one, and empties the folder.
   QNResult<QNDone> buryFolder(const FolderBefore& before, const std::shared_ptr<QNProfile>& vault,
-                              std::uint64_t deletedAt, Times times);
+                              std::uint64_t deletedAt);
   /// The row alone; what the folder held isn't looked at.
   QNResult<QNDone> writeFolderTombstone(const FolderBefore& before,
                                         const std::shared_ptr<QNProfile>& vault,
                                         std::uint64_t deletedAt);
   QNResult<QNDone> moveSubfolders(const FolderBefore& deleted,
-                                  const std::shared_ptr<QNProfile>& vault, Times times);
+                                  const std::shared_ptr<QNProfile>& vault);
   /// Null if the row isn't sound.
   std::shared_ptr<QNFolder> folderWithOid(std::uint64_t oid,
                                           const std::shared_ptr<QNProfile>& vault);
@@ -272,11 +273,9 @@ struct QNStore::Database {
   /// The uuid of each item that was saved without a folder; rows that aren't sound stay as they
   /// are.
   QNResult<std::vector<std::string>> takeOutOfFolder(const std::vector<std::uint64_t>& oids,
-                                                     const std::shared_ptr<QNProfile>& vault,
-                                                     Times times);
+                                                     const std::shared_ptr<QNProfile>& vault);
   /// The uuid of each folder that was moved.
-  QNResult<std::vector<std::string>> moveMisplacedToTop(const std::shared_ptr<QNProfile>& vault,
-                                                        Times times);
+  QNResult<std::vector<std::string>> moveMisplacedToTop(const std::shared_ptr<QNProfile>& vault);
   QNResult<QNDone> repairFolders(const std::shared_ptr<QNProfile>& vault, QNFolderRepair& repair);
 
   // Damaged folders: QNStore+FolderRepair.cpp. The vault's ledger is open.
