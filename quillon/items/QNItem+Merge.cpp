@@ -90,11 +90,12 @@ void QNItem::mergeContentOf(QNItem& other) {
 // Notes that stand within the others are there already: the same merge again adds nothing.
 void QNItem::mergeNotesWithConflict(std::optional<std::string_view> theirs) {
   const auto secret = notesSecret();
-  const auto mine = secret ? std::optional(secret->reveal()) : std::nullopt;
-  if (mine != theirs) markRowDirty();
-  if (!mine || mine->empty()) return setNotesPlain(theirs);
-  if (!theirs || mine->find(*theirs) != std::string_view::npos) return;
-  if (theirs->find(*mine) != std::string_view::npos) return setNotesPlain(theirs);
+  const std::string_view mine = secret ? secret->reveal() : std::string_view();
+  const bool areTheSame = secret.has_value() == theirs.has_value() && mine == theirs.value_or("");
+  if (!areTheSame) markRowDirty();
+  if (mine.empty()) return setNotesPlain(theirs);
+  if (!theirs || mine.find(*theirs) != std::string_view::npos) return;
+  if (theirs->find(mine) != std::string_view::npos) return setNotesPlain(theirs);
   QNSecret both = secret->clone();
   both.append(kNotesSeparator);
   both.append(*theirs);
