@@ -362,24 +362,37 @@ QNResult<std::vector<std::string>> QNStore::Database::takeOutOfFolder(
     const std::vector<std::uint64_t>& oids, const std::shared_ptr<QNProfile>& vault) {
   std::vector<std::string> uuids;
   for (const std::uint64_t oid : oids) {
-    const auto item = shellWithOid(oid, vault);
-    if (item == nullptr) continue;
-    item->clearFolder();
-    const auto saved = saveItems({&item, 1}, Times::kept);
-    if (!saved.ok()) return saved.error();
-    uuids.push_back(*item->uuid());
+    QNQuery query = file->query("SELECT " QN_ITEM_COLUMNS " FROM items WHERE oid = ?1", oid);
+    if (!query.next()) continue;
+    const QNItemRow row = itemRow(query);
+    const auto refiled = refile(row, std::nullopt, vault);
+    if (!refiled.ok()) return refiled.error();
+    if (refiled.value()) uuids.emplace_back(row.uuid);
   }
   return uuids;
 }
 
-std::shared_ptr<QNItem> QNStore::Database::shellWithOid(std::uint64_t oid,
-                                                        const std::shared_ptr<QNProfile>& vault) {
-  QNQuery query = file->query("SELECT " QN_ITEM_COLUMNS " FROM items WHERE oid = ?1", oid);
-  if (!query.next()) return nullptr;
+QNResult<bool> QNStore::Database::refile(QNItemRow row, std::optional<std::string_view> folderUUID,
+                                         const std::shared_ptr<QNProfile>& vault) {
+  const Before before = beforeOf(row, vault);
+  if (!sealFits(before.seal, row.seal)) return false;
+  row.folderUUID = folderUUID;
+  const auto written = writeRow(row, vault, before);
+  return written.ok() ? QNResult<bool>(true) : written.error();
+}
+
+QNResult<QNDone> QNStore::Database::refileUnedited(std::string_view itemUUID,
+                                                   std::uint64_t updatedAt,
+                                                   std::string_view folderUUID,
+                                                   const std::shared_ptr<QNProfile>& vault) {
+  QNQuery query =
+      file->query("SELECT " QN_ITEM_COLUMNS " FROM items WHERE vault_id = ?1 AND uuid = ?2",
+                  vault->oid(), itemUUID);
+  if (!query.next()) return QNDone{};
   const QNItemRow row = itemRow(query);
-  if (!sealFits(QNRowSealer(*vault).seal(row), row.seal)) return nullptr;
-  auto item = shellOf(row, vault);
-  return item == nullptr || item->mutableOverview() == nullptr ? nullptr : item;
+  if (row.folderUUID || isTombstone(row) || row.updatedAt != updatedAt) return QNDone{};
+  const auto refiled = refile(row, folderUUID, vault);
+  return refiled.ok() ? QNResult<QNDone>(QNDone{}) : refiled.error();
 }
 
 // Repairing

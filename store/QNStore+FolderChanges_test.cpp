@@ -299,10 +299,7 @@ TEST_F(QNStoreFolderChanges, LeaveTheItemsOfADeletedFolderInNone) {
   EXPECT_TRUE(reread(*item)->password()->equals("correct horse"));
   EXPECT_EQ(reread(*trashed)->folderUUID(), std::nullopt);
   EXPECT_TRUE(reread(*trashed)->trashed());
-  const auto feed = session.store->changesSince(session.vault, moment).value();
-  std::vector<std::string> changed;
-  for (const auto& each : feed.changes) changed.push_back(each.uuid);
-  EXPECT_THAT(changed, ElementsAre(*item->uuid(), *trashed->uuid()));
+  EXPECT_THAT(session.store->changesSince(session.vault, moment).value().changes, IsEmpty());
   EXPECT_EQ(reread(*other)->updatedAt(), 1'700'000'000u);
   const auto checked = session.store->check(session.vault).value();
   EXPECT_THAT(checked.problems, IsEmpty());

@@ -12,8 +12,8 @@
 #include "store/internal/QNMergeRest.h"
 #include "store/internal/QNStoreMerge.h"
 
-// What becomes of a uuid. "Changed" is a row whose tx_timestamp, as the merge finds it, isn't the
-// one of the last pair that both sides had reached; without such a pair both have changed.
+// What becomes of a uuid. "Changed" is a row whose tx_timestamp isn't the one of the last pair that
+// both sides had reached; without such a pair both have changed.
 //
 //   mine       theirs     then
 //   unchanged  unchanged  nothing, and nothing is opened
@@ -47,8 +47,7 @@ std::array<std::uint8_t, 32> sealedContentOf(const QNItemRow& row) {
 }
 
 QNMergeHead headOf(const QNItemRow& row) {
-  return {row.oid,       row.txTimestamp, row.txTimestamp,
-          row.createdAt, row.updatedAt,   isTombstone(row)};
+  return {row.oid, row.txTimestamp, row.createdAt, row.updatedAt, isTombstone(row)};
 }
 
 bool areCopies(const QNMergeHead& a, const QNMergeHead& b) {
@@ -62,9 +61,10 @@ bool areCopies(const QNMergeHead& a, const QNMergeHead& b) {
 QNResult<QNDone> QNStore::Merge::run() {
   auto read = readMemory(_mine, _theirs);
   if (read.ok()) read = readMemory(_theirs, _mine);
+  // Before the items, which are written with the folder that they have then.
+  if (read.ok()) read = FolderMerge(_mine.given, _theirs.given, report).run();
   if (read.ok()) read = readHeads(_mine);
   if (read.ok()) read = readHeads(_theirs);
-  if (read.ok()) read = mergeFolders();
   if (!read.ok()) return read.error();
   findWhatIsOutOfStep();
   for (const std::string& uuid : _outOfStep) {
@@ -100,28 +100,6 @@ QNResult<QNDone> QNStore::Merge::readHeads(Side& side) {
   return QNDone{};
 }
 
-/// Before the items, which are written with the folder that they have then. Those of a deleted
-/// folder are saved by it: nobody has changed them, but both sides must remember them anew.
-QNResult<QNDone> QNStore::Merge::mergeFolders() {
-  const std::uint64_t mine = lastTxOf(_mine), theirs = lastTxOf(_theirs);
-  const auto merged = FolderMerge(_mine.given, _theirs.given, report).run();
-  if (!merged.ok()) return merged.error();
-  readSavedSince(mine, _mine);
-  readSavedSince(theirs, _theirs);
-  return QNDone{};
-}
-
-void QNStore::Merge::readSavedSince(std::uint64_t txTimestamp, Side& side) {
-  QNQuery query = side.database().file->query(kSelectChanges, side.vault()->oid(), txTimestamp);
-  while (query.next()) {
-    const QNItemRow row = itemRow(query);
-    Head& head = *side.heads.find(row.uuid);
-    const std::uint64_t before = head.txBefore;
-    head = headOf(row);
-    head.txBefore = before;
-  }
-}
-
 void QNStore::Merge::findWhatIsOutOfStep() {
   report.compared = _mine.heads.size();
   for (const auto& [uuid, mine] : _mine.heads) {
@@ -145,9 +123,7 @@ QNResult<QNDone> QNStore::Merge::mergeOne(const std::string& uuid) {
   if (mine->isTombstone && theirs->isTombstone) return mergeTombstones(uuid);
   if (mine->isTombstone) return mergeDeletion(uuid, _mine, _theirs);
   if (theirs->isTombstone) return mergeDeletion(uuid, _theirs, _mine);
-  const bool areSavedAnew =
-      mine->txTimestamp != mine->txBefore || theirs->txTimestamp != theirs->txBefore;
-  if (!hasChanged(_mine, uuid) && !hasChanged(_theirs, uuid) && !areSavedAnew) return QNDone{};
+  if (!hasChanged(_mine, uuid) && !hasChanged(_theirs, uuid)) return QNDone{};
   if (areCopies(*mine, *theirs)) return QNDone{};
   return mergeItems(uuid);
 }
@@ -288,7 +264,7 @@ QNResult<QNDone> QNStore::Merge::remove(const std::string& uuid, Side& side,
                                         std::uint64_t deletedAt) {
   note(uuid, kindFor(side, Kind::deletedMine, Kind::deletedTheirs));
   Head& head = *side.heads.find(uuid);
-  head.removedTx = head.txBefore;
+  head.removedTx = head.txTimestamp;
   return bury(uuid, side, deletedAt);
 }
 

@@ -10,13 +10,14 @@
 //
 //   mine      theirs    then
 //   a folder  none      copied, or a tombstone; the same the other way round
-//   a folder  a folder  what was changed later replaces the other; of one second, mine does
+//   a folder  a folder  what was changed later replaces the other; of one second, mine does, unless
+//                       it has moved up there: theirs has the place that it had
 //   deleted   a folder  deleted, unless the folder was changed in the second of the deletion or
-//                       later: it is copied back, without the items that it had
+//                       later: it is copied back, and what its deletion took out of it goes back
 //   deleted   deleted   the later time for both
 //
-// A folder that is deleted by the merge leaves its items in none, and its subfolders move up; these
-// keep their times. Both sides can have moved folders into each other: then, as with one whose
+// A folder that is deleted leaves its items in none, and its subfolders move up; none of them has a
+// new time by that. Both sides can have moved folders into each other: then, as with one whose
 // parent is gone, all of the circle go to the top on both sides.
 
 namespace quillon {
@@ -109,8 +110,23 @@ QNResult<QNDone> QNStore::FolderMerge::join(const std::string& uuid) {
   if (!isMine) return copy(uuid, _theirs, _mine);
   if (!isTheirs) return copy(uuid, _mine, _theirs);
   if (areEqual(*mine->folder, *theirs->folder)) return QNDone{};
-  return theirs->updatedAt > mine->updatedAt ? replace(uuid, _theirs, _mine)
-                                             : replace(uuid, _mine, _theirs);
+  const bool isLater =
+      theirs->updatedAt > mine->updatedAt ||
+      (theirs->updatedAt == mine->updatedAt && hasMovedUp(*mine->folder, *theirs->folder, _theirs));
+  return isLater ? replace(uuid, _theirs, _mine) : replace(uuid, _mine, _theirs);
+}
+
+/// Does it lie in what is above the other's place, as the other side has it? At the top all is.
+bool QNStore::FolderMerge::hasMovedUp(const QNFolder& moved, const QNFolder& other,
+                                      const Side& others) {
+  auto place = other.parentUUID();
+  for (std::size_t level = 0; place && level < others.versions.size(); ++level) {
+    const Version* const parent = others.version(*place);
+    if (parent == nullptr || parent->folder == nullptr) return false;
+    place = parent->folder->parentUUID();
+    if (place == moved.parentUUID()) return true;
+  }
+  return false;
 }
 
 /// Over nothing, or over a tombstone.
@@ -123,9 +139,24 @@ QNResult<QNDone> QNStore::FolderMerge::copy(const std::string& uuid, const Side&
   folder->setProfile(to.vault());
   folder->setUuid(sharedString(uuid));
   folder->objectByReplacingWith(from.version(uuid)->folder);
-  return to.database().writeFolder(
+  const auto written = to.database().writeFolder(
       folder, to.vault(), deleted != nullptr ? deleted->tombstone : Database::FolderBefore(),
       Database::Times::kept, folder->smartFolder());
+  return written.ok() && deleted != nullptr ? refileItems(uuid, from, to) : written;
+}
+
+/// What its deletion took out of it, and nobody has edited on either side since, lies in it again.
+QNResult<QNDone> QNStore::FolderMerge::refileItems(const std::string& uuid, const Side& from,
+                                                   Side& to) {
+  QNQuery inside = from.database().file->query(
+      "SELECT " QN_ITEM_COLUMNS " FROM items WHERE vault_id = ?1 AND folder_uuid = ?2",
+      from.vault()->oid(), uuid);
+  while (inside.next()) {
+    const QNItemRow there = itemRow(inside);
+    auto refiled = to.database().refileUnedited(there.uuid, there.updatedAt, uuid, to.vault());
+    if (!refiled.ok()) return refiled;
+  }
+  return QNDone{};
 }
 
 QNResult<QNDone> QNStore::FolderMerge::replace(const std::string& uuid, const Side& from,

@@ -255,8 +255,11 @@ TEST_F(QNStoreMergeFolders, ADeletedFolderLeavesAnEditOfWhatItHeldTheLaterOne) {
   ASSERT_EQ(errorOf(theirs.store->save(edited)), "");
   later();
   remove(mine, b);
-  merge();
+  const QNMergeReport report = merge();
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].kind, Kind::replacedMine);  // not joined: mine was moved, not edited
   EXPECT_EQ(titlesIn(mine), std::vector<std::string>{"edited"});
+  EXPECT_EQ(itemIn(mine, item)->folderUUID(), std::nullopt);
   const std::string inside = *savedFolder(mine, "inside", folderIn(mine, a))->uuid();
   merge();
   later();
@@ -268,14 +271,52 @@ TEST_F(QNStoreMergeFolders, ADeletedFolderLeavesAnEditOfWhatItHeldTheLaterOne) {
   EXPECT_EQ(treeIn(mine), "c 0 typed 0");
 }
 
-TEST_F(QNStoreMergeFolders, KeepsWhatWasChangedAfterItsDeletion) {
+TEST_F(QNStoreMergeFolders, ADeletedFolderLeavesTheDeletionOfWhatItHeld) {
+  ASSERT_EQ(errorOf(theirs.store->deleteItem(itemIn(theirs, item))), "");
+  later();
   remove(mine, b);
-  rename(theirs, b, "needed");
 
   const QNMergeReport report = merge();
 
-  EXPECT_THAT(kindsOf(report), ElementsAre(One(b, Kind::deletionRefused)));
-  EXPECT_EQ(treeIn(mine), "a 0 [needed 0] c 0");  // its item had left it
+  ASSERT_EQ(report.items.size(), 1u);
+  EXPECT_EQ(report.items[0].kind, Kind::deletedMine);
+  EXPECT_THAT(titlesIn(mine, QNStore::Which::all), IsEmpty());
+}
+
+TEST_F(QNStoreMergeFolders, KeepsWhatWasChangedAfterItsDeletionWithWhatItHeld) {
+  for (const bool isMine : {true, false}) {
+    SCOPED_TRACE(isMine);
+    Session& deleting = isMine ? mine : theirs;
+    Session& renaming = isMine ? theirs : mine;
+    const auto inside = savedFolder(deleting, "inside", folderIn(deleting, b));
+    merge();
+    later();
+    remove(deleting, b);
+    rename(renaming, b, "needed");
+
+    const QNMergeReport report = merge();
+
+    EXPECT_THAT(kindsOf(report), ::testing::Contains(One(b, Kind::deletionRefused)));
+    EXPECT_EQ(treeIn(mine), "a 0 [needed 1 [inside 0]] c 0");
+    EXPECT_EQ(treeIn(theirs), treeIn(mine));
+    EXPECT_THAT(report.items, IsEmpty());
+    remove(mine, *inside->uuid());
+    merge();
+  }
+}
+
+TEST_F(QNStoreMergeFolders, LeavesWhatWasEditedSinceItsFolderWasDeletedWhereItIs) {
+  remove(mine, b);
+  later();
+  const auto edited = itemIn(mine, item);
+  edited->setTitle("edited");
+  ASSERT_EQ(errorOf(mine.store->save(edited)), "");
+  rename(theirs, b, "needed");
+
+  merge();
+
+  EXPECT_EQ(treeIn(mine), "a 0 [needed 0] c 0");
+  EXPECT_EQ(treeIn(theirs), "a 0 [needed 0] c 0");
 }
 
 TEST_F(QNStoreMergeFolders, DeletesWhatWasChangedBeforeItsDeletion) {

@@ -65,19 +65,19 @@ std::optional<QNMergeReached> QNStore::Merge::lastReached(const std::string& uui
 bool QNStore::Merge::hasChanged(Side& side, const std::string& uuid) {
   const auto reached = lastReached(uuid);
   if (!reached) return true;
-  return side.heads.find(uuid)->txBefore != (&side == &_mine ? reached->mine : reached->theirs);
+  return side.heads.find(uuid)->txTimestamp != (&side == &_mine ? reached->mine : reached->theirs);
 }
 
 /// Does nothing that this side remembers speak against it having met that version of the other's?
 bool QNStore::Merge::hasSeen(Side& side, const std::string& uuid, const Head& other) {
   const auto* const state = side.remembered(uuid);
-  return state == nullptr || state->sourceTimestamp == other.txBefore;
+  return state == nullptr || state->sourceTimestamp == other.txTimestamp;
 }
 
 /// Has its row changed since the merge that this side alone remembers?
 bool QNStore::Merge::hasMovedOn(Side& side, const std::string& uuid, const Head& own) {
   const auto* const state = side.remembered(uuid);
-  return state != nullptr && state->localTimestamp != own.txBefore;
+  return state != nullptr && state->localTimestamp != own.txTimestamp;
 }
 
 // For the next time

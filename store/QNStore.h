@@ -240,9 +240,10 @@ class QNStore final {
   /// locked, exists, damaged, ...
   QNResult<QNDone> saveFolder(const std::shared_ptr<QNFolder>& folder);
   /// Makes the row a tombstone: uuid, time of creation and time of now stay. Its items lose their
-  /// folder, trashed ones too, and its subfolders move up to its parent: these rows are saved with
-  /// the times that they have, so objects of them that are held must be read anew. The folder has
-  /// no row id any more.
+  /// folder, trashed ones too, and its subfolders move up to its parent. None of these is edited by
+  /// that: the times stay, the items' txTimestamp too, and changesSince() tells nothing of them.
+  /// Objects of them that are held must be read anew: saved, an item takes the uuid back with it.
+  /// The folder has no row id any more.
   QNResult<QNDone> deleteFolder(const std::shared_ptr<QNFolder>& folder);
   /// Keeps of damaged folders what opens, removes the others, and counts the ledger of folders
   /// anew: whatever stands in the file counts as saved from now on. Then it takes the parent from

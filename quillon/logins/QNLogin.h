@@ -94,8 +94,12 @@ class QNLogin : public QNItem {
   [[nodiscard]] bool defaultAutosubmit() const { return false; }
   [[nodiscard]] bool alwaysAutosubmit() const { return false; }
   [[nodiscard]] bool neverAutosubmit() const { return false; }
-  [[nodiscard]] const std::optional<std::string>& autosubmit() const { return _autosubmit; }
-  void setAutosubmit(std::optional<std::string> value) { _autosubmit = std::move(value); }
+  [[nodiscard]] std::optional<std::string> autosubmit() const {
+    return _autosubmit == nullptr ? std::nullopt : std::optional(*_autosubmit);
+  }
+  void setAutosubmit(const std::optional<std::string>& value) {
+    _autosubmit = value ? std::make_unique<const std::string>(*value) : nullptr;
+  }
   [[nodiscard]] std::optional<std::string> localizedAutosubmitDescription() const {
     return std::nullopt;
   }
@@ -117,7 +121,7 @@ class QNLogin : public QNItem {
 
   bool _loginFieldsAreLoaded = false;
   std::unique_ptr<QNLoginFieldList> _cachedLoginFields;
-  std::optional<std::string> _autosubmit;
+  std::unique_ptr<const std::string> _autosubmit;  // few logins have one, and each is listed
 };
 
 /// A login of category "800", made through the outside service Privacy.

@@ -42,6 +42,9 @@ class QNStore::FolderMerge final {
   QNResult<QNDone> bury(const std::string& uuid, const Side& from, Side& to);
   QNResult<QNDone> join(const std::string& uuid);
   QNResult<QNDone> copy(const std::string& uuid, const Side& from, Side& to);
+  static QNResult<QNDone> refileItems(const std::string& uuid, const Side& from, Side& to);
+  [[nodiscard]] static bool hasMovedUp(const QNFolder& moved, const QNFolder& other,
+                                       const Side& others);
   QNResult<QNDone> replace(const std::string& uuid, const Side& from, Side& to);
   QNResult<QNDone> settle();
   /// The kind for what happened to that side.

@@ -19,7 +19,6 @@ namespace quillon {
 struct QNMergeHead {
   std::uint64_t oid = 0;
   std::uint64_t txTimestamp = 0;
-  std::uint64_t txBefore = 0;  // as the merge found the row: the one of folders may save it anew
   std::uint64_t createdAt = 0;
   std::uint64_t updatedAt = 0;
   bool isTombstone = false;
@@ -72,8 +71,6 @@ class QNStore::Merge final {
   };
 
   static QNResult<QNDone> readHeads(Side& side);
-  QNResult<QNDone> mergeFolders();
-  static void readSavedSince(std::uint64_t txTimestamp, Side& side);
   void findWhatIsOutOfStep();
   QNResult<QNDone> mergeOne(const std::string& uuid);
   QNResult<QNDone> mergeDeletion(const std::string& uuid, Side& deleted, Side& living);

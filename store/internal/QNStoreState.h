@@ -267,13 +267,20 @@ struct QNStore::Database {
   /// Null if the row isn't sound.
   std::shared_ptr<QNFolder> folderWithOid(std::uint64_t oid,
                                           const std::shared_ptr<QNProfile>& vault);
-  std::shared_ptr<QNItem> shellWithOid(std::uint64_t oid, const std::shared_ptr<QNProfile>& vault);
   /// The first column.
   static std::vector<std::uint64_t> oidsOf(QNQuery query);
-  /// The uuid of each item that was saved without a folder; rows that aren't sound stay as they
-  /// are.
+  /// The uuid of each item that lies in no folder now; rows that aren't sound stay as they are.
   QNResult<std::vector<std::string>> takeOutOfFolder(const std::vector<std::uint64_t>& oids,
                                                      const std::shared_ptr<QNProfile>& vault);
+  /// Writes the row with another folder and the same tx_timestamp: a merge mustn't take what a
+  /// folder's end or return does for an edit. False, and nothing, if the row isn't sound.
+  QNResult<bool> refile(QNItemRow row, std::optional<std::string_view> folderUUID,
+                        const std::shared_ptr<QNProfile>& vault);
+  /// The same of an item that lies in no folder and was changed last at that time; nothing of any
+  /// other.
+  QNResult<QNDone> refileUnedited(std::string_view itemUUID, std::uint64_t updatedAt,
+                                  std::string_view folderUUID,
+                                  const std::shared_ptr<QNProfile>& vault);
   /// The uuid of each folder that was moved.
   QNResult<std::vector<std::string>> moveMisplacedToTop(const std::shared_ptr<QNProfile>& vault);
   QNResult<QNDone> repairFolders(const std::shared_ptr<QNProfile>& vault, QNFolderRepair& repair);
