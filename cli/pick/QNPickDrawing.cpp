@@ -12,7 +12,6 @@ namespace {
 
 // Lines that aren't matches: the typed one and the count.
 constexpr std::size_t kOtherLines = 2;
-constexpr std::size_t kTitleWidth = 40;
 constexpr std::size_t kGap = 2;
 // More of a title or of what was typed isn't looked at: a title may be a megabyte long.
 constexpr std::size_t kMaxShownBytes = 4096;
