@@ -31,6 +31,16 @@ double bestSecondsOf(int rounds, const Work& work) {
 /// Keeps a result from being optimised away.
 void use(const void* result);
 
+/// Prints the error, and ends the benchmark.
+[[noreturn]] void fail(const QNError& error);
+
+/// What went well; anything else would be measured in its place.
+template <class T>
+T orFail(QNResult<T> result) {
+  if (!result.ok()) fail(result.error());
+  return std::move(result).value();
+}
+
 /// A login as an import of a browser's export makes it: an overview of about 150 bytes of JSON.
 std::shared_ptr<QNItem> makeLogin(const std::shared_ptr<QNProfile>& vault, std::size_t number);
 

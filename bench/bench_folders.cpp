@@ -15,12 +15,6 @@ constexpr std::string_view kQuestion =
     R"(title CONTAINS[cd] "example 5" AND passwordStrength > 1 AND NOT title == "a" AND )"
     R"(ANY tagsForSearch == "Tag 7" AND categoryUUID == "001")";
 
-template <class T>
-T orAbort(QNResult<T> result) {
-  if (!result.ok()) std::abort();
-  return std::move(result).value();
-}
-
 std::vector<std::string> addFolders(BenchStore& bench) {
   std::vector<std::string> uuids;
   for (std::size_t i = 0; i < kFolders; ++i) {
@@ -28,7 +22,7 @@ std::vector<std::string> addFolders(BenchStore& bench) {
     folder->setProfile(bench.vault());
     folder->setTitle(fmt::format("Folder {}", i));
     if (i >= 10) folder->setParentUUID(uuids[i / 10]);
-    orAbort(bench.store().saveFolder(folder));
+    orFail(bench.store().saveFolder(folder));
     uuids.push_back(*folder->uuid());
   }
   return uuids;
@@ -46,7 +40,7 @@ void addItems(BenchStore& bench, std::size_t count, const std::vector<std::strin
       }
       items.push_back(item);
     }
-    orAbort(bench.store().saveAll(items));
+    orFail(bench.store().saveAll(items));
   }
 }
 
@@ -59,17 +53,17 @@ void benchFolders(std::size_t count) {
   QNStore& store = bench.store();
   constexpr auto kNormal = QNStore::Which::normal;
   const auto readTitle = [](const std::shared_ptr<QNItem>& item) { use(item->title().data()); };
-  const auto predicate = orAbort(QNPredicate::predicateWithFormat(kQuestion));
+  const auto predicate = orFail(QNPredicate::predicateWithFormat(kQuestion));
   const std::uint64_t detailsBefore = store.detailsRead();
 
   const double list =
-      bestSecondsOf(3, [&] { orAbort(store.list(bench.vault(), kNormal, readTitle)); });
-  const double tags = bestSecondsOf(3, [&] { orAbort(store.tags(bench.vault())); });
+      bestSecondsOf(3, [&] { orFail(store.list(bench.vault(), kNormal, readTitle)); });
+  const double tags = bestSecondsOf(3, [&] { orFail(store.tags(bench.vault())); });
   const double matching = bestSecondsOf(
-      3, [&] { orAbort(store.listMatching(bench.vault(), kNormal, *predicate, readTitle)); });
-  const double tree = bestSecondsOf(3, [&] { orAbort(store.folders(bench.vault())); });
+      3, [&] { orFail(store.listMatching(bench.vault(), kNormal, *predicate, readTitle)); });
+  const double tree = bestSecondsOf(3, [&] { orFail(store.folders(bench.vault())); });
   const double inOne = bestSecondsOf(
-      3, [&] { orAbort(store.listFolder(bench.vault(), folders[42], kNormal, readTitle)); });
+      3, [&] { orFail(store.listFolder(bench.vault(), folders[42], kNormal, readTitle)); });
 
   fmt::print(
       "folders  {:>9} items  list {:.3f} s; tags {:.3f} s (x{:.2f}); a question of five "

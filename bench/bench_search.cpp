@@ -15,15 +15,9 @@ using Items = std::vector<std::shared_ptr<QNItem>>;
 // the three counts.
 const std::array<QNItem::SearchStrings, 3> kQueries = {{{"zurich"}, {"example 97"}, {"person"}}};
 
-template <class Result>
-Result orAbort(QNResult<Result> result) {
-  if (!result.ok()) std::abort();
-  return std::move(result).value();
-}
-
 Items listed(BenchStore& bench) {
   Items items;
-  orAbort(
+  orFail(
       bench.store().list(bench.vault(), QNStore::Which::normal,
                          [&items](const std::shared_ptr<QNItem>& item) { items.push_back(item); }));
   return items;
@@ -68,7 +62,7 @@ double secondsOfOpening(BenchStore& bench, const Look& look) {
   return bestSecondsOf(3, [&] {
     // Listed anew each time: an item keeps what it has opened.
     for (const auto& item : listed(bench)) {
-      orAbort(bench.store().loadDetails(item));
+      orFail(bench.store().loadDetails(item));
       look(*item);
     }
   });

@@ -9,17 +9,6 @@
 namespace quillon::bench {
 namespace {
 
-[[noreturn]] void fail(const QNError& error) {
-  fmt::print(stderr, "{}: {}\n", error.domainCodeString(), error.message);
-  std::abort();
-}
-
-template <class T>
-T orFail(QNResult<T> result) {
-  if (!result.ok()) fail(result.error());
-  return std::move(result).value();
-}
-
 // What people have: a word with a year, a phrase, and what a browser made up. Rating a password
 // costs more than all the rest of a new item, and it costs by the password's shape.
 std::string passwordNumber(std::size_t number) {
@@ -48,6 +37,11 @@ double perItem(double seconds, std::size_t count) {
 }
 
 }  // namespace
+
+void fail(const QNError& error) {
+  fmt::print(stderr, "{}: {}\n", error.domainCodeString(), error.message);
+  std::abort();
+}
 
 std::shared_ptr<QNItem> makeLogin(const std::shared_ptr<QNProfile>& vault, std::size_t number) {
   auto item = vault->newItemForCategoryUUID("001");

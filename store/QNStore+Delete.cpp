@@ -84,7 +84,7 @@ QNResult<QNDone> QNStore::Database::writeTombstone(const Remains& remains,
   const auto hash = bodyHash(remains.wrappedKey, {}, {});
   QNItemRow row;
   row.oid = remains.oid;
-  row.status = 1;
+  row.status = kTrashedItem;
   row.createdAt = remains.createdAt;
   row.updatedAt = remains.updatedAt;
   row.txTimestamp = remains.txTimestamp;

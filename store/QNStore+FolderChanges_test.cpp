@@ -13,6 +13,7 @@
 #include "store/internal/QNFolderTesting.h"
 #include "store/internal/QNLedger.h"
 #include "store/internal/QNRowSeal.h"
+#include "store/internal/QNStoreState.h"
 
 namespace quillon {
 namespace {
@@ -400,23 +401,10 @@ class QNStoreMisplacedFolders : public QNStoreFolderChanges {
     QNRowSealer sealer(*session.vault);
     QNSeal before{}, after{};
     {
-      QNQuery query = opened->query(
-          "SELECT oid, status, created_at, updated_at, tx_timestamp, smart, display_order, "
-          "parent_uuid, uuid, icon, overview FROM folders WHERE uuid = ?1",
-          *of.uuid());
+      QNQuery query =
+          opened->query("SELECT " QN_FOLDER_COLUMNS " FROM folders WHERE uuid = ?1", *of.uuid());
       ASSERT_TRUE(query.next());
-      QNFolderRow row;
-      row.oid = query.number(0);
-      row.status = query.number(1);
-      row.createdAt = query.number(2);
-      row.updatedAt = query.number(3);
-      row.txTimestamp = query.number(4);
-      row.smart = query.number(5);
-      row.displayOrder = query.number(6);
-      row.parentUUID = query.optionalText(7);
-      row.uuid = query.text(8);
-      row.icon = query.optionalBytes(9);
-      row.overview = query.bytes(10);
+      QNFolderRow row = folderRow(query);
       before = *sealer.seal(row);
       row.parentUUID = parentUUID;
       after = *sealer.seal(row);

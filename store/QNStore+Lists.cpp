@@ -14,7 +14,7 @@ namespace {
 bool isWanted(QNStore::Which which, const QNItemRow& row) {
   if (isTombstone(row)) return false;
   return which == QNStore::Which::all ||
-         row.status == (which == QNStore::Which::trashed ? std::uint64_t{1} : std::uint64_t{0});
+         row.status == (which == QNStore::Which::trashed ? kTrashedItem : std::uint64_t{0});
 }
 
 /// While a list goes on, nothing else of the store may write.

@@ -102,7 +102,7 @@ std::shared_ptr<QNItem> QNStore::Database::shellOf(const QNItemRow& row,
   item->setLastUsedTimestamp(row.lastUsed);
   item->setInboxItem(row.inbox != 0);
   item->setNumberOfAttachments(static_cast<std::int32_t>(row.attachments));
-  if (row.status == 1) item->setTrashed(true);
+  if (row.status == kTrashedItem) item->setTrashed(true);
   if (row.status == 2) item->markDeleted();
   item->setOverviewData(toBytes(row.overview));
   item->didLoad();

@@ -116,7 +116,7 @@ void setStates(const std::shared_ptr<QNSyncSource>& source, const QNSyncStates& 
 
 QNStoredChange::Kind kindOf(const QNItemRow& row) {
   if (isTombstone(row)) return QNStoredChange::Kind::deleted;
-  return row.status == 1 ? QNStoredChange::Kind::trashed : QNStoredChange::Kind::saved;
+  return row.status == kTrashedItem ? QNStoredChange::Kind::trashed : QNStoredChange::Kind::saved;
 }
 
 /// A merge looks for the one state of an item.

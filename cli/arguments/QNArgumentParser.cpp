@@ -12,6 +12,7 @@
 #include "cli/arguments/QNCommandOutline.h"
 #include "cli/arguments/internal/QNDefinition.h"
 #include "quillon/platform/text/QNASCII.h"
+#include "quillon/platform/text/QNText.h"
 
 namespace quillon {
 namespace {
@@ -166,10 +167,8 @@ std::vector<std::string> choicesFrom(const std::string& typeName) {
   const auto open = typeName.find('{');
   if (open == std::string::npos || !typeName.ends_with('}')) return choices;
   const std::string list = typeName.substr(open + 1, typeName.size() - open - 2);
-  for (std::size_t start = 0; start <= list.size();) {
-    const auto end = std::min(list.find(',', start), list.size());
-    choices.push_back(list.substr(start, end - start));
-    start = end + 1;
+  for (const std::string_view choice : componentsSeparatedByString(list, ",")) {
+    choices.emplace_back(choice);
   }
   return choices;
 }

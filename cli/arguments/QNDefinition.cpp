@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "quillon/items/QNItem.h"
+#include "cli/fields/QNTagName.h"
 #include "quillon/platform/text/QNText.h"
 
 namespace quillon {
@@ -25,10 +25,9 @@ void addItem(CLI::App& command, std::string& item) {
 }
 
 std::string tagOrRefuse(const std::string& tag) {
-  std::string withoutSeparators = tag;
-  std::erase_if(withoutSeparators, [](char c) { return c == '/' || c == '\\'; });
-  if (isBlankText(withoutSeparators)) refuse("a tag needs a name");
-  return QNItem::processTagForAdding(tag).value_or(tag);
+  auto cleaned = cleanedTag(tag);
+  if (!cleaned) refuse("a tag needs a name");
+  return std::move(*cleaned);
 }
 
 void addFilters(CLI::App& command, QNFilterArguments& filter) {

@@ -1,7 +1,5 @@
 // favorite, move, tag, folder, smart: the commands that arrange items.
 
-#include <algorithm>
-
 #include "cli/arguments/internal/QNDefinition.h"
 #include "quillon/platform/text/QNText.h"
 
@@ -26,10 +24,8 @@ void addTarget(CLI::App& command, const std::string& name, std::optional<std::st
 
 // Every folder from the top has one.
 std::string pathOrRefuse(const std::string& path) {
-  for (std::size_t start = 0; start <= path.size();) {
-    const std::size_t end = std::min(path.find('/', start), path.size());
-    if (isBlankText(path.substr(start, end - start))) refuse("a folder needs a name");
-    start = end + 1;
+  for (const std::string_view title : componentsSeparatedByString(path, "/")) {
+    if (isBlankText(title)) refuse("a folder needs a name");
   }
   return path;
 }

@@ -12,8 +12,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::size_t kTitleWidth = 40;
-
 JsonObject jsonOf(QNFolder& folder, bool isSmart) {
   JsonObject object(jsonStorage());
   setJsonText(object, "uuid", *folder.uuid());

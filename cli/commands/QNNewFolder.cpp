@@ -1,5 +1,7 @@
 #include "cli/commands/QNNewFolder.h"
 
+#include "quillon/platform/text/QNText.h"
+
 namespace quillon {
 namespace {
 
@@ -70,12 +72,11 @@ QNResult<QNFolderRef> addFolder(const QNVaultSession& session, const QNVaultFold
                                 std::string_view path,
                                 const std::function<QNResult<QNDone>(QNFolder&)>& prepare) {
   NewFolders folders(session, tree);
-  std::size_t end = path.find('/');
-  for (; end != std::string_view::npos; end = path.find('/')) {
-    if (const auto entered = folders.enter(path.substr(0, end)); !entered) return entered.error();
-    path.remove_prefix(end + 1);
+  const auto titles = componentsSeparatedByString(path, "/");
+  for (std::size_t i = 0; i + 1 < titles.size(); ++i) {
+    if (const auto entered = folders.enter(titles[i]); !entered) return entered.error();
   }
-  auto added = folders.add(path);
+  auto added = folders.add(titles.back());
   if (!added) return added;
   const auto prepared = prepare(*added.value());
   if (!prepared) return prepared.error();

@@ -13,8 +13,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::size_t kTitleWidth = 40;
-
 // Nothing in quarantine: this version can't use it.
 std::optional<std::string> predicateOf(QNFolder& folder) {
   const auto predicate = folder.smartFolderPredicate();

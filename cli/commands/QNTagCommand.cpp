@@ -21,8 +21,6 @@ using Items = std::vector<std::shared_ptr<QNItem>>;
 using Tags = std::set<std::string>;
 using Match = QNTagName::Match;
 
-constexpr std::size_t kTitleWidth = 40;
-
 QNError noSuchTag(std::string_view message, std::string_view name) {
   return toolError(QNExit::notFound, message).within(shownText(name));
 }

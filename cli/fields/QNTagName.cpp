@@ -8,13 +8,6 @@
 namespace quillon {
 namespace {
 
-// Of a text that is nothing but separators, itself: the item would only complain.
-std::string cleaned(std::string_view tag) {
-  const bool hasName =
-      std::any_of(tag.begin(), tag.end(), [](char c) { return c != '/' && c != '\\' && c != ' '; });
-  return hasName ? QNItem::processTagForAdding(tag).value_or(std::string(tag)) : std::string(tag);
-}
-
 // The first parts of a path, that many of them; all of a shorter one.
 std::string_view firstParts(std::string_view path, std::size_t count) {
   std::size_t end = path.find('/');
@@ -24,13 +17,21 @@ std::string_view firstParts(std::string_view path, std::size_t count) {
 
 }  // namespace
 
+std::optional<std::string> cleanedTag(std::string_view tag) {
+  std::string name(tag);
+  std::erase_if(name, [](char c) { return c == '/' || c == '\\'; });
+  if (isBlankText(name)) return std::nullopt;  // asked before the item, which would log an error
+  return QNItem::processTagForAdding(tag);
+}
+
 QNTagName::Form QNTagName::formOf(std::string text) {
   const auto slashes = std::count(text.begin(), text.end(), '/');
   return {std::move(text), static_cast<std::size_t>(slashes) + 1};
 }
 
 QNTagName::QNTagName(std::string_view given)
-    : _exact(formOf(std::string(given))), _loose(formOf(foldedForSearch(cleaned(given)))) {}
+    : _exact(formOf(std::string(given))),
+      _loose(formOf(foldedForSearch(cleanedTag(given).value_or(std::string(given))))) {}
 
 std::optional<std::string_view> QNTagName::restOf(std::string_view tag, Match match) const {
   const Form& name = match == Match::exact ? _exact : _loose;

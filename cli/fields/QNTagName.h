@@ -7,6 +7,9 @@
 
 namespace quillon {
 
+/// The tag as an item takes it; nothing if separators and white space are all that it has.
+std::optional<std::string> cleanedTag(std::string_view tag);
+
 /// A tag as a person names it: a path whose parts are separated by "/".
 class QNTagName final {
  public:

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "quillon/platform/log/MRLogger.h"
+
 namespace quillon {
 namespace {
 
@@ -40,6 +42,19 @@ TEST(QNTagName, ATagThatNoItemWouldTakeCanBeNamedAsItIs) {
   EXPECT_EQ(rest("", "work", Match::exact), std::nullopt);
   EXPECT_EQ(rest("/", "/", Match::exact), "");
   EXPECT_EQ(rest(" a", " a/b", Match::exact), "/b");
+}
+
+TEST(QNTagName, ATagIsCleanedAsAnItemTakesIt) {
+  EXPECT_EQ(cleanedTag("/home//bills/ "), "home/bills");
+  EXPECT_EQ(cleanedTag("my\ttag"), "mytag");
+}
+
+TEST(QNTagName, OfSeparatorsAndWhiteSpaceAloneNothingIsLeftAndNothingIsLogged) {
+  const MRCapturingSink sink;
+  for (const char* const tag : {"", " ", "//", " / \\ ", "\t", "\u00A0/\n"}) {
+    EXPECT_EQ(cleanedTag(tag), std::nullopt) << tag;
+  }
+  EXPECT_TRUE(sink.records().empty());
 }
 
 }  // namespace

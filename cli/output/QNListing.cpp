@@ -11,7 +11,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::size_t kTitleWidth = 40;
 constexpr std::size_t kKindWidth = 16;  // a longer one pushes what follows it
 
 constexpr std::string_view kMargin = "  ";  // under a heading

@@ -25,6 +25,8 @@ void writeShownJson(std::string_view json, const std::function<void(std::string_
 /// escaped.
 std::string_view withoutIsolation(std::string_view text);
 
+/// Columns of a list's titles; a longer title pushes what follows it, where it isn't cut.
+inline constexpr std::size_t kTitleWidth = 40;
 /// Columns that a terminal takes for a shown text.
 std::size_t shownWidth(std::string_view text);
 /// As much of a shown text as `columns` hold; marks stay with their letter.

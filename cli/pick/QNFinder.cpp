@@ -3,12 +3,13 @@
 #include <algorithm>
 
 #include "cli/pick/QNPickDrawing.h"
+#include "quillon/platform/text/QNUTF8.h"
 
 namespace quillon {
 namespace {
 
 void eraseCharacter(std::string& text) {
-  while (!text.empty() && (static_cast<unsigned char>(text.back()) & 0xC0) == 0x80) text.pop_back();
+  while (!text.empty() && continuesCharacter(text.back())) text.pop_back();
   if (!text.empty()) text.pop_back();
 }
 

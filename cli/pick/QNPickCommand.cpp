@@ -91,8 +91,8 @@ void tell(const QNRawTerminal& terminal, const std::string& text) {
 // What was copied, cleared again however this is left: by an error, a signal or a stop, too.
 class ClipboardContent {
  public:
-  // Both must outlive it. One that stays is never cleared.
-  enum class Stay { forNow, forGood };
+  enum class Stay { forNow, forGood };  // the latter is never cleared
+  // Clipboard and terminal must outlive it.
   ClipboardContent(const QNClipboard& clipboard, QNRawTerminal& terminal, Stay stay)
       : _clipboard(clipboard), _terminal(terminal), _stay(stay) {
     _terminal.beforeStop([this] { static_cast<void>(clear()); });  // told of at the end

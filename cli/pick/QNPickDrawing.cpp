@@ -5,13 +5,13 @@
 #include <algorithm>
 
 #include "cli/output/QNShownText.h"
+#include "quillon/platform/text/QNUTF8.h"
 
 namespace quillon {
 namespace {
 
 // Lines that aren't matches: the typed one and the count.
 constexpr std::size_t kOtherLines = 2;
-constexpr std::size_t kTitleWidth = 40;
 constexpr std::size_t kGap = 2;
 // More of a title or of what was typed isn't looked at: a title may be a megabyte long.
 constexpr std::size_t kMaxShownBytes = 4096;
@@ -19,7 +19,7 @@ constexpr std::size_t kMaxShownBytes = 4096;
 std::string shownStart(std::string_view text) {
   if (text.size() <= kMaxShownBytes) return shownText(text);
   std::size_t size = kMaxShownBytes;
-  while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) --size;
+  while (size > 0 && continuesCharacter(text[size])) --size;
   return shownText(text.substr(0, size));
 }
 
@@ -44,8 +44,7 @@ std::string atLine(std::size_t row, std::string_view text, bool isSelected = fal
 std::string_view endOfWidth(std::string_view shown, std::size_t columns) {
   while (shownWidth(shown) > columns) {
     std::size_t first = 1;
-    while (first < shown.size() && (static_cast<unsigned char>(shown[first]) & 0xC0) == 0x80)
-      ++first;
+    while (first < shown.size() && continuesCharacter(shown[first])) ++first;
     shown.remove_prefix(first);
   }
   return shown;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "cli/output/QNListOrdering.h"
 #include "cli/output/QNShownText.h"
-#include "quillon/platform/text/QNText.h"
 
 namespace quillon {
 namespace {
@@ -20,7 +20,7 @@ Loaded loadedFrom(QNItem& item) {
   loaded.uuid = *item.uuid();
   loaded.row.title = item.title();
   loaded.row.more = withoutIsolation(item.additionalInformation().value_or(""));
-  loaded.key = collationKey(loaded.row.title) + '\0' + loaded.uuid;  // no key holds a 0
+  loaded.key = listKeyOf(item, QNListOrder::title);
   loaded.alsoFound = item.URLString().value_or("");
   for (const std::string& tag : item.tags()) loaded.alsoFound += '\n' + tag;
   return loaded;

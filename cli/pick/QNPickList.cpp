@@ -16,10 +16,8 @@ constexpr char kEndOfTitle = '\n';
 
 std::vector<std::string> wordsOf(std::string_view folded) {
   std::vector<std::string> words;
-  for (std::size_t start = 0; start < folded.size();) {
-    const auto end = std::min(folded.find(' ', start), folded.size());
-    if (end > start) words.emplace_back(folded.substr(start, end - start));
-    start = end + 1;
+  for (const std::string_view word : componentsSeparatedByString(folded, " ")) {
+    if (!word.empty()) words.emplace_back(word);
   }
   return words;
 }

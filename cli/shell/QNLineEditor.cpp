@@ -7,6 +7,7 @@
 #include <unicode/utf8.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <clocale>

@@ -8,6 +8,7 @@
 #include "cli/shell/QNLineGrammar.h"
 #include "cli/shell/QNShellWords.h"
 #include "quillon/platform/text/QNText.h"
+#include "quillon/platform/text/QNUTF8.h"
 
 namespace quillon {
 namespace {
@@ -62,7 +63,7 @@ Choices fitting(Choices choices, std::string_view typed) {
 }
 
 bool isInsideCharacter(std::string_view text, std::size_t place) {
-  return place < text.size() && (static_cast<unsigned char>(text[place]) & 0xC0) == 0x80;
+  return place < text.size() && continuesCharacter(text[place]);
 }
 
 // In whole characters.

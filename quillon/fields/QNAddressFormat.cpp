@@ -9,6 +9,7 @@
 #include "quillon/platform/log/MRLogger.h"
 #include "quillon/platform/text/QNASCII.h"
 #include "quillon/platform/text/QNText.h"
+#include "quillon/platform/text/QNUTF8.h"
 #include "quillon/templates/QNCategoryUUID.h"
 #include "quillon/templates/QNTemplateManager.h"
 
@@ -97,10 +98,6 @@ QNSecret displayedCountry(std::optional<std::string_view> code) {
   return name.starts_with(kCountryMenu) ? withoutCountryMenu(name) : QNSecret(name);
 }
 
-bool isUTF8Trail(char c) {
-  return (static_cast<unsigned char>(c) & 0xC0u) == 0x80u;
-}
-
 // Each word begins with a capital.
 std::string capitalized(std::string_view key) {
   std::string made(key);
@@ -117,7 +114,7 @@ std::vector<std::string_view> wordsOf(std::string_view line) {
   std::vector<std::string_view> words;
   bool inWord = false;
   for (std::size_t start = 0, end = 0; start < line.size(); start = end) {
-    for (end = start + 1; end < line.size() && isUTF8Trail(line[end]);) ++end;
+    for (end = start + 1; end < line.size() && continuesCharacter(line[end]);) ++end;
     const std::string_view character = line.substr(start, end - start);
     const bool blank = isBlankText(character);
     if (!blank && !inWord) words.push_back(character);

@@ -2,6 +2,7 @@
 
 #include "quillon/platform/json/QNJsonReading.h"
 #include "quillon/platform/text/QNFormat.h"
+#include "quillon/platform/text/QNSecretText.h"
 
 namespace quillon {
 namespace {
@@ -9,12 +10,6 @@ namespace {
 // Below this a year has two digits. 99 itself hasn't: it prints as 99 and sorts before all years
 // of four digits.
 constexpr std::int16_t kFirstFullYear = 99;
-
-QNSecret secretOf(std::string text) {
-  QNSecret secret(text);
-  wipe(text.data(), text.size());
-  return secret;
-}
 
 }  // namespace
 

@@ -9,12 +9,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-QNSampleItemRef itemTitled(std::string_view title) {
-  auto item = newItem(localVault());
-  item->setTitle(title);
-  return item;
-}
-
 TEST(QNItemSearchWords, AreSeparatedByWhatIsNotAlphanumeric) {
   EXPECT_THAT(QNItem::helperSearchWordSeparators().piecesOf("a-b 2.c"),
               ElementsAre("a", "b", "2", "c"));

@@ -16,12 +16,6 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-QNSampleItemRef itemTitled(std::string_view title) {
-  auto item = newItem(localVault());
-  item->setTitle(title);
-  return item;
-}
-
 /// Something in every place that the contents level looks at.
 QNSampleItemRef filledItem(const std::shared_ptr<QNGenericProfile>& vault = localVault()) {
   auto item = newItem(vault);

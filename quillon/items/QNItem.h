@@ -129,8 +129,8 @@ class QNItem : public QNDatabaseObjectWithOverview,
   [[nodiscard]] std::size_t numberOfTags() { return tags().size(); }
   /// Joined by ", ".
   [[nodiscard]] std::optional<std::string> tagsPlain();
-  /// A tag without parts that aren't empty, or of other white space than blanks. Nothing, with an
-  /// error log, if nothing is left of it.
+  /// The tag without empty levels, blanks around levels, and white space other than blanks.
+  /// Nothing, with an error log, if nothing is left of it.
   static std::optional<std::string> processTagForAdding(std::optional<std::string_view> tag);
   /// Those of which something is left replace what there was.
   void setTagsFromUI(const std::vector<std::string>& tags);

@@ -9,7 +9,6 @@ namespace quillon {
 namespace {
 
 constexpr std::string_view kVersion = "sfVersion";
-constexpr std::string_view kOldPredicate = "predicate_b64";
 constexpr std::string_view kPredicate = "predicate_b64_v4";
 constexpr std::uint64_t kPresentVersion = 4;
 

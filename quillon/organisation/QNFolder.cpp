@@ -17,7 +17,6 @@ namespace quillon {
 namespace {
 
 constexpr std::string_view kTitle = "title";
-constexpr std::string_view kOldPredicate = "predicate_b64";
 constexpr std::string_view kDefaultIcon = "type-folder-list";
 
 }  // namespace

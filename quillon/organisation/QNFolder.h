@@ -163,6 +163,7 @@ class QNFolder final : public QNDatabaseObjectWithOverview,
   QNResult<QNPredicateRef> storedPredicate();
   QNResult<QNPredicateRef> storedPredicateForKey(std::string_view key);
 
+  static constexpr std::string_view kOldPredicate = "predicate_b64";  // key of the overview
   bool _smartFolder = false;
   std::uint64_t _displayOrder = 0;
   std::uint64_t _txTimestamp = 0;

@@ -15,17 +15,17 @@ struct KeyPathPair {
   std::string_view old, present;
 };
 
-constexpr std::array<std::string_view, 2> keyPathsWithoutConversion = {"title", "username"};
+constexpr std::array<std::string_view, 2> kKeyPathsWithoutConversion = {"title", "username"};
 
 // One of the elements must fit: these were texts, and are lists now.
-constexpr std::array keyPathsMappedToAny = {
+constexpr std::array kKeyPathsMappedToAny = {
     KeyPathPair{"tagsForSearch", "tagsForSearch"},
     KeyPathPair{"tags", "tagsForSearch"},
     KeyPathPair{"contentsForFullSearch", "allValuesForSearch"},
     KeyPathPair{"location", "URLStringsForSearch"},
 };
 
-constexpr std::array keyPathsMappedNoChange = {
+constexpr std::array kKeyPathsMappedNoChange = {
     KeyPathPair{"passwordForSearch", "password"},
     KeyPathPair{"createdAt", "createdAtAsDate"},
     KeyPathPair{"updatedAt", "updatedAtAsDate"},
@@ -36,7 +36,7 @@ struct OldStrength {
   std::string_view keyPath;
   std::int64_t strength;
 };
-constexpr std::array oldStrengths = {
+constexpr std::array kOldStrengths = {
     OldStrength{"mr_number10", 10},   OldStrength{"mr_number20", 20},
     OldStrength{"mr_number35", 35},   OldStrength{"mr_number40", 40},
     OldStrength{"mr_number60", 60},   OldStrength{"mr_number90", 90},
@@ -48,7 +48,7 @@ constexpr std::int64_t kLeastStrength = 20;
 struct OldCategory {
   std::string_view name, uuid;
 };
-constexpr std::array oldCategories = {
+constexpr std::array kOldCategories = {
     OldCategory{"Logins", QNCategoryUUIDLogin},
     OldCategory{"webforms.WebForm", QNCategoryUUIDLogin},
     OldCategory{"securenotes.SecureNote", QNCategoryUUIDSecureNote},
@@ -74,7 +74,7 @@ constexpr std::string_view kCategoryName = "categoryName";
 constexpr std::string_view kPasswordStrength = "passwordStrength";
 constexpr std::string_view kHasAttachmentString = "hasAttachmentString";
 constexpr std::string_view kNumberOfAttachments = "numberOfAttachments";
-constexpr std::array<std::string_view, 2> keyPathsDropped = {"securityLevel", "trashed"};
+constexpr std::array<std::string_view, 2> kKeyPathsDropped = {"securityLevel", "trashed"};
 constexpr std::string_view kNoFolderText = R"(folderTitle ==[cd] "")";
 constexpr std::string_view kExistingText = R"(existingString == "YES")";
 
@@ -136,15 +136,15 @@ QNPredicateRef upgradedAttachments(const QNComparisonPredicate::Parts& parts) {
 
 std::int64_t QNPredicateUpgrade::passwordStrengthForKeyPath(std::string_view keyPath) {
   const auto* const found =
-      std::find_if(oldStrengths.begin(), oldStrengths.end(),
+      std::find_if(kOldStrengths.begin(), kOldStrengths.end(),
                    [keyPath](const OldStrength& it) { return it.keyPath == keyPath; });
-  return found == oldStrengths.end() ? 0 : found->strength;
+  return found == kOldStrengths.end() ? 0 : found->strength;
 }
 
 std::optional<std::string> QNPredicateUpgrade::categoryUUIDForName(std::string_view name) {
-  const auto* const found = std::find_if(oldCategories.begin(), oldCategories.end(),
+  const auto* const found = std::find_if(kOldCategories.begin(), kOldCategories.end(),
                                          [name](const OldCategory& it) { return it.name == name; });
-  if (found == oldCategories.end()) return std::nullopt;
+  if (found == kOldCategories.end()) return std::nullopt;
   return std::string(found->uuid);
 }
 
@@ -179,13 +179,13 @@ QNResult<QNPredicateRef> QNPredicateUpgrade::upgradedCompound(
 QNPredicateRef QNPredicateUpgrade::upgradedComparison(const QNPredicateRef& predicate,
                                                       const Parts& parts) const {
   const std::string_view old = parts.left.asKeyPath()->name();
-  if (isIn(keyPathsWithoutConversion, old)) return predicate;
-  if (const auto* const pair = pairFor(keyPathsMappedToAny, old)) {
+  if (isIn(kKeyPathsWithoutConversion, old)) return predicate;
+  if (const auto* const pair = pairFor(kKeyPathsMappedToAny, old)) {
     return madeOf(predicate, QNComparisonPredicate::comparison(
                                  {keyPathExpression(pair->present), parts.right,
                                   QNComparisonModifier::any, parts.operatorType, parts.options}));
   }
-  if (const auto* const pair = pairFor(keyPathsMappedNoChange, old)) {
+  if (const auto* const pair = pairFor(kKeyPathsMappedNoChange, old)) {
     return madeOf(predicate, QNComparisonPredicate::comparison(
                                  {keyPathExpression(pair->present), parts.right, parts.modifier,
                                   parts.operatorType, parts.options}));
@@ -193,7 +193,7 @@ QNPredicateRef QNPredicateUpgrade::upgradedComparison(const QNPredicateRef& pred
   if (old == kCategoryName) return upgradedCategory(predicate, parts);
   if (old == kPasswordStrength) return upgradedStrength(parts);
   if (old == kHasAttachmentString) return upgradedAttachments(parts);
-  if (isIn(keyPathsDropped, old)) return nullptr;
+  if (isIn(kKeyPathsDropped, old)) return nullptr;
   return upgradedOther(predicate);
 }
 

@@ -60,11 +60,14 @@ inline constexpr std::string_view kSelectStrayItems =
     "(SELECT 1 FROM folders WHERE folders.vault_id = ?1 AND folders.uuid = items.folder_uuid AND "
     "folders.status = 0) ORDER BY oid";
 
+// Values of `status`. What stays of a deleted item has that of a trashed one.
+inline constexpr std::uint64_t kTrashedItem = 1;
 inline constexpr std::uint64_t kDeletedFolder = 2;
 /// Is it what stays of a deleted folder?
 inline bool isDeleted(const QNFolderRow& row) {
   return row.status == kDeletedFolder;
 }
+
 /// Runs willSave, and tells whether it sealed the overview anew: it says nothing when it can't, for
 /// instance with a text that isn't UTF-8, and leaves the former one.
 bool sealAnew(QNDatabaseObjectWithOverview& object);

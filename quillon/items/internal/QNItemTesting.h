@@ -67,6 +67,13 @@ inline QNSampleItemRef newItem(const std::shared_ptr<QNGenericProfile>& vault) {
   return item;
 }
 
+/// A new item of that title, in a vault of its own.
+inline QNSampleItemRef itemTitled(std::string_view title) {
+  auto item = newItem(localVault());
+  item->setTitle(title);
+  return item;
+}
+
 /// Saves as a database layer does: a first save gives the item a row.
 inline void save(QNItem& item) {
   item.willSave();

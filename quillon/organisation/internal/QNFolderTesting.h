@@ -1,8 +1,9 @@
 #pragma once
-// For tests: folders in a vault that costs no key derivation.
+// For tests: folders in a vault that costs no key derivation, and questions in short.
 
 #include "quillon/items/internal/QNItemTesting.h"
 #include "quillon/organisation/QNFolder.h"
+#include "quillon/organisation/predicates/internal/QNPredicateTesting.h"
 
 namespace quillon {
 
@@ -18,10 +19,6 @@ inline std::shared_ptr<QNFolder> cleanFolder(std::string_view title = "Work") {
   auto folder = folderTitled(title);
   folder->didSave();
   return folder;
-}
-
-inline QNPredicateRef predicate(std::string_view format) {
-  return QNPredicate::predicateWithFormat(format).value();
 }
 
 inline std::string textOf(const QNPredicateRef& predicate) {

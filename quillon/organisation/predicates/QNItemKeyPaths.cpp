@@ -4,6 +4,7 @@
 #include <array>
 
 #include "quillon/items/QNItem.h"
+#include "quillon/platform/text/QNSecretText.h"
 
 // What items answer. A view lies in the item; a secret is the answer's own.
 //
@@ -27,16 +28,9 @@ namespace {
 
 using Answer = std::optional<QNKeyPathValue>;
 
-// Wiped once it is copied, as far as the string itself knows what it holds.
-QNSecret moved(std::string text) {
-  QNSecret secret(text);
-  wipe(text.data(), text.size());
-  return secret;
-}
-
 Answer valueOf(std::optional<std::string> text) {
   if (!text) return QNKeyPathValue();
-  return moved(std::move(*text));
+  return secretOf(std::move(*text));
 }
 
 Answer valueOf(std::optional<QNSecret> secret) {
@@ -47,7 +41,7 @@ Answer valueOf(std::optional<QNSecret> secret) {
 Answer valueOf(std::vector<std::string> texts) {
   std::vector<QNSecret> secrets;
   secrets.reserve(texts.size());
-  for (std::string& text : texts) secrets.push_back(moved(std::move(text)));
+  for (std::string& text : texts) secrets.push_back(secretOf(std::move(text)));
   return secrets;
 }
 

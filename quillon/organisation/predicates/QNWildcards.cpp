@@ -2,13 +2,15 @@
 
 #include <algorithm>
 
+#include "quillon/platform/text/QNUTF8.h"
+
 namespace quillon {
 namespace {
 
 // Bytes of the UTF-8 character at `at`; 1 for a byte that begins none.
 std::size_t characterSize(std::string_view text, std::size_t at) {
   std::size_t end = at + 1;
-  while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) ++end;
+  while (end < text.size() && continuesCharacter(text[end])) ++end;
   return end - at;
 }
 

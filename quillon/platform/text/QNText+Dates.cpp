@@ -12,6 +12,7 @@
 
 #include "quillon/platform/environment/QNEnvironment.h"
 #include "quillon/platform/text/QNFormat.h"
+#include "quillon/platform/text/QNSecretText.h"
 #include "quillon/platform/text/QNText.h"
 #include "quillon/platform/text/internal/QNLocale.h"
 
@@ -72,12 +73,6 @@ const icu::DateFormat* dayFormatOfThread() {
 const icu::DateFormat* dayAndTimeFormatOfThread() {
   thread_local KeptFormat kept;
   return upToDate(kept, icu::DateFormat::kMedium);
-}
-
-QNSecret secretOf(std::string text) {
-  QNSecret secret(text);
-  wipe(text.data(), text.size());
-  return secret;
 }
 
 bool isDayOf(icu::Calendar& calendar, double moment, const std::array<std::int32_t, 3>& day) {
