@@ -252,10 +252,10 @@ class QNStore final {
 
   // New folders: QNStore+FolderImport.cpp
   /// Saves new folders of a vault that come out of a file, in that order, smart or not as they are
-  /// and with the times that they have; one that was deleted counts as changed no earlier than
-  /// that. The uuid of each that was put at the top, since its parent is neither there nor new,
-  /// since it would lie in itself, or too deep. Errors: exists; unreadableItem, if one has no uuid
-  /// or another vault; locked, damaged, ...
+  /// and with the times that they have, or now for one that is to come; one that was deleted counts
+  /// as changed no earlier than that. The uuid of each that was put at the top, since its parent is
+  /// neither there nor new, since it would lie in itself, or too deep. Errors: exists;
+  /// unreadableItem, if one has no uuid or another vault; locked, damaged, ...
   QNResult<std::vector<std::string>> addFolders(const std::shared_ptr<QNProfile>& vault,
                                                 std::span<const std::shared_ptr<QNFolder>> folders);
 
