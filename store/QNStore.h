@@ -72,9 +72,10 @@ struct QNTagReport {
 
 /// What a repair of folders did. Identifiers only.
 struct QNFolderRepair {
-  /// Their rows weren't what was saved, but their titles and questions open: kept as they stand.
+  /// Their rows weren't what was saved, but their titles and questions open, or they are those of
+  /// deleted ones: kept as they stand.
   std::vector<std::string> foldersSealedAnew;
-  /// Their titles and questions don't open. Those that were deleted before are among them.
+  /// Their titles and questions don't open.
   std::vector<std::string> foldersRemoved;
   /// Rows were missing, were added, or were older than the vault's ledger said: it says now what is
   /// there.
