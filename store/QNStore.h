@@ -270,7 +270,8 @@ class QNStore final {
   QNResult<std::vector<std::shared_ptr<QNSyncSource>>> syncSources(
       const std::shared_ptr<QNProfile>& vault);
   /// Stores a source and all of its states, whether it is dirty or not: its profile is the vault.
-  /// Errors: exists, if two item states have one uuid; lostRace, locked, notFound, ...
+  /// Errors: exists, if two item states have one uuid; damaged, if what a merge remembers (of the
+  /// keychain type "store") is newer than all rows; lostRace, locked, notFound, ...
   QNResult<QNDone> saveSyncSource(const std::shared_ptr<QNSyncSource>& source);
   /// Forgets a source and its states. The source has no row id any more.
   QNResult<QNDone> deleteSyncSource(const std::shared_ptr<QNSyncSource>& source);
