@@ -5,12 +5,16 @@
 
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/fields/QNItemStringField.h"
+#include "quillon/items/QNItemMerge.h"
 #include "quillon/platform/text/QNLocalization.h"
 #include "store/QNMergeReport.h"
 
 namespace quillon {
 
 namespace {
+
+static_assert(kTitleConflictPrefix.starts_with(kTitlePart) &&
+              kTitleConflictPrefix.substr(kTitlePart.size()) == kConflictIdentifierSeparator);
 
 /// Made at each save of what the joined item has.
 constexpr std::array kDerived = {
