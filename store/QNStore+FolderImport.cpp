@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "quillon/organisation/QNFolder.h"
+#include "quillon/platform/environment/QNEnvironment.h"
 #include "store/QNStore.h"
 #include "store/internal/QNFolderTree.h"
 #include "store/internal/QNStoreState.h"
@@ -54,12 +55,16 @@ QNResult<QNDone> QNStore::Database::addFolders(const std::shared_ptr<QNProfile>&
   return QNDone{};
 }
 
-/// One that was deleted counts as changed when it was: a merge would delete it again otherwise.
+/// A time to come in a file becomes now: the folder would replace every other one in a merge, and
+/// refuse each deletion. One that was deleted counts as changed when it was, whenever that was: a
+/// merge would delete it again otherwise.
 QNResult<QNDone> QNStore::Database::addFolder(const std::shared_ptr<QNFolder>& folder,
                                               const std::shared_ptr<QNProfile>& vault) {
   const auto before = folderBefore(*folder, vault);
   if (!before.ok()) return before.error();
-  folder->setUpdatedAt(std::max(folder->updatedAt(), before.value().updatedAt));
+  const std::uint64_t now = secondsNow();
+  folder->setCreatedAt(std::min(folder->createdAt(), now));
+  folder->setUpdatedAt(std::max(std::min(folder->updatedAt(), now), before.value().updatedAt));
   return writeFolder(folder, vault, before.value(), Times::kept, folder->smartFolder());
 }
 

@@ -136,6 +136,51 @@ TEST_F(QNStoreFolderImport, BringsADeletedFolderBackForAMergeToo) {
   EXPECT_EQ(treeIn(theirs), "a 0");
 }
 
+TEST_F(QNStoreFolderImport, GivesNoFolderATimeToCome) {
+  const auto made = named("a");
+  made->setCreatedAt(9'000'000'000);
+  made->setUpdatedAt(9'000'000'001);
+
+  add({made});
+
+  const auto read = session.store->folder(session.vault, "a").value();
+  EXPECT_EQ(read->createdAt(), 1'700'000'000u);
+  EXPECT_EQ(read->updatedAt(), 1'700'000'000u);
+}
+
+TEST_F(QNStoreFolderImport, LetsALaterDeletionGoThroughWhateverTimeTheFileGave) {
+  const auto made = named("a");
+  made->setUpdatedAt(9'000'000'000);
+  add({made});
+  ASSERT_EQ(errorOf(session.store->backupTo(folder / "theirs")), "");
+  Session theirs = openSession(folder / "theirs");
+  clock.setSeconds(1'700'000'100);
+  ASSERT_EQ(errorOf(session.store->deleteFolder(session.store->folder(session.vault, "a").value())),
+            "");
+
+  ASSERT_EQ(errorOf(mergeStores(session, theirs)), "");
+
+  EXPECT_EQ(treeIn(session), "");
+  EXPECT_EQ(treeIn(theirs), "");
+}
+
+TEST_F(QNStoreFolderImport, BringsAFolderBackThatWasDeletedByAClockThatWasAhead) {
+  add({named("a")});
+  ASSERT_EQ(errorOf(session.store->backupTo(folder / "theirs")), "");
+  Session theirs = openSession(folder / "theirs");
+  clock.setSeconds(1'800'000'000);
+  ASSERT_EQ(errorOf(session.store->deleteFolder(session.store->folder(session.vault, "a").value())),
+            "");
+  ASSERT_EQ(errorOf(mergeStores(session, theirs)), "");
+  clock.setSeconds(1'700'000'100);
+
+  add({named("a")});
+
+  ASSERT_EQ(errorOf(mergeStores(session, theirs)), "");
+  EXPECT_EQ(treeIn(session), "a 0");
+  EXPECT_EQ(treeIn(theirs), "a 0");
+}
+
 TEST_F(QNStoreFolderImport, MakesNoDamageOfAnyFile) {
   for (unsigned seed = 0; seed < 30; ++seed) {
     SCOPED_TRACE(seed);

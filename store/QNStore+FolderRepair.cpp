@@ -9,8 +9,12 @@
 //
 //   its overview      then
 //   opens             sealed anew as it stands, with its times; an icon that doesn't open goes
-//   doesn't           a tombstone, deleted at 0: older than any folder, so that the deletion takes
+//   is a tombstone's  sealed anew as one, deleted when it says: or the folder would come back from
+//                     another store
+//   else doesn't      a tombstone, deleted at 0: older than any folder, so that the deletion takes
 //                     none from another store, and a sound one comes back from there
+//
+// No time of change is left to come: the row would replace every other one in a merge.
 //
 // The ledger becomes that of the rows that are there: what its sum was made of can't be told from
 // it. What the folder held is as in a folder that isn't there.
@@ -19,9 +23,9 @@ namespace quillon {
 
 namespace {
 
-/// Was the row changed at a time to come, it would replace every other one in a merge.
-void bringTimeBack(QNFolder& folder) {
-  folder.setUpdatedAt(std::min(folder.updatedAt(), secondsNow()));
+/// Does it have what a deletion leaves, and no more of a folder? The status alone may be altered.
+bool isTombstone(const QNFolderRow& row) {
+  return isDeleted(row) && row.overview.empty() && !row.parentUUID && !row.icon;
 }
 
 }  // namespace
@@ -38,21 +42,23 @@ QNResult<QNDone> QNStore::Database::mendFolderRow(const std::string& uuid,
                                                   const std::shared_ptr<QNProfile>& vault,
                                                   QNFolderRepair& repair) {
   FolderBefore before;
+  bool wasDeleted = false;
   std::shared_ptr<QNFolder> kept;
   {
     QNQuery query =
         file->query("SELECT " QN_FOLDER_COLUMNS " FROM folders WHERE vault_id = ?1 AND uuid = ?2",
                     vault->oid(), uuid);
     if (!query.next()) return QNDone{};  // SQLite's error stays with the connection
-    before = folderBeforeOf(folderRow(query), vault);
-    kept = keptFolder(folderRow(query), vault);
+    const QNFolderRow row = folderRow(query);
+    before = folderBeforeOf(row, vault);
+    wasDeleted = isTombstone(row);
+    kept = keptFolder(row, vault);
   }
-  if (kept == nullptr) {
-    repair.foldersRemoved.push_back(uuid);
-    return writeFolderTombstone(before, vault, 0);
-  }
-  repair.foldersSealedAnew.push_back(uuid);
-  bringTimeBack(*kept);
+  const std::uint64_t changedAt = std::min(before.updatedAt, secondsNow());
+  auto& mended = kept || wasDeleted ? repair.foldersSealedAnew : repair.foldersRemoved;
+  mended.push_back(uuid);
+  if (kept == nullptr) return writeFolderTombstone(before, vault, wasDeleted ? changedAt : 0);
+  kept->setUpdatedAt(changedAt);
   return writeFolder(kept, vault, before, Times::kept, before.isSmart);
 }
 

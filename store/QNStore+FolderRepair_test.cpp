@@ -154,7 +154,8 @@ TEST_F(QNStoreFolderRepair, RemovesAFolderWhoseOverviewDoesNotOpen) {
   for (const char* assignment :
        {"overview = x''", "overview = x'00'", "overview = zeroblob(length(overview))",
         "overview = substr(overview, 1, length(overview) - 1)", "overview = icon",
-        "overview = x'', status = 2"}) {
+        "overview = x'', icon = NULL", "overview = x'', status = 2",
+        "overview = x'', icon = NULL, parent_uuid = '', status = 2"}) {
     SCOPED_TRACE(assignment);
     changeOuter(assignment);
 
@@ -168,6 +169,18 @@ TEST_F(QNStoreFolderRepair, RemovesAFolderWhoseOverviewDoesNotOpen) {
     expectSound();
     restore();
   }
+}
+
+TEST_F(QNStoreFolderRepair, FreesWhatAFolderHeldThatLooksDeleted) {
+  changeOuter("overview = x'', icon = NULL, status = 2");
+
+  const QNFolderRepair repaired = repair();
+
+  EXPECT_THAT(repaired.foldersSealedAnew, ElementsAre(outer));
+  EXPECT_THAT(repaired.foldersMovedToTop, ElementsAre(inner));
+  EXPECT_THAT(repaired.itemsMovedToTop, ElementsAre(item));
+  EXPECT_EQ(treeIn(session), "inner 0");
+  expectSound();
 }
 
 TEST_F(QNStoreFolderRepair, OfAnAlteredUUIDKeepsTheFolderAndFreesWhatItHeld) {
@@ -268,6 +281,48 @@ TEST_F(QNStoreFolderRepair, LetsAMergeBringARemovedFolderBack) {
   EXPECT_EQ(treeIn(session), whole);  // what it held lies in it again
   EXPECT_EQ(treeIn(theirs), whole);
   expectSound();
+}
+
+TEST_F(QNStoreFolderRepair, KeepsADeletionForAMergeToo) {
+  int copies = 0;
+  for (const char* assignment :
+       {"display_order = 1", "smart = 1", "created_at = 1", "updated_at = 9000000000",
+        "tx_timestamp = 1 << 62", "seal = x''"}) {
+    SCOPED_TRACE(assignment);
+    const std::filesystem::path theirFile = folder / fmt::format("theirs {}", ++copies);
+    ASSERT_EQ(errorOf(session.store->backupTo(theirFile)), "");
+    Session theirs = openSession(theirFile);
+    clock.setSeconds(1'700'000'100);
+    ASSERT_EQ(errorOf(session.store->deleteFolder(folderOf(outer))), "");
+    changeOuter(assignment);
+
+    const QNFolderRepair repaired = repair();
+
+    EXPECT_THAT(repaired.foldersSealedAnew, ElementsAre(outer));
+    EXPECT_THAT(repaired.foldersRemoved, IsEmpty());
+    ASSERT_EQ(errorOf(mergeStores(session, theirs)), "");
+    EXPECT_EQ(treeIn(session), "inner 0");
+    EXPECT_EQ(treeIn(theirs), "inner 0");
+    expectSound();
+    clock.setSeconds(1'700'000'000);
+    restore();
+  }
+}
+
+TEST_F(QNStoreFolderRepair, GivesNoDeletionATimeToCome) {
+  ASSERT_EQ(errorOf(session.store->backupTo(folder / "theirs")), "");
+  Session theirs = openSession(folder / "theirs");
+  ASSERT_EQ(errorOf(session.store->deleteFolder(folderOf(outer))), "");
+  changeOuter("updated_at = 9000000000");
+  repair();
+  clock.setSeconds(1'700'000'100);
+  const auto renamed = theirs.store->folder(theirs.vault, outer).value();
+  renamed->setTitle("renamed");
+  ASSERT_EQ(errorOf(theirs.store->saveFolder(renamed)), "");
+
+  ASSERT_EQ(errorOf(mergeStores(session, theirs)), "");
+
+  EXPECT_EQ(folderOf(outer)->title(), "renamed");
 }
 
 TEST_F(QNStoreFolderRepair, ThatFailsChangesNothing) {

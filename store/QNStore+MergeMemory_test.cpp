@@ -4,7 +4,9 @@ namespace quillon {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 // One of the two files isn't written
 
@@ -229,7 +231,8 @@ TEST_F(QNStoreMergeRestored, ChangesNeitherSideIfRowsAreOlderThanItsMemory) {
   merged();
   putRowsBack(backup);
   const auto expectDamaged = [&] {
-    EXPECT_EQ(problemsIn(mine), std::vector<std::string>());
+    EXPECT_THAT(problemsIn(mine), ElementsAre(HasSubstr("a merge with theirs remembers newer")));
+    EXPECT_EQ(problemsIn(theirs), std::vector<std::string>());
     EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::damaged));
     EXPECT_THAT(titlesIn(theirs), ElementsAre("newest", "second"));
   };
@@ -240,6 +243,14 @@ TEST_F(QNStoreMergeRestored, ChangesNeitherSideIfRowsAreOlderThanItsMemory) {
   savedLogin(mine, "third");
 
   expectDamaged();
+  clock.setSeconds(secondsNow() + 100);
+  ASSERT_EQ(errorOf(QNStore::merge({mine.store.get(), mine.vault, "mine"},
+                                   {theirs.store.get(), theirs.vault, "elsewhere"})),
+            "");
+  for (Session* const session : {&mine, &theirs}) {
+    EXPECT_THAT(titlesIn(*session), UnorderedElementsAre("newest", "second", "third"));
+  }
+  EXPECT_EQ(problemsIn(mine), std::vector<std::string>());
 }
 
 TEST_F(QNStoreMergeRestored, ChangesNeitherSideIfARowIsMissingThatItRemembers) {
@@ -252,6 +263,7 @@ TEST_F(QNStoreMergeRestored, ChangesNeitherSideIfARowIsMissingThatItRemembers) {
 
   EXPECT_EQ(errorOf(tryMerge()), codeText(QNStoreErrorCode::damaged));
 
+  EXPECT_THAT(problemsIn(mine), ElementsAre(HasSubstr("a merge with theirs remembers newer")));
   EXPECT_THAT(titlesIn(theirs), ElementsAre("first", "second"));
 }
 

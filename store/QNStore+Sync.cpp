@@ -19,6 +19,8 @@ namespace {
   "local_profile_timestamp, local_profile_attributes, seal"
 constexpr std::string_view kSelectSourcesOfVault =
     "SELECT " QN_SYNC_SOURCE_COLUMNS " FROM sync_sources WHERE vault_id = ?1 ORDER BY oid";
+/// The keychain type of what a merge remembers: times of others needn't be those of our rows.
+constexpr std::string_view kTypeOfMerges = "store";
 
 QNSyncSourceRow syncSourceRow(const QNQuery& query) {
   QNSyncSourceRow row;
@@ -128,6 +130,12 @@ bool haveAnItemTwice(const std::vector<QNSyncStateRow>& states) {
   });
 }
 
+bool areAfter(const std::vector<QNSyncStateRow>& states, std::uint64_t lastTx) {
+  return std::any_of(states.begin(), states.end(), [lastTx](const QNSyncStateRow& state) {
+    return state.kind == QNSyncStates::kKindOfItems && state.localTimestamp > lastTx;
+  });
+}
+
 QNError alteredSource() {
   return storeError(QNStoreErrorCode::damaged, "a sync source or its states were altered");
 }
@@ -220,7 +228,10 @@ QNResult<QNStore::Database::Partner> QNStore::Database::partnerAt(
   QNQuery query = file->query(kSelectSourcesOfVault, vault->oid());
   while (query.next()) {
     const QNSyncSourceRow row = syncSourceRow(query);
-    if (row.keychainIdentifier != place || row.remoteProfileUUID != uuid) continue;
+    if (row.keychainType != kTypeOfMerges || row.keychainIdentifier != place ||
+        row.remoteProfileUUID != uuid) {
+      continue;
+    }
     QNSyncStates states = QNSyncStates::read(*file, row.oid);
     const auto source = syncSourceOf(row, states, vault);
     if (source == nullptr) return alteredSource();
@@ -238,6 +249,13 @@ QNResult<QNDone> QNStore::saveSyncSource(const std::shared_ptr<QNSyncSource>& so
     const auto states = rowsOf(statesOf(*source));
     if (haveAnItemTwice(states)) {
       return storeError(QNStoreErrorCode::exists, "a source has two states of one item");
+    }
+    const auto vault = vaultOfSource(*source);
+    if (!vault.ok()) return vault.error();
+    const auto ledger = _database->ledgerNow(*vault.value());
+    if (!ledger.ok()) return ledger.error();
+    if (source->keychainType() == kTypeOfMerges && areAfter(states, ledger.value().lastTx)) {
+      return storeError(QNStoreErrorCode::damaged, "a source remembers newer rows than there are");
     }
     const auto saved = _database->writeSyncSource(source, statesHash(states));
     if (!saved.ok()) return saved.error();
@@ -350,15 +368,33 @@ QNResult<QNDone> QNStore::Database::deleteSyncSource(const std::shared_ptr<QNSyn
 
 // Checking
 
+bool QNStore::Database::remembersNewerRows(const QNSyncSourceRow& source, const QNProfile& vault,
+                                           std::uint64_t lastTx) {
+  if (source.keychainType != kTypeOfMerges) return false;
+  QNQuery query = file->query(
+      "SELECT 1 FROM sync_states LEFT JOIN items ON items.vault_id = ?1 AND "
+      "items.uuid = sync_states.object_uuid WHERE source_id = ?2 AND kind = 1 AND "
+      "local_timestamp > coalesce(items.tx_timestamp, ?3) LIMIT 1",
+      vault.oid(), source.oid, lastTx);
+  return query.next();
+}
+
 void QNStore::Database::checkSyncSources(const std::shared_ptr<QNProfile>& vault,
                                          QNCheckReport& report) {
+  const auto ledger = ledgerNow(*vault);
+  if (!ledger.ok()) return;  // SQLite's error stays with the connection
   QNQuery query = file->query(kSelectSourcesOfVault, vault->oid());
   while (query.next()) {
     const QNSyncSourceRow row = syncSourceRow(query);
+    const std::string name = "sync source " + std::to_string(row.oid) + ": ";
     ++report.syncSourcesChecked;
     if (syncSourceOf(row, QNSyncStates::read(*file, row.oid), vault) == nullptr) {
-      report.problems.push_back("sync source " + std::to_string(row.oid) +
-                                ": it or its states were altered");
+      report.problems.push_back(name + "it or its states were altered");
+    } else if (remembersNewerRows(row, *vault, ledger.value().lastTx)) {
+      report.problems.push_back(name + "a merge with " +
+                                std::string(row.keychainIdentifier.value_or("")) +
+                                " remembers newer rows: put a whole backup in the place of this "
+                                "file; or move the other one, and a merge joins all that differs");
     }
   }
 }

@@ -330,6 +330,23 @@ TEST_F(QNStoreSync, AWriterOfADeletedSourceTouchesNoneThatCameLater) {
   EXPECT_EQ(sources().at(0)->keychainType(), std::nullopt);
 }
 
+TEST_F(QNStoreSync, RefusesMemoryOfAMergeThatIsNewerThanAllRows) {
+  const auto source = newSource();
+  const auto state = stateOf(*savedLogin(session, "a")->uuid());
+  source->setItemStates({state});
+  state->setLocalTimestamp(changesSince(0).txTimestamp + 1);
+  EXPECT_EQ(errorOf(session.store->saveSyncSource(source)), "");  // not a merge's
+  source->setKeychainType("store");
+
+  EXPECT_EQ(errorOf(session.store->saveSyncSource(source)), codeText(QNStoreErrorCode::damaged));
+
+  EXPECT_EQ(sources().at(0)->keychainType(), std::nullopt);
+  EXPECT_EQ(problemsIn(session), std::vector<std::string>());
+  state->setLocalTimestamp(changesSince(0).txTimestamp);
+  EXPECT_EQ(errorOf(session.store->saveSyncSource(source)), "");
+  EXPECT_EQ(problemsIn(session), std::vector<std::string>());
+}
+
 TEST_F(QNStoreSync, AFailedTransactionLeavesASourceAsItWas) {
   const auto source = savedSource();
   const auto fresh = newSource();

@@ -72,9 +72,10 @@ struct QNTagReport {
 
 /// What a repair of folders did. Identifiers only.
 struct QNFolderRepair {
-  /// Their rows weren't what was saved, but their titles and questions open: kept as they stand.
+  /// Their rows weren't what was saved, but their titles and questions open, or they are those of
+  /// deleted ones: kept as they stand.
   std::vector<std::string> foldersSealedAnew;
-  /// Their titles and questions don't open. Those that were deleted before are among them.
+  /// Their titles and questions don't open.
   std::vector<std::string> foldersRemoved;
   /// Rows were missing, were added, or were older than the vault's ledger said: it says now what is
   /// there.
@@ -253,10 +254,10 @@ class QNStore final {
 
   // New folders: QNStore+FolderImport.cpp
   /// Saves new folders of a vault that come out of a file, in that order, smart or not as they are
-  /// and with the times that they have; one that was deleted counts as changed no earlier than
-  /// that. The uuid of each that was put at the top, since its parent is neither there nor new,
-  /// since it would lie in itself, or too deep. Errors: exists; unreadableItem, if one has no uuid
-  /// or another vault; locked, damaged, ...
+  /// and with the times that they have, or now for one that is to come; one that was deleted counts
+  /// as changed no earlier than that. The uuid of each that was put at the top, since its parent is
+  /// neither there nor new, since it would lie in itself, or too deep. Errors: exists;
+  /// unreadableItem, if one has no uuid or another vault; locked, damaged, ...
   QNResult<std::vector<std::string>> addFolders(const std::shared_ptr<QNProfile>& vault,
                                                 std::span<const std::shared_ptr<QNFolder>> folders);
 
@@ -270,7 +271,8 @@ class QNStore final {
   QNResult<std::vector<std::shared_ptr<QNSyncSource>>> syncSources(
       const std::shared_ptr<QNProfile>& vault);
   /// Stores a source and all of its states, whether it is dirty or not: its profile is the vault.
-  /// Errors: exists, if two item states have one uuid; lostRace, locked, notFound, ...
+  /// Errors: exists, if two item states have one uuid; damaged, if what a merge remembers (of the
+  /// keychain type "store") is newer than all rows; lostRace, locked, notFound, ...
   QNResult<QNDone> saveSyncSource(const std::shared_ptr<QNSyncSource>& source);
   /// Forgets a source and its states. The source has no row id any more.
   QNResult<QNDone> deleteSyncSource(const std::shared_ptr<QNSyncSource>& source);

@@ -18,7 +18,9 @@ struct QNRowImportReport {
                                      // open; left alone
   std::uint64_t foldersAdded = 0;
   std::uint64_t foldersAlreadyThere = 0;       // whatever they are called there; left alone
-  std::vector<std::string> foldersMovedToTop;  // uuids of added ones whose place isn't there
+  std::vector<std::string> foldersMovedToTop;  // uuids of added ones whose place isn't there; the
+                                               // store finds them when it saves, so onlyTell
+                                               // names none
 };
 
 /// Does the file begin as JSON does? No CSV that has columns of ours does.

@@ -2,6 +2,7 @@
 #include <set>
 
 #include "quillon/fields/QNFieldSection.h"
+#include "quillon/items/QNItemMerge.h"
 #include "quillon/items/internal/QNItemState.h"
 
 // Identifiers of the copies in the section "conflicts", part of the stored form:
@@ -34,6 +35,16 @@ bool keepsConflict(const QNFieldSection& conflicts, const QNItemField& field) {
 }
 
 }  // namespace
+
+bool hasFieldToKeepValue(QNItem& item, const QNFieldValue& value) {
+  for (const auto& section : item.fieldSections()) {
+    for (const auto& field : section->fields()) {
+      const bool isTitle = field->identifier().value_or("").starts_with(kTitleConflictPrefix);
+      if (!isTitle && field->isValueEqualTo(value)) return true;
+    }
+  }
+  return false;
+}
 
 bool QNItem::hasFieldSectionsEqualTo(const FieldSections& sections) {
   const FieldSections mine = fieldSections();
@@ -70,7 +81,7 @@ void QNItem::mergeField(const std::shared_ptr<QNItemField>& theirs,
 
 // The seed of a one-time password in a field of another kind is none yet.
 bool QNItem::hasFieldOfSameValue(const QNItemField& theirs) {
-  if (!theirs.isTOTPField()) return findFieldWithValue(theirs.rawValue()) != nullptr;
+  if (!theirs.isTOTPField()) return hasFieldToKeepValue(*this, theirs.rawValue());
   for (const auto& section : fieldSections()) {
     for (const auto& field : section->fields()) {
       if (field->isTOTPField() && field->isValueEqualTo(theirs.rawValue())) return true;

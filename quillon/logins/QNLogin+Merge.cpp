@@ -92,7 +92,7 @@ void QNLogin::mergeUsernameWithConflict(QNLogin& other) {
   if (loginFields().usernameField() == nullptr) {
     return loginFields().addLoginField(other.loginFields().usernameField());
   }
-  if (findFieldWithValue(std::string_view(*theirs)) != nullptr) return;
+  if (hasFieldToKeepValue(*this, std::string_view(*theirs))) return;
   sectionForConflictsCreatedIfNeeded()->addField(
       conflictField(false, QNLocalizedString("username"), *theirs));
 }
@@ -137,7 +137,7 @@ void QNLogin::keepAsConflict(const QNLoginField& entry) {
 bool QNLogin::keepsValueOf(const QNLoginField& entry, std::string_view value) {
   if (entry.designatedAsPassword() && containsPasswordValue(value)) return true;
   if (entry.designatedAsUsername() && username() == value) return true;
-  return findFieldWithValue(value) != nullptr;
+  return hasFieldToKeepValue(*this, value);
 }
 
 // A generated password comes as the login that it stands for, in the form that a save gives it.

@@ -2,15 +2,21 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "quillon/fields/QNFieldSection.h"
 #include "quillon/fields/QNItemStringField.h"
+#include "quillon/items/QNItemMerge.h"
+#include "quillon/platform/json/QNJson.h"
 #include "quillon/platform/text/QNLocalization.h"
 #include "store/QNMergeReport.h"
 
 namespace quillon {
 
 namespace {
+
+static_assert(kTitleConflictPrefix.starts_with(kTitlePart) &&
+              kTitleConflictPrefix.substr(kTitlePart.size()) == kConflictIdentifierSeparator);
 
 /// Made at each save of what the joined item has.
 constexpr std::array kDerived = {
@@ -28,9 +34,7 @@ JsonObject emptyIfNone(std::optional<JsonObject> object) {
 }  // namespace
 
 QNMergeRest::QNMergeRest(QNItem& item)
-    : _overview(emptyIfNone(item.overviewCopy())), _details(emptyIfNone(item.detailsCopy())) {
-  if (const auto title = item.overviewTextForKey(kOverviewTitle)) _title = *title;
-}
+    : _overview(emptyIfNone(item.overviewCopy())), _details(emptyIfNone(item.detailsCopy())) {}
 
 void QNMergeRest::addTo(QNItem& joined) const {
   joined.willSerialize();  // so that both objects have what the merge has made
@@ -43,13 +47,16 @@ void QNMergeRest::addTo(QNItem& joined) const {
     if (key == kDetailsPassword || joined.detailsObjectForKey(key) != nullptr) continue;
     joined.setDetailsObject(Json(value, jsonStorage()), key);
   }
-  if (_title && !_title->empty() && joined.title() != *_title) addTitleTo(joined);
+  const auto title = mr_validStringValueForKey(_overview, kOverviewTitle).value_or("");
+  if (!title.empty() && joined.overviewTextForKey(kOverviewTitle) != title) {
+    addTitleTo(joined, title);
+  }
 }
 
-void QNMergeRest::addTitleTo(QNItem& joined) const {
+void QNMergeRest::addTitleTo(QNItem& joined, std::string_view title) {
   const auto lost = QNItemStringField::fieldWithIdentifier(kTitlePart);
   lost->setTitle(QNLocalizedString("Title"));
-  lost->setValue(*_title);
+  lost->setValue(title);
   const auto conflicts = joined.sectionForConflictsCreatedIfNeeded();
   if (conflicts->hasConflictForField(*lost)) return;
   conflicts->addField(QNItem::newConflictFieldBasedOnField(*lost, *conflicts));

@@ -1,8 +1,7 @@
 #pragma once
 // What QNItem::mergeWithConflict() would let go of an item that is merged into another.
 
-#include <optional>
-#include <string>
+#include <string_view>
 
 #include "quillon/items/QNItem.h"
 
@@ -19,9 +18,8 @@ class QNMergeRest final {
   void addTo(QNItem& joined) const;
 
  private:
-  void addTitleTo(QNItem& joined) const;
+  static void addTitleTo(QNItem& joined, std::string_view title);
 
-  std::optional<std::string> _title;
   JsonObject _overview, _details;
 };
 

@@ -334,6 +334,9 @@ struct QNStore::Database {
   QNResult<QNDone> checkVault(const std::shared_ptr<QNProfile>& vault, QNCheckReport& report);
   void checkTombstone(const QNItemRow& row, QNProfile& vault, QNCheckReport& report);
   void checkSyncSources(const std::shared_ptr<QNProfile>& vault, QNCheckReport& report);
+  /// Would a merge refuse the vault, since its rows are older than the source remembers them?
+  bool remembersNewerRows(const QNSyncSourceRow& source, const QNProfile& vault,
+                          std::uint64_t lastTx);
 
   /// Runs `work` as one reading. SQLite's error, if there is one, goes before what it returns.
   template <class Work>
