@@ -8,12 +8,6 @@
 
 namespace quillon {
 
-namespace {
-
-constexpr std::string_view kStoreKeychainType = "store";
-
-}  // namespace
-
 // Reading
 
 QNResult<QNDone> QNStore::Merge::readMemory(Side& side, const Side& partner) {
@@ -31,7 +25,7 @@ QNResult<QNDone> QNStore::Merge::readMemory(Side& side, const Side& partner) {
   const auto source = std::make_shared<QNSyncSource>(initNew);
   source->setProfile(side.vault());
   source->restoreKeychainIdentifier(partner.given.place, false);
-  source->setKeychainType(std::string(kStoreKeychainType));
+  source->setKeychainType(std::string(kTypeOfMerges));
   source->setRemoteProfileUUID(*partner.vault()->uuid());
   source->setLocalProfileUUID(*side.vault()->uuid());
   side.memory.source = source;

@@ -19,8 +19,6 @@ namespace {
   "local_profile_timestamp, local_profile_attributes, seal"
 constexpr std::string_view kSelectSourcesOfVault =
     "SELECT " QN_SYNC_SOURCE_COLUMNS " FROM sync_sources WHERE vault_id = ?1 ORDER BY oid";
-/// The keychain type of what a merge remembers: times of others needn't be those of our rows.
-constexpr std::string_view kTypeOfMerges = "store";
 
 QNSyncSourceRow syncSourceRow(const QNQuery& query) {
   QNSyncSourceRow row;

@@ -60,6 +60,9 @@ inline constexpr std::string_view kSelectStrayItems =
     "(SELECT 1 FROM folders WHERE folders.vault_id = ?1 AND folders.uuid = items.folder_uuid AND "
     "folders.status = 0) ORDER BY oid";
 
+/// The keychain type of what a merge remembers: times of others needn't be those of our rows.
+inline constexpr std::string_view kTypeOfMerges = "store";
+
 // Values of `status`. What stays of a deleted item has that of a trashed one.
 inline constexpr std::uint64_t kTrashedItem = 1;
 inline constexpr std::uint64_t kDeletedFolder = 2;
