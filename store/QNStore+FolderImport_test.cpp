@@ -33,6 +33,15 @@ class QNStoreFolderImport : public ::testing::Test {
   std::string errorOfAdding(const Folders& folders) {
     return errorOf(session.store->addFolders(session.vault, folders));
   }
+  Session copyOfStore() {
+    EXPECT_EQ(errorOf(session.store->backupTo(folder / "theirs")), "");
+    return openSession(folder / "theirs");
+  }
+  void deleteA() {
+    const auto a = session.store->folder(session.vault, "a");
+    ASSERT_TRUE(a.ok());
+    EXPECT_EQ(errorOf(session.store->deleteFolder(a.value())), "");
+  }
 
   QNScopedClock clock{1'700'000'000};
   const TemporaryFolder folder;
@@ -118,11 +127,9 @@ TEST_F(QNStoreFolderImport, RefusesAllIfOneIsOfAnotherVaultOrNamelessOrTwice) {
 
 TEST_F(QNStoreFolderImport, BringsADeletedFolderBackForAMergeToo) {
   add({named("a")});
-  ASSERT_EQ(errorOf(session.store->backupTo(folder / "theirs")), "");
-  Session theirs = openSession(folder / "theirs");
+  Session theirs = copyOfStore();
   clock.setSeconds(1'700'000'100);
-  ASSERT_EQ(errorOf(session.store->deleteFolder(session.store->folder(session.vault, "a").value())),
-            "");
+  deleteA();
   ASSERT_EQ(errorOf(mergeStores(session, theirs)), "");
   ASSERT_EQ(treeIn(theirs), "");
   const auto old = named("a");
@@ -152,11 +159,9 @@ TEST_F(QNStoreFolderImport, LetsALaterDeletionGoThroughWhateverTimeTheFileGave) 
   const auto made = named("a");
   made->setUpdatedAt(9'000'000'000);
   add({made});
-  ASSERT_EQ(errorOf(session.store->backupTo(folder / "theirs")), "");
-  Session theirs = openSession(folder / "theirs");
+  Session theirs = copyOfStore();
   clock.setSeconds(1'700'000'100);
-  ASSERT_EQ(errorOf(session.store->deleteFolder(session.store->folder(session.vault, "a").value())),
-            "");
+  deleteA();
 
   ASSERT_EQ(errorOf(mergeStores(session, theirs)), "");
 
@@ -166,11 +171,9 @@ TEST_F(QNStoreFolderImport, LetsALaterDeletionGoThroughWhateverTimeTheFileGave) 
 
 TEST_F(QNStoreFolderImport, BringsAFolderBackThatWasDeletedByAClockThatWasAhead) {
   add({named("a")});
-  ASSERT_EQ(errorOf(session.store->backupTo(folder / "theirs")), "");
-  Session theirs = openSession(folder / "theirs");
+  Session theirs = copyOfStore();
   clock.setSeconds(1'800'000'000);
-  ASSERT_EQ(errorOf(session.store->deleteFolder(session.store->folder(session.vault, "a").value())),
-            "");
+  deleteA();
   ASSERT_EQ(errorOf(mergeStores(session, theirs)), "");
   clock.setSeconds(1'700'000'100);
 

@@ -42,6 +42,15 @@ class HistoryFile : public ::testing::Test {
     EXPECT_TRUE(read.ok());
     return read.ok() ? read.value() : std::vector<std::string>();
   }
+  /// It is neither read nor written.
+  void expectRefused() const {
+    const auto read = QNHistoryFile(place).read();
+    const auto appended = QNHistoryFile(place).append("list");
+    ASSERT_FALSE(read.ok());
+    EXPECT_EQ(exitFor(read.error()), QNExit::fileError);
+    ASSERT_FALSE(appended.ok());
+    EXPECT_EQ(exitFor(appended.error()), QNExit::fileError);
+  }
 
   fs::path folder;
   fs::path place;
@@ -101,13 +110,7 @@ TEST_F(HistoryFile, FollowsNoLink) {
   std::ofstream(folder / "letter") << "Dear Sir\n";
   fs::create_symlink(folder / "letter", place);
 
-  const auto read = QNHistoryFile(place).read();
-  const auto appended = QNHistoryFile(place).append("list");
-
-  ASSERT_FALSE(read.ok());
-  EXPECT_EQ(exitFor(read.error()), QNExit::fileError);
-  ASSERT_FALSE(appended.ok());
-  EXPECT_EQ(exitFor(appended.error()), QNExit::fileError);
+  expectRefused();
   EXPECT_EQ(fs::file_size(folder / "letter"), 9u);
 }
 
@@ -115,13 +118,7 @@ TEST_F(HistoryFile, WaitsForNoPipe) {
   fs::create_directories(place.parent_path());
   ASSERT_EQ(::mkfifo(place.c_str(), 0600), 0);
 
-  const auto read = QNHistoryFile(place).read();
-  const auto appended = QNHistoryFile(place).append("list");
-
-  ASSERT_FALSE(read.ok());
-  EXPECT_EQ(exitFor(read.error()), QNExit::fileError);
-  ASSERT_FALSE(appended.ok());
-  EXPECT_EQ(exitFor(appended.error()), QNExit::fileError);
+  expectRefused();
 }
 
 TEST_F(HistoryFile, OfSomebodyElseIsNotRead) {
